@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace lumetwin {
+
+inline constexpr std::array<std::string_view, 6> videoExtensions{"mov", "mp4", "m4v", "hevc", "avi", "mkv"};
+inline constexpr std::array<std::string_view, 7> photoExtensions{"heic", "heif", "jpg", "jpeg", "png", "tiff", "tif"};
+
+/// The file's extension without its dot, in lower case (ASCII).
+std::string lowerCasedExtension(const std::filesystem::path &file);
+bool isVideoFile(const std::filesystem::path &file);
+bool isPhotoFile(const std::filesystem::path &file);
+/// Whether a batch takes the file at all, judged by its extension.
+bool isMediaFile(const std::filesystem::path &file);
+
+} // namespace lumetwin

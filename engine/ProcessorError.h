@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+namespace lumetwin {
+
+/// The engine's own error: domain "VideoProcessor", code -1, and a localized message.
+class ProcessorError : public std::runtime_error {
+public:
+    static constexpr const char *domain = "VideoProcessor";
+    static constexpr int code = -1;
+    using std::runtime_error::runtime_error;
+};
+
+/// The engine error with the given message, to be thrown.
+inline ProcessorError processorError(const std::string &message) { return ProcessorError(message); }
+
+/// An error's full text for the log: its domain, code and message.
+std::string errorText(const std::exception &error);
+
+} // namespace lumetwin

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/ConversionControl.h"
+#include "model/ConversionSettings.h"
+#include "model/SystemVersion.h"
+
+#include <filesystem>
+
+namespace lumetwin {
+
+/// Converts a side-by-side video into a spatial movie; the output's extension becomes "mov". Blocks until the file is written or
+/// abandoned. Returns normally when the user cancelled. Throws ProcessorError or MediaError.
+void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                              const std::filesystem::path &output, const ConversionControl &control,
+                              SystemVersion system = SystemVersion::current());
+
+} // namespace lumetwin

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/ConversionSettings.h"
+
+#include <filesystem>
+
+namespace lumetwin {
+
+/// Converts a spatial photo into a side-by-side image. Throws SpatialPhotoError, ProcessorError
+/// or MediaError.
+void convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
+                              const std::filesystem::path &output);
+
+} // namespace lumetwin

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+namespace lumetwin::media {
+
+enum class ColourRange { unspecified, limited, full };
+
+/// Where chroma samples lie relative to luma samples in subsampled formats (ITU-T H.273, 8.7).
+enum class ChromaLocation { unspecified, left, centre, topLeft };
+
+/// What the sample values mean. Numbers are the code points of ITU-T H.273; 2 means unspecified.
+struct ColourTags {
+    int primaries = 2;
+    int transfer = 2;
+    int matrix = 2;
+    ColourRange range = ColourRange::unspecified;
+    ChromaLocation chromaLocation = ChromaLocation::unspecified;
+
+    bool operator==(const ColourTags &) const = default;
+};
+
+} // namespace lumetwin::media

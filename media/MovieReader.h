@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/MovieTags.h"
+#include "media/Picture.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace lumetwin::media {
+
+/// Facts of a movie's first video track.
+struct VideoTrack {
+    int index = 0;               ///< of the stream in its container
+    double naturalWidth = 0;     ///< pixels as stored: no rotation applied
+    double naturalHeight = 0;
+    float nominalFrameRate = 0;  ///< frames per second, 0 when unknown
+    PictureFormat format;
+    ColourTags colour;
+};
+
+/// Facts of a movie's first audio track; zero where the track does not tell.
+struct AudioTrack {
+    int index = 0;
+    double sampleRate = 0;
+    int channels = 0;
+};
+
+/// A movie that has been opened and whose headers have been read.
+class MovieFile {
+public:
+    /// Throws MediaError when the file cannot be opened or is no movie.
+    explicit MovieFile(const std::filesystem::path &file);
+    ~MovieFile();
+
+    const std::filesystem::path &path() const;
+    std::optional<VideoTrack> videoTrack() const;
+    std::optional<AudioTrack> audioTrack() const;
+    double duration() const; ///< seconds
+    MovieTags tags() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+enum class StereoView { none, left, right };
+
+/// One picture of a frame and the eye that the stream says it is for.
+struct TaggedPicture {
+    Picture picture;
+    StereoView view = StereoView::none;
+};
+
+/// What one presentation time holds: one picture, or the two views of a stereo frame in decoding order.
+struct Frame {
+    std::array<TaggedPicture, 2> pictures;
+    int count = 0;
+    std::span<const TaggedPicture> views() const { return {pictures.data(), static_cast<std::size_t>(count)}; }
+};
+
+enum class Views { base, all };
+
+/// Decodes a movie's video track from beginning to end. Damaged frames are passed over; a file that ends
+/// early ends the reading. One thread at a time.
+class FrameReader {
+public:
+    /// Throws MediaError when the track cannot be decoded (no decoder, encrypted, …).
+    FrameReader(const std::filesystem::path &file, const VideoTrack &track, Views views);
+    ~FrameReader();
+    /// The next frame in presentation order; nothing at the end.
+    std::optional<Frame> next();
+    /// Whether data was damaged or missing so far.
+    bool damaged() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+/// Interleaved signed 16-bit samples; count is in samples a channel.
+struct AudioBlock {
+    std::shared_ptr<const std::int16_t[]> samples;
+    int count = 0;
+};
+
+/// Decodes a movie's audio track to 16-bit PCM of the given rate and at most two channels (more are mixed
+/// down), beginning at the movie's time 0: sound before it is cut, a late start is filled with silence.
+class AudioReader {
+public:
+    /// Throws MediaError when the track cannot be decoded.
+    AudioReader(const std::filesystem::path &file, const AudioTrack &track, int sampleRate, int channels);
+    ~AudioReader();
+    std::optional<AudioBlock> next();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace lumetwin::media

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/MovieReader.h"
+#include "media/MovieTags.h"
+#include "media/Picture.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+namespace lumetwin::media {
+
+enum class Container { mpeg4, quickTime };
+enum class VideoCodec { h264, hevc };
+
+/// An ordinary video track: 8-bit 4:2:0 pictures at a constant rate. Odd sizes are coded padded and cropped again in the file,
+/// so that a viewer sees the stated size.
+struct VideoEncoding {
+    VideoCodec codec = VideoCodec::h264;
+    int width = 0;
+    int height = 0;
+    std::int64_t averageBitRate = 0; ///< bits per second
+    double frameRate = 30;           ///< for the encoder's rate control
+    ColourTags colour;
+};
+
+/// A multiview HEVC track of two views, left in layer 0 and right in layer 1, with its stereo facts in the file's
+/// integer units.
+struct StereoVideoEncoding {
+    int width = 0;  ///< one eye
+    int height = 0;
+    std::int64_t averageBitRate = 0; ///< bits per second, both layers together
+    double frameRate = 30;
+    ColourTags colour;
+    std::uint32_t baseline = 0;              ///< micrometres
+    std::uint32_t horizontalFieldOfView = 0; ///< thousandths of a degree
+    std::int32_t disparityAdjustment = 0;    ///< ten-thousandths of the image width
+    bool rectilinear = true;
+};
+
+/// An AAC track, mono or stereo.
+struct AudioEncoding {
+    int sampleRate = 44100;
+    int channels = 2;
+    std::int64_t bitRate = 192000;
+};
+
+/// Writes a movie under a partial name until it is complete; finish() gives it its own name in one rename, replacing
+/// what was there. cancel() removes the partial file, a failure leaves it. Destroying an unfinished writer leaves it too.
+///
+/// Tracks are added before start(). Then one thread appends video and another audio; a track that runs
+/// ahead waits for the other, so that memory stays flat.
+class MovieWriter {
+public:
+    /// The name of an output while it is written: "NAME.EXT.partial".
+    static std::filesystem::path partialName(const std::filesystem::path &output);
+
+    /// Throws MediaError when the partial file cannot be created.
+    MovieWriter(const std::filesystem::path &output, Container container, MovieTags tags);
+    ~MovieWriter();
+
+    void addAudio(const AudioEncoding &encoding);
+    void addVideo(const VideoEncoding &encoding);
+    void addVideo(const StereoVideoEncoding &encoding);
+    /// Times of video are in units of 1/timeScale second.
+    void start(int timeScale);
+
+    /// A failure is kept and thrown by finish(); after one, and after abandon(), these do nothing.
+    void append(const Picture &picture, std::int64_t time, std::int64_t duration);
+    void append(const Picture &left, const Picture &right, std::int64_t time, std::int64_t duration);
+    void append(const AudioBlock &block);
+    void finishVideo();
+    void finishAudio();
+
+    /// Nothing that is still appended will be kept: the run is being cancelled. Any thread.
+    void abandon();
+
+    /// Completes the file. Throws the first failure of this writer.
+    void finish();
+    /// Ends without a file. Throws a failure that had happened before.
+    void cancel();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace lumetwin::media

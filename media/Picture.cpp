@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/Picture.h"
+
+#include <mutex>
+#include <new>
+#include <stdexcept>
+#include <vector>
+
+namespace lumetwin::media {
+
+namespace {
+
+constexpr std::size_t alignment = 64; // the widest SIMD registers in use
+constexpr int maximumSide = 65535;
+constexpr std::size_t maximumBytes = std::size_t{2} << 30;
+
+struct Layout {
+    std::array<std::size_t, 3> offset{};
+    std::array<std::ptrdiff_t, 3> stride{};
+    std::size_t bytes = 0;
+};
+
+Layout layoutOf(const Picture &shape) {
+    if (shape.width < 1 || shape.height < 1 || shape.width > maximumSide || shape.height > maximumSide)
+        throw std::length_error("picture size out of range");
+    Layout layout;
+    for (int plane = 0; plane < shape.format.planeCount(); ++plane) {
+        const auto row = static_cast<std::size_t>(shape.planeWidth(plane)) * shape.format.bytesPerSample();
+        const std::size_t stride = (row + alignment - 1) / alignment * alignment;
+        layout.offset[plane] = layout.bytes;
+        layout.stride[plane] = static_cast<std::ptrdiff_t>(stride);
+        layout.bytes += stride * static_cast<std::size_t>(shape.planeHeight(plane));
+    }
+    // SIMD code may read one register past the last sample.
+    layout.bytes += alignment;
+    if (layout.bytes > maximumBytes)
+        throw std::length_error("picture too large");
+    return layout;
+}
+
+using Block = std::unique_ptr<std::uint8_t, void (*)(std::uint8_t *)>;
+
+Block allocate(std::size_t bytes) {
+    return {static_cast<std::uint8_t *>(::operator new(bytes, std::align_val_t{alignment})),
+            [](std::uint8_t *memory) { ::operator delete(memory, std::align_val_t{alignment}); }};
+}
+
+Picture shapeOf(int width, int height, PictureFormat format, ColourTags colour) {
+    Picture picture;
+    picture.width = width;
+    picture.height = height;
+    picture.format = format;
+    picture.colour = colour;
+    return picture;
+}
+
+void attach(Picture &picture, const Layout &layout, std::shared_ptr<std::uint8_t> memory) {
+    for (int plane = 0; plane < picture.format.planeCount(); ++plane)
+        picture.planes[plane] = {memory.get() + layout.offset[plane], layout.stride[plane]};
+    picture.storage = std::move(memory);
+}
+
+} // namespace
+
+Picture makePicture(int width, int height, PictureFormat format, ColourTags colour) {
+    Picture picture = shapeOf(width, height, format, colour);
+    const Layout layout = layoutOf(picture);
+    attach(picture, layout, std::shared_ptr<std::uint8_t>(allocate(layout.bytes)));
+    return picture;
+}
+
+Picture cropped(const Picture &picture, int x, int y, int width, int height) {
+    Picture part = picture;
+    part.width = width;
+    part.height = height;
+    for (int plane = 0; plane < picture.format.planeCount(); ++plane)
+        part.planes[plane].data += (y >> picture.format.shiftY(plane)) * picture.planes[plane].stride +
+                                   static_cast<std::ptrdiff_t>(x >> picture.format.shiftX(plane)) *
+                                       picture.format.bytesPerSample();
+    return part;
+}
+
+struct PicturePool::Store {
+    Picture shape;
+    Layout layout;
+    std::mutex mutex;
+    std::vector<Block> spare;
+
+    Block take() {
+        const std::lock_guard lock(mutex);
+        if (spare.empty())
+            return allocate(layout.bytes);
+        Block block = std::move(spare.back());
+        spare.pop_back();
+        return block;
+    }
+
+    void giveBack(Block block) {
+        const std::lock_guard lock(mutex);
+        spare.push_back(std::move(block));
+    }
+};
+
+PicturePool::PicturePool(int width, int height, PictureFormat format, ColourTags colour)
+    : store_(std::make_shared<Store>()) {
+    store_->shape = shapeOf(width, height, format, colour);
+    store_->layout = layoutOf(store_->shape);
+}
+
+Picture PicturePool::take() {
+    Block block = store_->take();
+    const auto release = block.get_deleter();
+    std::shared_ptr<std::uint8_t> memory(
+        block.release(), [store = store_, release](std::uint8_t *bytes) { store->giveBack(Block(bytes, release)); });
+    Picture picture = store_->shape;
+    attach(picture, store_->layout, std::move(memory));
+    return picture;
+}
+
+} // namespace lumetwin::media

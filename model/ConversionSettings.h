@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/ConversionDirection.h"
+#include "model/ResizeMode.h"
+#include "model/SBSOutputFormat.h"
+#include "model/SBSPhotoOutputFormat.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+namespace lumetwin {
+
+/// Every choice of the user for one batch. The form (or the command line) writes single fields, the engine
+/// reads them. There is one instance, handed on by reference and never copied; nothing is validated
+/// on assignment.
+class ConversionSettings {
+public:
+    ConversionSettings() = default;
+    ConversionSettings(const ConversionSettings &) = delete;
+    ConversionSettings &operator=(const ConversionSettings &) = delete;
+
+    ConversionDirection direction = ConversionDirection::spatialToSBS;
+    std::optional<std::filesystem::path> inputFolderURL;            ///< the input, when it is a folder
+    std::optional<std::vector<std::filesystem::path>> inputFiles;   ///< the input, when it is a set of files
+    std::optional<std::filesystem::path> outputFolderURL;           ///< receives the outputs
+    double horizontalFOV = 63.4;                                    ///< degrees, written as stereo metadata
+    double disparityAdjustment = 2.0;                               ///< percent of the image width
+    double stereoBaseline = 19.24;                                  ///< millimetres
+    SBSOutputFormat sbsOutputFormat = SBSOutputFormat::mp4H264;
+    SBSPhotoOutputFormat sbsPhotoOutputFormat = SBSPhotoOutputFormat::jpg;
+    double compressionQuality = 0.75;                               ///< 0.0 to 1.0
+    bool halfWidth = false;                                         ///< pack each eye at half width
+    bool swapLeftRight = false;                                     ///< exchange the eyes
+    bool enableResize = false;                                      ///< resize each eye to the size below
+    std::int64_t resizeWidth = 1920;                                ///< pixels of one eye
+    std::int64_t resizeHeight = 1080;                               ///< pixels of one eye
+    ResizeMode resizeMode = ResizeMode::letterbox;
+    bool copyAudio = true;                                          ///< carry the source's audio track
+};
+
+} // namespace lumetwin

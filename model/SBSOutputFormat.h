@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace lumetwin {
+
+/// Container and codec of side-by-side video.
+enum class SBSOutputFormat { mp4H264, mp4H265, movHEVC };
+
+inline constexpr std::array allSBSOutputFormats{SBSOutputFormat::mp4H264, SBSOutputFormat::mp4H265,
+                                                SBSOutputFormat::movHEVC};
+
+/// The text that stands for the format, also in the format menu.
+constexpr std::string_view rawValue(SBSOutputFormat format) {
+    switch (format) {
+    case SBSOutputFormat::mp4H264:
+        return "MP4 (H.264)";
+    case SBSOutputFormat::mp4H265:
+        return "MP4 (H.265/HEVC)";
+    case SBSOutputFormat::movHEVC:
+        return "MOV (HEVC)";
+    }
+    return {};
+}
+
+/// The format that a raw value stands for; nothing unless it matches exactly.
+constexpr std::optional<SBSOutputFormat> sbsOutputFormat(std::string_view raw) {
+    for (SBSOutputFormat format : allSBSOutputFormats)
+        if (rawValue(format) == raw)
+            return format;
+    return std::nullopt;
+}
+
+} // namespace lumetwin

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <compare>
+#include <limits>
+
+namespace lumetwin {
+
+/// The version of the running system, for what a system may lack. On Linux everything is available,
+/// so current() answers a version above every gate; tests set others.
+struct SystemVersion {
+    int major = 0;
+    int minor = 0;
+    int patch = 0;
+
+    auto operator<=>(const SystemVersion &) const = default;
+
+    static constexpr SystemVersion current() { return {std::numeric_limits<int>::max(), 0, 0}; }
+};
+
+} // namespace lumetwin
