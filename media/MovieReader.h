@@ -18,6 +18,8 @@ struct VideoTrack {
     double naturalWidth = 0;     ///< pixels as stored: no rotation applied
     double naturalHeight = 0;
     float nominalFrameRate = 0;  ///< frames per second, 0 when unknown
+    std::int64_t frameCount = 0; ///< as the container states it, 0 when it does not
+    double startTime = 0;        ///< presentation time of the first frame, seconds
     PictureFormat format;
     ColourTags colour;
 };
@@ -43,6 +45,7 @@ public:
     MovieTags tags() const;
 
 private:
+    friend class FrameReader;
     struct State;
     std::unique_ptr<State> state_;
 };
@@ -64,16 +67,17 @@ struct Frame {
 
 enum class Views { base, all };
 
-/// Decodes a movie's video track from beginning to end. Damaged frames are passed over; a file that ends
-/// early ends the reading. One thread at a time.
+/// Decodes a movie's video track from beginning to end, a few frames ahead on a thread of its own. Damaged frames
+/// are passed over; a file that ends early ends the reading. It reads through the movie's own demuxer: one
+/// frame reader for each opened movie, which must outlive it.
 class FrameReader {
 public:
     /// Throws MediaError when the track cannot be decoded (no decoder, encrypted, …).
-    FrameReader(const std::filesystem::path &file, const VideoTrack &track, Views views);
+    FrameReader(MovieFile &movie, const VideoTrack &track, Views views);
     ~FrameReader();
     /// The next frame in presentation order; nothing at the end.
     std::optional<Frame> next();
-    /// Whether data was damaged or missing so far.
+    /// Whether data was damaged or missing; known once next() has returned nothing.
     bool damaged() const;
 
 private:
@@ -87,12 +91,18 @@ struct AudioBlock {
     int count = 0;
 };
 
-/// Decodes a movie's audio track to 16-bit PCM of the given rate and at most two channels (more are mixed
-/// down), beginning at the movie's time 0: sound before it is cut, a late start is filled with silence.
+/// The sample rate that AAC carries (ISO/IEC 14496-3, table 1.18) for a source of the given rate: its own, else the
+/// next higher one, else the highest.
+int aacSampleRate(double sourceRate);
+
+/// Decodes a movie's audio track to 16-bit PCM of the given rate and one or two channels (more are mixed
+/// down), beginning at the given time of the movie: sound before it is cut, a late start and gaps are filled with
+/// silence.
 class AudioReader {
 public:
     /// Throws MediaError when the track cannot be decoded.
-    AudioReader(const std::filesystem::path &file, const AudioTrack &track, int sampleRate, int channels);
+    AudioReader(const std::filesystem::path &file, const AudioTrack &track, int sampleRate, int channels,
+                double fromTime);
     ~AudioReader();
     std::optional<AudioBlock> next();
 

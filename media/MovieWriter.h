@@ -72,6 +72,8 @@ public:
     void append(const AudioBlock &block);
     void finishVideo();
     void finishAudio();
+    /// Whether a failure has happened, after which appending is idle.
+    bool failed() const;
 
     /// Nothing that is still appended will be kept: the run is being cancelled. Any thread.
     void abandon();

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <optional>
+
+namespace lumetwin::media {
+
+/// Hands items from one thread to another in order, at most `bound` of them waiting.
+template <typename Item>
+class BoundedQueue {
+public:
+    explicit BoundedQueue(std::size_t bound) : bound_(bound) {}
+
+    /// Waits for room. False when the queue has been closed: the item is not taken.
+    bool push(Item item) {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return closed_ || items_.size() < bound_; });
+        if (closed_)
+            return false;
+        items_.push_back(std::move(item));
+        changed_.notify_all();
+        return true;
+    }
+
+    /// Waits for an item. Nothing once the queue is closed and empty.
+    std::optional<Item> pop() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return closed_ || !items_.empty(); });
+        if (items_.empty())
+            return std::nullopt;
+        Item item = std::move(items_.front());
+        items_.pop_front();
+        changed_.notify_all();
+        return item;
+    }
+
+    /// No item is taken any more; those that wait are still handed out.
+    void close() {
+        const std::lock_guard lock(mutex_);
+        closed_ = true;
+        changed_.notify_all();
+    }
+
+    /// Closes the queue and drops what waits in it.
+    void discard() {
+        std::deque<Item> dropped;
+        const std::lock_guard lock(mutex_);
+        closed_ = true;
+        dropped.swap(items_);
+        changed_.notify_all();
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<Item> items_;
+    std::size_t bound_;
+    bool closed_ = false;
+};
+
+} // namespace lumetwin::media

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/MovieReader.h"
+#include "media/ffmpeg/Ffmpeg.h"
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+}
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace lumetwin::media {
+
+namespace {
+
+using ffmpeg::check;
+
+// Time stamps that disagree with the number of samples by less are rounding, not gaps.
+constexpr double gapTolerance = 0.1; // seconds
+// A longer hole is a lie of the time stamps: the sound goes on without it.
+constexpr double longestGap = 600; // seconds
+constexpr int silenceBlock = 4096; // samples a channel
+
+constexpr std::array<int, 12> aacRates{8000,  11025, 12000, 16000, 22050, 24000,
+                                       32000, 44100, 48000, 64000, 88200, 96000};
+
+} // namespace
+
+int aacSampleRate(double sourceRate) {
+    const auto rate = std::lower_bound(aacRates.begin(), aacRates.end(), static_cast<int>(std::lround(sourceRate)));
+    return rate == aacRates.end() ? aacRates.back() : *rate;
+}
+
+struct AudioReader::State {
+    std::filesystem::path file;
+    int stream;
+    int sampleRate;
+    int channels;
+    double fromTime;
+    ffmpeg::Input input;
+    ffmpeg::Codec decoder;
+    ffmpeg::Resampler resampler;
+    AVChannelLayout sourceLayout{};
+    int sourceRate = 0;
+    AVSampleFormat sourceFormat = AV_SAMPLE_FMT_NONE;
+    ffmpeg::Packet packet = ffmpeg::makePacket();
+    ffmpeg::FramePointer frame = ffmpeg::makeFrame();
+    std::int64_t produced = 0; ///< samples a channel handed out or waiting
+    std::int64_t silence = 0;  ///< samples a channel of silence still to hand out
+    AudioBlock waiting;        ///< what comes after the silence
+    bool packetsOver = false;
+    bool over = false;
+
+    State(const std::filesystem::path &path, const AudioTrack &track, int rate, int channelCount, double from)
+        : file(path), stream(track.index), sampleRate(rate), channels(channelCount), fromTime(from),
+          input(ffmpeg::openInput(path)), decoder(ffmpeg::makeDecoder(path, *input->streams[track.index])) {
+        for (unsigned index = 0; index < input->nb_streams; ++index)
+            if (static_cast<int>(index) != stream)
+                input->streams[index]->discard = AVDISCARD_ALL;
+        check(avcodec_open2(decoder.get(), decoder->codec, nullptr), file, "Cannot decode the sound of");
+    }
+
+    ~State() { av_channel_layout_uninit(&sourceLayout); }
+
+    std::optional<AudioBlock> next() {
+        while (silence == 0 && waiting.count == 0) {
+            if (over)
+                return std::nullopt;
+            if (!decodeFrame()) {
+                over = true;
+                drainResampler();
+            }
+        }
+        return silence > 0 ? takeSilence() : std::exchange(waiting, {});
+    }
+
+    AudioBlock takeSilence() {
+        const int count = static_cast<int>(std::min<std::int64_t>(silence, silenceBlock));
+        silence -= count;
+        return {std::make_shared<std::int16_t[]>(static_cast<std::size_t>(count) * channels), count};
+    }
+
+    /// Decodes one frame into `waiting` (which may stay empty). False at the end.
+    bool decodeFrame() {
+        const int code = avcodec_receive_frame(decoder.get(), frame.get());
+        if (code == AVERROR_EOF)
+            return false;
+        if (code == AVERROR(EAGAIN)) {
+            sendPacket();
+            return true;
+        }
+        if (code >= 0)
+            convert();
+        return true; // a damaged frame is a gap
+    }
+
+    void sendPacket() {
+        while (!packetsOver) {
+            av_packet_unref(packet.get());
+            if (av_read_frame(input.get(), packet.get()) < 0)
+                break;
+            if (packet->stream_index != stream)
+                continue;
+            avcodec_send_packet(decoder.get(), packet.get());
+            return;
+        }
+        packetsOver = true;
+        avcodec_send_packet(decoder.get(), nullptr);
+    }
+
+    void convert() {
+        if (frame->nb_samples < 1 || frame->sample_rate < 1 || frame->ch_layout.nb_channels < 1)
+            return;
+        ensureResampler();
+        const std::int64_t room = swr_get_out_samples(resampler.get(), frame->nb_samples);
+        const auto **data = const_cast<const std::uint8_t **>(frame->extended_data);
+        place(resample(static_cast<int>(room), data, frame->nb_samples), startOfFrame());
+        av_frame_unref(frame.get());
+    }
+
+    void drainResampler() {
+        if (resampler)
+            place(resample(static_cast<int>(swr_get_out_samples(resampler.get(), 0)), nullptr, 0), std::nullopt);
+    }
+
+    AudioBlock resample(int room, const std::uint8_t **data, int count) {
+        if (room < 1)
+            return {};
+        auto samples = std::make_shared<std::int16_t[]>(static_cast<std::size_t>(room) * channels);
+        std::uint8_t *out = reinterpret_cast<std::uint8_t *>(samples.get());
+        const int produced16 = swr_convert(resampler.get(), &out, room, data, count);
+        return {std::move(samples), std::max(produced16, 0)};
+    }
+
+    /// The output position of the frame's first sample, in samples; nothing without a time stamp.
+    std::optional<std::int64_t> startOfFrame() const {
+        if (frame->pts == AV_NOPTS_VALUE)
+            return std::nullopt;
+        const double time = static_cast<double>(frame->pts) * av_q2d(input->streams[stream]->time_base) - fromTime;
+        const double delay = static_cast<double>(swr_get_delay(resampler.get(), 1000000)) / 1e6;
+        // What the resampler still holds began before this frame; its output's end is where this frame ends.
+        const double end = time + static_cast<double>(frame->nb_samples) / frame->sample_rate - delay;
+        return std::llround(end * sampleRate);
+    }
+
+    /// Puts a block on the time line; `end` is where it ends, if known.
+    void place(AudioBlock block, std::optional<std::int64_t> end) {
+        if (block.count == 0)
+            return;
+        const std::int64_t position = produced;
+        if (end) {
+            const std::int64_t start = *end - block.count;
+            const std::int64_t gap = start - position;
+            const auto tolerance = position == 0 ? 0 : std::int64_t(gapTolerance * sampleRate);
+            if (gap > tolerance && gap <= std::int64_t(longestGap * sampleRate))
+                silence += gap;
+            else if (gap < -tolerance && gap >= -std::int64_t(longestGap * sampleRate))
+                dropFront(block, static_cast<int>(std::min<std::int64_t>(-gap, block.count)));
+        }
+        produced += silence + block.count;
+        waiting = std::move(block);
+    }
+
+    void dropFront(AudioBlock &block, int count) const {
+        block.samples = std::shared_ptr<const std::int16_t[]>(block.samples, block.samples.get() + count * channels);
+        block.count -= count;
+    }
+
+    /// Sources may change their format on the way; the output stays as it was asked for.
+    void ensureResampler() {
+        if (resampler && frame->sample_rate == sourceRate && frame->format == sourceFormat &&
+            av_channel_layout_compare(&frame->ch_layout, &sourceLayout) == 0)
+            return;
+        sourceRate = frame->sample_rate;
+        sourceFormat = static_cast<AVSampleFormat>(frame->format);
+        check(av_channel_layout_copy(&sourceLayout, &frame->ch_layout), file, "Cannot decode the sound of");
+        AVChannelLayout from = frame->ch_layout;
+        if (from.order == AV_CHANNEL_ORDER_UNSPEC)
+            av_channel_layout_default(&from, frame->ch_layout.nb_channels);
+        AVChannelLayout to{};
+        av_channel_layout_default(&to, channels);
+        SwrContext *context = resampler.release();
+        const int code = swr_alloc_set_opts2(&context, &to, AV_SAMPLE_FMT_S16, sampleRate, &from, sourceFormat,
+                                             sourceRate, 0, nullptr);
+        resampler.reset(context);
+        check(code, file, "Cannot decode the sound of");
+        check(swr_init(resampler.get()), file, "Cannot decode the sound of");
+    }
+};
+
+AudioReader::AudioReader(const std::filesystem::path &file, const AudioTrack &track, int sampleRate, int channels,
+                         double fromTime)
+    : state_(std::make_unique<State>(file, track, sampleRate, channels, fromTime)) {}
+
+AudioReader::~AudioReader() = default;
+
+std::optional<AudioBlock> AudioReader::next() { return state_->next(); }
+
+} // namespace lumetwin::media

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ffmpeg/Ffmpeg.h"
+
+#include <cerrno>
+#include <new>
+
+namespace lumetwin::media::ffmpeg {
+
+namespace {
+
+// No single block that a file asks for may be larger: an 8192 × 8192 frame of 16 bits takes 384 MiB.
+constexpr std::size_t largestAllocation = std::size_t{1} << 30;
+
+// Failures come as errors; what decoders find to say about single damaged frames is not for the user's terminal.
+[[maybe_unused]] const bool configured = [] {
+    av_log_set_level(AV_LOG_QUIET);
+    av_max_alloc(largestAllocation);
+    return true;
+}();
+
+} // namespace
+
+FramePointer makeFrame() {
+    FramePointer frame(av_frame_alloc());
+    if (!frame)
+        throw std::bad_alloc();
+    return frame;
+}
+
+Packet makePacket() {
+    Packet packet(av_packet_alloc());
+    if (!packet)
+        throw std::bad_alloc();
+    return packet;
+}
+
+std::string words(int code) {
+    char buffer[AV_ERROR_MAX_STRING_SIZE] = {};
+    av_strerror(code, buffer, sizeof buffer);
+    return buffer;
+}
+
+MediaError error(const std::filesystem::path &file, const std::string &operation, int code) {
+    return MediaError(file, operation, code, words(code));
+}
+
+int check(int code, const std::filesystem::path &file, const std::string &operation) {
+    if (code < 0)
+        throw error(file, operation, code);
+    return code;
+}
+
+std::string fileAddress(const std::filesystem::path &file) { return "file:" + file.string(); }
+
+Input openInput(const std::filesystem::path &file) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(file, ignored))
+        throw error(file, "Cannot open", AVERROR(EISDIR));
+    if (std::filesystem::is_regular_file(file, ignored) && std::filesystem::file_size(file, ignored) == 0)
+        throw MediaError(file, "Cannot open", AVERROR_INVALIDDATA, "The file is empty");
+    AVFormatContext *opened = nullptr;
+    check(avformat_open_input(&opened, fileAddress(file).c_str(), nullptr, nullptr), file, "Cannot open");
+    Input input(opened);
+    check(avformat_find_stream_info(input.get(), nullptr), file, "Cannot open");
+    return input;
+}
+
+Codec makeDecoder(const std::filesystem::path &file, const AVStream &stream) {
+    const AVCodecParameters &parameters = *stream.codecpar;
+    const AVCodec *decoder = avcodec_find_decoder(parameters.codec_id);
+    if (!decoder)
+        throw MediaError(file, "Cannot decode", AVERROR_DECODER_NOT_FOUND,
+                         std::string("there is no decoder for ") + avcodec_get_name(parameters.codec_id));
+    Codec codec(avcodec_alloc_context3(decoder));
+    if (!codec)
+        throw std::bad_alloc();
+    check(avcodec_parameters_to_context(codec.get(), &parameters), file, "Cannot decode");
+    codec->pkt_timebase = stream.time_base;
+    return codec;
+}
+
+} // namespace lumetwin::media::ffmpeg

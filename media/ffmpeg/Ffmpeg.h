@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+// One owner type for each FFmpeg object that we hold, and FFmpeg's errors as ours.
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libswresample/swresample.h>
+#include <libswscale/swscale.h>
+}
+
+#include "media/MediaError.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace lumetwin::media::ffmpeg {
+
+struct Deleter {
+    void operator()(AVFormatContext *context) const { avformat_close_input(&context); }
+    void operator()(AVCodecContext *context) const { avcodec_free_context(&context); }
+    void operator()(AVFrame *frame) const { av_frame_free(&frame); }
+    void operator()(AVPacket *packet) const { av_packet_free(&packet); }
+    void operator()(SwrContext *context) const { swr_free(&context); }
+    void operator()(SwsContext *context) const { sws_freeContext(context); }
+};
+
+struct OutputDeleter {
+    void operator()(AVFormatContext *context) const {
+        avio_closep(&context->pb);
+        avformat_free_context(context);
+    }
+};
+
+using Input = std::unique_ptr<AVFormatContext, Deleter>;
+using Output = std::unique_ptr<AVFormatContext, OutputDeleter>;
+using Codec = std::unique_ptr<AVCodecContext, Deleter>;
+using FramePointer = std::unique_ptr<AVFrame, Deleter>;
+using Packet = std::unique_ptr<AVPacket, Deleter>;
+using Resampler = std::unique_ptr<SwrContext, Deleter>;
+using Scaler = std::unique_ptr<SwsContext, Deleter>;
+
+FramePointer makeFrame();
+Packet makePacket();
+
+/// FFmpeg's words for an error code.
+std::string words(int code);
+
+/// The error of an operation on a file, to be thrown.
+MediaError error(const std::filesystem::path &file, const std::string &operation, int code);
+
+/// Throws the operation's error when the code is one; returns the code otherwise.
+int check(int code, const std::filesystem::path &file, const std::string &operation);
+
+/// Opens a local file, and only that: names that look like another protocol's address are names.
+/// Throws MediaError ("Cannot open …").
+Input openInput(const std::filesystem::path &file);
+
+/// A decoder for a stream, not yet opened. Throws MediaError where there is none.
+Codec makeDecoder(const std::filesystem::path &file, const AVStream &stream);
+
+/// The name by which FFmpeg's file protocol finds a local file.
+std::string fileAddress(const std::filesystem::path &file);
+
+} // namespace lumetwin::media::ffmpeg

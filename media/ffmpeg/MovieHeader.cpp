@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ffmpeg/MovieHeader.h"
+
+#include "media/MediaError.h"
+
+#include <array>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <string_view>
+
+namespace lumetwin::media::ffmpeg {
+
+namespace {
+
+constexpr const char *operation = "Cannot complete";
+
+std::uint32_t get32(const std::uint8_t *bytes) {
+    return static_cast<std::uint32_t>(bytes[0]) << 24 | bytes[1] << 16 | bytes[2] << 8 | bytes[3];
+}
+
+void put32(std::uint8_t *bytes, std::uint32_t value) {
+    for (int index = 0; index < 4; ++index)
+        bytes[index] = static_cast<std::uint8_t>(value >> (24 - 8 * index));
+}
+
+void append32(MovieHeader &bytes, std::uint32_t value) {
+    bytes.resize(bytes.size() + 4);
+    put32(bytes.data() + bytes.size() - 4, value);
+}
+
+void appendText(MovieHeader &bytes, std::string_view text) { bytes.insert(bytes.end(), text.begin(), text.end()); }
+
+/// A box with its payload, as bytes.
+MovieHeader box(std::string_view type, const MovieHeader &payload) {
+    MovieHeader bytes;
+    append32(bytes, static_cast<std::uint32_t>(payload.size() + 8));
+    appendText(bytes, type);
+    bytes.insert(bytes.end(), payload.begin(), payload.end());
+    return bytes;
+}
+
+struct Range {
+    std::size_t begin; ///< of the box, header included
+    std::size_t end;
+};
+
+/// The first child of the given type in [begin, end); only 32-bit sizes, as the muxer writes them in headers.
+std::optional<Range> child(const MovieHeader &header, std::size_t begin, std::size_t end, std::string_view type) {
+    while (begin + 8 <= end) {
+        const std::size_t size = get32(header.data() + begin);
+        if (size < 8 || size > end - begin)
+            return std::nullopt;
+        if (std::memcmp(header.data() + begin + 4, type.data(), 4) == 0)
+            return Range{begin, begin + size};
+        begin += size;
+    }
+    return std::nullopt;
+}
+
+/// The first video track: the one whose media has a `vmhd`.
+std::optional<Range> videoTrack(const MovieHeader &header) {
+    std::size_t begin = 8;
+    while (const auto track = child(header, begin, header.size(), "trak")) {
+        const auto media = child(header, track->begin + 8, track->end, "mdia");
+        const auto information = media ? child(header, media->begin + 8, media->end, "minf") : std::nullopt;
+        if (information && child(header, information->begin + 8, information->end, "vmhd"))
+            return track;
+        begin = track->end;
+    }
+    return std::nullopt;
+}
+
+struct Placed {
+    std::streamoff offset;
+    MovieHeader bytes;
+};
+
+/// The last top-level box, which has to be `moov`.
+Placed readHeader(std::fstream &stream, const std::filesystem::path &file) {
+    stream.seekg(0, std::ios::end);
+    const std::streamoff end = stream.tellg();
+    std::streamoff offset = 0;
+    while (offset + 8 <= end) {
+        std::array<std::uint8_t, 16> head{};
+        stream.seekg(offset);
+        stream.read(reinterpret_cast<char *>(head.data()), std::min<std::streamoff>(16, end - offset));
+        std::uint64_t size = get32(head.data());
+        if (size == 1)
+            size = static_cast<std::uint64_t>(get32(head.data() + 8)) << 32 | get32(head.data() + 12);
+        if (!stream || size < 8 || size > static_cast<std::uint64_t>(end - offset))
+            break;
+        const auto next = offset + static_cast<std::streamoff>(size);
+        if (next == end && std::memcmp(head.data() + 4, "moov", 4) == 0) {
+            MovieHeader bytes(static_cast<std::size_t>(size));
+            stream.seekg(offset);
+            if (stream.read(reinterpret_cast<char *>(bytes.data()), static_cast<std::streamsize>(size)))
+                return {offset, std::move(bytes)};
+            break;
+        }
+        offset = next;
+    }
+    throw MediaError(file, operation, 0, "its header is not where it was written");
+}
+
+struct TagName {
+    std::string_view muxer;
+    std::string_view item;
+};
+
+constexpr std::array<TagName, 10> tagNames{{
+    {"title", "com.apple.quicktime.title"},
+    {"make", "com.apple.quicktime.make"},
+    {"model", "com.apple.quicktime.model"},
+    {"location", "com.apple.quicktime.location.ISO6709"},
+    {"date", "com.apple.quicktime.creationdate"},
+    {"artist", "com.apple.quicktime.artist"},
+    {"comment", "com.apple.quicktime.comment"},
+    {"description", "com.apple.quicktime.description"},
+    {"keywords", "com.apple.quicktime.keywords"},
+    {"copyright", "com.apple.quicktime.copyright"},
+}};
+
+/// A tag under either of its names, also in the spelling of containers that shout or add a language.
+std::optional<std::string> lookUp(const MovieTags &tags, const TagName &name) {
+    std::string upper(name.muxer);
+    for (char &letter : upper)
+        letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+    for (const std::string &key : {std::string(name.item), std::string(name.muxer), upper, std::string(name.muxer) + "-eng"})
+        if (const auto found = tags.find(key); found != tags.end() && !found->second.empty())
+            return found->second;
+    return std::nullopt;
+}
+
+} // namespace
+
+void editMovieHeader(const std::filesystem::path &file, const std::function<void(MovieHeader &)> &edit) {
+    std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+    if (!stream)
+        throw MediaError(file, operation, -errno, std::strerror(errno));
+    Placed header = readHeader(stream, file);
+    const std::size_t before = header.bytes.size();
+    edit(header.bytes);
+    put32(header.bytes.data(), static_cast<std::uint32_t>(header.bytes.size()));
+    stream.seekp(header.offset);
+    stream.write(reinterpret_cast<const char *>(header.bytes.data()), static_cast<std::streamsize>(header.bytes.size()));
+    stream.close();
+    if (!stream)
+        throw MediaError(file, operation, -errno, std::strerror(errno));
+    if (header.bytes.size() < before)
+        std::filesystem::resize_file(file, static_cast<std::uintmax_t>(header.offset) + header.bytes.size());
+}
+
+void setPresentationSize(MovieHeader &header, int width, int height) {
+    const auto track = videoTrack(header);
+    const auto write = [&](std::size_t offset) {
+        put32(header.data() + offset, static_cast<std::uint32_t>(width) << 16);
+        put32(header.data() + offset + 4, static_cast<std::uint32_t>(height) << 16);
+    };
+    if (!track)
+        return;
+    if (const auto box = child(header, track->begin + 8, track->end, "tkhd"))
+        write(box->end - 8);
+    const auto apertures = child(header, track->begin + 8, track->end, "tapt");
+    for (const char *type : {"clef", "prof"})
+        if (const auto box = apertures ? child(header, apertures->begin + 8, apertures->end, type) : std::nullopt)
+            write(box->begin + 12);
+}
+
+void addMetadata(MovieHeader &header, const MovieTags &items) {
+    if (items.empty())
+        return;
+    MovieHeader handler(8, 0);
+    appendText(handler, "mdta");
+    handler.resize(handler.size() + 13, 0);
+    MovieHeader keys(4, 0);
+    MovieHeader list;
+    append32(keys, static_cast<std::uint32_t>(items.size()));
+    std::uint32_t index = 0;
+    for (const auto &[key, value] : items) {
+        MovieHeader name;
+        appendText(name, key);
+        const MovieHeader entry = box("mdta", name);
+        keys.insert(keys.end(), entry.begin(), entry.end());
+        MovieHeader data;
+        append32(data, 1); // UTF-8 text
+        append32(data, 0); // no particular locale
+        appendText(data, value);
+        std::array<char, 4> number{};
+        put32(reinterpret_cast<std::uint8_t *>(number.data()), ++index);
+        const MovieHeader item = box({number.data(), 4}, box("data", data));
+        list.insert(list.end(), item.begin(), item.end());
+    }
+    MovieHeader payload = box("hdlr", handler);
+    for (const MovieHeader &part : {box("keys", keys), box("ilst", list)})
+        payload.insert(payload.end(), part.begin(), part.end());
+    const MovieHeader meta = box("meta", payload);
+    header.insert(header.end(), meta.begin(), meta.end());
+}
+
+MovieTags muxerTags(const MovieTags &source) {
+    MovieTags tags;
+    for (const TagName &name : tagNames)
+        if (auto value = lookUp(source, name))
+            tags.emplace(name.muxer, std::move(*value));
+    if (const auto time = source.find("creation_time"); time != source.end())
+        tags.insert(*time);
+    return tags;
+}
+
+MovieTags metadataItems(const MovieTags &source) {
+    MovieTags items;
+    for (const TagName &name : tagNames)
+        if (auto value = lookUp(source, name))
+            items.emplace(name.item, std::move(*value));
+    return items;
+}
+
+} // namespace lumetwin::media::ffmpeg

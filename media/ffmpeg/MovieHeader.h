@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/MovieTags.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace lumetwin::media::ffmpeg {
+
+/// The bytes of a movie's `moov` box, its own header included.
+using MovieHeader = std::vector<std::uint8_t>;
+
+/// Reads the `moov` box that ends the file, lets it be edited, and writes it back in its place. The edit may change its
+/// size but not where media data lies. Throws MediaError.
+void editMovieHeader(const std::filesystem::path &file, const std::function<void(MovieHeader &)> &edit);
+
+/// Sets the presentation size of the first video track (`tkhd` and, where present, `tapt`).
+void setPresentationSize(MovieHeader &header, int width, int height);
+
+/// Adds the tags as metadata items (`meta` of handler `mdta`, as QuickTime and phones write them: QuickTime File
+/// Format, "Metadata"). Does nothing without tags.
+void addMetadata(MovieHeader &header, const MovieTags &items);
+
+/// What a source's tags mean, under the names by which the muxer knows them (creation_time, title, make, model, location,
+/// …), and under those of metadata items (com.apple.quicktime.make, …).
+MovieTags muxerTags(const MovieTags &source);
+MovieTags metadataItems(const MovieTags &source);
+
+} // namespace lumetwin::media::ffmpeg

@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/MovieWriter.h"
+
+#include "media/BoundedQueue.h"
+#include "media/ffmpeg/AudioEncoder.h"
+#include "media/ffmpeg/MovieHeader.h"
+#include "media/ffmpeg/TrackBalance.h"
+
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include <pthread.h>
+
+namespace lumetwin::media {
+
+namespace {
+
+using ffmpeg::check;
+using ffmpeg::TrackBalance;
+
+constexpr const char *operation = "Cannot write";
+// Pictures that wait for the encoder.
+constexpr std::size_t picturesAhead = 3;
+// A file that is never finished can be read up to its last fragment; each holds this much.
+constexpr const char *fragmentDuration = "2000000"; // microseconds
+constexpr int largestSide = 16384;
+
+struct TimedPicture {
+    Picture left;
+    std::optional<Picture> right;
+    std::int64_t time;
+    std::int64_t duration;
+};
+
+void checkSize(const std::filesystem::path &file, int width, int height) {
+    if (width < 1 || height < 1 || width > largestSide || height > largestSide)
+        throw MediaError(file, operation, AVERROR(EINVAL),
+                         "a frame of " + std::to_string(width) + " × " + std::to_string(height) +
+                             " pixels is outside 1 × 1 to 16384 × 16384");
+}
+
+} // namespace
+
+struct MovieWriter::State {
+    std::filesystem::path output;
+    std::filesystem::path partial;
+    Container container;
+    MovieTags tags;
+    ffmpeg::Output muxer;
+    std::optional<ffmpeg::AudioEncoder> audio;
+    AVStream *audioStream = nullptr;
+    int audioRate = 0;
+    std::function<std::unique_ptr<ffmpeg::VideoTrackEncoder>(int timeScale)> makeVideo;
+    std::unique_ptr<ffmpeg::VideoTrackEncoder> video;
+    AVStream *videoStream = nullptr;
+    int videoWidth = 0;
+    int videoHeight = 0;
+    int timeScale = 600;
+    TrackBalance balance;
+    BoundedQueue<TimedPicture> pictures{picturesAhead};
+    std::thread encoding;
+    std::mutex muxing;
+    bool headerWritten = false;
+    std::mutex failing;
+    std::exception_ptr failure;
+    std::atomic<bool> idle{false}; ///< failed or abandoned: appending does nothing
+
+    State(const std::filesystem::path &file, Container kind, MovieTags movieTags)
+        : output(file), partial(partialName(file)), container(kind), tags(std::move(movieTags)) {
+        AVFormatContext *context = nullptr;
+        check(avformat_alloc_output_context2(&context, nullptr, kind == Container::mpeg4 ? "mp4" : "mov", nullptr), output,
+              operation);
+        muxer.reset(context);
+        check(avio_open(&muxer->pb, ffmpeg::fileAddress(partial).c_str(), AVIO_FLAG_WRITE), output, operation);
+    }
+
+    ~State() {
+        abandon();
+        joinEncoding();
+    }
+
+    void abandon() {
+        idle = true;
+        balance.release();
+        pictures.discard();
+    }
+
+    void fail(std::exception_ptr error) {
+        {
+            const std::lock_guard lock(failing);
+            if (!failure)
+                failure = std::move(error);
+        }
+        abandon();
+    }
+
+    void joinEncoding() {
+        if (encoding.joinable())
+            encoding.join();
+    }
+
+    template <typename Work>
+    void guarded(const Work &work) {
+        try {
+            work();
+        } catch (...) {
+            fail(std::current_exception());
+        }
+    }
+
+    AVStream *addStream() {
+        AVStream *stream = avformat_new_stream(muxer.get(), nullptr);
+        if (!stream)
+            throw std::bad_alloc();
+        return stream;
+    }
+
+    void writePacket(AVPacket &packet, AVStream &stream, AVRational base) {
+        packet.stream_index = stream.index;
+        av_packet_rescale_ts(&packet, base, stream.time_base);
+        const std::lock_guard lock(muxing);
+        check(av_interleaved_write_frame(muxer.get(), &packet), output, operation);
+    }
+
+    ffmpeg::PacketSink videoSink() {
+        return [this](AVPacket &packet) { writePacket(packet, *videoStream, {1, timeScale}); };
+    }
+
+    ffmpeg::PacketSink audioSink() {
+        return [this](AVPacket &packet) { writePacket(packet, *audioStream, {1, audioRate}); };
+    }
+
+    void encodePictures() {
+        pthread_setname_np(pthread_self(), "encode");
+        guarded([&] {
+            const ffmpeg::PacketSink sink = videoSink();
+            while (std::optional<TimedPicture> next = pictures.pop())
+                video->encode(next->left, next->right ? &*next->right : nullptr, next->time, next->duration, sink);
+            if (!idle)
+                video->finish(sink);
+        });
+    }
+
+    void start(int scale) {
+        timeScale = scale;
+        if (makeVideo) {
+            video = makeVideo(scale);
+            videoStream = addStream();
+            video->describe(*videoStream);
+            videoStream->time_base = {1, scale};
+        }
+        writeHeader();
+        if (video)
+            encoding = std::thread([this] { encodePictures(); });
+    }
+
+    void writeHeader() {
+        for (const auto &[key, value] : ffmpeg::muxerTags(tags))
+            av_dict_set(&muxer->metadata, key.c_str(), value.c_str(), 0);
+        AVDictionary *options = nullptr;
+        // Written in fragments, and turned into an ordinary movie at the end. The header waits for the first packets,
+        // whose times its edit lists need.
+        av_dict_set(&options, "movflags", "+hybrid_fragmented+delay_moov", 0);
+        av_dict_set(&options, "frag_duration", fragmentDuration, 0);
+        av_dict_set_int(&options, "video_track_timescale", timeScale, 0);
+        av_dict_set_int(&options, "movie_timescale", timeScale, 0);
+        const int code = avformat_write_header(muxer.get(), &options);
+        av_dict_free(&options);
+        check(code, output, operation);
+        headerWritten = true;
+    }
+
+    void append(TimedPicture picture) {
+        if (idle)
+            return;
+        const double time = static_cast<double>(picture.time) / timeScale;
+        pictures.push(std::move(picture));
+        balance.reach(TrackBalance::video, time);
+    }
+
+    void throwFailure() {
+        const std::lock_guard lock(failing);
+        if (failure)
+            std::rethrow_exception(failure);
+    }
+
+    void finish() {
+        pictures.close();
+        joinEncoding();
+        throwFailure();
+        check(av_write_trailer(muxer.get()), output, operation);
+        check(avio_closep(&muxer->pb), output, operation);
+        ffmpeg::editMovieHeader(partial, [&](ffmpeg::MovieHeader &header) {
+            if (videoStream)
+                ffmpeg::setPresentationSize(header, videoWidth, videoHeight);
+            ffmpeg::addMetadata(header, ffmpeg::metadataItems(tags));
+        });
+        std::error_code code;
+        std::filesystem::rename(partial, output, code);
+        if (code)
+            throw MediaError(output, operation, -code.value(), code.message());
+    }
+};
+
+std::filesystem::path MovieWriter::partialName(const std::filesystem::path &output) {
+    std::filesystem::path name = output;
+    name += ".partial";
+    return name;
+}
+
+MovieWriter::MovieWriter(const std::filesystem::path &output, Container container, MovieTags tags)
+    : state_(std::make_unique<State>(output, container, std::move(tags))) {}
+
+MovieWriter::~MovieWriter() = default;
+
+void MovieWriter::addAudio(const AudioEncoding &encoding) {
+    State &state = *state_;
+    state.audio.emplace(state.output, encoding);
+    state.audioRate = encoding.sampleRate;
+    state.audioStream = state.addStream();
+    state.audio->describe(*state.audioStream);
+    state.audioStream->time_base = {1, encoding.sampleRate};
+    state.balance.add(TrackBalance::audio);
+}
+
+void MovieWriter::addVideo(const VideoEncoding &encoding) {
+    checkSize(state_->output, encoding.width, encoding.height);
+    state_->videoWidth = encoding.width;
+    state_->videoHeight = encoding.height;
+    state_->makeVideo = [file = state_->output, encoding](int timeScale) {
+        return ffmpeg::makeVideoEncoder(file, encoding, timeScale);
+    };
+    state_->balance.add(TrackBalance::video);
+}
+
+void MovieWriter::start(int timeScale) { state_->start(timeScale); }
+
+void MovieWriter::append(const Picture &picture, std::int64_t time, std::int64_t duration) {
+    state_->append({picture, std::nullopt, time, duration});
+}
+
+void MovieWriter::append(const Picture &left, const Picture &right, std::int64_t time, std::int64_t duration) {
+    state_->append({left, right, time, duration});
+}
+
+void MovieWriter::append(const AudioBlock &block) {
+    State &state = *state_;
+    if (state.idle)
+        return;
+    state.guarded([&] { state.audio->encode(block, state.audioSink()); });
+    state.balance.reach(TrackBalance::audio, static_cast<double>(state.audio->taken()) / state.audioRate);
+}
+
+void MovieWriter::finishVideo() {
+    state_->pictures.close();
+    state_->balance.end(TrackBalance::video);
+}
+
+void MovieWriter::finishAudio() {
+    if (!state_->idle)
+        state_->guarded([&] { state_->audio->finish(state_->audioSink()); });
+    state_->balance.end(TrackBalance::audio);
+}
+
+bool MovieWriter::failed() const {
+    const std::lock_guard lock(state_->failing);
+    return state_->failure != nullptr;
+}
+
+void MovieWriter::abandon() { state_->abandon(); }
+
+void MovieWriter::finish() { state_->finish(); }
+
+void MovieWriter::cancel() {
+    state_->abandon();
+    state_->joinEncoding();
+    avio_closep(&state_->muxer->pb);
+    std::error_code ignored;
+    std::filesystem::remove(state_->partial, ignored);
+    state_->throwFailure();
+}
+
+} // namespace lumetwin::media

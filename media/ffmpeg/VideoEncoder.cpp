@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ffmpeg/Pictures.h"
+#include "media/ffmpeg/TrackEncoder.h"
+
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+#include <cmath>
+#include <new>
+
+namespace lumetwin::media::ffmpeg {
+
+namespace {
+
+// The presets that cost at most half of "medium" and lose the least against it; bench/sbs-video prints the table.
+constexpr const char *h264Preset = "veryfast";
+constexpr const char *hevcPreset = "veryfast";
+
+// x265 needs a whole coding tree unit of its smallest useful size; x264 codes anything.
+constexpr int smallestHevcSide = 32;
+
+class LibraryEncoder : public VideoTrackEncoder {
+public:
+    LibraryEncoder(const std::filesystem::path &file, const VideoEncoding &encoding, int timeScale)
+        : file_(file), encoding_(encoding), width_(codedSize(encoding.width, smallestSide())),
+          height_(codedSize(encoding.height, smallestSide())), pool_(width_, height_, yuv420, encoding.colour) {
+        const bool hevc = encoding.codec == VideoCodec::hevc;
+        const AVCodec *library = avcodec_find_encoder_by_name(hevc ? "libx265" : "libx264");
+        codec_.reset(avcodec_alloc_context3(library));
+        if (!codec_)
+            throw std::bad_alloc();
+        codec_->width = width_;
+        codec_->height = height_;
+        codec_->pix_fmt = AV_PIX_FMT_YUV420P;
+        codec_->time_base = {1, timeScale};
+        codec_->framerate = av_d2q(encoding.frameRate, 1001 * 1000);
+        codec_->bit_rate = encoding.averageBitRate;
+        codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+        setColour(*codec_, encoding.colour);
+        av_opt_set(codec_->priv_data, "preset", hevc ? hevcPreset : h264Preset, 0);
+        if (hevc)
+            av_opt_set(codec_->priv_data, "x265-params", "log-level=none", 0);
+        check(avcodec_open2(codec_.get(), library, nullptr), file_, "Cannot encode");
+    }
+
+    void describe(AVStream &stream) override {
+        check(avcodec_parameters_from_context(stream.codecpar, codec_.get()), file_, "Cannot encode");
+        if (encoding_.codec == VideoCodec::hevc)
+            stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
+        stream.avg_frame_rate = codec_->framerate;
+        setAperture(stream, encoding_.width, encoding_.height);
+    }
+
+    void encode(const Picture &picture, const Picture *, std::int64_t time, std::int64_t duration,
+                const PacketSink &sink) override {
+        FramePointer frame = frameOf(padded(picture, width_, height_, pool_));
+        frame->pts = time;
+        frame->duration = duration;
+        duration_ = duration;
+        check(avcodec_send_frame(codec_.get(), frame.get()), file_, "Cannot encode");
+        receive(sink);
+    }
+
+    void finish(const PacketSink &sink) override {
+        check(avcodec_send_frame(codec_.get(), nullptr), file_, "Cannot encode");
+        receive(sink);
+    }
+
+private:
+    int smallestSide() const { return encoding_.codec == VideoCodec::hevc ? smallestHevcSide : 2; }
+
+    void receive(const PacketSink &sink) {
+        for (;;) {
+            const int code = avcodec_receive_packet(codec_.get(), packet_.get());
+            if (code == AVERROR(EAGAIN) || code == AVERROR_EOF)
+                return;
+            check(code, file_, "Cannot encode");
+            packet_->duration = duration_;
+            sink(*packet_);
+            av_packet_unref(packet_.get());
+        }
+    }
+
+    std::filesystem::path file_;
+    VideoEncoding encoding_;
+    int width_;
+    int height_;
+    PicturePool pool_;
+    Codec codec_;
+    Packet packet_ = makePacket();
+    std::int64_t duration_ = 0;
+};
+
+} // namespace
+
+std::unique_ptr<VideoTrackEncoder> makeVideoEncoder(const std::filesystem::path &file, const VideoEncoding &encoding,
+                                                    int timeScale) {
+    return std::make_unique<LibraryEncoder>(file, encoding, timeScale);
+}
+
+} // namespace lumetwin::media::ffmpeg
