@@ -9,6 +9,7 @@ extern "C" {
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace lumetwin::media {
 

@@ -11,6 +11,7 @@ extern "C" {
 #include <atomic>
 #include <exception>
 #include <thread>
+#include <utility>
 
 #include <pthread.h>
 
