@@ -10,6 +10,7 @@ if(NOT LUMETWIN_SYSTEM_MEDIA)
   if(NOT LUMETWIN_STACK)
     # Where scripts/stack.sh puts it: a folder named after a hash of the recipe.
     file(SHA256 "${CMAKE_SOURCE_DIR}/scripts/stack.sh" recipe)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/scripts/stack.sh")
     string(SUBSTRING "${recipe}" 0 12 recipe)
     if(DEFINED ENV{LUMETWIN_CACHE})
       set(cache "$ENV{LUMETWIN_CACHE}")
@@ -27,6 +28,16 @@ if(NOT LUMETWIN_SYSTEM_MEDIA)
   set(ENV{PKG_CONFIG_PATH} "${LUMETWIN_STACK}/lib/pkgconfig")
   set(PKG_CONFIG_ARGN --static)
   list(PREPEND CMAKE_PREFIX_PATH "${LUMETWIN_STACK}")
+endif()
+
+# When the stack's place changes, what pkg-config said of the former one is out of date.
+if(NOT "${LUMETWIN_STACK}" STREQUAL "${LUMETWIN_STACK_BEFORE}")
+  get_cmake_property(cached CACHE_VARIABLES)
+  list(FILTER cached INCLUDE REGEX "^(__pkg_config_checked_|pkgcfg_lib_)")
+  foreach(variable IN LISTS cached)
+    unset(${variable} CACHE)
+  endforeach()
+  set(LUMETWIN_STACK_BEFORE "${LUMETWIN_STACK}" CACHE INTERNAL "The stack that the cache describes")
 endif()
 
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET GLOBAL

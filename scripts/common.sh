@@ -1,8 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
+# shellcheck shell=bash disable=SC2034,SC2154,SC2012
 # Shared by the set-up scripts: messages, logged steps and the cache's place. Sourced, never run.
 
-lumetwin_cache="${LUMETWIN_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/lumetwin}"
+lumetwin_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+lumetwin_cache="${LUMETWIN_CACHE:-${XDG_CACHE_HOME:-${HOME:?}/.cache}/lumetwin}"
 lumetwin_logs="$lumetwin_cache/logs"
+lumetwin_ticker=
 
 say() { printf 'lumetwin: %s\n' "$*"; }
 
@@ -12,42 +15,98 @@ die() {
     exit 1
 }
 
-# explain LOG: what a failed step's log says, in one line.
+# disk_full: whether a place that set-up writes to has less than a megabyte left.
+disk_full() {
+    local place
+    for place in "$lumetwin_cache" "$lumetwin_root" "${TMPDIR:-/tmp}" /var/cache /usr; do
+        df -Pk "$place" 2>/dev/null | awk 'NR == 2 && $4 < 1024 {found = 1} END {exit !found}' && return 0
+    done
+    return 1
+}
+
+# explain LOG: why a step failed, in one line.
 explain() {
-    if grep -qiE 'no space left on device|not enough free space|disk quota' "$1"; then
+    local unknown='unable to locate package|has no installation candidate|unable to find a source package'
+    local unreachable='temporary failure resolving|could not resolve|could not connect|failed to fetch|network is unreachable|connection (timed out|refused)'
+    if grep -qiE 'no space left on device|not enough free space|enough space in|disk quota' "$1" || disk_full; then
         echo "the disk is full"
-    elif grep -qiE 'temporary failure resolving|could not resolve|could not connect|failed to fetch|network is unreachable|connection (timed out|refused)' "$1"; then
+    elif grep -qiE 'could not get lock|unable to acquire the dpkg|unable to lock' "$1"; then
+        echo "apt is in use by another program ($(grep -oiE 'held by process [0-9]+( \([^)]*\))?' "$1" | tail -n 1)): try again when it has finished"
+    elif grep -qiE "$unreachable" "$1"; then
         echo "the package mirror cannot be reached (is the network up?)"
-    elif grep -qiE 'unable to locate package|has no installation candidate|unable to find a source package' "$1"; then
-        grep -iE 'unable to locate package|has no installation candidate|unable to find a source package' "$1" |
-            head -n 1 | sed 's/^E: //'
+    elif grep -qiE "$unknown" "$1"; then
+        grep -iE "$unknown" "$1" | head -n 1 | sed 's/^E: //'
     else
-        grep -iE 'error|fatal' "$1" | tail -n 1 | cut -c1-200
+        grep -iE 'error|fatal|^E: ' "$1" | grep -v '^ninja: ' | tail -n 1 | cut -c1-200
     fi
 }
 
-# step NAME COMMAND…: runs the command with its output in a log, says how long it took.
-step() {
-    local name=$1 log began code=0
+# A line every half minute while a step lasts. It ends with the script, also when that is killed.
+start_ticker() {
+    (
+        trap - EXIT INT TERM
+        while sleep 30 >/dev/null 2>&1 && kill -0 $$ 2>/dev/null; do
+            printf 'lumetwin: %s … %d s\n' "$1" "$((SECONDS - $2))"
+        done
+    ) 9>&- &
+    lumetwin_ticker=$!
+}
+
+stop_ticker() {
+    [ -n "$lumetwin_ticker" ] || return 0
+    kill "$lumetwin_ticker" 2>/dev/null || true
+    wait "$lumetwin_ticker" 2>/dev/null || true
+    lumetwin_ticker=
+}
+
+trap stop_ticker EXIT
+trap 'printf "\n"; say "interrupted; the next call goes on where this one stopped" >&2; exit 130' INT
+trap 'exit 143' TERM
+
+# logged NAME COMMAND…: runs the command with its output in a log ($step_log), says how long it took,
+# returns the command's status.
+logged() {
+    local name=$1 began=$SECONDS code=0
     shift
-    mkdir -p "$lumetwin_logs" || die "cannot write to $lumetwin_cache"
-    log="$lumetwin_logs/${name//[^A-Za-z0-9.]/-}.log"
-    began=$SECONDS
-    printf 'lumetwin: %s … (log: %s)\n' "$name" "$log"
-    ("$@") >"$log" 2>&1 </dev/null || code=$?
-    if [ $code -ne 0 ]; then
-        die "$name failed after $((SECONDS - began)) s: $(explain "$log"); see $log"
-    fi
-    say "$name: done in $((SECONDS - began)) s"
+    step_log="$lumetwin_logs/${name//[^A-Za-z0-9.]/-}.log"
+    mkdir -p "$lumetwin_logs" 2>/dev/null && : 2>/dev/null >"$step_log" ||
+        die "cannot write to $lumetwin_cache$(disk_full && echo ': the disk is full')"
+    printf 'lumetwin: %s … (log: %s)\n' "$name" "$step_log"
+    start_ticker "$name" "$began"
+    # English messages, whatever the user's language: explain reads them.
+    (
+        export LC_ALL=C.UTF-8
+        "$@"
+    ) >"$step_log" 2>&1 </dev/null || code=$?
+    stop_ticker
+    step_seconds=$((SECONDS - began))
+    [ $code -ne 0 ] || say "$name: done in $step_seconds s"
+    return $code
+}
+
+# step_failed NAME [REASON]: ends the script with the reason that the last step's log gives.
+step_failed() {
+    # Where nobody can open the log afterwards, its end belongs to the output.
+    [ -z "${CI:-}" ] || tail -n 60 "$step_log" >&2
+    die "$1 failed after $step_seconds s: ${2:-$(explain "$step_log")}; see $step_log"
+}
+
+# step NAME COMMAND…: a logged command whose failure ends the script.
+step() {
+    logged "$@" || step_failed "$1"
+}
+
+# need_root WHAT: ends with one line when packages cannot be installed by this user; asks sudo's password
+# now, where it can be seen.
+need_root() {
+    [ "$(id -u)" -ne 0 ] || return 0
+    command -v sudo >/dev/null || die "$1 needs root: run it as root, or install sudo"
+    sudo -n true 2>/dev/null && return 0
+    { : >/dev/tty; } 2>/dev/null || die "$1 needs root, and sudo cannot ask for a password without a terminal"
+    sudo -v || die "$1 needs root, and sudo refused"
 }
 
 # as_root COMMAND…: apt needs it; everything else runs as the user.
 as_root() {
-    if [ "$(id -u)" -eq 0 ]; then
-        "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
-    else
-        die "installing packages needs root; run as root or install sudo"
-    fi
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }

@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
+# shellcheck shell=bash disable=SC2034,SC2154
 # The distribution packages that Lumetwin needs, and the function that installs what is missing.
 # Sourced by ./run and ./test.
 
@@ -6,15 +7,17 @@ packages_build=(
     build-essential cmake ninja-build pkg-config nasm git ca-certificates xz-utils patch dpkg-dev
     libx264-dev libdav1d-dev libzimg-dev libfmt-dev zlib1g-dev libbrotli-dev
     liblcms2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev
-    qt6-base-dev qt6-base-dev-tools libqt6svg6-dev libgl-dev libxkbcommon-dev libvulkan-dev
+    qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev libxkbcommon-dev libvulkan-dev
 )
 packages_window=(
     libqt6svg6 qt6-qpa-plugins qt6-wayland fonts-dejavu-core fonts-noto-cjk fonts-noto-color-emoji
 )
+# Since Debian 13 the plugins of libqt6svg6 are a package of their own.
+grep -q '^VERSION_CODENAME=bookworm' /etc/os-release 2>/dev/null || packages_window+=(qt6-svg-plugins)
 packages_test=(
     libgtest-dev libgmock-dev libbenchmark-dev ffmpeg mediainfo libimage-exiftool-perl
     libheif-examples imagemagick desktop-file-utils appstream xvfb xauth xdotool openbox
-    dbus-x11 at-spi2-core gir1.2-atspi-2.0 python3-gi man-db x11-utils libxml2-utils
+    dbus-x11 at-spi2-core gir1.2-atspi-2.0 python3 python3-gi man-db x11-utils libxml2-utils
 )
 
 # missing_packages NAME…: those that are not installed.
@@ -27,15 +30,35 @@ missing_packages() {
     for name in "$@"; do [ -n "${installed[$name]:-}" ] || echo "$name"; done
 }
 
+# refresh_package_lists: apt-get update that waits up to a minute for another apt. A source that cannot be
+# reached is no failure yet: it may not be one that we need.
+refresh_package_lists() {
+    local attempt output code
+    for attempt in {1..12}; do
+        code=0
+        output=$(as_root apt-get update 2>&1) || code=$?
+        printf '%s\n' "$output"
+        [ $code -ne 0 ] && grep -qi 'could not get lock' <<<"$output" || return 0
+        [ "$attempt" -eq 12 ] || sleep 5
+    done
+    return 1
+}
+
 # install_packages NAME…: installs what is missing; without a missing one it does not touch the network.
 install_packages() {
-    local missing
+    local missing lists_log
     command -v apt-get >/dev/null || die "only Debian and its relatives are set up automatically; see CONTRIBUTING.md"
     mapfile -t missing < <(missing_packages "$@")
     [ ${#missing[@]} -gt 0 ] || return 0
     say "packages to install: ${missing[*]}"
-    step "package lists" as_root apt-get update
+    need_root "installing packages"
+    step "package lists" refresh_package_lists
+    lists_log=$step_log
     # Recommended packages are left out: this is a build, not a desktop.
-    step "packages" as_root env DEBIAN_FRONTEND=noninteractive \
-        apt-get install --yes --no-install-recommends "${missing[@]}"
+    logged "packages" as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get -o DPkg::Lock::Timeout=60 install --yes --no-install-recommends "${missing[@]}" && return 0
+    if grep -q 'Unable to locate package' "$step_log" && grep -q 'Failed to fetch' "$lists_log"; then
+        step_failed "packages" "the package lists could not be fetched (is the network up?)"
+    fi
+    step_failed "packages"
 }
