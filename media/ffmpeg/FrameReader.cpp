@@ -69,6 +69,7 @@ struct FrameReader::State {
     ffmpeg::Packet packet = ffmpeg::makePacket();
     ffmpeg::PictureImporter importer;
     bool packetWaits = false;
+    std::int64_t packetsRead = 0;
     std::optional<Frame> pending;
     std::int64_t pendingTime = AV_NOPTS_VALUE;
     int pendingView = 0;
@@ -108,7 +109,8 @@ struct FrameReader::State {
             av_packet_unref(packet.get());
             const int code = av_read_frame(input, packet.get());
             if (code < 0) {
-                if (code != AVERROR_EOF)
+                // An index that lists more than there was tells of a file that ends early.
+                if (code != AVERROR_EOF || packetsRead < avformat_index_get_entries_count(input->streams[stream]))
                     damaged = true;
                 return false;
             }
@@ -116,6 +118,7 @@ struct FrameReader::State {
                 continue;
             if (packet->flags & AV_PKT_FLAG_CORRUPT)
                 damaged = true;
+            ++packetsRead;
             return true;
         }
     }

@@ -3,6 +3,7 @@
 
 #include "media/MediaError.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <fstream>
@@ -149,6 +150,42 @@ void editMovieHeader(const std::filesystem::path &file, const std::function<void
         throw MediaError(file, operation, -errno, std::strerror(errno));
     if (header.bytes.size() < before)
         std::filesystem::resize_file(file, static_cast<std::uintmax_t>(header.offset) + header.bytes.size());
+}
+
+namespace {
+
+/// The duration field of a version 0 or 1 `tkhd`, in the movie's time scale; longer ones than 32 bits are cut.
+std::uint32_t trackDuration(const MovieHeader &header, const Range &box) {
+    const bool longFields = header[box.begin + 8] == 1;
+    return get32(header.data() + box.begin + (longFields ? 12 + 28 : 12 + 16));
+}
+
+/// Entries of a version 0 list: duration, media time, rate, each 32 bits.
+void completeEdits(MovieHeader &header, const Range &list, std::uint32_t duration) {
+    const bool longFields = header[list.begin + 8] == 1;
+    const std::size_t entrySize = longFields ? 20 : 12;
+    for (std::size_t entry = list.begin + 16; entry + entrySize <= list.end; entry += entrySize) {
+        std::uint8_t *lowDuration = header.data() + entry + (longFields ? 4 : 0);
+        const bool empty = get32(header.data() + entry + (longFields ? 8 : 4)) == 0xFFFFFFFF;
+        if (empty)
+            duration -= std::min(duration, get32(lowDuration));
+        else if (get32(lowDuration) == 0)
+            put32(lowDuration, duration);
+    }
+}
+
+} // namespace
+
+void completeEditLists(MovieHeader &header) {
+    std::size_t begin = 8;
+    while (const auto track = child(header, begin, header.size(), "trak")) {
+        const auto head = child(header, track->begin + 8, track->end, "tkhd");
+        const auto edits = child(header, track->begin + 8, track->end, "edts");
+        const auto list = edits ? child(header, edits->begin + 8, edits->end, "elst") : std::nullopt;
+        if (head && list)
+            completeEdits(header, *list, trackDuration(header, *head));
+        begin = track->end;
+    }
 }
 
 void setPresentationSize(MovieHeader &header, int width, int height) {

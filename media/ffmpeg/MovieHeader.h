@@ -18,6 +18,10 @@ using MovieHeader = std::vector<std::uint8_t>;
 /// size but not where media data lies. Throws MediaError.
 void editMovieHeader(const std::filesystem::path &file, const std::function<void(MovieHeader &)> &edit);
 
+/// Gives edits of duration 0, which in fragmented files mean "to the end", their track's duration (ISO/IEC
+/// 14496-12, 8.6.6): the muxer leaves them so when it turns fragments into an ordinary movie.
+void completeEditLists(MovieHeader &header);
+
 /// Sets the presentation size of the first video track (`tkhd` and, where present, `tapt`).
 void setPresentationSize(MovieHeader &header, int width, int height);
 

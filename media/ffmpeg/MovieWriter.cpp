@@ -161,9 +161,10 @@ struct MovieWriter::State {
         for (const auto &[key, value] : ffmpeg::muxerTags(tags))
             av_dict_set(&muxer->metadata, key.c_str(), value.c_str(), 0);
         AVDictionary *options = nullptr;
-        // Written in fragments, and turned into an ordinary movie at the end. The header waits for the first packets,
-        // whose times its edit lists need.
-        av_dict_set(&options, "movflags", "+hybrid_fragmented+delay_moov", 0);
+        // Written in fragments, and turned into an ordinary movie at the end. Edit lists place the first picture and the first
+        // sound at 0; by itself the muxer writes none into fragments.
+        av_dict_set(&options, "movflags", "+hybrid_fragmented", 0);
+        av_dict_set(&options, "use_editlist", "1", 0);
         av_dict_set(&options, "frag_duration", fragmentDuration, 0);
         av_dict_set_int(&options, "video_track_timescale", timeScale, 0);
         av_dict_set_int(&options, "movie_timescale", timeScale, 0);
@@ -194,6 +195,7 @@ struct MovieWriter::State {
         check(av_write_trailer(muxer.get()), output, operation);
         check(avio_closep(&muxer->pb), output, operation);
         ffmpeg::editMovieHeader(partial, [&](ffmpeg::MovieHeader &header) {
+            ffmpeg::completeEditLists(header);
             if (videoStream)
                 ffmpeg::setPresentationSize(header, videoWidth, videoHeight);
             ffmpeg::addMetadata(header, ffmpeg::metadataItems(tags));

@@ -70,6 +70,10 @@ public:
 private:
     int smallestSide() const { return encoding_.codec == VideoCodec::hevc ? smallestHevcSide : 2; }
 
+    /// By how many pictures coding runs ahead of showing. x265 does not say; with one level of B-frames that are
+    /// references it is two.
+    int reordering() const { return encoding_.codec == VideoCodec::hevc ? 2 : codec_->has_b_frames; }
+
     void receive(const PacketSink &sink) {
         for (;;) {
             const int code = avcodec_receive_packet(codec_.get(), packet_.get());
@@ -77,6 +81,9 @@ private:
                 return;
             check(code, file_, "Cannot encode");
             packet_->duration = duration_;
+            // The rate is constant, so decoding times follow from the coding order. (x265's own are undefined for clips
+            // shorter than its reordering.)
+            packet_->dts = (codedFrames_++ - reordering()) * duration_;
             sink(*packet_);
             av_packet_unref(packet_.get());
         }
@@ -90,6 +97,7 @@ private:
     Codec codec_;
     Packet packet_ = makePacket();
     std::int64_t duration_ = 0;
+    std::int64_t codedFrames_ = 0;
 };
 
 } // namespace

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/SpatialVideoToSBS.h"
+
+#include "engine/EyeGeometry.h"
+#include "engine/SBSComposition.h"
+#include "engine/VideoConversion.h"
+
+namespace lumetwin {
+
+namespace {
+
+// The first system that decodes both views.
+constexpr SystemVersion bothViews{14, 0, 0};
+
+struct Views {
+    media::Picture left;
+    media::Picture right;
+};
+
+/// The eyes of a frame by their tags; a frame of one view shows it to both.
+std::optional<Views> viewsOf(const media::Frame &frame) {
+    std::optional<media::Picture> left;
+    std::optional<media::Picture> right;
+    for (const media::TaggedPicture &tagged : frame.views()) {
+        if (tagged.view == media::StereoView::left)
+            left = tagged.picture;
+        if (tagged.view == media::StereoView::right)
+            right = tagged.picture;
+    }
+    if (!left && frame.count > 0)
+        left = frame.pictures[0].picture;
+    if (!left)
+        return std::nullopt;
+    if (!right)
+        right = left;
+    return Views{std::move(*left), std::move(*right)};
+}
+
+media::Container containerOf(SBSOutputFormat format) {
+    return format == SBSOutputFormat::movHEVC ? media::Container::quickTime : media::Container::mpeg4;
+}
+
+media::VideoCodec codecOf(SBSOutputFormat format) {
+    return format == SBSOutputFormat::mp4H264 ? media::VideoCodec::h264 : media::VideoCodec::hevc;
+}
+
+/// The frame loop of one file.
+class FrameLoop {
+public:
+    FrameLoop(const ConversionSettings &settings, const SBSGeometry &geometry, const VideoTiming &timing,
+              const media::ColourTags &colour, media::FrameReader &reader, media::MovieWriter &writer,
+              const ConversionControl &control)
+        : swap_(settings.swapLeftRight), timing_(timing), reader_(reader), writer_(writer), control_(control),
+          composition_(geometry),
+          pool_(static_cast<int>(geometry.outW), static_cast<int>(geometry.outH), media::yuv420, colour) {}
+
+    void run() {
+        while (!control_.cancelled() && !writer_.failed()) {
+            const std::optional<media::Frame> frame = reader_.next();
+            if (!frame)
+                return;
+            if (frameCounter_ % 8 == 0 && control_.onFrameProgress)
+                control_.onFrameProgress(frameCounter_, timing_.totalFrames);
+            if (const std::optional<Views> views = viewsOf(*frame))
+                write(*views);
+        }
+    }
+
+    std::int64_t written() const { return frameCounter_; }
+
+private:
+    void write(const Views &views) {
+        media::Picture canvas = pool_.take();
+        composition_.compose(swap_ ? views.right : views.left, swap_ ? views.left : views.right, canvas);
+        writer_.append(canvas, frameCounter_ * timing_.frameDuration, timing_.frameDuration);
+        ++frameCounter_;
+    }
+
+    bool swap_;
+    VideoTiming timing_;
+    media::FrameReader &reader_;
+    media::MovieWriter &writer_;
+    const ConversionControl &control_;
+    SBSComposition composition_;
+    media::PicturePool pool_;
+    std::int64_t frameCounter_ = 0;
+};
+
+} // namespace
+
+void convertSpatialVideoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
+                              const std::filesystem::path &output, const ConversionControl &control,
+                              SystemVersion system) {
+    media::MovieFile movie(input);
+    const VideoInfo info = loadVideoInfo(movie);
+    const VideoTiming timing = videoTiming(info);
+    const SBSGeometry geometry = sbsGeometry(settings, info.width, info.height);
+    media::FrameReader reader(movie, info.track, system >= bothViews ? media::Views::all : media::Views::base);
+    std::optional<AudioCopy> audio;
+    if (settings.copyAudio)
+        audio = prepareAudioCopy(movie, info.track.startTime, control);
+
+    media::MovieWriter writer(output, containerOf(settings.sbsOutputFormat), movie.tags());
+    if (audio)
+        writer.addAudio(audio->encoding);
+    media::VideoEncoding encoding;
+    encoding.codec = codecOf(settings.sbsOutputFormat);
+    encoding.width = static_cast<int>(geometry.outW);
+    encoding.height = static_cast<int>(geometry.outH);
+    encoding.averageBitRate = averageBitRate(
+        timing.rate, static_cast<double>(geometry.outW) * static_cast<double>(geometry.outH), settings.compressionQuality);
+    encoding.frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
+    encoding.colour = info.track.colour;
+    writer.addVideo(encoding);
+    writer.start(videoTimeScale);
+
+    FrameLoop loop(settings, geometry, timing, info.track.colour, reader, writer, control);
+    runVideoConversion(control, writer, audio, "sbs.video", "sbs.audio", [&] {
+        loop.run();
+        checkWrittenFrames(movie, info, reader, loop.written(), control);
+    });
+}
+
+} // namespace lumetwin
