@@ -14,14 +14,12 @@ std::string text(std::string_view key);
 std::string text(std::string_view key, std::string_view englishDefault);
 
 /// The key's format text, filled printf-style: 64-bit integers, doubles and strings, in the order of the arguments.
-template <typename... Arguments>
-std::string format(std::string_view key, const Arguments &...arguments) {
+template <typename... Arguments> std::string format(std::string_view key, const Arguments &...arguments) {
     return fmt::sprintf(text(key), arguments...);
 }
 
-/// The languages that have a table: "en", "ja".
-/// Chooses the table for a locale name such as "ja_JP.UTF-8"; locales without a table get English. Until this is
-/// called, the language follows the environment (LC_ALL, LC_MESSAGES, LANG). Not for use while others look texts up.
+/// Chooses the table ("en" or "ja") for a locale name such as "ja_JP.UTF-8"; locales without a table get English.
+/// Until this is called, the language follows the environment (LC_ALL, LC_MESSAGES, LANG).
 void setTextLocale(std::string_view locale);
 /// The language of the current table.
 std::string_view textLanguage();

@@ -16,7 +16,7 @@ packages_window=(
 grep -q '^VERSION_CODENAME=bookworm' /etc/os-release 2>/dev/null || packages_window+=(qt6-svg-plugins)
 packages_test=(
     libgtest-dev libgmock-dev libbenchmark-dev ffmpeg mediainfo libimage-exiftool-perl
-    libheif-examples imagemagick desktop-file-utils appstream xvfb xauth xdotool openbox
+    libheif-examples imagemagick gettext desktop-file-utils appstream xvfb xauth xdotool openbox
     dbus-x11 at-spi2-core gir1.2-atspi-2.0 python3 python3-gi man-db x11-utils libxml2-utils
 )
 

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What holds for the tables as a whole: they know every key of the code and no other, and a translation takes
+// the arguments that the English text takes.
+#include "engine/TextTable.h"
+#include "engine/Texts.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+
+namespace lumetwin {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path sourceFolder = LUMETWIN_SOURCE_DIR;
+const std::array languageNames{"en", "ja"};
+
+std::string contents(const fs::path &file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::map<std::string, TextEntry> table(const std::string &language) {
+    std::map<std::string, TextEntry> result;
+    for (const TextEntry &entry : parseTextTable(contents(sourceFolder / "resources/text" / (language + ".po"))))
+        result.emplace(entry.key, entry);
+    return result;
+}
+
+/// What the program's own code says, file by file.
+std::map<fs::path, std::string> sources() {
+    std::map<fs::path, std::string> result;
+    for (const char *room : {"engine", "tools", "ui", "app"})
+        for (const auto &entry : fs::recursive_directory_iterator(sourceFolder / room))
+            if (entry.path().extension() == ".cpp" || entry.path().extension() == ".h")
+                result.emplace(entry.path(), contents(entry.path()));
+    return result;
+}
+
+std::set<std::string> matches(const std::string &code, const std::regex &pattern) {
+    std::set<std::string> result;
+    for (std::sregex_iterator match(code.begin(), code.end(), pattern), end; match != end; ++match)
+        result.insert((*match)[1]);
+    return result;
+}
+
+/// The argument types of a printf format by argument position: 'd' integer, 'f' floating point, 's' string.
+/// '?' marks what this program does not use.
+std::map<int, char> placeholders(const std::string &format) {
+    static const std::regex conversion("%(?:%|(?:([1-9])\\$)?[-+ 0#]*[0-9]*(?:\\.[0-9]+)?(?:ll|l)?(.))");
+    std::map<int, char> result;
+    int next = 1;
+    for (std::sregex_iterator match(format.begin(), format.end(), conversion), end; match != end; ++match) {
+        if (!(*match)[2].matched)
+            continue;
+        const int position = (*match)[1].matched ? std::stoi((*match)[1]) : next++;
+        const char type = (*match)[2].str()[0];
+        result[position] = type == 'd' || type == 'f' || type == 's' ? type : '?';
+    }
+    return result;
+}
+
+std::string types(const std::string &format) {
+    std::string result;
+    for (const auto &[position, type] : placeholders(format)) {
+        EXPECT_EQ(position, static_cast<int>(result.size()) + 1) << "arguments have gaps: " << format;
+        result += type;
+    }
+    return result;
+}
+
+/// What the code hands to each format, in this order. Formats named here and nowhere in the tables are not
+/// wanted; formats in the tables must be named here.
+const std::map<std::string, std::string> arguments{
+    {"error.read.input.folder", "s"},
+    {"status.complete", "dd"},
+};
+
+TEST(Catalogue, PlaceholdersAreReadRight) {
+    EXPECT_EQ(types("plain, 100%%"), "");
+    EXPECT_EQ(types("%d of %lld, %s, %.1f%%"), "ddsf");
+    EXPECT_EQ(types("%2$s: %1$d"), "ds");
+    EXPECT_EQ(types("%02d:%02d"), "dd");
+}
+
+TEST(Catalogue, EveryKeyOfTheCodeIsInEveryTable) {
+    static const std::regex lookedUp("\\b(?:text|format)\\(\\s*\"([^\"]+)\"");
+    static const std::regex literal("\"([a-z]+(?:\\.[a-zA-Z0-9]+)+)\"");
+    for (const char *language : languageNames) {
+        const auto entries = table(language);
+        std::set<std::string> families;
+        for (const auto &[key, entry] : entries)
+            families.insert(key.substr(0, key.find('.')));
+        for (const auto &[file, code] : sources()) {
+            for (const std::string &key : matches(code, lookedUp))
+                EXPECT_TRUE(entries.count(key)) << key << " of " << file << " is missing in " << language;
+            for (const std::string &key : matches(code, literal))
+                EXPECT_TRUE(entries.count(key) || !families.count(key.substr(0, key.find('.'))))
+                    << key << " of " << file << " is missing in " << language;
+        }
+    }
+}
+
+TEST(Catalogue, TablesAgreeOnKeysAndEnglish) {
+    const auto english = table("en");
+    const auto japanese = table("ja");
+    EXPECT_EQ(english.size(), japanese.size());
+    for (const auto &[key, entry] : english) {
+        ASSERT_TRUE(japanese.count(key)) << key;
+        EXPECT_EQ(japanese.at(key).english, entry.english) << key << ": the translation is of an older text";
+        EXPECT_FALSE(entry.english.empty()) << key;
+        EXPECT_TRUE(entry.translation.empty()) << key << ": the English text is msgid";
+        EXPECT_FALSE(japanese.at(key).translation.empty()) << key << " has no translation";
+    }
+}
+
+TEST(Catalogue, KeysAreDottedLowerCaseWords) {
+    static const std::regex shape("[a-z][a-z0-9]*(\\.[a-z0-9]+)+");
+    for (const auto &[key, entry] : table("en"))
+        EXPECT_TRUE(std::regex_match(key, shape) || key == "resize.mode.cropFill") << key;
+}
+
+TEST(Catalogue, FormatsTakeTheArgumentsOfTheCode) {
+    for (const char *language : languageNames)
+        for (const auto &[key, entry] : table(language)) {
+            const auto expected = arguments.find(key);
+            EXPECT_EQ(entry.isFormat, expected != arguments.end()) << key << " in " << language;
+            EXPECT_EQ(types(entry.shown()), expected == arguments.end() ? "" : expected->second)
+                << key << " in " << language;
+            EXPECT_TRUE(entry.isFormat || !key.ends_with(".format")) << key;
+        }
+    const auto english = table("en");
+    for (const auto &[key, types] : arguments)
+        EXPECT_TRUE(english.count(key)) << key;
+}
+
+TEST(Catalogue, PlainTextsHaveNoPercentEscapes) {
+    for (const char *language : languageNames)
+        for (const auto &[key, entry] : table(language))
+            EXPECT_TRUE(entry.isFormat || entry.shown().find("%%") == std::string::npos)
+                << key << " is shown as it stands";
+}
+
+TEST(Catalogue, GettextAcceptsTheTables) {
+    if (std::system("msgfmt --version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "msgfmt (package gettext) is not installed";
+    for (const char *language : languageNames) {
+        const fs::path file = sourceFolder / "resources/text" / (std::string(language) + ".po");
+        const std::string command = "msgfmt --check --output-file=/dev/null '" + file.string() + "' 2>&1";
+        FILE *judge = popen(command.c_str(), "r");
+        ASSERT_TRUE(judge);
+        std::string words;
+        for (int character; (character = std::fgetc(judge)) != EOF;)
+            words += static_cast<char>(character);
+        EXPECT_EQ(pclose(judge), 0) << words;
+        EXPECT_EQ(words, "");
+    }
+}
+
+} // namespace
+} // namespace lumetwin
