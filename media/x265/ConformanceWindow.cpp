@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/x265/ConformanceWindow.h"
+
+#include <bit>
+
+namespace lumetwin::media::x265 {
+
+namespace {
+
+std::vector<std::uint8_t> withoutEmulationPrevention(NalBytes unit) {
+    std::vector<std::uint8_t> bytes;
+    int zeros = 0;
+    for (const std::uint8_t byte : unit) {
+        if (zeros >= 2 && byte == 3) {
+            zeros = 0;
+            continue;
+        }
+        zeros = byte == 0 ? zeros + 1 : 0;
+        bytes.push_back(byte);
+    }
+    return bytes;
+}
+
+std::vector<std::uint8_t> withEmulationPrevention(const std::vector<std::uint8_t> &bytes) {
+    std::vector<std::uint8_t> unit;
+    int zeros = 0;
+    for (const std::uint8_t byte : bytes) {
+        if (zeros >= 2 && byte <= 3) {
+            unit.push_back(3);
+            zeros = 0;
+        }
+        zeros = byte == 0 ? zeros + 1 : 0;
+        unit.push_back(byte);
+    }
+    return unit;
+}
+
+/// Reads bits; past the end it reads zeros and remembers.
+class BitReader {
+public:
+    explicit BitReader(const std::vector<std::uint8_t> &bytes) : bytes_(bytes) {}
+
+    std::uint32_t bits(int count) {
+        std::uint32_t value = 0;
+        for (; count > 0; --count)
+            value = value << 1 | bit();
+        return value;
+    }
+
+    std::uint32_t number() {
+        int zeros = 0;
+        while (bit() == 0)
+            if (++zeros > 31 || beyond_)
+                return beyond_ = true, 0;
+        return (1u << zeros) - 1 + bits(zeros);
+    }
+
+    /// Whether the next bits have the given value.
+    bool expect(int count, std::uint32_t value) { return bits(count) == value; }
+    bool expectNumber(std::uint32_t value) { return number() == value; }
+    void skip(int count) { position_ += static_cast<std::size_t>(count); }
+    void align() { position_ = (position_ + 7) / 8 * 8; }
+    std::size_t position() const { return position_; }
+    bool good() const { return !beyond_; }
+
+private:
+    std::uint32_t bit() {
+        if (position_ / 8 >= bytes_.size())
+            return beyond_ = true, 0;
+        const std::uint32_t value = bytes_[position_ / 8] >> (7 - position_ % 8) & 1u;
+        ++position_;
+        return value;
+    }
+
+    const std::vector<std::uint8_t> &bytes_;
+    std::size_t position_ = 0;
+    bool beyond_ = false;
+};
+
+class BitWriter {
+public:
+    void bit(std::uint32_t value) {
+        if (count_ % 8 == 0)
+            bytes_.push_back(0);
+        bytes_.back() = static_cast<std::uint8_t>(bytes_.back() | (value & 1u) << (7 - count_ % 8));
+        ++count_;
+    }
+
+    void number(std::uint32_t value) {
+        const int width = std::bit_width(value + 1);
+        for (int zeros = 1; zeros < width; ++zeros)
+            bit(0);
+        for (int place = width - 1; place >= 0; --place)
+            bit((value + 1) >> place);
+    }
+
+    std::vector<std::uint8_t> take() { return std::move(bytes_); }
+
+private:
+    std::vector<std::uint8_t> bytes_;
+    std::size_t count_ = 0;
+};
+
+constexpr int headerBits = 16;
+constexpr int profileBits = 88; // general profile, tier and constraints, without the level
+constexpr int levelBits = 8;
+
+/// The position of the conformance window's flag, and the coded size.
+struct WindowPlace {
+    std::size_t position;
+    std::uint32_t width;
+    std::uint32_t height;
+};
+
+std::optional<WindowPlace> windowOfSequence(BitReader &reader) {
+    reader.skip(headerBits + 4);
+    if (!reader.expect(3, 0))
+        return std::nullopt;
+    reader.skip(1 + profileBits + levelBits);
+    reader.number();
+    if (!reader.expectNumber(1))
+        return std::nullopt;
+    const std::uint32_t width = reader.number();
+    const std::uint32_t height = reader.number();
+    return WindowPlace{reader.position(), width, height};
+}
+
+/// The base part of a video parameter set of two layers in one layer set, up to its extension.
+bool skipToExtension(BitReader &reader) {
+    reader.skip(headerBits + 4 + 1 + 1);
+    const bool twoLayers = reader.expect(6, 1) && reader.expect(3, 0);
+    reader.skip(1 + 16 + profileBits + levelBits + 1);
+    for (int field = 0; field < 3; ++field)
+        reader.number();
+    const bool oneSet = reader.expect(6, 1) && reader.expectNumber(1) && reader.expect(2, 3);
+    const bool extended = reader.expect(1, 0) && reader.expect(1, 1);
+    reader.align();
+    return twoLayers && oneSet && extended;
+}
+
+/// The extension's scalability part: one type, multiview.
+bool skipScalability(BitReader &reader) {
+    reader.skip(levelBits);
+    if (!reader.expect(1, 0) || !reader.expect(16, 0x4000))
+        return false;
+    const int dimensionBits = static_cast<int>(reader.bits(3)) + 1;
+    if (reader.bits(1))
+        reader.skip(6);
+    reader.skip(dimensionBits);
+    const int viewBits = static_cast<int>(reader.bits(4));
+    reader.skip(2 * viewBits);
+    return reader.expect(1, 1); // layer 1 depends on layer 0
+}
+
+std::optional<WindowPlace> windowOfVideo(BitReader &reader) {
+    if (!skipToExtension(reader) || !skipScalability(reader) || !reader.expect(2, 0))
+        return std::nullopt;
+    reader.skip(1);
+    if (!reader.expectNumber(2) || !reader.expect(1, 1))
+        return std::nullopt;
+    reader.skip(profileBits + levelBits);
+    if (!reader.expectNumber(0) || !reader.expect(2, 0))
+        return std::nullopt;
+    reader.skip(2 * 2);
+    if (!reader.expectNumber(0))
+        return std::nullopt;
+    const std::uint32_t width = reader.bits(16);
+    const std::uint32_t height = reader.bits(16);
+    if (!reader.expect(1, 1) || !reader.expect(2, 1))
+        return std::nullopt;
+    reader.skip(4 + 4);
+    return WindowPlace{reader.position(), width, height};
+}
+
+} // namespace
+
+std::optional<std::vector<std::uint8_t>> withConformanceWindow(NalBytes unit, int width, int height) {
+    const std::vector<std::uint8_t> bytes = withoutEmulationPrevention(unit);
+    BitReader reader(bytes);
+    const auto place = nalType(unit) == NalType::video ? windowOfVideo(reader) : windowOfSequence(reader);
+    const auto shownWidth = static_cast<std::uint32_t>(width);
+    const auto shownHeight = static_cast<std::uint32_t>(height);
+    if (!place || !reader.good() || place->width < shownWidth || place->height < shownHeight)
+        return std::nullopt;
+    if (reader.bits(1))
+        for (int side = 0; side < 4; ++side)
+            reader.number();
+    BitWriter writer;
+    BitReader start(bytes);
+    while (start.position() < place->position)
+        writer.bit(start.bits(1));
+    writer.bit(1);
+    for (const std::uint32_t offset : {0u, (place->width - shownWidth) / 2, 0u, (place->height - shownHeight) / 2})
+        writer.number(offset);
+    // The rest up to and including the stop bit, which is the last one that is set.
+    std::size_t end = bytes.size() * 8;
+    while (end > reader.position() && !(bytes[(end - 1) / 8] >> (7 - (end - 1) % 8) & 1))
+        --end;
+    while (reader.position() < end)
+        writer.bit(reader.bits(1));
+    if (!reader.good())
+        return std::nullopt;
+    return withEmulationPrevention(writer.take());
+}
+
+} // namespace lumetwin::media::x265

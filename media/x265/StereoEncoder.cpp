@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/x265/StereoEncoder.h"
+
+#include "media/MediaError.h"
+#include "media/x265/CodingLevel.h"
+#include "media/x265/ConformanceWindow.h"
+#include "media/x265/NalUnits.h"
+#include "media/x265/StereoRateLoop.h"
+
+#include <x265.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <numeric>
+
+namespace lumetwin::media::x265 {
+
+namespace {
+
+constexpr const char *operation = "Cannot encode";
+
+// Smaller pictures drift between this encoder and decoders (seen with x265 4.1).
+constexpr int smallestSide = 96;
+// Pictures below this size are coded in units of 32, so that there are several rows of them.
+constexpr int largeSide = 256;
+constexpr double keyFrameSeconds = 2;
+
+// The 3D reference displays information SEI (ITU-T H.265, G.14): one display, left view 0, right view 1. x265 4.1 writes
+// its mantissa one bit too long, and adds three messages with made-up constants.
+constexpr std::array<std::uint8_t, 9> referenceDisplays{0x4E, 0x01, 0xB0, 0x04, 0x04, 0x0D, 0x00, 0x20, 0x80};
+
+struct ParameterDeleter {
+    void operator()(x265_param *parameters) const { x265_param_free(parameters); }
+};
+using Parameters = std::unique_ptr<x265_param, ParameterDeleter>;
+
+struct EncoderDeleter {
+    void operator()(x265_encoder *encoder) const { x265_encoder_close(encoder); }
+};
+using Encoder = std::unique_ptr<x265_encoder, EncoderDeleter>;
+
+int codedSide(int side) { return std::max(side + (side & 1), smallestSide); }
+
+double frameRateOf(const StereoFormat &format) {
+    return static_cast<double>(format.timeScale) / static_cast<double>(format.frameDuration);
+}
+
+/// The encoder's bit rates are in 1000 bits per second.
+int kilobits(double bitsPerSecond) {
+    return static_cast<int>(std::clamp(std::round(bitsPerSecond / 1000), 1.0, 2'000'000.0));
+}
+
+void setPictureFormat(x265_param &parameters, const StereoFormat &format) {
+    parameters.sourceWidth = codedSide(format.width);
+    parameters.sourceHeight = codedSide(format.height);
+    parameters.sourceBitDepth = 8;
+    parameters.internalBitDepth = 8;
+    parameters.internalCsp = X265_CSP_I420;
+    const auto common = std::gcd(format.timeScale, format.frameDuration);
+    parameters.fpsNum = static_cast<std::uint32_t>(format.timeScale / common);
+    parameters.fpsDenom = static_cast<std::uint32_t>(format.frameDuration / common);
+    if (std::min(parameters.sourceWidth, parameters.sourceHeight) < largeSide)
+        parameters.maxCUSize = 32;
+}
+
+void setColour(x265_param &parameters, const ColourTags &colour) {
+    auto &vui = parameters.vui;
+    vui.bEnableVideoSignalTypePresentFlag = 1;
+    vui.bEnableVideoFullRangeFlag = colour.range == ColourRange::full;
+    vui.bEnableColorDescriptionPresentFlag = 1;
+    vui.colorPrimaries = colour.primaries;
+    vui.transferCharacteristics = colour.transfer;
+    vui.matrixCoeffs = colour.matrix;
+    if (colour.chromaLocation == ChromaLocation::unspecified)
+        return;
+    const int location = colour.chromaLocation == ChromaLocation::left     ? 0
+                         : colour.chromaLocation == ChromaLocation::centre ? 1
+                                                                           : 2;
+    vui.bEnableChromaLocInfoPresentFlag = 1;
+    vui.chromaSampleLocTypeTopField = location;
+    vui.chromaSampleLocTypeBottomField = location;
+}
+
+void setStructure(x265_param &parameters, double frameRate) {
+    parameters.numViews = 2;
+    parameters.numLayers = 2;
+    parameters.format = 0;
+    // Both would be written once a layer, in the middle of an access unit.
+    parameters.bRepeatHeaders = 0;
+    parameters.bEnableAccessUnitDelimiters = 0;
+    parameters.bEmitInfoSEI = 0;
+    parameters.bOpenGOP = 0;
+    parameters.keyframeMax = std::max(2, static_cast<int>(std::lround(keyFrameSeconds * frameRate)));
+    // With a single reference the right view would have none in time, only the left view.
+    parameters.maxNumReferences = std::max(2, parameters.maxNumReferences);
+    parameters.frameNumThreads = 2;
+    parameters.logLevel = X265_LOG_NONE;
+}
+
+void setRate(x265_param &parameters, const CodingLevel &level, double baseRate) {
+    parameters.levelIdc = level.number;
+    parameters.bHighTier = 0;
+    parameters.rc.rateControlMode = X265_RC_ABR;
+    parameters.rc.bitrate = kilobits(baseRate);
+    parameters.bConfigRCFrame = 1;
+}
+
+Picture coded(const Picture &picture, int width, int height, PicturePool &pool) {
+    if (picture.width == width && picture.height == height)
+        return picture;
+    Picture larger = pool.take();
+    for (int plane = 0; plane < 3; ++plane)
+        for (int row = 0; row < larger.planeHeight(plane); ++row) {
+            const int shown = picture.planeWidth(plane);
+            const std::uint8_t *from = picture.planes[plane].data +
+                                       std::min(row, picture.planeHeight(plane) - 1) * picture.planes[plane].stride;
+            std::uint8_t *to = larger.planes[plane].data + row * larger.planes[plane].stride;
+            std::memcpy(to, from, static_cast<std::size_t>(shown));
+            std::memset(to + shown, from[shown - 1], static_cast<std::size_t>(larger.planeWidth(plane) - shown));
+        }
+    return larger;
+}
+
+NalBytes bytesOf(const x265_nal &nal) { return withoutStartCode({nal.payload, nal.sizeBytes}); }
+
+} // namespace
+
+struct StereoEncoder::State {
+    std::filesystem::path file;
+    StereoFormat format;
+    Parameters parameters{x265_param_alloc()};
+    Encoder encoder;
+    CodingLevel level;
+    StereoRateLoop loop;
+    PicturePool pool;
+    std::vector<std::uint8_t> parameterSets;
+    bool finished = false;
+
+    State(const std::filesystem::path &name, const StereoFormat &stream)
+        : file(name), format(stream), loop(static_cast<double>(stream.averageBitRate), frameRateOf(stream)),
+          pool(codedSide(stream.width), codedSide(stream.height), yuv420, stream.colour) {
+        open();
+        collectParameterSets();
+    }
+
+    MediaError error(int code, const std::string &reason) const { return {file, operation, code, reason}; }
+
+    void open() {
+        if (!parameters)
+            throw std::bad_alloc();
+        const double frameRate = frameRateOf(format);
+        if (x265_param_default_preset(parameters.get(), format.preset.c_str(), nullptr) < 0)
+            throw error(0, "there is no preset " + format.preset);
+        setPictureFormat(*parameters, format);
+        setColour(*parameters, format.colour);
+        setStructure(*parameters, frameRate);
+        level = codingLevel(parameters->sourceWidth, parameters->sourceHeight, frameRate, format.averageBitRate);
+        setRate(*parameters, level, baseRate());
+        encoder.reset(x265_encoder_open(parameters.get()));
+        if (!encoder)
+            throw error(0, "the two-view encoder does not take pictures of " + std::to_string(format.width) + " × " +
+                               std::to_string(format.height));
+    }
+
+    /// A bit rate above its level's would change the level, which the encoder refuses.
+    double baseRate() const { return std::min(loop.baseRate(), static_cast<double>(level.highestBitRate)); }
+
+    void collectParameterSets() {
+        x265_nal *nals = nullptr;
+        std::uint32_t count = 0;
+        if (x265_encoder_headers(encoder.get(), &nals, &count) < 0)
+            throw error(0, "no parameter sets");
+        for (std::uint32_t index = 0; index < count; ++index) {
+            const NalBytes unit = bytesOf(nals[index]);
+            if (nalType(unit) == NalType::prefixInformation)
+                continue;
+            const bool holdsWindow =
+                nalType(unit) == NalType::video || (nalType(unit) == NalType::sequence && nalLayer(unit) == 0);
+            appendAnnexB(parameterSets, unit);
+            if (!holdsWindow || (format.width >= smallestSide && format.height >= smallestSide))
+                continue;
+            const auto smaller = withConformanceWindow(unit, format.width, format.height);
+            if (!smaller)
+                throw error(0, "unexpected parameter sets");
+            parameterSets.resize(parameterSets.size() - unit.size() - 4);
+            appendAnnexB(parameterSets, *smaller);
+        }
+        appendAnnexB(parameterSets, referenceDisplays);
+    }
+
+    x265_picture inputOf(const Picture &picture, std::int64_t time) const {
+        x265_picture input;
+        x265_picture_init(parameters.get(), &input);
+        for (int plane = 0; plane < 3; ++plane) {
+            input.planes[plane] = picture.planes[plane].data;
+            input.stride[plane] = static_cast<int>(picture.planes[plane].stride);
+        }
+        input.bitDepth = 8;
+        input.colorSpace = X265_CSP_I420;
+        input.pts = time;
+        return input;
+    }
+
+    /// Hands one pair of pictures in (or none: flush) and an access unit out, if there is one.
+    bool step(x265_picture *input, const AccessUnitSink &sink) {
+        std::array<x265_picture, 2> output;
+        for (x265_picture &picture : output)
+            x265_picture_init(parameters.get(), &picture);
+        x265_nal *nals = nullptr;
+        std::uint32_t count = 0;
+        const int result = x265_encoder_encode(encoder.get(), &nals, &count, input, output.data());
+        if (result < 0)
+            throw error(result, "the two-view encoder failed");
+        if (result == 0 || count == 0)
+            return false;
+        AccessUnit unit{{}, output[0].pts, output[0].dts, false};
+        std::array<double, 2> bits{};
+        for (std::uint32_t index = 0; index < count; ++index)
+            collect(bytesOf(nals[index]), unit, bits);
+        steer(bits);
+        sink(unit);
+        return true;
+    }
+
+    static void collect(NalBytes nal, AccessUnit &unit, std::array<double, 2> &bits) {
+        const int type = nalType(nal);
+        const int layer = std::min(nalLayer(nal), 1);
+        if (type > NalType::lastPicture && type != NalType::suffixInformation)
+            return;
+        if (layer == 0 && type >= NalType::firstRandomAccess && type <= NalType::lastRandomAccess)
+            unit.keyFrame = true;
+        appendAnnexB(unit.bytes, nal);
+        bits[static_cast<std::size_t>(layer)] += 8.0 * static_cast<double>(nal.size() + 4);
+    }
+
+    void steer(const std::array<double, 2> &bits) {
+        loop.account(bits[0], bits[0] + bits[1]);
+        const int asked = kilobits(baseRate());
+        if (asked == parameters->rc.bitrate)
+            return; // with nothing new, the encoder would take it for a change of everything else
+        parameters->rc.bitrate = asked;
+        x265_encoder_reconfig(encoder.get(), parameters.get());
+    }
+};
+
+StereoEncoder::StereoEncoder(const std::filesystem::path &file, const StereoFormat &format)
+    : state_(std::make_unique<State>(file, format)) {}
+
+StereoEncoder::~StereoEncoder() = default;
+
+const std::vector<std::uint8_t> &StereoEncoder::parameterSets() const { return state_->parameterSets; }
+
+void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink) {
+    State &state = *state_;
+    const int codedWidth = codedSide(state.format.width);
+    const int codedHeight = codedSide(state.format.height);
+    const Picture leftCoded = coded(left, codedWidth, codedHeight, state.pool);
+    const Picture rightCoded = coded(right, codedWidth, codedHeight, state.pool);
+    std::array<x265_picture, 2> input{state.inputOf(leftCoded, time), state.inputOf(rightCoded, time)};
+    state.step(input.data(), sink);
+}
+
+void StereoEncoder::finish(const AccessUnitSink &sink) {
+    if (state_->finished)
+        return;
+    state_->finished = true;
+    while (state_->step(nullptr, sink))
+        ;
+}
+
+} // namespace lumetwin::media::x265

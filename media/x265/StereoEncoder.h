@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/Picture.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace lumetwin::media::x265 {
+
+/// The fastest of the encoder's presets that needs at least a fifth fewer bits than two independent streams;
+/// bench/spatial-video prints the table.
+inline constexpr const char *shippedPreset = "veryfast";
+
+/// What a two-view stream is to be. Sizes are even; smaller pictures than the encoder codes safely are padded inside and
+/// cropped again by the stream's conformance window.
+struct StereoFormat {
+    int width = 0; ///< one view
+    int height = 0;
+    std::int64_t averageBitRate = 0; ///< bits per second, both layers together
+    int timeScale = 600;             ///< ticks per second
+    std::int64_t frameDuration = 20; ///< ticks from one frame to the next
+    ColourTags colour;
+    std::string preset = shippedPreset;
+};
+
+/// One access unit of both layers, layer 0 first, as Annex B bytes. Times are in the caller's ticks.
+struct AccessUnit {
+    std::vector<std::uint8_t> bytes;
+    std::int64_t time = 0;
+    std::int64_t decodingTime = 0;
+    bool keyFrame = false; ///< layer 0's picture is an intra random access point
+};
+
+using AccessUnitSink = std::function<void(const AccessUnit &)>;
+
+/// Encodes two views into one multiview HEVC stream (ITU-T H.265, Annex G): layer 0 / view 0 is the left eye, layer
+/// 1 / view 1 the right one, predicted from the left. One thread at a time.
+class StereoEncoder {
+public:
+    /// `file` is named in errors. Throws MediaError where the encoder cannot take the format.
+    StereoEncoder(const std::filesystem::path &file, const StereoFormat &format);
+    ~StereoEncoder();
+    StereoEncoder(const StereoEncoder &) = delete;
+    StereoEncoder &operator=(const StereoEncoder &) = delete;
+
+    /// VPS with its extension, SPS and PPS of both layers, and the SEI that says which view is whose eye, Annex B.
+    const std::vector<std::uint8_t> &parameterSets() const;
+
+    /// Both pictures are 8-bit 4:2:0 of the format's size; samples are copied before this returns. Throws MediaError.
+    void encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink);
+    /// Gives out every access unit that is still under way.
+    void finish(const AccessUnitSink &sink);
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace lumetwin::media::x265
