@@ -238,6 +238,16 @@ void MovieWriter::addVideo(const VideoEncoding &encoding) {
     state_->balance.add(TrackBalance::video);
 }
 
+void MovieWriter::addVideo(const StereoVideoEncoding &encoding) {
+    checkSize(state_->output, encoding.width, encoding.height);
+    state_->videoWidth = encoding.width;
+    state_->videoHeight = encoding.height;
+    state_->makeVideo = [file = state_->output, encoding](int timeScale) {
+        return ffmpeg::makeVideoEncoder(file, encoding, timeScale);
+    };
+    state_->balance.add(TrackBalance::video);
+}
+
 void MovieWriter::start(int timeScale) { state_->start(timeScale); }
 
 void MovieWriter::append(const Picture &picture, std::int64_t time, std::int64_t duration) {

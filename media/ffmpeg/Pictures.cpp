@@ -114,6 +114,14 @@ void setColour(AVCodecContext &codec, const ColourTags &colour) {
     codec.chroma_sample_location = location(colour.chromaLocation);
 }
 
+void setColour(AVCodecParameters &parameters, const ColourTags &colour) {
+    parameters.color_primaries = static_cast<AVColorPrimaries>(colour.primaries);
+    parameters.color_trc = static_cast<AVColorTransferCharacteristic>(colour.transfer);
+    parameters.color_space = static_cast<AVColorSpace>(colour.matrix);
+    parameters.color_range = range(colour.range);
+    parameters.chroma_location = location(colour.chromaLocation);
+}
+
 Picture PictureImporter::import(FramePointer frame) {
     auto format = planarFormat(static_cast<AVPixelFormat>(frame->format));
     if (!format) {

@@ -15,6 +15,7 @@ std::optional<PictureFormat> planarFormat(AVPixelFormat format);
 ColourTags colourTags(const AVFrame &frame);
 ColourTags colourTags(const AVCodecParameters &parameters);
 void setColour(AVCodecContext &codec, const ColourTags &colour);
+void setColour(AVCodecParameters &parameters, const ColourTags &colour);
 
 /// Turns decoded frames into pictures: shares their storage where the format allows, else unpacks them to the nearest
 /// planar YUV format.

@@ -30,11 +30,9 @@ public:
 std::unique_ptr<VideoTrackEncoder> makeVideoEncoder(const std::filesystem::path &file, const VideoEncoding &encoding,
                                                     int timeScale);
 
-/// The even size that a 4:2:0 encoder codes for a frame of the given size, at least `smallest` a side.
-int codedSize(int size, int smallest);
-
-/// The picture itself when it has the given size, else a copy whose last column and row are repeated up to it.
-Picture padded(const Picture &picture, int width, int height, PicturePool &pool);
+/// As above, of two views.
+std::unique_ptr<VideoTrackEncoder> makeVideoEncoder(const std::filesystem::path &file,
+                                                    const StereoVideoEncoding &encoding, int timeScale);
 
 /// Tells the muxer to show only the given size of a larger coded picture (clean aperture, from the top left).
 void setAperture(AVStream &stream, int width, int height);

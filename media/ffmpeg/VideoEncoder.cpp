@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/Padding.h"
 #include "media/ffmpeg/Pictures.h"
 #include "media/ffmpeg/TrackEncoder.h"
 

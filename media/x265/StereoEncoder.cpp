@@ -2,6 +2,7 @@
 #include "media/x265/StereoEncoder.h"
 
 #include "media/MediaError.h"
+#include "media/Padding.h"
 #include "media/x265/CodingLevel.h"
 #include "media/x265/ConformanceWindow.h"
 #include "media/x265/NalUnits.h"
@@ -12,7 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
+#include <new>
 #include <numeric>
 
 namespace lumetwin::media::x265 {
@@ -41,7 +42,7 @@ struct EncoderDeleter {
 };
 using Encoder = std::unique_ptr<x265_encoder, EncoderDeleter>;
 
-int codedSide(int side) { return std::max(side + (side & 1), smallestSide); }
+int codedSide(int side) { return codedSize(side, smallestSide); }
 
 double frameRateOf(const StereoFormat &format) {
     return static_cast<double>(format.timeScale) / static_cast<double>(format.frameDuration);
@@ -107,22 +108,6 @@ void setRate(x265_param &parameters, const CodingLevel &level, double baseRate) 
     parameters.bConfigRCFrame = 1;
 }
 
-Picture coded(const Picture &picture, int width, int height, PicturePool &pool) {
-    if (picture.width == width && picture.height == height)
-        return picture;
-    Picture larger = pool.take();
-    for (int plane = 0; plane < 3; ++plane)
-        for (int row = 0; row < larger.planeHeight(plane); ++row) {
-            const int shown = picture.planeWidth(plane);
-            const std::uint8_t *from = picture.planes[plane].data +
-                                       std::min(row, picture.planeHeight(plane) - 1) * picture.planes[plane].stride;
-            std::uint8_t *to = larger.planes[plane].data + row * larger.planes[plane].stride;
-            std::memcpy(to, from, static_cast<std::size_t>(shown));
-            std::memset(to + shown, from[shown - 1], static_cast<std::size_t>(larger.planeWidth(plane) - shown));
-        }
-    return larger;
-}
-
 NalBytes bytesOf(const x265_nal &nal) { return withoutStartCode({nal.payload, nal.sizeBytes}); }
 
 } // namespace
@@ -136,6 +121,7 @@ struct StereoEncoder::State {
     StereoRateLoop loop;
     PicturePool pool;
     std::vector<std::uint8_t> parameterSets;
+    std::int64_t codedFrames = 0;
     bool finished = false;
 
     State(const std::filesystem::path &name, const StereoFormat &stream)
@@ -190,6 +176,8 @@ struct StereoEncoder::State {
         appendAnnexB(parameterSets, referenceDisplays);
     }
 
+    int reordering() const { return parameters->bframes > 1 && parameters->bBPyramid ? 2 : parameters->bframes > 0; }
+
     x265_picture inputOf(const Picture &picture, std::int64_t time) const {
         x265_picture input;
         x265_picture_init(parameters.get(), &input);
@@ -215,7 +203,9 @@ struct StereoEncoder::State {
             throw error(result, "the two-view encoder failed");
         if (result == 0 || count == 0)
             return false;
-        AccessUnit unit{{}, output[0].pts, output[0].dts, false};
+        // The rate is constant, so decoding times follow from the coding order. (The encoder's own are undefined for
+        // clips shorter than its reordering.)
+        AccessUnit unit{{}, output[0].pts, (codedFrames++ - reordering()) * format.frameDuration, false};
         std::array<double, 2> bits{};
         for (std::uint32_t index = 0; index < count; ++index)
             collect(bytesOf(nals[index]), unit, bits);
@@ -252,12 +242,14 @@ StereoEncoder::~StereoEncoder() = default;
 
 const std::vector<std::uint8_t> &StereoEncoder::parameterSets() const { return state_->parameterSets; }
 
+int StereoEncoder::reordering() const { return state_->reordering(); }
+
 void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink) {
     State &state = *state_;
     const int codedWidth = codedSide(state.format.width);
     const int codedHeight = codedSide(state.format.height);
-    const Picture leftCoded = coded(left, codedWidth, codedHeight, state.pool);
-    const Picture rightCoded = coded(right, codedWidth, codedHeight, state.pool);
+    const Picture leftCoded = padded(left, codedWidth, codedHeight, state.pool);
+    const Picture rightCoded = padded(right, codedWidth, codedHeight, state.pool);
     std::array<x265_picture, 2> input{state.inputOf(leftCoded, time), state.inputOf(rightCoded, time)};
     state.step(input.data(), sink);
 }

@@ -51,6 +51,9 @@ public:
     /// VPS with its extension, SPS and PPS of both layers, and the SEI that says which view is whose eye, Annex B.
     const std::vector<std::uint8_t> &parameterSets() const;
 
+    /// By how many access units coding runs ahead of showing.
+    int reordering() const;
+
     /// Both pictures are 8-bit 4:2:0 of the format's size; samples are copied before this returns. Throws MediaError.
     void encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink);
     /// Gives out every access unit that is still under way.

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/ffmpeg/TrackEncoder.h"
-
-extern "C" {
-#include <libavutil/intreadwrite.h>
-}
+#include "media/Padding.h"
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
-namespace lumetwin::media::ffmpeg {
+namespace lumetwin::media {
 
 int codedSize(int size, int smallest) { return std::max(size + (size & 1), smallest); }
 
@@ -39,18 +34,4 @@ Picture padded(const Picture &picture, int width, int height, PicturePool &pool)
     return larger;
 }
 
-void setAperture(AVStream &stream, int width, int height) {
-    AVCodecParameters &parameters = *stream.codecpar;
-    if (parameters.width == width && parameters.height == height)
-        return;
-    AVPacketSideData *data = av_packet_side_data_new(&parameters.coded_side_data, &parameters.nb_coded_side_data,
-                                                     AV_PKT_DATA_FRAME_CROPPING, 16, 0);
-    if (!data)
-        throw std::bad_alloc();
-    AV_WL32(data->data, 0);
-    AV_WL32(data->data + 4, static_cast<std::uint32_t>(parameters.height - height));
-    AV_WL32(data->data + 8, 0);
-    AV_WL32(data->data + 12, static_cast<std::uint32_t>(parameters.width - width));
-}
-
-} // namespace lumetwin::media::ffmpeg
+} // namespace lumetwin::media
