@@ -2,6 +2,7 @@
 #include "media/ffmpeg/MovieHeader.h"
 
 #include "media/MediaError.h"
+#include "media/ffmpeg/HeaderBoxes.h"
 
 #include <algorithm>
 #include <array>
@@ -15,62 +16,6 @@ namespace lumetwin::media::ffmpeg {
 namespace {
 
 constexpr const char *operation = "Cannot complete";
-
-std::uint32_t get32(const std::uint8_t *bytes) {
-    return static_cast<std::uint32_t>(bytes[0]) << 24 | bytes[1] << 16 | bytes[2] << 8 | bytes[3];
-}
-
-void put32(std::uint8_t *bytes, std::uint32_t value) {
-    for (int index = 0; index < 4; ++index)
-        bytes[index] = static_cast<std::uint8_t>(value >> (24 - 8 * index));
-}
-
-void append32(MovieHeader &bytes, std::uint32_t value) {
-    bytes.resize(bytes.size() + 4);
-    put32(bytes.data() + bytes.size() - 4, value);
-}
-
-void appendText(MovieHeader &bytes, std::string_view text) { bytes.insert(bytes.end(), text.begin(), text.end()); }
-
-/// A box with its payload, as bytes.
-MovieHeader box(std::string_view type, const MovieHeader &payload) {
-    MovieHeader bytes;
-    append32(bytes, static_cast<std::uint32_t>(payload.size() + 8));
-    appendText(bytes, type);
-    bytes.insert(bytes.end(), payload.begin(), payload.end());
-    return bytes;
-}
-
-struct Range {
-    std::size_t begin; ///< of the box, header included
-    std::size_t end;
-};
-
-/// The first child of the given type in [begin, end); only 32-bit sizes, as the muxer writes them in headers.
-std::optional<Range> child(const MovieHeader &header, std::size_t begin, std::size_t end, std::string_view type) {
-    while (begin + 8 <= end) {
-        const std::size_t size = get32(header.data() + begin);
-        if (size < 8 || size > end - begin)
-            return std::nullopt;
-        if (std::memcmp(header.data() + begin + 4, type.data(), 4) == 0)
-            return Range{begin, begin + size};
-        begin += size;
-    }
-    return std::nullopt;
-}
-
-/// The first video track: the one whose media has a `vmhd`.
-std::optional<Range> videoTrack(const MovieHeader &header) {
-    std::size_t begin = 8;
-    while (const auto track = child(header, begin, header.size(), "trak")) {
-        const auto media = child(header, track->begin + 8, track->end, "mdia");
-        const auto information = media ? child(header, media->begin + 8, media->end, "minf") : std::nullopt;
-        if (information && child(header, information->begin + 8, information->end, "vmhd"))
-            return track;
-        begin = track->end;
-    }
-    return std::nullopt;
-}
 
 struct Placed {
     std::streamoff offset;
@@ -186,6 +131,11 @@ void completeEditLists(MovieHeader &header) {
             completeEdits(header, *list, trackDuration(header, *head));
         begin = track->end;
     }
+}
+
+void removeFragmentDefaults(MovieHeader &header) {
+    if (const auto box = child(header, 8, header.size(), "mvex"))
+        replace(header, {}, box->begin, box->end, {});
 }
 
 void setPresentationSize(MovieHeader &header, int width, int height) {

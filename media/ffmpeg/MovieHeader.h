@@ -22,6 +22,9 @@ void editMovieHeader(const std::filesystem::path &file, const std::function<void
 /// 14496-12, 8.6.6): the muxer leaves them so when it turns fragments into an ordinary movie.
 void completeEditLists(MovieHeader &header);
 
+/// Removes the box that announces fragments (`mvex`): in the finished movie there are none.
+void removeFragmentDefaults(MovieHeader &header);
+
 /// Sets the presentation size of the first video track (`tkhd` and, where present, `tapt`).
 void setPresentationSize(MovieHeader &header, int width, int height);
 

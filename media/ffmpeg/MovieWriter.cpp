@@ -4,6 +4,7 @@
 #include "media/BoundedQueue.h"
 #include "media/ffmpeg/AudioEncoder.h"
 #include "media/ffmpeg/MovieHeader.h"
+#include "media/ffmpeg/StereoEntry.h"
 #include "media/ffmpeg/TrackBalance.h"
 
 #include <atomic>
@@ -47,6 +48,7 @@ void checkSize(const std::filesystem::path &file, int width, int height) {
 struct MovieWriter::State {
     std::filesystem::path output;
     std::filesystem::path partial;
+    std::optional<StereoVideoEncoding> stereo;
     Container container;
     MovieTags tags;
     ffmpeg::Output muxer;
@@ -188,6 +190,12 @@ struct MovieWriter::State {
             std::rethrow_exception(failure);
     }
 
+    void completeStereoTrack(ffmpeg::MovieHeader &header) {
+        if (!ffmpeg::completeStereoEntry(header, *stereo))
+            throw MediaError(output, operation, 0, "the stereo track is not as the muxer should have written it");
+        ffmpeg::addApertures(header, videoWidth, videoHeight);
+    }
+
     void finish() {
         pictures.close();
         joinEncoding();
@@ -196,8 +204,11 @@ struct MovieWriter::State {
         check(avio_closep(&muxer->pb), output, operation);
         ffmpeg::editMovieHeader(partial, [&](ffmpeg::MovieHeader &header) {
             ffmpeg::completeEditLists(header);
+            ffmpeg::removeFragmentDefaults(header);
             if (videoStream)
                 ffmpeg::setPresentationSize(header, videoWidth, videoHeight);
+            if (stereo)
+                completeStereoTrack(header);
             ffmpeg::addMetadata(header, ffmpeg::metadataItems(tags));
         });
         std::error_code code;
@@ -240,6 +251,7 @@ void MovieWriter::addVideo(const VideoEncoding &encoding) {
 
 void MovieWriter::addVideo(const StereoVideoEncoding &encoding) {
     checkSize(state_->output, encoding.width, encoding.height);
+    state_->stereo = encoding;
     state_->videoWidth = encoding.width;
     state_->videoHeight = encoding.height;
     state_->makeVideo = [file = state_->output, encoding](int timeScale) {
