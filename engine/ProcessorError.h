@@ -16,9 +16,15 @@ public:
 };
 
 /// The engine error with the given message, to be thrown.
-inline ProcessorError processorError(const std::string &message) { return ProcessorError(message); }
+inline ProcessorError processorError(const std::string &message) {
+    return ProcessorError(message);
+}
 
-/// An error's full text for the log: its domain, code and message.
+/// An error in words for the user.
+std::string errorMessage(const std::exception &error);
+
+/// An error's full text for the log: its domain, code and message, as in
+/// Error Domain=VideoProcessor Code=-1 "message". Errors without a code are their message.
 std::string errorText(const std::exception &error);
 
 } // namespace lumetwin

@@ -78,6 +78,9 @@ std::string types(const std::string &format) {
 /// What the code hands to each format, in this order. Formats named here and nowhere in the tables are not
 /// wanted; formats in the tables must be named here.
 const std::map<std::string, std::string> arguments{
+    {"error.input.is.folder.format", "s"},
+    {"error.output.folder.missing.format", "s"},
+    {"error.output.is.input.format", "ss"},
     {"error.read.input.folder", "s"},
     {"status.complete", "dd"},
 };
@@ -105,6 +108,15 @@ TEST(Catalogue, EveryKeyOfTheCodeIsInEveryTable) {
                     << key << " of " << file << " is missing in " << language;
         }
     }
+}
+
+TEST(Catalogue, NoEntryIsUnused) {
+    std::string everything;
+    for (const auto &[file, code] : sources())
+        everything += code;
+    for (const char *language : languageNames)
+        for (const auto &[key, entry] : table(language))
+            EXPECT_NE(everything.find('"' + key + '"'), std::string::npos) << key << " in " << language;
 }
 
 TEST(Catalogue, TablesAgreeOnKeysAndEnglish) {
