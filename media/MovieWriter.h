@@ -36,7 +36,9 @@ struct StereoVideoEncoding {
     std::uint32_t baseline = 0;              ///< micrometres
     std::uint32_t horizontalFieldOfView = 0; ///< thousandths of a degree
     std::int32_t disparityAdjustment = 0;    ///< ten-thousandths of the image width
-    bool rectilinear = true;
+    bool hasLeftEye = true;  ///< announce the left eye's view
+    bool hasRightEye = true; ///< announce the right eye's view
+    bool rectilinear = true; ///< announce a rectilinear projection
 };
 
 /// An AAC track, mono or stereo.

@@ -16,7 +16,8 @@ constexpr std::size_t sizeField = 24;
 constexpr std::size_t compressorField = 42;
 constexpr std::size_t compressorSize = 32;
 
-constexpr std::uint8_t bothEyes = 3;
+constexpr std::uint8_t leftEye = 1;
+constexpr std::uint8_t rightEye = 2;
 constexpr std::uint8_t leftIsHero = 1;
 
 MovieHeader fullBox(std::string_view type, const MovieHeader &payload) {
@@ -39,8 +40,9 @@ MovieHeader joined(std::initializer_list<MovieHeader> parts) {
 }
 
 MovieHeader videoExtendedUsage(const StereoVideoEncoding &encoding) {
+    const auto eyes = static_cast<std::uint8_t>((encoding.hasLeftEye ? leftEye : 0) | (encoding.hasRightEye ? rightEye : 0));
     MovieHeader payload = box(
-        "eyes", joined({fullBox("stri", {bothEyes}), fullBox("hero", {leftIsHero}),
+        "eyes", joined({fullBox("stri", {eyes}), fullBox("hero", {leftIsHero}),
                         box("cams", fullBox("blin", number(encoding.baseline))),
                         box("cmfy", fullBox("dadj", number(static_cast<std::uint32_t>(encoding.disparityAdjustment))))}));
     MovieHeader rectilinear;
