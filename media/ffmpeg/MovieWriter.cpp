@@ -150,7 +150,6 @@ struct MovieWriter::State {
         timeScale = scale;
         if (makeVideo) {
             video = makeVideo(scale);
-            videoStream = addStream();
             video->describe(*videoStream);
             videoStream->time_base = {1, scale};
         }
@@ -246,6 +245,7 @@ void MovieWriter::addVideo(const VideoEncoding &encoding) {
     state_->makeVideo = [file = state_->output, encoding](int timeScale) {
         return ffmpeg::makeVideoEncoder(file, encoding, timeScale);
     };
+    state_->videoStream = state_->addStream();
     state_->balance.add(TrackBalance::video);
 }
 
@@ -257,6 +257,7 @@ void MovieWriter::addVideo(const StereoVideoEncoding &encoding) {
     state_->makeVideo = [file = state_->output, encoding](int timeScale) {
         return ffmpeg::makeVideoEncoder(file, encoding, timeScale);
     };
+    state_->videoStream = state_->addStream();
     state_->balance.add(TrackBalance::video);
 }
 

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/SBSVideoToSpatial.h"
+
+#include "engine/EyeExtraction.h"
+#include "engine/StereoEncoderSettings.h"
+#include "engine/VideoConversion.h"
+
+namespace lumetwin {
+
+namespace {
+
+// Frames between two reports of progress.
+constexpr std::int64_t progressInterval = 8;
+
+/// Cuts frames into pictures of the two eyes.
+class EyeCutter {
+public:
+    EyeCutter(const EyeExtraction &extraction, const EyeSize &eye, const media::ColourTags &colour)
+        : extraction_(extraction), colour_(colour),
+          pool_(static_cast<int>(eye.width), static_cast<int>(eye.height), media::yuv420, colour) {}
+
+    media::Picture left(const media::Picture &frame) { return cut(frame, extraction_.left); }
+    media::Picture right(const media::Picture &frame) { return cut(frame, extraction_.right); }
+
+private:
+    /// Whether the eye is a part of the frame's own memory.
+    bool isPartOf(const media::Picture &frame, const media::Placement &placement) const {
+        return extraction_.unscaled && frame.format == media::yuv420 && frame.colour == colour_ &&
+               static_cast<int>(placement.source.x) % 2 == 0 &&
+               placement.source.x + placement.source.width <= frame.width && placement.source.height <= frame.height;
+    }
+
+    media::Picture cut(const media::Picture &frame, const media::Placement &placement) {
+        if (isPartOf(frame, placement))
+            return media::cropped(frame, static_cast<int>(placement.source.x), 0,
+                                  static_cast<int>(placement.source.width), static_cast<int>(placement.source.height));
+        media::Picture canvas = pool_.take();
+        media::Compositor::fillBlack(canvas);
+        const media::Placement shown = withinPicture(placement, frame.width, frame.height);
+        if (shown.source.width > 0 && shown.source.height > 0)
+            compositor_.place(frame, shown, canvas);
+        return canvas;
+    }
+
+    EyeExtraction extraction_;
+    media::ColourTags colour_;
+    media::PicturePool pool_;
+    media::Compositor compositor_;
+};
+
+/// The frame loop of one file.
+class FrameLoop {
+public:
+    FrameLoop(EyeCutter cutter, const VideoTiming &timing, media::FrameReader &reader, media::MovieWriter &writer,
+              const ConversionControl &control)
+        : cutter_(std::move(cutter)), timing_(timing), reader_(reader), writer_(writer), control_(control) {}
+
+    void run() {
+        while (!control_.cancelled() && !writer_.failed()) {
+            const std::optional<media::Frame> frame = reader_.next();
+            if (!frame || frame->count == 0)
+                return;
+            const media::Picture &picture = frame->pictures[0].picture;
+            writer_.append(cutter_.left(picture), cutter_.right(picture), frameIndex_ * timing_.frameDuration,
+                           timing_.frameDuration);
+            if (frameIndex_ % progressInterval == 0 && control_.onFrameProgress)
+                control_.onFrameProgress(frameIndex_, timing_.totalFrames);
+            ++frameIndex_;
+        }
+    }
+
+    std::int64_t written() const { return frameIndex_; }
+
+private:
+    EyeCutter cutter_;
+    VideoTiming timing_;
+    media::FrameReader &reader_;
+    media::MovieWriter &writer_;
+    const ConversionControl &control_;
+    std::int64_t frameIndex_ = 0;
+};
+
+} // namespace
+
+void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                              const std::filesystem::path &output, const ConversionControl &control,
+                              SystemVersion system) {
+    media::MovieFile movie(input);
+    const VideoInfo info = loadVideoInfo(movie);
+    const EyeSize eye = eyeSize(settings, info.width, info.height);
+    const VideoTiming timing = videoTiming(info);
+    media::FrameReader reader(movie, info.track, media::Views::base);
+    std::optional<AudioCopy> audio;
+    if (settings.copyAudio)
+        audio = prepareAudioCopy(movie, info.track.startTime, control);
+
+    std::filesystem::path file = output;
+    media::MovieWriter writer(file.replace_extension("mov"), media::Container::quickTime, movie.tags());
+    // The stream is as fast as its times say, which are whole units of the time scale.
+    const double frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
+    writer.addVideo(stereoVideoEncoding(outputSettings(settings, eye, timing.rate, system), frameRate, info.track.colour));
+    if (audio)
+        writer.addAudio(audio->encoding);
+    writer.start(videoTimeScale);
+
+    FrameLoop loop(EyeCutter(eyeExtraction(settings, eye, info.width, info.height), eye, info.track.colour), timing,
+                   reader, writer, control);
+    runVideoConversion(control, writer, audio, "spatial.video", "spatial.audio", [&] {
+        loop.run();
+        checkWrittenFrames(movie, info, reader, loop.written(), control);
+    });
+}
+
+} // namespace lumetwin
