@@ -5,6 +5,9 @@
 #include "engine/SBSComposition.h"
 #include "engine/VideoConversion.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace lumetwin {
 
 namespace {
@@ -44,6 +47,11 @@ media::VideoCodec codecOf(SBSOutputFormat format) {
     return format == SBSOutputFormat::mp4H264 ? media::VideoCodec::h264 : media::VideoCodec::hevc;
 }
 
+/// A size as the platform counts; the writer refuses what is beyond its range.
+int pixels(std::int64_t size) {
+    return static_cast<int>(std::clamp<std::int64_t>(size, 0, std::numeric_limits<int>::max()));
+}
+
 /// The frame loop of one file.
 class FrameLoop {
 public:
@@ -52,7 +60,7 @@ public:
               const ConversionControl &control)
         : swap_(settings.swapLeftRight), timing_(timing), reader_(reader), writer_(writer), control_(control),
           composition_(geometry),
-          pool_(static_cast<int>(geometry.outW), static_cast<int>(geometry.outH), media::yuv420, colour) {}
+          pool_(pixels(geometry.outW), pixels(geometry.outH), media::yuv420, colour) {}
 
     void run() {
         while (!control_.cancelled() && !writer_.failed()) {
@@ -105,8 +113,8 @@ void convertSpatialVideoToSBS(const ConversionSettings &settings, const std::fil
         writer.addAudio(audio->encoding);
     media::VideoEncoding encoding;
     encoding.codec = codecOf(settings.sbsOutputFormat);
-    encoding.width = static_cast<int>(geometry.outW);
-    encoding.height = static_cast<int>(geometry.outH);
+    encoding.width = pixels(geometry.outW);
+    encoding.height = pixels(geometry.outH);
     encoding.averageBitRate = averageBitRate(
         timing.rate, static_cast<double>(geometry.outW) * static_cast<double>(geometry.outH), settings.compressionQuality);
     encoding.frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/Picture.h"
 
+#include <algorithm>
+#include <cstring>
 #include <mutex>
 #include <new>
 #include <stdexcept>
@@ -78,6 +80,22 @@ Picture cropped(const Picture &picture, int x, int y, int width, int height) {
                                    static_cast<std::ptrdiff_t>(x >> picture.format.shiftX(plane)) *
                                        picture.format.bytesPerSample();
     return part;
+}
+
+void copyExtended(const Picture &from, Picture &to) {
+    const auto bytes = static_cast<std::size_t>(from.format.bytesPerSample());
+    for (int plane = 0; plane < from.format.planeCount(); ++plane) {
+        const std::size_t width = static_cast<std::size_t>(from.planeWidth(plane)) * bytes;
+        const std::size_t fullWidth = static_cast<std::size_t>(to.planeWidth(plane)) * bytes;
+        for (int row = 0; row < to.planeHeight(plane); ++row) {
+            const int sourceRow = std::min(row, from.planeHeight(plane) - 1);
+            const std::uint8_t *source = from.planes[plane].data + sourceRow * from.planes[plane].stride;
+            std::uint8_t *target = to.planes[plane].data + row * to.planes[plane].stride;
+            std::memcpy(target, source, width);
+            for (std::size_t column = width; column < fullWidth; column += bytes)
+                std::memcpy(target + column, source + width - bytes, bytes);
+        }
+    }
 }
 
 struct PicturePool::Store {

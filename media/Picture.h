@@ -61,6 +61,9 @@ Picture makePicture(int width, int height, PictureFormat format, ColourTags colo
 /// the chroma subsampling.
 Picture cropped(const Picture &picture, int x, int y, int width, int height);
 
+/// Copies a picture onto one of the same format that is at least as large, repeating its last column and row there.
+void copyExtended(const Picture &from, Picture &to);
+
 /// Pictures of one size and format whose storage is used again once its last user lets go. Any thread may take one
 /// or let go of one.
 class PicturePool {

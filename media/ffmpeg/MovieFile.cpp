@@ -6,6 +6,8 @@ extern "C" {
 #include <libavutil/intreadwrite.h>
 }
 
+#include <cmath>
+
 namespace lumetwin::media {
 
 namespace ffmpeg {
@@ -84,7 +86,15 @@ std::optional<AudioTrack> MovieFile::audioTrack() const {
 }
 
 double MovieFile::duration() const {
-    return state_->input->duration == AV_NOPTS_VALUE ? 0 : seconds(state_->input->duration, AV_TIME_BASE_Q);
+    // The whole's duration is rounded to microseconds; the track that it comes from tells it exactly.
+    const double rounded = seconds(state_->input->duration, AV_TIME_BASE_Q);
+    for (unsigned index = 0; index < state_->input->nb_streams; ++index) {
+        const AVStream &stream = *state_->input->streams[index];
+        const double exact = seconds(stream.duration, stream.time_base);
+        if (std::abs(exact - rounded) < 2e-6)
+            return exact;
+    }
+    return rounded;
 }
 
 MovieTags MovieFile::tags() const {

@@ -16,7 +16,7 @@ namespace {
 
 // The presets that cost at most half of "medium" and lose the least against it; bench/sbs-video prints the table.
 constexpr const char *h264Preset = "veryfast";
-constexpr const char *hevcPreset = "veryfast";
+constexpr const char *hevcPreset = "superfast";
 
 // x265 needs a whole coding tree unit of its smallest useful size; x264 codes anything.
 constexpr int smallestHevcSide = 32;
