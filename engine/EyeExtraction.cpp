@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/EyeExtraction.h"
 
+#include "engine/SBSGeometry.h"
+
 #include <algorithm>
 
 namespace lumetwin {
@@ -13,15 +15,7 @@ media::Rect fitted(const ConversionSettings &settings, const EyeSize &eye, doubl
     const auto eyeHeight = static_cast<double>(eye.height);
     if (!settings.enableResize)
         return {0, 0, halfWidth, height};
-    if (settings.resizeMode == ResizeMode::stretch)
-        return {0, 0, eyeWidth, eyeHeight};
-    const double sx = eyeWidth / halfWidth;
-    const double sy = eyeHeight / height;
-    const double scale = settings.resizeMode == ResizeMode::cropFill ? std::max(sx, sy) : std::min(sx, sy);
-    const double width = scale * halfWidth;
-    const double tall = scale * height;
-    // For a crop the offsets are negative: the picture reaches beyond the canvas.
-    return {(eyeWidth - width) * 0.5, (eyeHeight - tall) * 0.5, width, tall};
+    return topDown(fittedEye(settings.resizeMode, halfWidth, height, eyeWidth, eyeHeight), eyeHeight);
 }
 
 } // namespace

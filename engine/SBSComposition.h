@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/EyeGeometry.h"
+#include "engine/SBSGeometry.h"
 #include "media/Placement.h"
 
 namespace lumetwin {

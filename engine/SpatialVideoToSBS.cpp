@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/SpatialVideoToSBS.h"
 
-#include "engine/EyeGeometry.h"
+#include "engine/SBSGeometry.h"
 #include "engine/SBSComposition.h"
 #include "engine/VideoConversion.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/EyeGeometry.h"
+#include "engine/SBSGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -117,45 +117,6 @@ TEST(SBSGeometryDeathTest, stopsWhenTheWidthOverflows) {
     ConversionSettings settings;
     resizeTo(settings, std::numeric_limits<std::int64_t>::max(), 1080, ResizeMode::stretch);
     EXPECT_DEATH(sbsGeometry(settings, 1920, 1080), "Fatal error");
-}
-
-TEST(EyeGeometry, cutsTheSourceIntoHalves) {
-    const ConversionSettings settings;
-    const EyeGeometry geometry = eyeGeometry(settings, 3840, 1080);
-    EXPECT_EQ(geometry.eyeWidth, 1920);
-    EXPECT_EQ(geometry.eyeHeight, 1080);
-    EXPECT_TRUE(geometry.isIdentity());
-    EXPECT_EQ(geometry.half(1920).source, (Rect{1920, 0, 1920, 1080}));
-}
-
-TEST(EyeGeometry, losesTheLastColumnOfAnOddSource) {
-    const ConversionSettings settings;
-    const EyeGeometry geometry = eyeGeometry(settings, 1921, 1080);
-    EXPECT_EQ(geometry.eyeWidth, 960);
-    EXPECT_EQ(geometry.half(geometry.leftOrigin(false)).source, (Rect{0, 0, 960, 1080}));
-    EXPECT_EQ(geometry.half(geometry.rightOrigin(false)).source, (Rect{960, 0, 960, 1080}));
-}
-
-TEST(EyeGeometry, exchangesTheHalves) {
-    const EyeGeometry geometry = eyeGeometry(ConversionSettings(), 3840, 1080);
-    EXPECT_EQ(geometry.leftOrigin(true), 1920);
-    EXPECT_EQ(geometry.rightOrigin(true), 0);
-}
-
-TEST(EyeGeometry, letterboxesAHalf) {
-    ConversionSettings settings;
-    resizeTo(settings, 1000, 1000, ResizeMode::letterbox);
-    const EyeGeometry geometry = eyeGeometry(settings, 3840, 1080);
-    expectNear(geometry.eye, {0, 218.75, 1000, 562.5});
-    EXPECT_FALSE(geometry.coversEye());
-}
-
-TEST(EyeGeometry, takesNoNoticeOfHalfWidth) {
-    ConversionSettings settings;
-    settings.halfWidth = true;
-    EXPECT_EQ(eyeGeometry(settings, 3840, 1080).eyeWidth, 1920);
-    resizeTo(settings, 1000, 1000, ResizeMode::cropFill);
-    EXPECT_EQ(eyeGeometry(settings, 3840, 1080).eyeWidth, 1000);
 }
 
 } // namespace

@@ -32,25 +32,4 @@ struct SBSGeometry {
 /// The frame for source eyes of the given size. Doubling a width beyond 64 bits stops the program.
 SBSGeometry sbsGeometry(const ConversionSettings &settings, std::int64_t srcW, std::int64_t srcH);
 
-/// Sizes of the eyes that are cut out of a side-by-side source. An odd source width loses its last column.
-struct EyeGeometry {
-    std::int64_t eyeWidth = 0;
-    std::int64_t eyeHeight = 0;
-    std::int64_t sourceHalfWidth = 0;
-    std::int64_t sourceHeight = 0;
-    media::Rect eye; ///< the whole half within the eye's picture, origin at the upper left
-
-    /// How the half of a source that begins at column x0 is placed on the eye's picture.
-    media::Placement half(double x0) const;
-    /// Where the left and the right eye's half begins.
-    double leftOrigin(bool swapped) const { return swapped ? static_cast<double>(sourceHalfWidth) : 0; }
-    double rightOrigin(bool swapped) const { return swapped ? 0 : static_cast<double>(sourceHalfWidth); }
-    /// Whether the half covers every pixel of the eye.
-    bool coversEye() const;
-    /// Whether the eye is the half as it stands.
-    bool isIdentity() const;
-};
-
-EyeGeometry eyeGeometry(const ConversionSettings &settings, std::int64_t sourceWidth, std::int64_t sourceHeight);
-
 } // namespace lumetwin

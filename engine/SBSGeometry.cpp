@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/EyeGeometry.h"
+#include "engine/SBSGeometry.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -85,31 +85,5 @@ media::Placement SBSGeometry::rightHalf(const media::Picture &picture) const {
 bool SBSGeometry::coversFrame() const {
     return outW == 2 * eyeW && covers(eye, static_cast<double>(eyeW), static_cast<double>(outH));
 }
-
-EyeGeometry eyeGeometry(const ConversionSettings &settings, std::int64_t sourceWidth, std::int64_t sourceHeight) {
-    EyeGeometry geometry;
-    geometry.sourceHalfWidth = sourceWidth / 2;
-    geometry.sourceHeight = sourceHeight;
-    geometry.eyeWidth = settings.enableResize ? settings.resizeWidth : geometry.sourceHalfWidth;
-    geometry.eyeHeight = settings.enableResize ? settings.resizeHeight : sourceHeight;
-    const auto width = static_cast<double>(geometry.eyeWidth);
-    const auto height = static_cast<double>(geometry.eyeHeight);
-    geometry.eye = topDown(fittedEye(settings.resizeMode, static_cast<double>(geometry.sourceHalfWidth),
-                                     static_cast<double>(sourceHeight), width, height),
-                           height);
-    return geometry;
-}
-
-media::Placement EyeGeometry::half(double x0) const {
-    return {{x0, 0, static_cast<double>(sourceHalfWidth), static_cast<double>(sourceHeight)},
-            eye,
-            {0, 0, static_cast<double>(eyeWidth), static_cast<double>(eyeHeight)}};
-}
-
-bool EyeGeometry::coversEye() const {
-    return covers(eye, static_cast<double>(eyeWidth), static_cast<double>(eyeHeight));
-}
-
-bool EyeGeometry::isIdentity() const { return eyeWidth == sourceHalfWidth && eyeHeight == sourceHeight; }
 
 } // namespace lumetwin
