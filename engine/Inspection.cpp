@@ -19,7 +19,7 @@ std::optional<double> scaled(const std::optional<Integer> &value, double unit) {
 
 bool isSpatialVideo(const std::filesystem::path &file, SystemVersion system) noexcept {
     const media::StereoMovieFacts facts = media::readStereoMovieFacts(file);
-    return facts.hasVideoTrack && facts.hasSampleDescription && system >= stereoMovies && facts.baseline.has_value();
+    return facts.hasVideoTrack && facts.hasSampleDescription && system >= stereoMovies && facts.anyBaseline;
 }
 
 StereoValues videoStereoValues(const std::filesystem::path &file, SystemVersion system) noexcept {

@@ -8,7 +8,7 @@
 
 namespace lumetwin::media {
 
-/// What the first video track's first sample entries announce, in the file's own integer units.
+/// What the first video track's first sample entry announces, in the file's own integer units.
 struct StereoMovieFacts {
     bool hasVideoTrack = false;
     bool hasSampleDescription = false;
@@ -18,6 +18,7 @@ struct StereoMovieFacts {
     std::optional<std::uint8_t> eyes;                 ///< bits of stri: 1 left, 2 right, 4 additional, 8 reversed
     std::optional<std::uint8_t> heroEye;              ///< hero: 0 none, 1 left, 2 right
     std::string projection;                           ///< prji: "rect", "equi", …; empty where absent
+    bool anyBaseline = false;                         ///< one of the track's sample entries has a baseline
     bool multilayer = false;                          ///< a layered HEVC configuration (lhvC) is present
 };
 

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/bmff/BoxReader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace lumetwin::media::bmff {
+
+namespace {
+
+class FileSource : public Source {
+public:
+    explicit FileSource(const std::filesystem::path &file) : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        struct stat facts {};
+        if (descriptor_ < 0)
+            throw std::system_error(errno, std::generic_category());
+        if (fstat(descriptor_, &facts) != 0 || !S_ISREG(facts.st_mode)) {
+            const int code = S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
+            ::close(descriptor_);
+            throw std::system_error(code, std::generic_category());
+        }
+        size_ = static_cast<std::uint64_t>(facts.st_size);
+    }
+    FileSource(const FileSource &) = delete;
+    FileSource &operator=(const FileSource &) = delete;
+    ~FileSource() override { ::close(descriptor_); }
+
+    std::uint64_t size() const override { return size_; }
+
+    void read(std::uint64_t position, std::span<std::uint8_t> buffer) const override {
+        while (!buffer.empty()) {
+            const ssize_t count = pread(descriptor_, buffer.data(), buffer.size(), static_cast<off_t>(position));
+            if (count < 0 && errno == EINTR)
+                continue;
+            if (count <= 0)
+                throw FormatError("the file ends early");
+            buffer = buffer.subspan(static_cast<std::size_t>(count));
+            position += static_cast<std::uint64_t>(count);
+        }
+    }
+
+private:
+    int descriptor_;
+    std::uint64_t size_ = 0;
+};
+
+class MemorySource : public Source {
+public:
+    explicit MemorySource(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+    std::uint64_t size() const override { return bytes_.size(); }
+    void read(std::uint64_t position, std::span<std::uint8_t> buffer) const override {
+        if (position > bytes_.size() || buffer.size() > bytes_.size() - position)
+            throw FormatError("the data ends early");
+        if (!buffer.empty())
+            std::memcpy(buffer.data(), bytes_.data() + position, buffer.size());
+    }
+
+private:
+    std::span<const std::uint8_t> bytes_;
+};
+
+constexpr std::uint64_t headerSize = 8;
+
+} // namespace
+
+std::unique_ptr<Source> openFile(const std::filesystem::path &file) { return std::make_unique<FileSource>(file); }
+
+std::unique_ptr<Source> fromMemory(std::span<const std::uint8_t> bytes) { return std::make_unique<MemorySource>(bytes); }
+
+bool BoxWalk::next(Box &box) {
+    if (end_ > source_->size())
+        throw FormatError("a box reaches beyond the file");
+    if (end_ - position_ < headerSize)
+        return false;
+    if (++*count_ > limit)
+        throw FormatError("too many boxes");
+    std::array<std::uint8_t, 32> head{};
+    const auto available = static_cast<std::size_t>(std::min<std::uint64_t>(head.size(), end_ - position_));
+    source_->read(position_, std::span(head).first(available));
+    Fields fields(std::span<const std::uint8_t>(head).first(available));
+    std::uint64_t size = fields.u32();
+    box.type = fields.u32();
+    if (size == 0 && box.type == 0)
+        return false; // a terminator and what follows it
+    if (size == 1)
+        size = fields.u64();
+    else if (size == 0)
+        size = end_ - position_; // to the end
+    if (box.type == fourCC("uuid"))
+        std::ranges::copy(fields.bytes(16), box.uuid.begin());
+    if (size < fields.position() || size > end_ - position_)
+        throw FormatError("a box's size is wrong");
+    box.begin = position_ + fields.position();
+    box.end = position_ + size;
+    position_ = box.end;
+    return true;
+}
+
+std::uint64_t Fields::number(std::size_t size) {
+    std::uint64_t value = 0;
+    for (const std::uint8_t byte : bytes(size))
+        value = value << 8 | byte;
+    return value;
+}
+
+std::span<const std::uint8_t> Fields::bytes(std::size_t size) {
+    if (size > left())
+        throw FormatError("a box ends early");
+    const auto part = bytes_.subspan(position_, size);
+    position_ += size;
+    return part;
+}
+
+std::vector<std::uint8_t> payload(const Source &source, const Box &box, std::uint64_t limit) {
+    if (box.payloadSize() > limit)
+        throw FormatError("a box is too large");
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(box.payloadSize()));
+    source.read(box.begin, bytes);
+    return bytes;
+}
+
+} // namespace lumetwin::media::bmff
