@@ -31,7 +31,7 @@ explain() {
     if grep -qiE 'no space left on device|not enough free space|enough space in|disk quota' "$1" || disk_full; then
         echo "the disk is full"
     elif grep -qiE 'could not get lock|unable to acquire the dpkg|unable to lock' "$1"; then
-        echo "apt is in use by another program ($(grep -oiE 'held by process [0-9]+( \([^)]*\))?' "$1" | tail -n 1)): try again when it has finished"
+        echo "apt is in use by another program$(grep -oiE 'process [0-9]+( \([^)]*\))?' "$1" | tail -n 1 | sed 's/^/, /'): try again when it has finished"
     elif grep -qiE "$unreachable" "$1"; then
         echo "the package mirror cannot be reached (is the network up?)"
     elif grep -qiE "$unknown" "$1"; then
