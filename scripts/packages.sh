@@ -4,7 +4,7 @@
 # Sourced by ./run and ./test.
 
 packages_build=(
-    build-essential cmake ninja-build pkg-config nasm git ca-certificates xz-utils patch dpkg-dev
+    build-essential cmake ninja-build pkg-config nasm git ca-certificates xz-utils patch dpkg-dev python3
     libx264-dev libdav1d-dev libzimg-dev libfmt-dev zlib1g-dev libbrotli-dev
     liblcms2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev libxkbcommon-dev libvulkan-dev
@@ -17,7 +17,7 @@ grep -q '^VERSION_CODENAME=bookworm' /etc/os-release 2>/dev/null || packages_win
 packages_test=(
     libgtest-dev libgmock-dev libbenchmark-dev ffmpeg mediainfo libimage-exiftool-perl
     libheif-examples imagemagick gettext desktop-file-utils appstream xvfb xauth xdotool openbox
-    dbus-x11 at-spi2-core gir1.2-atspi-2.0 python3 python3-gi man-db x11-utils libxml2-utils
+    dbus-x11 at-spi2-core gir1.2-atspi-2.0 python3-gi man-db x11-utils libxml2-utils
 )
 
 # missing_packages NAME…: those that are not installed.

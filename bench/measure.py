@@ -1,0 +1,104 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What the benchmarks share: where the programs are, fair timing, and a table.
+
+A benchmark compares whole commands in the same run, taking turns, so that a busy machine slows both: what counts is
+the ratio. It draws its own media with the ffmpeg of the media stack.
+"""
+import dataclasses
+import hashlib
+import os
+import pathlib
+import re
+import statistics
+import subprocess
+import time
+
+SOURCE = pathlib.Path(__file__).resolve().parent.parent
+BATCH = pathlib.Path(os.environ.get("LUMETWIN_BATCH", SOURCE / "build/release/tools/lumetwin-batch"))
+
+
+def stack():
+    """The folder of the media stack that ./run has built."""
+    cache = os.environ.get("LUMETWIN_CACHE") or os.path.join(
+        os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache"), "lumetwin")
+    recipe = hashlib.sha256((SOURCE / "scripts/stack.sh").read_bytes()).hexdigest()[:12]
+    return pathlib.Path(cache, f"stack-{recipe}")
+
+
+def tool(name):
+    """A program of the media stack: ffmpeg, ffprobe, x265, heif-dec, …"""
+    return str(stack() / "bin" / name)
+
+
+@dataclasses.dataclass
+class Cost:
+    wall: float  # seconds
+    cpu: float  # seconds, all threads and child processes
+    peak: float  # MiB of the largest process
+
+
+def run(*command, **options):
+    """Runs a command to its end and returns its cost. Its output is shown when it fails."""
+    began = time.monotonic()
+    with subprocess.Popen([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, **options) as process:
+        output = process.stdout.read()
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        raise SystemExit(f"{' '.join(map(str, command))}\n{output.decode(errors='replace')}\nfailed: {process.returncode}")
+    return Cost(time.monotonic() - began, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024)
+
+
+def together(*commands):
+    """Runs commands side by side; the cost of all of them."""
+    began = time.monotonic()
+    processes = [subprocess.Popen([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                  stderr=subprocess.DEVNULL) for command in commands]
+    usages = []
+    for process, command in zip(processes, commands):
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            raise SystemExit(f"failed: {' '.join(map(str, command))}")
+        usages.append(usage)
+    return Cost(time.monotonic() - began, sum(usage.ru_utime + usage.ru_stime for usage in usages),
+                max(usage.ru_maxrss for usage in usages) / 1024)
+
+
+def take_turns(rounds, **contestants):
+    """Calls the contestants (each returns a Cost) in turn; the median cost of each, by name."""
+    costs = {name: [] for name in contestants}
+    for _ in range(rounds):
+        for name, contestant in contestants.items():
+            costs[name].append(contestant())
+    return {name: Cost(*(statistics.median(getattr(cost, field) for cost in all_costs) for field in ("wall", "cpu", "peak")))
+            for name, all_costs in costs.items()}
+
+
+def psnr(first, second, filters="[0:v][1:v]"):
+    """Luma PSNR in dB between two videos, after a filter graph that ends in two pads to compare."""
+    result = subprocess.run([tool("ffmpeg"), "-nostdin", "-v", "info", "-i", str(first), "-i", str(second), "-lavfi",
+                             f"{filters}psnr", "-f", "null", "-"], capture_output=True, text=True, check=True)
+    return float(re.search(r"PSNR y:([\d.]+|inf)", result.stderr).group(1))
+
+
+class Report:
+    """Rows of measured values with the limit each is held to; finish() prints them and tells whether all are met."""
+
+    def __init__(self, title):
+        self.title = title
+        self.rows = []
+
+    def add(self, what, value, at_most=None, at_least=None, unit=""):
+        met = (at_most is None or value <= at_most) and (at_least is None or value >= at_least)
+        limit = f"at most {at_most:g}" if at_most is not None else f"at least {at_least:g}" if at_least is not None else ""
+        self.rows.append((what, f"{value:.3f} {unit}".strip(), limit, "" if not limit else "met" if met else "MISSED"))
+
+    def finish(self):
+        """The exit status: 1 when a limit is missed."""
+        widths = [max(len(row[column]) for row in self.rows) for column in range(4)]
+        print(f"\n{self.title}")
+        for row in self.rows:
+            print("  " + "  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
+        return 1 if any(row[3] == "MISSED" for row in self.rows) else 0
