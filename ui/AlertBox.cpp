@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/AlertBox.h"
+
+#include "ui/AlertPresenter.h"
+#include "ui/Localized.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QRegularExpression>
+
+namespace lumetwin {
+
+namespace {
+
+/// Lets a line break inside words that no line holds, such as long file names.
+QString breakable(const std::string &text) {
+    static const QRegularExpression run(QStringLiteral("([^\\s\\x{200b}]{24})"));
+    return toQString(text).replace(run, QStringLiteral("\\1\u200b"));
+}
+
+} // namespace
+
+AlertBox::AlertBox(const Alert &alert, QWidget *parent) : QMessageBox(parent) {
+    setObjectName(QStringLiteral("alert"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowModality(Qt::WindowModal);
+    setWindowTitle(QStringLiteral("Lumetwin"));
+    setAccessibleName(toQString(alert.message));
+    setTextFormat(Qt::PlainText);
+    setIcon(alert.style == AlertStyle::warning ? QMessageBox::Warning : QMessageBox::Information);
+    setText(breakable(alert.message));
+    if (!alert.informative.empty())
+        setInformativeText(breakable(alert.informative));
+    if (!alert.details.empty())
+        setDetailedText(toQString(alert.details));
+    addButtons(alert);
+    if (auto *label = findChild<QLabel *>(QStringLiteral("qt_msgbox_label"))) {
+        QFont bold = label->font();
+        bold.setBold(true);
+        label->setFont(bold);
+    }
+    if (auto *label = findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel")))
+        label->setTextFormat(Qt::PlainText);
+}
+
+void AlertBox::addButtons(const Alert &alert) {
+    if (alert.buttons.empty())
+        connect(addButton(QMessageBox::Ok), &QPushButton::clicked, this, [this] { emit answered(0); });
+    if (!alert.sideButton.empty())
+        connect(addButton(toQString(alert.sideButton), ActionRole), &QPushButton::clicked, this,
+                [this] { emit answered(AlertPresenter::sideButton); });
+    for (int position = 0; position < static_cast<int>(alert.buttons.size()); ++position) {
+        const ButtonRole role = position == 0 ? AcceptRole : RejectRole;
+        QPushButton *button = addButton(toQString(alert.buttons[static_cast<std::size_t>(position)]), role);
+        button->setAutoDefault(true);
+        if (position == 0)
+            setDefaultButton(button);
+        connect(button, &QPushButton::clicked, this, [this, position] { emit answered(position); });
+    }
+}
+
+void AlertBox::dismiss() {
+    emit answered(AlertPresenter::dismissed);
+    done(0);
+}
+
+void AlertBox::keyPressEvent(QKeyEvent *event) {
+    if (event->matches(QKeySequence::Cancel))
+        return dismiss();
+    QMessageBox::keyPressEvent(event);
+}
+
+void AlertBox::closeEvent(QCloseEvent *event) {
+    emit answered(AlertPresenter::dismissed);
+    QDialog::closeEvent(event);
+}
+
+} // namespace lumetwin

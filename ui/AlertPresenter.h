@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "ui/Alert.h"
+
+#include <functional>
+
+class QWidget;
+
+namespace lumetwin {
+
+/// Shows alerts. Replaced in tests by one that answers.
+class AlertPresenter {
+public:
+    /// The answer of an alert that was put away without pressing a button: with Escape, or because the program quits.
+    static constexpr int dismissed = -1;
+
+    /// The answer of an alert's side button.
+    static constexpr int sideButton = -2;
+
+    virtual ~AlertPresenter() = default;
+
+    /// Shows the alert as a sheet on the parent's window and returns at once. The pressed button's position comes
+    /// later; it never comes when the parent is destroyed first.
+    virtual void present(const Alert &alert, QWidget *parent, std::function<void(int button)> answered) = 0;
+};
+
+/// Alerts as message boxes of the desktop.
+class MessageBoxPresenter : public AlertPresenter {
+public:
+    void present(const Alert &alert, QWidget *parent, std::function<void(int button)> answered) override;
+};
+
+} // namespace lumetwin

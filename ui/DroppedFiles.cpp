@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/DroppedFiles.h"
+
+#include "engine/InputList.h"
+#include "engine/MediaKinds.h"
+
+#include <QMimeData>
+#include <QUrl>
+
+namespace lumetwin {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool isFolder(const fs::path &path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
+}
+
+std::vector<fs::path> mediaOf(const fs::path &item) {
+    if (!isFolder(item))
+        return mediaFiles({item});
+    try {
+        return mediaFiles(visibleChildren(item));
+    } catch (const fs::filesystem_error &) {
+        return {};
+    }
+}
+
+/// The path of a file URL of this machine (RFC 8089); empty for any other URL.
+fs::path localPath(const QByteArray &url) {
+    constexpr char scheme[] = "file:";
+    if (qstrnicmp(url.constData(), scheme, 5) != 0)
+        return {};
+    QByteArray rest = url.mid(5);
+    if (rest.startsWith("//")) {
+        const qsizetype slash = rest.indexOf('/', 2);
+        if (slash < 0)
+            return {};
+        rest = rest.mid(slash);
+    }
+    // A folder's URL may end in a slash; its path must not, or it has no name.
+    QByteArray path = QByteArray::fromPercentEncoding(rest);
+    while (path.size() > 1 && path.endsWith('/'))
+        path.chop(1);
+    return path.startsWith('/') && !path.contains('\0') ? fs::path(path.toStdString()) : fs::path();
+}
+
+} // namespace
+
+std::vector<fs::path> mediaAmong(const std::vector<fs::path> &items) {
+    std::vector<fs::path> media;
+    for (const fs::path &item : items)
+        for (fs::path &file : mediaOf(item))
+            media.push_back(std::move(file));
+    sortByName(media);
+    return media;
+}
+
+DroppedInput classifyDrop(const std::vector<fs::path> &dropped) {
+    if (dropped.size() == 1 && isFolder(dropped.front()))
+        return {dropped.front(), {}};
+    return {std::nullopt, mediaAmong(dropped)};
+}
+
+std::vector<fs::path> localFiles(const QByteArray &uriList) {
+    std::vector<fs::path> files;
+    for (const QByteArray &line : uriList.split('\n'))
+        if (fs::path path = localPath(line.trimmed()); !path.empty())
+            files.push_back(std::move(path));
+    return files;
+}
+
+std::vector<fs::path> localFiles(const QMimeData &data) {
+    // The raw list keeps names that are no UTF-8, which QUrl does not.
+    return localFiles(data.data(QStringLiteral("text/uri-list")));
+}
+
+QByteArray portalTransferKey(const QMimeData &data) {
+    // GTK offers a transfer under both names.
+    for (const char *type : {"application/vnd.portal.filetransfer", "application/vnd.portal.files"})
+        if (QByteArray key = data.data(QLatin1String(type)); !key.isEmpty())
+            return key.endsWith('\0') ? key.chopped(1) : key;
+    return {};
+}
+
+bool holdsFiles(const QMimeData &data) {
+    return !localFiles(data).empty() || !portalTransferKey(data).isEmpty();
+}
+
+} // namespace lumetwin

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/ConversionSettings.h"
+#include "ui/FormServices.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+class QAbstractButton;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QScrollArea;
+
+namespace lumetwin {
+
+class ColouredButton;
+class DropFolderView;
+class ElidedLabel;
+class PreflightSequence;
+class ProgressViewController;
+class SectionView;
+class SheetOverlay;
+class ValueSlider;
+
+/// The form of the main window. It keeps every field of its settings record in step with a control, runs the checks
+/// before a batch, and presents the progress sheet.
+class MainViewController : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit MainViewController(FormServices services = {}, QWidget *parent = nullptr);
+    ~MainViewController() override;
+
+    const std::shared_ptr<ConversionSettings> settings = std::make_shared<ConversionSettings>();
+
+    // Actions of the controls. Those that end in "Changed" take over a control's new state.
+    void directionChanged(QAbstractButton *sender);
+    void selectInputFolder();
+    void selectOutputFolder();
+    void checkSpatialMedia();
+    void fovSliderChanged(double value);
+    void fovFieldChanged();
+    void disparitySliderChanged(double value);
+    void disparityFieldChanged();
+    void baselineSliderChanged(double value);
+    void baselineFieldChanged();
+    void formatChanged(int index);
+    void photoFormatChanged(int index);
+    void compressionChanged(double value);
+    void halfWidthChanged(bool checked);
+    void swapLRChanged(bool checked);
+    void copyAudioChanged(bool checked);
+    void enableResizeChanged(bool checked);
+    void resizeDimChanged();
+    void resizeModeChanged(int index);
+    /// Runs the checks and, when nothing speaks against it, the batch.
+    void startConversion();
+
+    /// Takes paths as if they had been dropped on the input.
+    bool openInput(const std::vector<std::filesystem::path> &paths);
+
+    // For the checks before a run.
+    /// Takes over what is still typed in the fields. The sliders stay where they are.
+    void commitFields();
+    /// Checks the resize box and shows the size fields.
+    void turnOnResize();
+    void presentProgressSheet();
+
+    /// The sheet of the current run; none between runs.
+    ProgressViewController *progressSheet() const { return sheet_; }
+    /// Whether a batch runs that has not been stopped.
+    bool isConverting() const;
+
+signals:
+    void batchStarted();
+    /// 0 to 1.
+    void batchProgressed(double fraction);
+    void batchFinished(bool success, const QString &message);
+    /// The run is over or stopped: nothing shows it any more, or the sheet shows its end.
+    void batchEnded();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    // Building
+    void buildInterface();
+    void buildHeader();
+    void buildDirection();
+    void buildInput();
+    void buildOutput();
+    void buildSpatialOptions();
+    void buildSBSOptions();
+    void buildCommonOptions();
+    void buildStartButton();
+    void setTabOrders();
+    QLabel *caption(QLabel *&label, const std::string &text, QWidget *parent, bool unit = false);
+    QLineEdit *numberField(const char *name, const QString &start, const QString &accessibleName, QWidget *parent);
+
+    // Looks and layout
+    void applyColours();
+    void applyFonts();
+    void layoutDocument();
+    void layoutSections();
+    void layoutOptions();
+    void layoutCommon();
+    void layoutOptionsArea();
+    void showPath(ElidedLabel *label, const QString &path);
+    QWidget *documentHolder() const;
+
+    // State
+    void updateResizePreview();
+    void setInputFolder(const std::filesystem::path &folder);
+    void setInputFiles(const std::vector<std::filesystem::path> &files);
+    void inputChosen(const std::vector<std::filesystem::path> &paths);
+    void setOutputFolder(const std::filesystem::path &folder);
+    void warnOfAVI();
+    void dismissSheet();
+    void runEnded();
+    void updateUse();
+
+    FormServices services_;
+    QWidget *headerView = nullptr;
+    QLabel *titleLabel = nullptr;
+    QLabel *subtitleLabel = nullptr;
+    SectionView *directionSection = nullptr;
+    QRadioButton *spatialToSBSButton = nullptr;
+    QRadioButton *sbsToSpatialButton = nullptr;
+    SectionView *inputSection = nullptr;
+    DropFolderView *inputDropView = nullptr;
+    ElidedLabel *inputPathLabel = nullptr;
+    QPushButton *checkSpatialBtn = nullptr;
+    QPushButton *inputSelectBtn = nullptr;
+    SectionView *outputSection = nullptr;
+    DropFolderView *outputDropView = nullptr;
+    ElidedLabel *outputPathLabel = nullptr;
+    QPushButton *outputSelectBtn = nullptr;
+    SectionView *optionsSection = nullptr;
+    QWidget *spatialOptionsView = nullptr;
+    QWidget *sbsOptionsView = nullptr;
+    ValueSlider *fovSlider = nullptr;
+    QLineEdit *fovField = nullptr;
+    ValueSlider *disparitySlider = nullptr;
+    QLineEdit *disparityField = nullptr;
+    ValueSlider *baselineSlider = nullptr;
+    QLineEdit *baselineField = nullptr;
+    QComboBox *formatPopup = nullptr;
+    QComboBox *photoFormatPopup = nullptr;
+    ValueSlider *compressionSlider = nullptr;
+    QLabel *compressionLabel = nullptr;
+    QCheckBox *halfWidthCheck = nullptr;
+    SectionView *commonSection = nullptr;
+    QCheckBox *swapLRCheck = nullptr;
+    QCheckBox *copyAudioCheck = nullptr;
+    QCheckBox *enableResizeCheck = nullptr;
+    QLineEdit *resizeWidthField = nullptr;
+    QLineEdit *resizeHeightField = nullptr;
+    QComboBox *resizeModePopup = nullptr;
+    QLabel *resizeWarningLabel = nullptr;
+    ColouredButton *startButton = nullptr;
+    QScrollArea *scrollView = nullptr;
+    QWidget *documentView = nullptr;
+    QLabel *lblFOV = nullptr;
+    QLabel *lblDisparity = nullptr;
+    QLabel *lblBaseline = nullptr;
+    QLabel *lblFovUnit = nullptr;
+    QLabel *lblDispUnit = nullptr;
+    QLabel *lblBaseUnit = nullptr;
+    QLabel *lblFmt = nullptr;
+    QLabel *lblPhotoFmt = nullptr;
+    QLabel *lblQuality = nullptr;
+    QLabel *lblEyeW = nullptr;
+    QLabel *lblEyeH = nullptr;
+    QLabel *lblCross = nullptr;
+    QLabel *lblPx = nullptr;
+    QLabel *lblResizeMode = nullptr;
+
+    QPointer<PreflightSequence> preflight_;
+    ProgressViewController *sheet_ = nullptr;
+    QPointer<SheetOverlay> overlay_;
+    bool batchRuns_ = false; ///< its thread has not ended yet
+};
+
+} // namespace lumetwin

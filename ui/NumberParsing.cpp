@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/NumberParsing.h"
+
+#include <charconv>
+#include <cmath>
+#include <string>
+
+namespace lumetwin {
+
+namespace {
+
+/// from_chars over the whole text; unlike it, takes a leading "+".
+template <typename Number> std::optional<Number> parseWhole(std::string digits) {
+    if (digits.starts_with("+"))
+        digits = digits.starts_with("+-") ? "" : digits.substr(1);
+    Number number{};
+    const char *end = digits.data() + digits.size();
+    const auto [rest, error] = std::from_chars(digits.data(), end, number);
+    if (error != std::errc() || rest != end)
+        return std::nullopt;
+    return number;
+}
+
+} // namespace
+
+std::optional<double> parseDecimal(const QString &text) {
+    const auto number = parseWhole<double>(text.toStdString());
+    return number && std::isfinite(*number) ? number : std::nullopt;
+}
+
+std::optional<std::int64_t> parseInteger(const QString &text) {
+    return parseWhole<std::int64_t>(text.toStdString());
+}
+
+} // namespace lumetwin

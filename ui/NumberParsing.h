@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace lumetwin {
+
+/// The whole text as a finite decimal number with a point, such as "63.4", "-2" or "+.5e1".
+std::optional<double> parseDecimal(const QString &text);
+/// The whole text as a decimal integer: an optional sign and digits, no overflow.
+std::optional<std::int64_t> parseInteger(const QString &text);
+
+} // namespace lumetwin

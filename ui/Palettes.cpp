@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/Palettes.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lumetwin {
+
+namespace {
+
+constexpr double readable = 4.5; // WCAG 2.1, success criterion 1.4.3
+
+double linear(double component) {
+    return component <= 0.04045 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const QColor &colour) {
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+QColor mixed(const QColor &one, const QColor &other, double share) {
+    const auto part = [share](double a, double b) { return a + (b - a) * share; };
+    return colour(part(one.redF(), other.redF()), part(one.greenF(), other.greenF()), part(one.blueF(), other.blueF()));
+}
+
+/// The colour itself, or the nearest one on its way to black or white that can be read on the background.
+QColor readableOn(const QColor &background, const QColor &wanted) {
+    const QColor end = luminance(background) > 0.18 ? QColor(Qt::black) : QColor(Qt::white);
+    for (double share = 0; share < 1; share += 0.05)
+        if (const QColor candidate = mixed(wanted, end, share); contrast(candidate, background) >= readable)
+            return candidate;
+    return end;
+}
+
+} // namespace
+
+QColor colour(double red, double green, double blue, double alpha) {
+    return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue),
+                            static_cast<float>(alpha));
+}
+
+QColor white(double level, double alpha) {
+    return colour(level, level, level, alpha);
+}
+
+double contrast(const QColor &one, const QColor &other) {
+    const double a = luminance(one), b = luminance(other);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+bool isDark(const QPalette &palette) {
+    return palette.color(QPalette::Window).lightnessF() < palette.color(QPalette::WindowText).lightnessF();
+}
+
+QColor accentColour(const QPalette &palette) {
+    return readableOn(Qt::white, palette.color(QPalette::Active, QPalette::Highlight));
+}
+
+QColor accentTextColour(const QPalette &palette) {
+    return readableOn(palette.color(QPalette::Base), palette.color(QPalette::Active, QPalette::Highlight));
+}
+
+QColor secondaryTextColour(const QPalette &palette) {
+    const QColor background = palette.color(QPalette::Base);
+    return readableOn(background, mixed(palette.color(QPalette::WindowText), background, 0.4));
+}
+
+QColor separatorColour(const QPalette &palette) {
+    return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), isDark(palette) ? 0.22 : 0.18);
+}
+
+QColor warningColour(const QPalette &palette) {
+    return readableOn(palette.color(QPalette::Base), colour(1, 0.58, 0));
+}
+
+} // namespace lumetwin

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+namespace lumetwin {
+
+/// A colour of red, green, blue and alpha in 0...1.
+QColor colour(double red, double green, double blue, double alpha = 1);
+/// A grey of a white level and alpha in 0...1.
+QColor white(double level, double alpha = 1);
+
+/// The contrast ratio of two opaque colours, 1 to 21 (WCAG 2.1, "contrast ratio").
+double contrast(const QColor &one, const QColor &other);
+
+// System colours, taken from the palette of the desktop.
+bool isDark(const QPalette &palette);
+/// The accent colour, darkened where white text on it would not be readable.
+QColor accentColour(const QPalette &palette);
+/// The accent colour as text on the palette's base.
+QColor accentTextColour(const QPalette &palette);
+QColor secondaryTextColour(const QPalette &palette);
+QColor separatorColour(const QPalette &palette);
+/// Orange that can be read on the palette's base.
+QColor warningColour(const QPalette &palette);
+
+} // namespace lumetwin

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/PreflightSequence.h"
+
+#include "ui/BackgroundThreads.h"
+#include "ui/Localized.h"
+#include "ui/MainThreadQueue.h"
+#include "ui/MainViewController.h"
+#include "ui/PreflightChecks.h"
+
+#include <QProgressDialog>
+#include <QTimer>
+
+#include <chrono>
+#include <future>
+
+namespace lumetwin {
+
+namespace {
+
+// A test that ends this soon is waited for, so that no dialog flashes up.
+constexpr std::chrono::milliseconds patience{40};
+constexpr int refreshInterval = 50; // milliseconds
+
+} // namespace
+
+PreflightSequence::PreflightSequence(MainViewController &form, const FormServices &services)
+    : QObject(&form), form_(form), services_(services) {}
+
+PreflightSequence::~PreflightSequence() {
+    if (test_)
+        test_->cancelled = true;
+}
+
+void PreflightSequence::finish() {
+    delete waiting_;
+    deleteLater();
+}
+
+void PreflightSequence::refuse(const Alert &alert) {
+    services_.alerts->present(alert, &form_, [](int) {});
+    finish();
+}
+
+void PreflightSequence::start() {
+    form_.commitFields();
+    checkInputAndOutput();
+}
+
+void PreflightSequence::checkInputAndOutput() {
+    const ConversionSettings &settings = *form_.settings;
+    if (!settings.inputFolderURL && !settings.inputFiles)
+        return refuse({text("error.no.input.folder")});
+    if (!settings.outputFolderURL)
+        return refuse({text("error.no.output.folder")});
+    entries_ = inputEntries(settings);
+    testCandidates();
+}
+
+/// Opening a thousand files takes its time: it happens beside the interface thread, with the form out of reach.
+void PreflightSequence::testCandidates() {
+    test_ = std::make_shared<SpatialTest>();
+    test_->candidates = candidateVideos(entries_);
+    auto ended = std::make_shared<std::promise<void>>();
+    std::future<void> soon = ended->get_future();
+    const QPointer<PreflightSequence> weak(this);
+    BackgroundThreads::shared().run("check", [weak, ended, test = test_, isSpatial = services_.isSpatialVideo,
+                                              settings = std::shared_ptr<const ConversionSettings>(form_.settings)] {
+        const VideoProcessor processor(settings);
+        for (const auto &video : test->candidates) {
+            if (test->cancelled)
+                break;
+            if (isSpatial(processor, video))
+                ++test->spatial;
+            ++test->tested;
+        }
+        ended->set_value();
+        MainThreadQueue::shared().post([weak] {
+            if (weak && !weak->test_->cancelled)
+                weak->candidatesTested();
+        });
+    });
+    if (soon.wait_for(patience) != std::future_status::ready)
+        showWaiting();
+}
+
+void PreflightSequence::showWaiting() {
+    const auto total = static_cast<std::int64_t>(test_->candidates.size());
+    waiting_ = new QProgressDialog(&form_);
+    waiting_->setObjectName(QStringLiteral("checking"));
+    waiting_->setWindowTitle(QStringLiteral("Lumetwin"));
+    waiting_->setWindowModality(Qt::WindowModal);
+    waiting_->setCancelButtonText(toQString(text("button.cancel")));
+    waiting_->setRange(0, static_cast<int>(total));
+    waiting_->setAutoClose(false);
+    waiting_->setAutoReset(false);
+    connect(waiting_, &QProgressDialog::canceled, this, [this] {
+        test_->cancelled = true;
+        finish();
+    });
+    const auto refresh = [this, total] {
+        const auto tested = static_cast<std::int64_t>(test_->tested);
+        waiting_->setLabelText(toQString(format("check.videos.format", tested, total)));
+        waiting_->setValue(static_cast<int>(tested));
+    };
+    auto *timer = new QTimer(waiting_);
+    connect(timer, &QTimer::timeout, this, refresh);
+    timer->start(refreshInterval);
+    refresh();
+    waiting_->show();
+}
+
+void PreflightSequence::candidatesTested() {
+    delete waiting_;
+    const auto question = directionMismatch(form_.settings->direction, test_->candidates.size(), test_->spatial);
+    if (!question)
+        return checkAVI();
+    services_.alerts->present(*question, &form_, [weak = QPointer(this)](int button) {
+        if (weak)
+            button == 1 ? weak->checkAVI() : weak->finish();
+    });
+}
+
+void PreflightSequence::checkAVI() {
+    if (form_.settings->enableResize || !holdsAVI(entries_))
+        return checkResizeSize();
+    const Alert question{text("alert.avi.title"),
+                         text("alert.avi.noresize.message"),
+                         {text("alert.avi.enable.resize"), text("button.convert.anyway")}};
+    services_.alerts->present(question, &form_, [weak = QPointer(this)](int button) {
+        if (!weak)
+            return;
+        if (button == 1)
+            return weak->checkResizeSize();
+        if (button == 0)
+            weak->form_.turnOnResize();
+        weak->finish();
+    });
+}
+
+void PreflightSequence::checkResizeSize() {
+    if (const auto refusal = oddResizeSize(*form_.settings))
+        return refuse(*refusal);
+    checkOverwriting();
+}
+
+void PreflightSequence::checkOverwriting() {
+    const std::vector<std::string> names = existingOutputs(entries_, *form_.settings);
+    if (names.empty())
+        return present();
+    services_.alerts->present(overwriteQuestion(names), &form_, [weak = QPointer(this)](int button) {
+        if (weak)
+            button == 0 ? weak->present() : weak->finish();
+    });
+}
+
+void PreflightSequence::present() {
+    finish();
+    form_.presentProgressSheet();
+}
+
+} // namespace lumetwin

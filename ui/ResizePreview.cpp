@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/ResizePreview.h"
+
+#include "engine/Texts.h"
+
+#include <limits>
+
+namespace lumetwin {
+
+namespace {
+
+/// Twice the width; the largest integer where that is larger still.
+std::int64_t doubled(std::int64_t width) {
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    return width > most / 2 ? most : width * 2;
+}
+
+} // namespace
+
+std::int64_t roundedUpTo16(std::int64_t size) {
+    const std::int64_t missing = (16 - size % 16) % 16;
+    return size > std::numeric_limits<std::int64_t>::max() - missing ? size : size + missing;
+}
+
+std::string resizePreview(const ConversionSettings &settings) {
+    const std::int64_t width = settings.resizeWidth, height = settings.resizeHeight;
+    const bool toSBS = settings.direction == ConversionDirection::spatialToSBS;
+    const std::int64_t output = toSBS && !settings.halfWidth ? doubled(width) : width;
+    const std::string size = format("resize.preview.format", output, height, output / 2, height);
+    const std::int64_t wide = roundedUpTo16(width), high = roundedUpTo16(height);
+    if (width % 2 != 0 || height % 2 != 0)
+        return size + "  " + format("resize.warn.odd.format", wide, high);
+    if (toSBS && (width % 16 != 0 || height % 16 != 0))
+        return size + "  " + format("resize.warn.not16.format", wide, high);
+    return size;
+}
+
+} // namespace lumetwin

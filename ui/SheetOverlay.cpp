@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/SheetOverlay.h"
+
+#include "ui/Palettes.h"
+
+#include <QEvent>
+#include <QPainter>
+
+namespace lumetwin {
+
+SheetOverlay::SheetOverlay(QWidget *content, QWidget *sheet)
+    : QWidget(content->parentWidget()), content_(content), sheet_(sheet) {
+    sheet->setParent(this);
+    content->installEventFilter(this);
+    cover();
+    show();
+    raise();
+    sheet->show();
+    sheet->setFocus();
+}
+
+void SheetOverlay::cover() {
+    setGeometry(content_->geometry());
+}
+
+bool SheetOverlay::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == content_ && (event->type() == QEvent::Resize || event->type() == QEvent::Move))
+        cover();
+    return QWidget::eventFilter(watched, event);
+}
+
+void SheetOverlay::resizeEvent(QResizeEvent *event) {
+    QWidget::resizeEvent(event);
+    // A window that is smaller than the sheet shows its lower part, where the button is.
+    sheet_->move((width() - sheet_->width()) / 2, qMin((height() - sheet_->height()) / 3, height() - sheet_->height()));
+}
+
+void SheetOverlay::paintEvent(QPaintEvent *) {
+    QPainter(this).fillRect(rect(), white(0, 0.5));
+}
+
+} // namespace lumetwin

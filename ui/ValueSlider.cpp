@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/ValueSlider.h"
+
+#include <QSignalBlocker>
+
+#include <cmath>
+
+namespace lumetwin {
+
+ValueSlider::ValueSlider(const StereoRange &range, QWidget *parent)
+    : QSlider(Qt::Horizontal, parent), range_(range), stepsPerUnit_(std::pow(10, range.decimals)),
+      doubleValue_(range.start) {
+    setRange(position(range.minimum), position(range.maximum));
+    const int whole = maximum() - minimum();
+    setSingleStep(qMax(1, whole / 200));
+    setPageStep(qMax(1, whole / 20));
+    setDoubleValue(range.start);
+    connect(this, &QSlider::valueChanged, this, &ValueSlider::follow);
+}
+
+int ValueSlider::position(double value) const {
+    return static_cast<int>(std::lround(value * stepsPerUnit_));
+}
+
+void ValueSlider::setDoubleValue(double value) {
+    const QSignalBlocker quiet(this);
+    doubleValue_ = value;
+    setValue(position(value));
+}
+
+void ValueSlider::follow(int position) {
+    doubleValue_ = position / stepsPerUnit_;
+    emit moved(doubleValue_);
+}
+
+} // namespace lumetwin

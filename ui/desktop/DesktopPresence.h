@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "ui/desktop/SleepInhibitor.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class QWidget;
+
+namespace lumetwin {
+
+/// What the rest of the desktop sees of a run: progress on the launcher, a notification at the end when the window is
+/// not in front, and a machine that stays awake. Where a service is missing, nothing happens.
+class DesktopPresence : public QObject {
+    Q_OBJECT
+
+public:
+    /// desktopId: the name of the desktop entry, without ".desktop".
+    DesktopPresence(QWidget *window, const QString &desktopId);
+    ~DesktopPresence() override;
+
+    void batchStarted();
+    /// 0 to 1.
+    void batchProgressed(double fraction);
+    void batchFinished(bool success, const QString &message);
+    /// Finished or stopped.
+    void batchEnded();
+
+private:
+    void updateLauncher(bool visible, double fraction);
+    bool inFront() const;
+
+    QPointer<QWidget> window_;
+    QString desktopId_;
+    SleepInhibitor inhibitor_;
+    int shownPercent_ = -1;
+};
+
+} // namespace lumetwin

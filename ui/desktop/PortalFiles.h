@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+namespace lumetwin {
+
+/// Whether the program runs in a sandbox that sees files through portals only.
+bool isConfined();
+
+/// Asks the documents portal for the files of a transfer (org.freedesktop.portal.FileTransfer.RetrieveFiles). The
+/// answer comes on the calling thread, later; it is empty when the portal is missing or does not know the key.
+void retrievePortalFiles(const QByteArray &key,
+                         std::function<void(const std::vector<std::filesystem::path> &files)> received);
+
+} // namespace lumetwin
