@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/AppDelegate.h"
+
+#include "app/AboutPanel.h"
+#include "app/HelpPages.h"
+#include "app/MainMenu.h"
+#include "app/MainWindowController.h"
+#include "ui/BackgroundThreads.h"
+#include "ui/MainThreadQueue.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMainWindow>
+
+namespace lumetwin {
+
+AppDelegate::AppDelegate() {
+    QApplication::setQuitOnLastWindowClosed(applicationShouldTerminateAfterLastWindowClosed());
+    qApp->installEventFilter(this);
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching(const QStringList &arguments) {
+    mainWindowController = std::make_unique<MainWindowController>();
+    QMainWindow *window = mainWindowController->window();
+    installMainMenu(*window, *this);
+    mainWindowController->showWindow();
+    window->raise();
+    window->activateWindow();
+    mainWindowController->openInput(arguments);
+}
+
+void AppDelegate::applicationWillTerminate() {
+    using namespace std::chrono_literals;
+    mainWindowController.reset();
+    BackgroundThreads::shared().waitForAll(10s);
+    MainThreadQueue::shared().drain();
+}
+
+void AppDelegate::showAbout() {
+    AboutPanel::orderFront(mainWindowController->window());
+}
+
+void AppDelegate::openHelpJA() {
+    openHelpPage(helpPathJA);
+}
+
+void AppDelegate::openHelpEN() {
+    openHelpPage(helpPathEN);
+}
+
+void AppDelegate::terminate() {
+    mainWindowController->closeWindow();
+}
+
+/// The quit key works from anywhere, also where a dialog keeps it from the menu.
+bool AppDelegate::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::KeyPress && mainWindowController) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->key() == Qt::Key_Q && key->modifiers() == Qt::ControlModifier) {
+            terminate();
+            return true;
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace lumetwin

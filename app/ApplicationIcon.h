@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QIcon>
+
+namespace lumetwin {
+
+/// The name of the desktop entry and of the icon in the desktop's icon theme.
+inline constexpr char applicationId[] = LUMETWIN_ID;
+
+/// The program's icon, drawn from the picture in the program itself.
+QIcon applicationIcon();
+
+} // namespace lumetwin

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/MainMenu.h"
+
+#include "app/AppDelegate.h"
+#include "ui/Localized.h"
+
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+namespace lumetwin {
+
+namespace {
+
+QAction *addItem(QMenu &menu, const char *key, AppDelegate &delegate, void (AppDelegate::*action)()) {
+    QAction *item = menu.addAction(toQString(text(key)));
+    item->setObjectName(QLatin1String(key));
+    QObject::connect(item, &QAction::triggered, &delegate, action);
+    return item;
+}
+
+} // namespace
+
+void installMainMenu(QMainWindow &window, AppDelegate &delegate) {
+    QMenu &menu = *window.menuBar()->addMenu(QStringLiteral("Lumetwin"));
+    addItem(menu, "menu.about", delegate, &AppDelegate::showAbout)->setMenuRole(QAction::AboutRole);
+    menu.addSeparator();
+    QMenu &help = *menu.addMenu(toQString(text("menu.help.web")));
+    addItem(help, "menu.help.japanese", delegate, &AppDelegate::openHelpJA);
+    addItem(help, "menu.help.english", delegate, &AppDelegate::openHelpEN);
+    menu.addSeparator();
+    QAction *quit = addItem(menu, "menu.quit", delegate, &AppDelegate::terminate);
+    quit->setShortcut(Qt::CTRL | Qt::Key_Q);
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+} // namespace lumetwin
