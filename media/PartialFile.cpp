@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/PartialFile.h"
+
+#include "media/MediaError.h"
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace lumetwin::media {
+
+namespace {
+
+[[noreturn]] void fail(const std::filesystem::path &output, const char *operation, int number) {
+    throw MediaError(output, operation, -number, std::generic_category().message(number));
+}
+
+} // namespace
+
+PartialFile::PartialFile(std::filesystem::path output) : output_(std::move(output)), path_(nameFor(output_)) {}
+
+std::filesystem::path PartialFile::nameFor(const std::filesystem::path &output) {
+    std::filesystem::path name = output;
+    name += ".partial";
+    return name;
+}
+
+void PartialFile::finish() const {
+    std::error_code code;
+    std::filesystem::rename(path_, output_, code);
+    if (code)
+        fail(output_, "Cannot rename the partial file to", code.value());
+}
+
+void PartialFile::discard() const noexcept {
+    std::error_code ignored;
+    std::filesystem::remove(path_, ignored);
+}
+
+PartialFileWriter::PartialFileWriter(const PartialFile &file)
+    : output_(file.output()), descriptor_(::open(file.path().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) {
+    if (descriptor_ < 0)
+        fail(output_, "Cannot create", errno);
+}
+
+PartialFileWriter::~PartialFileWriter() {
+    if (descriptor_ >= 0)
+        ::close(descriptor_);
+}
+
+void PartialFileWriter::write(std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            fail(output_, "Cannot write", errno);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+}
+
+void PartialFileWriter::close() {
+    // The descriptor is gone whatever close() says.
+    if (::close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR)
+        fail(output_, "Cannot write", errno);
+}
+
+} // namespace lumetwin::media

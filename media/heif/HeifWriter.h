@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/HeifFile.h"
+#include "media/PartialFile.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumetwin::media::heif {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Builds the payload of `hvcC` (ISO/IEC 14496-15, 8.3.3.1.2) for 4-byte lengths from NAL units: video, sequence and
+/// picture parameter set, without start codes. Throws std::invalid_argument when they are not what they should be.
+Bytes hevcConfiguration(const std::vector<Bytes> &parameterSets);
+
+/// The camera of one eye.
+struct Camera {
+    double focalLength = 0;                 ///< pixels; may be infinite. With NaN no intrinsics are written.
+    std::array<double, 2> principalPoint{}; ///< pixels
+    std::array<double, 3> position{};       ///< metres, x to the right
+};
+
+/// One image, coded as one HEVC picture or as a grid of equally large ones.
+struct CodedImage {
+    std::uint32_t width = 0;  ///< as a viewer is to see it
+    std::uint32_t height = 0;
+    /// Size of each coded picture, as decoded. Alone it may exceed the image's size (then the rest is cut off at the right
+    /// and bottom); in a grid, columns × tileWidth reaches at least to the image's width, and so for the height.
+    std::uint32_t tileWidth = 0;
+    std::uint32_t tileHeight = 0;
+    std::uint32_t columns = 1; ///< at most 256
+    std::uint32_t rows = 1;
+    /// Row by row, each the NAL units of one picture's slices, without start codes.
+    std::vector<std::vector<Bytes>> tiles;
+    Bytes configuration; ///< `hvcC`, common to all tiles
+    int bitDepth = 8;
+    int channels = 3;
+    Bytes colourProfile; ///< ICC; may be empty
+    std::optional<HeifColour> colour; ///< written beside the profile or instead of it
+    Bytes exif;          ///< from the TIFF header on; may be empty
+    std::string xmp;     ///< a packet; may be empty
+    std::optional<Camera> camera;
+};
+
+/// Writes a file of one image, under its partial name; the caller finishes it. Throws MediaError when the system
+/// refuses, std::invalid_argument for contents that contradict themselves or are beyond 4 GiB.
+void writeHeif(const PartialFile &file, const CodedImage &image);
+
+/// Writes a stereo pair, the left image first and primary, in the form of platform-written files. Both images need a
+/// camera. Disparity adjustment in ten-thousandths of the image width, saturated to 32 bits. Otherwise as above.
+void writeStereoHeif(const PartialFile &file, const CodedImage &left, const CodedImage &right,
+                     std::int64_t disparityAdjustment);
+
+} // namespace lumetwin::media::heif
