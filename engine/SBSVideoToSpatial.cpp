@@ -107,7 +107,8 @@ void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::fil
                    reader, writer, control);
     runVideoConversion(control, writer, audio, "spatial.video", "spatial.audio", [&] {
         loop.run();
-        checkWrittenFrames(movie, info, reader, loop.written(), control);
+        if (!writer.failed())
+            checkWrittenFrames(movie, info, reader, loop.written(), control);
     });
 }
 

@@ -125,7 +125,8 @@ void convertSpatialVideoToSBS(const ConversionSettings &settings, const std::fil
     FrameLoop loop(settings, geometry, timing, info.track.colour, reader, writer, control);
     runVideoConversion(control, writer, audio, "sbs.video", "sbs.audio", [&] {
         loop.run();
-        checkWrittenFrames(movie, info, reader, loop.written(), control);
+        if (!writer.failed())
+            checkWrittenFrames(movie, info, reader, loop.written(), control);
     });
 }
 
