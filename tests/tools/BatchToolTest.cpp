@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program's output and exit status where there is no terminal.
+#include "tests/support/TestMedia.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace lumetwin::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+class BatchTool : public testing::Test {
+protected:
+    BatchTool() {
+        setenv("LC_ALL", "C.UTF-8", 1);
+        std::filesystem::create_directory(folder / "in");
+        std::filesystem::create_directory(folder / "out");
+    }
+
+    std::string file(const std::string &name) {
+        writeFile(folder / ("in/" + name), std::string());
+        return folder / ("in/" + name);
+    }
+
+    ProgramResult run(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), ACTED_BATCH);
+        return runProgram(arguments);
+    }
+
+    ProgramResult convert(std::vector<std::string> inputs) {
+        inputs.insert(inputs.begin(), {"--output", folder / "out"});
+        return run(inputs);
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(BatchTool, PlainLinesTellWhatHappens) {
+    for (const char *name : {"a.mov", "fail.heic", "plain.mov", "notes.txt"})
+        file(name);
+    const ProgramResult result = convert({folder / "in"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output,
+                MatchesRegex("\\[1/3\\] a.mov\n"
+                             "a.mov → a_sbs.mp4\n"
+                             "\\[2/3\\] fail.heic\n"
+                             "\\[VP\\] ❌ fail.heic: Error Domain=VideoProcessor Code=-1 \"acted failure\"\n"
+                             "\\[3/3\\] plain.mov\n"
+                             "\\[VP\\] ⏭ skip \\(not spatial\\) plain.mov\n"
+                             "Converted: 1, skipped: 1, failed: 1 \\([0-9:]+\\)\n"
+                             "  fail.heic: acted failure\n"));
+    EXPECT_EQ(result.errors, "");
+}
+
+TEST_F(BatchTool, AllConvertedOrSkippedIsSuccess) {
+    EXPECT_EQ(convert({file("a.mov"), file("plain.mov")}).status, 0);
+    EXPECT_EQ(convert({file("plain.mov")}).status, 0);
+}
+
+TEST_F(BatchTool, NothingToConvertIsAFailure) {
+    const ProgramResult result = convert({folder / "in"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "There are no videos or photos to convert.\n");
+}
+
+TEST_F(BatchTool, UnknownKindsOfFilesAreMentioned) {
+    const ProgramResult result = convert({file("notes.txt"), file("a.mov")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.errors,
+                MatchesRegex("lumetwin-batch: .*notes.txt is left out: its kind of file is not known\n"));
+    EXPECT_THAT(result.output, StartsWith("[1/1] a.mov\n"));
+}
+
+TEST_F(BatchTool, WrongUsageIsTwoAndConvertsNothing) {
+    const std::string input = file("a.mov");
+    const std::string output = folder / "out";
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{}, "no input: name files, or one folder"},
+        {{input}, "no output folder: name one with --output"},
+        {{"--output", output}, "no input: name files, or one folder"},
+        {{"--bogus", "--output", output, input}, "unknown option --bogus"},
+        {{"--output", folder / "gone", input}, "the output folder does not exist: " + (folder / "gone").string()},
+        {{"--output", input, input}, "the output folder does not exist: " + input},
+        {{"--output", output, input + "x"}, input + "x: No such file or directory"},
+        {{"--output", output, input, folder / "out"},
+         "inputs are files or one folder: " + (folder / "out").string() + " is a folder"},
+        {{"inspect"}, "no file to inspect"},
+        {{"inspect", "--output", output, input}, "unknown option --output of inspect"},
+    };
+    for (const auto &[arguments, complaint] : cases) {
+        const ProgramResult result = run(arguments);
+        EXPECT_EQ(result.status, 2) << complaint;
+        EXPECT_EQ(result.output, "");
+        EXPECT_EQ(result.errors, "lumetwin-batch: " + complaint + "\nTry 'lumetwin-batch --help'.\n");
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "out"));
+}
+
+TEST_F(BatchTool, HelpAndVersionNeedNothingElse) {
+    const ProgramResult help = run({"--bogus", "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, StartsWith("Usage: lumetwin-batch"));
+    EXPECT_EQ(run({"-h"}).output, help.output);
+    const ProgramResult version = run({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.output, "lumetwin-batch " LUMETWIN_VERSION "\n");
+}
+
+TEST_F(BatchTool, SpeaksTheLanguageOfTheLocale) {
+    setenv("LC_ALL", "ja_JP.UTF-8", 1);
+    const ProgramResult result = convert({file("a.mov")});
+    setenv("LC_ALL", "C.UTF-8", 1);
+    EXPECT_THAT(result.output, HasSubstr("変換済み：1 件、スキップ：0 件、失敗：0 件"));
+}
+
+TEST_F(BatchTool, FolderNamedLikeAVideoAmongFilesFailsAlone) {
+    std::filesystem::create_directory(folder / "in/x.mov");
+    const ProgramResult result = convert({"--direction", "sbsToSpatial", folder / "in/x.mov", file("plain.mov")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr("  x.mov: x.mov is a folder, not a file.\n"));
+    EXPECT_THAT(result.output, HasSubstr("plain.mov → plain_spatial.mov\n"));
+}
+
+/// Starts the program, waits until it works on a file, sends a signal; its exit status.
+int statusAfterSignal(const std::vector<std::string> &command, int signal, bool ignoredBefore = false) {
+    int output[2];
+    EXPECT_EQ(pipe2(output, O_CLOEXEC), 0);
+    const pid_t program = fork();
+    if (program == 0) {
+        if (ignoredBefore)
+            std::signal(signal, SIG_IGN);
+        dup2(output[1], 1);
+        dup2(output[1], 2);
+        std::vector<char *> arguments;
+        for (const std::string &argument : command)
+            arguments.push_back(const_cast<char *>(argument.c_str()));
+        arguments.push_back(nullptr);
+        execv(arguments[0], arguments.data());
+        _exit(127);
+    }
+    close(output[1]);
+    std::string written;
+    char buffer[256];
+    bool sent = false;
+    for (ssize_t count; (count = read(output[0], buffer, sizeof buffer)) > 0;) {
+        written.append(buffer, static_cast<std::size_t>(count));
+        if (!sent && written.find("slow.mov") != std::string::npos) {
+            sent = true;
+            kill(program, signal);
+            if (ignoredBefore)
+                kill(program, SIGTERM);
+        }
+    }
+    close(output[0]);
+    int status = 0;
+    waitpid(program, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+TEST_F(BatchTool, EverySignalToEndStopsCleanly) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        EXPECT_EQ(statusAfterSignal({ACTED_BATCH, "--output", folder / "out", file("slow.mov")}, signal), 130)
+            << signal;
+}
+
+TEST_F(BatchTool, SignalThatWasIgnoredStaysIgnored) {
+    // Otherwise the hang-up and the SIGTERM after it would be two, and the second kills.
+    EXPECT_EQ(statusAfterSignal({ACTED_BATCH, "--output", folder / "out", file("slow.mov")}, SIGHUP, true), 130);
+}
+
+} // namespace
+} // namespace lumetwin::test

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/TestMedia.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+namespace lumetwin::test {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class Inspect : public testing::Test {
+protected:
+    Inspect() { setenv("LC_ALL", "C.UTF-8", 1); }
+
+    ProgramResult inspect(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {LUMETWIN_BATCH, "inspect"});
+        return runProgram(arguments);
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(Inspect, WhatIsNoMediaIsNotSpatial) {
+    for (const char *name : {"empty.mov", "text.heic", "notes.txt"}) {
+        writeFile(folder / name, std::string(name[0] == 'e' ? "" : "just words"));
+        const ProgramResult result = inspect({folder / name});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.output, (folder / name).string() + ": not spatial\n");
+        EXPECT_EQ(result.errors, "");
+    }
+}
+
+TEST_F(Inspect, FilesThatCannotBeReadHaveFailed) {
+    writeFile(folder / "a.mov", std::string());
+    const ProgramResult result = inspect({folder / "gone.mov", folder / "a.mov", folder.path()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, (folder / "a.mov").string() + ": not spatial\n");
+    EXPECT_EQ(result.errors, "lumetwin-batch: " + (folder / "gone.mov").string() +
+                                 ": No such file or directory\nlumetwin-batch: " + folder.path().string() +
+                                 ": Is a directory\n");
+}
+
+TEST_F(Inspect, UnreadableFileSaysWhy) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "root may read everything";
+    writeFile(folder / "a.mov", std::string());
+    std::filesystem::permissions(folder / "a.mov", std::filesystem::perms::none);
+    const ProgramResult result = inspect({folder / "a.mov"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, EndsWith(": Permission denied\n"));
+}
+
+TEST_F(Inspect, JsonIsAnArrayWithAnObjectForEachFile) {
+    const std::string name = folder / "a \"quoted\\\" name\n\xff.mov";
+    writeFile(name, std::string());
+    const ProgramResult result = inspect({"--json", name, folder / "gone.heic"});
+    EXPECT_EQ(result.status, 1);
+    const ProgramResult judged = runProgram({"python3", "-c",
+                                             "import json, sys\n"
+                                             "first, second = json.loads(sys.argv[1])\n"
+                                             "print(first['file'].split('/')[-1].encode('unicode_escape').decode(), "
+                                             "first['kind'], first['spatial'], first['stereoBaseline'], "
+                                             "first['projection'], second['error'])",
+                                             result.output});
+    EXPECT_EQ(judged.output,
+              "a \"quoted\\\\\" name\\ufffd\\ufffd.mov video False None None No such file or directory\n")
+        << result.output << judged.errors;
+}
+
+TEST_F(Inspect, RealSpatialMovie) {
+    const auto samples = sampleMedia();
+    if (!samples)
+        GTEST_SKIP() << "the folder of sample media is not there";
+    const std::string movie = *samples / "spatial-video/water_180_mvhevc_5frames.mov";
+    EXPECT_EQ(inspect({movie}).output, movie + ": spatial video\n"
+                                               "  Field of view: 64.00°\n"
+                                               "  Baseline: 19.240 mm\n"
+                                               "  Disparity adjustment: 2.00%\n"
+                                               "  Eyes: left, right\n"
+                                               "  Hero eye: left\n"
+                                               "  Projection: rect\n");
+    EXPECT_THAT(inspect({"--json", movie}).output,
+                HasSubstr(R"("kind": "video", "spatial": true, "horizontalFOV": 64, "stereoBaseline": 19.24, )"
+                          R"("disparityAdjustment": 2, "leftEye": true, "rightEye": true)"));
+}
+
+TEST_F(Inspect, RealSpatialPhoto) {
+    const auto samples = sampleMedia();
+    if (!samples)
+        GTEST_SKIP() << "the folder of sample media is not there";
+    const std::string photo = *samples / "spatial-photo/spatial_photo.heic";
+    const std::string words = inspect({photo}).output;
+    EXPECT_THAT(words, StartsWith(photo + ": spatial photo\n  Field of view: 80.0"));
+    EXPECT_THAT(words, HasSubstr("  Baseline: 63.807 mm\n"));
+    EXPECT_THAT(words, HasSubstr("  Disparity adjustment: 2.93%\n"));
+}
+
+TEST_F(Inspect, RealOrdinaryMediaIsNotSpatial) {
+    const auto samples = sampleMedia();
+    if (!samples)
+        GTEST_SKIP() << "the folder of sample media is not there";
+    for (const char *kind : {"ordinary", "broken", "sbs-video", "sbs-image"})
+        for (const auto &entry : std::filesystem::directory_iterator(*samples / kind)) {
+            const ProgramResult result = inspect({entry.path().string()});
+            EXPECT_EQ(result.status, 0);
+            EXPECT_THAT(result.output, StartsWith(entry.path().string() + ": not spatial\n"));
+        }
+}
+
+} // namespace
+} // namespace lumetwin::test

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/MediaKinds.h"
+#include "tests/support/TestMedia.h"
+#include "tools/OptionTable.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace lumetwin::batch {
+namespace {
+
+const std::filesystem::path page = std::filesystem::path(LUMETWIN_SOURCE_DIR) / "resources/man/lumetwin-batch.1";
+
+/// The page's source without its escapes.
+std::string words() {
+    const auto bytes = test::readFile(page);
+    std::string text(bytes.begin(), bytes.end());
+    std::erase(text, '\\');
+    return text;
+}
+
+TEST(ManPage, NamesEveryOptionAndExtension) {
+    const std::string text = words();
+    for (const Option &option : optionTable()) {
+        // A switch stands alone; the others are followed by their value in the same line.
+        const std::string value = option.argument.empty() ? "\n" : "  " + std::string(option.argument);
+        EXPECT_THAT(text, testing::HasSubstr(std::string(option.name) + value));
+    }
+    for (const auto extension : videoExtensions)
+        EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
+    for (const auto extension : photoExtensions)
+        EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
+}
+
+TEST(ManPage, FormatterHasNoComplaints) {
+    if (test::runProgram({"man", "--version"}).status != 0)
+        GTEST_SKIP() << "man is not installed";
+    const test::ProgramResult result =
+        test::runProgram({"env", "LC_ALL=C.UTF-8", "MANROFFSEQ=", "MANWIDTH=80", "man", "--warnings", "-E", "UTF-8",
+                          "-l", "-Tutf8", "-Z", page.string()});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, "");
+    EXPECT_GT(result.output.size(), 1000u);
+}
+
+} // namespace
+} // namespace lumetwin::batch

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/BatchOptions.h"
+
+#include "engine/MediaKinds.h"
+#include "tools/OptionTable.h"
+
+#include <system_error>
+
+namespace lumetwin::batch {
+namespace {
+
+using Arguments = std::span<const char *const>;
+
+std::string_view takeFirst(Arguments &arguments) {
+    const std::string_view first = arguments.front();
+    arguments = arguments.subspan(1);
+    return first;
+}
+
+/// What is common to both commands: "--" ends the options, "-" alone and all else are inputs.
+template <typename TakeOption> void walk(Arguments arguments, BatchOptions &options, const TakeOption &takeOption) {
+    bool optionsEnded = false;
+    while (!arguments.empty()) {
+        const std::string_view argument = takeFirst(arguments);
+        if (optionsEnded || !argument.starts_with('-') || argument == "-")
+            options.inputs.emplace_back(argument);
+        else if (argument == "--")
+            optionsEnded = true;
+        else
+            takeOption(argument, arguments);
+    }
+}
+
+void applyOption(std::string_view argument, Arguments &rest, BatchOptions &options) {
+    const std::size_t sign = argument.find('=');
+    const std::string name(argument.substr(0, sign));
+    const Option *option = findOption(name);
+    if (!option)
+        throw UsageError("unknown option " + name);
+    if (option->argument.empty()) {
+        if (sign != std::string_view::npos)
+            throw UsageError(name + " takes no value");
+        return option->apply(*options.settings, {}, name);
+    }
+    if (sign == std::string_view::npos && rest.empty())
+        throw UsageError(name + " needs a value: " + std::string(option->argument));
+    const std::string_view value = sign == std::string_view::npos ? takeFirst(rest) : argument.substr(sign + 1);
+    option->apply(*options.settings, value, name);
+}
+
+std::int64_t nextMultipleOf16(std::int64_t size) {
+    return (size + 15) / 16 * 16;
+}
+
+/// The same rule as in the window: encoders want even sizes.
+void checkResize(const ConversionSettings &settings) {
+    if (!settings.enableResize || (settings.resizeWidth % 2 == 0 && settings.resizeHeight % 2 == 0))
+        return;
+    throw UsageError("--resize-width and --resize-height must be even; the next multiples of 16 are " +
+                     std::to_string(nextMultipleOf16(settings.resizeWidth)) + " and " +
+                     std::to_string(nextMultipleOf16(settings.resizeHeight)));
+}
+
+void parseConversion(Arguments arguments, BatchOptions &options) {
+    std::string resizeOption;
+    walk(arguments, options, [&](std::string_view argument, Arguments &rest) {
+        applyOption(argument, rest, options);
+        if (argument.starts_with("--resize-"))
+            resizeOption = argument.substr(0, argument.find('='));
+    });
+    if (options.inputs.empty())
+        throw UsageError("no input: name files, or one folder");
+    if (!options.settings->outputFolderURL)
+        throw UsageError("no output folder: name one with --output");
+    checkResize(*options.settings);
+    if (!options.settings->enableResize && !resizeOption.empty())
+        options.remarks.push_back(resizeOption + " changes nothing without --enable-resize");
+}
+
+void parseInspection(Arguments arguments, BatchOptions &options) {
+    options.command = Command::inspect;
+    walk(arguments, options, [&](std::string_view argument, Arguments &) {
+        if (argument != "--json")
+            throw UsageError("unknown option " + std::string(argument) + " of inspect");
+        options.json = true;
+    });
+    if (options.inputs.empty())
+        throw UsageError("no file to inspect");
+}
+
+bool asksFor(Arguments arguments, std::string_view option, std::string_view shortOption) {
+    for (const std::string_view argument : arguments) {
+        if (argument == "--")
+            return false;
+        if (argument == option || argument == shortOption)
+            return true;
+    }
+    return false;
+}
+
+std::string shown(const std::filesystem::path &file) {
+    return file.string();
+}
+
+void settleFiles(BatchOptions &options) {
+    for (const std::filesystem::path &file : options.inputs) {
+        if (std::filesystem::is_directory(file) && !isMediaFile(file))
+            throw UsageError("inputs are files or one folder: " + shown(file) + " is a folder");
+        if (!isMediaFile(file))
+            options.remarks.push_back(shown(file) + " is left out: its kind of file is not known");
+    }
+    options.settings->inputFiles = options.inputs;
+}
+
+} // namespace
+
+BatchOptions parseOptions(Arguments arguments) {
+    BatchOptions options;
+    if (asksFor(arguments, "--help", "-h"))
+        options.command = Command::help;
+    else if (asksFor(arguments, "--version", "--version"))
+        options.command = Command::version;
+    else if (!arguments.empty() && std::string_view(arguments.front()) == "inspect")
+        parseInspection(arguments.subspan(1), options);
+    else
+        parseConversion(arguments, options);
+    return options;
+}
+
+void settleInputs(BatchOptions &options) {
+    std::error_code error;
+    for (const std::filesystem::path &input : options.inputs)
+        if (!std::filesystem::exists(input, error))
+            throw UsageError(shown(input) + ": " + (error ? error.message() : "No such file or directory"));
+    if (!std::filesystem::is_directory(*options.settings->outputFolderURL, error))
+        throw UsageError("the output folder does not exist: " + shown(*options.settings->outputFolderURL));
+    if (options.inputs.size() == 1 && std::filesystem::is_directory(options.inputs.front()))
+        options.settings->inputFolderURL = options.inputs.front();
+    else
+        settleFiles(options);
+}
+
+} // namespace lumetwin::batch

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/Console.h"
+
+#include "engine/FileNames.h"
+
+#include <cstdlib>
+#include <string_view>
+#include <sys/ioctl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace lumetwin::batch {
+namespace {
+
+constexpr int usualColumns = 80;
+constexpr const char *eraseLine = "\r\x1b[K";
+
+bool isCapableTerminal() {
+    const char *kind = std::getenv("TERM");
+    return isatty(STDERR_FILENO) && kind && *kind && std::string_view(kind) != "dumb";
+}
+
+void write(std::FILE *stream, const std::string &text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fflush(stream);
+}
+
+} // namespace
+
+Console::Console() : live_(isCapableTerminal()) {}
+
+Console::~Console() {
+    clearProgress();
+}
+
+int Console::columns() const {
+    winsize size{};
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualColumns;
+}
+
+void Console::print(const std::string &line) {
+    printTo(stdout, line);
+}
+
+void Console::printError(const std::string &line) {
+    printTo(stderr, line);
+}
+
+void Console::printTo(std::FILE *stream, const std::string &line) {
+    const std::string again = shown_;
+    clearProgress();
+    write(stream, printable(line) + '\n');
+    showProgress(again);
+}
+
+void Console::showProgress(const std::string &line) {
+    if (!live_ || line == shown_)
+        return;
+    write(stderr, eraseLine + line);
+    shown_ = line;
+}
+
+void Console::clearProgress() {
+    if (!std::exchange(shown_, {}).empty())
+        write(stderr, eraseLine);
+}
+
+} // namespace lumetwin::batch

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/Commands.h"
+
+#include "engine/FileNames.h"
+#include "engine/MediaDescription.h"
+#include "engine/Texts.h"
+
+#include <fmt/format.h>
+
+#include <fstream>
+#include <system_error>
+
+namespace lumetwin::batch {
+namespace {
+
+using Kind = MediaDescription::Kind;
+using Eye = MediaDescription::Eye;
+
+/// Why a file cannot be read at all; empty when it can.
+std::string obstacle(const std::filesystem::path &file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (!std::filesystem::exists(status))
+        return std::make_error_code(std::errc::no_such_file_or_directory).message();
+    if (std::filesystem::is_directory(status))
+        return std::make_error_code(std::errc::is_a_directory).message();
+    errno = 0;
+    if (!std::ifstream(file, std::ios::binary))
+        return std::generic_category().message(errno != 0 ? errno : EIO);
+    return {};
+}
+
+std::string jsonString(std::string_view text) {
+    std::string result = "\"";
+    for (const char character : printable(text)) {
+        if (character == '"' || character == '\\')
+            result += '\\';
+        result += character;
+    }
+    return result + '"';
+}
+
+std::string json(const std::optional<double> &value) {
+    return value ? fmt::format("{}", *value) : "null";
+}
+
+std::string_view eyeName(Eye eye) {
+    return eye == Eye::left ? "left" : eye == Eye::right ? "right" : "none";
+}
+
+std::string json(const std::filesystem::path &file, const MediaDescription &description) {
+    const bool isVideo = description.kind == Kind::video;
+    std::string object = fmt::format(
+        R"({{"file": {}, "kind": "{}", "spatial": {}, "horizontalFOV": {}, "stereoBaseline": {}, "disparityAdjustment": {})",
+        jsonString(file.string()), isVideo ? "video" : "photo", description.isSpatial,
+        json(description.values.horizontalFOV), json(description.values.stereoBaseline),
+        json(description.values.disparity));
+    if (isVideo)
+        object += fmt::format(R"(, "leftEye": {}, "rightEye": {}, "heroEye": {}, "projection": {}, "multilayer": {})",
+                              description.hasLeftEye, description.hasRightEye,
+                              description.heroEye ? jsonString(eyeName(*description.heroEye)) : "null",
+                              description.projection.empty() ? "null" : jsonString(description.projection),
+                              description.isMultilayer);
+    return object + "}";
+}
+
+std::string jsonError(const std::filesystem::path &file, const std::string &reason) {
+    return fmt::format(R"({{"file": {}, "error": {}}})", jsonString(file.string()), jsonString(reason));
+}
+
+std::string headline(const MediaDescription &description) {
+    if (!description.isSpatial)
+        return text("batch.inspect.not.spatial");
+    return text(description.kind == Kind::photo ? "batch.inspect.spatial.photo" : "batch.inspect.spatial.video");
+}
+
+std::string eyes(const MediaDescription &description) {
+    std::string names;
+    if (description.hasLeftEye)
+        names = text("batch.inspect.eye.left");
+    if (description.hasRightEye)
+        names += (names.empty() ? "" : ", ") + text("batch.inspect.eye.right");
+    return names;
+}
+
+std::string heroEye(Eye eye) {
+    if (eye == Eye::none)
+        return text("batch.inspect.eye.none");
+    return text(eye == Eye::left ? "batch.inspect.eye.left" : "batch.inspect.eye.right");
+}
+
+void printWords(Console &console, const std::filesystem::path &file, const MediaDescription &description) {
+    console.print(file.string() + ": " + headline(description));
+    const auto tell = [&](const std::string &words) { console.print("  " + words); };
+    if (description.values.horizontalFOV)
+        tell(format("batch.inspect.fov.format", *description.values.horizontalFOV));
+    if (description.values.stereoBaseline)
+        tell(format("batch.inspect.baseline.format", *description.values.stereoBaseline));
+    if (description.values.disparity)
+        tell(format("batch.inspect.disparity.format", *description.values.disparity));
+    if (const std::string names = eyes(description); !names.empty())
+        tell(format("batch.inspect.eyes.format", names));
+    if (description.heroEye)
+        tell(format("batch.inspect.hero.format", heroEye(*description.heroEye)));
+    if (!description.projection.empty())
+        tell(format("batch.inspect.projection.format", description.projection));
+}
+
+} // namespace
+
+int inspectCommand(const BatchOptions &options, Console &console) {
+    int status = allWell;
+    std::string objects;
+    for (const std::filesystem::path &file : options.inputs) {
+        const std::string reason = obstacle(file);
+        if (!reason.empty()) {
+            status = someFailed;
+            console.printError("lumetwin-batch: " + file.string() + ": " + reason);
+        }
+        if (options.json)
+            objects += (objects.empty() ? "" : ",\n ") +
+                       (reason.empty() ? json(file, describeMedia(file)) : jsonError(file, reason));
+        else if (reason.empty())
+            printWords(console, file, describeMedia(file));
+    }
+    if (options.json)
+        std::fputs(("[" + objects + "]\n").c_str(), stdout);
+    return status;
+}
+
+} // namespace lumetwin::batch

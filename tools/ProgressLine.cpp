@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/ProgressLine.h"
+
+#include "engine/FileNames.h"
+#include "engine/Texts.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cwchar>
+#include <vector>
+
+namespace lumetwin::batch {
+namespace {
+
+constexpr int smallestName = 12; // columns that details leave for the file's name
+constexpr int smallestBar = 6;
+constexpr int largestBar = 30;
+constexpr double settlingTime = 0.5; // seconds before a rate means something
+
+struct Cell {
+    std::string_view bytes;
+    int width = 0;
+};
+
+/// A locale that knows Unicode's widths, whatever the user's is.
+locale_t unicodeLocale() {
+    static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    return locale;
+}
+
+int columnsOf(char32_t code) {
+    if (!unicodeLocale())
+        return 1;
+    const locale_t before = uselocale(unicodeLocale());
+    const int width = wcwidth(static_cast<wchar_t>(code));
+    uselocale(before);
+    return width < 0 ? 1 : width;
+}
+
+/// The characters of valid UTF-8.
+std::vector<Cell> cellsOf(std::string_view text) {
+    std::vector<Cell> cells;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const auto first = static_cast<unsigned char>(text[begin]);
+        const std::size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+        char32_t code = length == 1 ? first : first & (0x7F >> length);
+        for (std::size_t at = 1; at < length; ++at)
+            code = code << 6 | (static_cast<unsigned char>(text[begin + at]) & 0x3F);
+        cells.push_back({text.substr(begin, length), columnsOf(code)});
+        begin += length;
+    }
+    return cells;
+}
+
+double framesPerSecond(const BatchProgress &progress) {
+    return progress.seconds >= settlingTime ? static_cast<double>(progress.frame) / progress.seconds : 0;
+}
+
+/// What is told of the file's frames, what matters most first.
+std::vector<std::string> details(const BatchProgress &progress) {
+    std::vector<std::string> parts;
+    const double rate = framesPerSecond(progress);
+    if (progress.frames > 0) {
+        parts.push_back(fmt::format("{}%", std::min<std::int64_t>(100, progress.frame * 100 / progress.frames)));
+        if (rate > 0)
+            parts.push_back(format(
+                "batch.time.left.format",
+                clockTime(static_cast<double>(std::max<std::int64_t>(0, progress.frames - progress.frame)) / rate)));
+    }
+    if (rate > 0)
+        parts.push_back(format("batch.rate.format", rate));
+    if (progress.frames > 0)
+        parts.push_back(fmt::format("{}/{}", progress.frame, progress.frames));
+    else if (progress.frame > 0)
+        parts.push_back(format("batch.frames.format", progress.frame));
+    return parts;
+}
+
+std::string bar(const BatchProgress &progress, int columns) {
+    const int inner = columns - 2;
+    const auto done = static_cast<int>(
+        std::min(1.0, static_cast<double>(progress.frame) / static_cast<double>(progress.frames)) * inner);
+    return fmt::format("[{}{}]", std::string(static_cast<std::size_t>(done), '#'),
+                       std::string(static_cast<std::size_t>(inner - done), '-'));
+}
+
+} // namespace
+
+int displayWidth(std::string_view text) {
+    int width = 0;
+    for (const Cell &cell : cellsOf(printable(text)))
+        width += cell.width;
+    return width;
+}
+
+std::string middleTruncated(std::string_view text, int columns) {
+    const std::string safe = printable(text);
+    if (displayWidth(safe) <= columns)
+        return safe;
+    if (columns < 1)
+        return {};
+    const std::vector<Cell> cells = cellsOf(safe);
+    const int room = columns - 1; // the ellipsis takes one
+    std::string head;
+    int used = 0;
+    for (auto cell = cells.begin(); cell != cells.end() && used + cell->width <= (room + 1) / 2; ++cell) {
+        head += cell->bytes;
+        used += cell->width;
+    }
+    std::size_t tail = safe.size();
+    for (auto cell = cells.rbegin(); cell != cells.rend() && used + cell->width <= room; ++cell) {
+        tail -= cell->bytes.size();
+        used += cell->width;
+    }
+    return head + "…" + safe.substr(tail);
+}
+
+std::string clockTime(double seconds) {
+    const auto whole = static_cast<std::int64_t>(std::clamp(seconds, 0.0, 1e9));
+    const std::int64_t hours = whole / 3600;
+    if (hours > 0)
+        return fmt::format("{}:{:02}:{:02}", hours, whole / 60 % 60, whole % 60);
+    return fmt::format("{}:{:02}", whole / 60, whole % 60);
+}
+
+std::string progressLine(const BatchProgress &progress, int columns) {
+    const int room = columns - 1;
+    const std::string counter = fmt::format("[{}/{}]", progress.index + 1, progress.total);
+    if (displayWidth(counter) > room)
+        return {};
+    const int nameWidth = displayWidth(progress.fileName);
+    int left = room - displayWidth(counter) - 1;
+    std::string tail;
+    for (const std::string &part : details(progress)) {
+        const int width = displayWidth(part) + 2;
+        if (left - width < std::min(nameWidth, smallestName))
+            break;
+        tail += "  " + part;
+        left -= width;
+    }
+    if (left < 2)
+        return counter;
+    const std::string name = middleTruncated(progress.fileName, left);
+    left -= displayWidth(name) + 2;
+    if (progress.frames > 0 && left >= smallestBar)
+        tail = "  " + bar(progress, std::min(left, largestBar)) + tail;
+    return counter + " " + name + tail;
+}
+
+} // namespace lumetwin::batch
