@@ -94,6 +94,14 @@ private:
     std::size_t position_ = 0;
 };
 
+/// What every full box's payload begins with.
+struct FullBoxHead {
+    explicit FullBoxHead(Fields &fields)
+        : version(fields.u8()), flags(static_cast<std::uint32_t>(fields.number(3))) {}
+    std::uint8_t version;
+    std::uint32_t flags;
+};
+
 /// A box's payload in memory. Throws FormatError when it is larger than the limit.
 std::vector<std::uint8_t> payload(const Source &source, const Box &box, std::uint64_t limit);
 

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/HeifFile.h"
+
+#include "media/MediaError.h"
+#include "media/heif/ImageList.h"
+
+#include <algorithm>
+#include <limits>
+#include <system_error>
+
+namespace lumetwin::media {
+
+namespace {
+
+/// Does something with a file's bytes; what fails there becomes an error that names the file.
+template <typename Action>
+auto withBytesOf(const std::filesystem::path &file, Action action) {
+    try {
+        const auto source = bmff::openFile(file);
+        return action(*source);
+    } catch (const bmff::FormatError &error) {
+        throw MediaError(file, "Cannot read", 0, error.what());
+    } catch (const std::system_error &error) {
+        throw MediaError(file, "Cannot open", -error.code().value(), error.code().message());
+    }
+}
+
+double half(double number) { return number / 2; }
+
+} // namespace
+
+PixelIntrinsics CameraIntrinsics::inPixels(double width, double height) const {
+    PixelIntrinsics pixels;
+    pixels.focalLengthX = focalLengthX * width;
+    pixels.focalLengthY = focalLengthY ? *focalLengthY * height : pixels.focalLengthX;
+    pixels.principalPointX = principalPointX * width;
+    pixels.principalPointY = principalPointY * height;
+    pixels.skew = skew;
+    return pixels;
+}
+
+std::optional<PixelIntrinsics> HeifImage::pixelIntrinsics() const {
+    if (!intrinsics)
+        return std::nullopt;
+    PixelIntrinsics pixels = intrinsics->inPixels(codedWidth, codedHeight);
+    const auto crop = std::ranges::find(transforms, HeifTransform::Kind::crop, &HeifTransform::kind);
+    const bool cropsFirst = std::none_of(transforms.begin(), crop, [](const HeifTransform &step) {
+        return step.kind == HeifTransform::Kind::rotate || step.kind == HeifTransform::Kind::mirror;
+    });
+    if (crop != transforms.end() && cropsFirst && crop->aperture[5] > 0 && crop->aperture[7] > 0) {
+        const auto offset = [&](std::size_t index) {
+            return static_cast<double>(crop->aperture[index]) / static_cast<double>(crop->aperture[index + 1]);
+        };
+        pixels.principalPointX -= half(static_cast<double>(codedWidth) - width) + offset(4);
+        pixels.principalPointY -= half(static_cast<double>(codedHeight) - height) + offset(6);
+    }
+    return pixels;
+}
+
+std::uint64_t HeifPayload::size() const {
+    std::uint64_t sum = 0;
+    for (const Extent &extent : extents)
+        sum += std::min(extent.size, std::numeric_limits<std::uint64_t>::max() - sum);
+    return sum;
+}
+
+const HeifStereoGroup *HeifFile::stereoGroup() const {
+    const auto pair = std::ranges::find_if(stereoGroups, [](const HeifStereoGroup &group) { return group.left.has_value(); });
+    if (pair != stereoGroups.end())
+        return &*pair;
+    return stereoGroups.empty() ? nullptr : &stereoGroups.front();
+}
+
+std::optional<std::int32_t> HeifFile::stereoDisparityAdjustment() const {
+    const HeifStereoGroup *group = stereoGroup();
+    if (!group || !group->left)
+        return std::nullopt;
+    const auto left = images[*group->left].disparityAdjustment;
+    return left ? left : images[*group->right].disparityAdjustment;
+}
+
+HeifFile readHeifFile(const std::filesystem::path &file) {
+    return withBytesOf(file, [](const bmff::Source &source) { return heif::readHeif(source); });
+}
+
+std::vector<std::uint8_t> readHeifPayload(const std::filesystem::path &file, const HeifPayload &payload,
+                                          std::uint64_t limit) {
+    return withBytesOf(file, [&](const bmff::Source &source) {
+        if (payload.size() > std::min(limit, source.size()))
+            throw bmff::FormatError("an item is too large");
+        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(payload.size()));
+        std::span<std::uint8_t> left(bytes);
+        for (const HeifPayload::Extent &extent : payload.extents) {
+            source.read(extent.position, left.first(static_cast<std::size_t>(extent.size)));
+            left = left.subspan(static_cast<std::size_t>(extent.size));
+        }
+        return bytes;
+    });
+}
+
+} // namespace lumetwin::media

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/bmff/BoxReader.h"
+#include "media/heif/ItemProperties.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace lumetwin::media::heif {
+
+/// Where an item's bytes lie, as `iloc` has it (ISO/IEC 14496-12, 8.11.3).
+struct ItemLocation {
+    struct Extent {
+        std::uint64_t index = 0;
+        std::uint64_t offset = 0;
+        std::uint64_t length = 0; ///< 0: to the end of what the offset counts in
+    };
+    int constructionMethod = 0; ///< 0 file, 1 `idat`, 2 another item
+    bool inThisFile = true;
+    std::vector<Extent> extents;
+};
+
+struct Item {
+    std::uint32_t id = 0;
+    std::uint32_t type = 0;
+    bool hidden = false;
+    std::string contentType; ///< of type `mime`
+    bool encoded = false;    ///< of type `mime`: the bytes are compressed
+    std::vector<std::uint16_t> properties; ///< indexes into MetaBox::properties, from 1, in order; 0 is none
+    ItemLocation location;
+};
+
+struct ItemReference {
+    std::uint32_t type = 0;
+    std::uint32_t from = 0;
+    std::vector<std::uint32_t> to;
+};
+
+/// A group of the types `ster` and `altr`; others are not kept.
+struct EntityGroup {
+    std::uint32_t type = 0;
+    std::uint32_t id = 0;
+    std::vector<std::uint32_t> entities;
+};
+
+/// A file's `meta` box, box by box, nothing of it interpreted.
+struct MetaBox {
+    std::vector<Item> items; ///< in the order of `iinf`
+    std::unordered_map<std::uint32_t, std::size_t> itemIndexes; ///< by id
+    std::optional<std::uint32_t> primaryItem;
+    std::vector<ItemReference> references;
+    std::vector<Property> properties;
+    std::vector<EntityGroup> groups;
+    std::uint64_t itemDataBegin = 0; ///< of `idat`, in the file
+    std::uint64_t itemDataEnd = 0;
+    std::uint64_t fileSize = 0;
+
+    const Item *item(std::uint32_t id) const;
+};
+
+/// What a file may ask for; more is an error.
+inline constexpr std::size_t maximumItems = 65'536;
+inline constexpr std::size_t maximumReferences = 262'144;   ///< ids referred to, in all
+inline constexpr std::size_t maximumAssociations = 262'144; ///< of properties with items, in all
+inline constexpr std::size_t maximumExtents = 262'144;      ///< in all
+inline constexpr std::size_t maximumGroups = 256;
+inline constexpr std::size_t maximumEntities = 65'536; ///< in all groups
+
+/// Throws bmff::FormatError.
+MetaBox readMetaBox(const bmff::Source &source);
+
+} // namespace lumetwin::media::heif
