@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -138,6 +139,7 @@ private:
 
 int convertCommand(BatchOptions &options, Console &console, MediaOperations operations) {
     settleInputs(options);
+    std::signal(SIGXFSZ, SIG_IGN); // a limit for the size of files becomes an error of the file
     for (const std::string &remark : options.remarks)
         console.printError("lumetwin-batch: " + remark);
     VideoProcessor processor(options.settings, SystemVersion::current(), std::move(operations));

@@ -82,7 +82,6 @@ TEST_F(Inspect, RealSpatialMovie) {
                                                "  Baseline: 19.240 mm\n"
                                                "  Disparity adjustment: 2.00%\n"
                                                "  Eyes: left, right\n"
-                                               "  Hero eye: left\n"
                                                "  Projection: rect\n");
     EXPECT_THAT(inspect({"--json", movie}).output,
                 HasSubstr(R"("kind": "video", "spatial": true, "horizontalFOV": 64, "stereoBaseline": 19.24, )"

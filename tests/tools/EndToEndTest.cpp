@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program itself on media that the media stack's ffmpeg draws.
+#include "tests/support/TestMedia.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <unistd.h>
+
+namespace lumetwin::test {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+class EndToEnd : public testing::Test {
+protected:
+    EndToEnd() {
+        setenv("LC_ALL", "C.UTF-8", 1);
+        for (const char *name : {"in", "out", "back"})
+            std::filesystem::create_directory(folder / name);
+    }
+
+    std::string in(const std::string &name) { return folder / ("in/" + name); }
+    std::string out(const std::string &name) { return folder / ("out/" + name); }
+
+    /// Side by side: a bright left eye, a dark right one, 320 × 180 each, with a tone.
+    void drawClip(const std::string &file, const std::vector<std::string> &more = {}) {
+        std::vector<std::string> arguments{"-f",
+                                           "lavfi",
+                                           "-i",
+                                           "color=c=0xc0c0c0:size=320x180:rate=30:duration=1",
+                                           "-f",
+                                           "lavfi",
+                                           "-i",
+                                           "color=c=0x404040:size=320x180:rate=30:duration=1",
+                                           "-f",
+                                           "lavfi",
+                                           "-i",
+                                           "sine=frequency=440:sample_rate=48000:duration=1",
+                                           "-filter_complex",
+                                           "[0:v][1:v]hstack,format=yuv420p[both]",
+                                           "-map",
+                                           "[both]",
+                                           "-map",
+                                           "2:a",
+                                           "-c:v",
+                                           "libx264",
+                                           "-preset",
+                                           "veryfast",
+                                           "-c:a",
+                                           "aac"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        arguments.push_back(file);
+        ffmpeg(arguments);
+    }
+
+    ProgramResult batch(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), LUMETWIN_BATCH);
+        return runProgram(arguments);
+    }
+
+    ProgramResult toSpatial(std::vector<std::string> inputs) {
+        inputs.insert(inputs.begin(), {"--direction", "sbsToSpatial", "--output", folder / "out"});
+        return batch(inputs);
+    }
+
+    std::set<std::string> outputs() {
+        std::set<std::string> names;
+        for (const auto &entry : std::filesystem::directory_iterator(folder / "out"))
+            names.insert(entry.path().filename());
+        return names;
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(EndToEnd, VideoThereAndBackKeepsTheEyesOnTheirSides) {
+    drawClip(in("clip.mp4"));
+    const ProgramResult there = toSpatial(
+        {"--horizontal-fov", "71.5", "--stereo-baseline", "63.8", "--disparity-adjustment", "-1.25", in("clip.mp4")});
+    ASSERT_EQ(there.status, 0) << there.output;
+    EXPECT_EQ(outputs(), std::set<std::string>{"clip_spatial.mov"});
+    EXPECT_EQ(batch({"inspect", out("clip_spatial.mov")}).output, out("clip_spatial.mov") +
+                                                                      ": spatial video\n"
+                                                                      "  Field of view: 71.50°\n"
+                                                                      "  Baseline: 63.800 mm\n"
+                                                                      "  Disparity adjustment: -1.25%\n"
+                                                                      "  Eyes: left, right\n"
+                                                                      "  Hero eye: left\n"
+                                                                      "  Projection: rect\n");
+    const ProgramResult back = batch({"--output", folder / "back", folder / "out"});
+    ASSERT_EQ(back.status, 0) << back.output;
+    const std::filesystem::path result = folder / "back/clip_spatial_sbs.mp4";
+    const LumaFrames frames = decodeLuma(result);
+    EXPECT_EQ(frames.width, 640);
+    EXPECT_EQ(frames.height, 180);
+    ASSERT_EQ(frames.frames.size(), 30u);
+    for (const std::size_t frame : {0, 15, 29}) {
+        EXPECT_GT(frames.mean(frame, 0, 0, 320, 180), 150) << "the left eye is bright";
+        EXPECT_LT(frames.mean(frame, 320, 0, 320, 180), 100) << "the right eye is dark";
+    }
+    EXPECT_THAT(ffprobe(result, "stream=codec_name"), HasSubstr("codec_name=aac"));
+}
+
+TEST_F(EndToEnd, OptionsReachTheConversion) {
+    drawClip(in("clip.mp4"));
+    ASSERT_EQ(toSpatial({"--swap-left-right", "--no-copy-audio", in("clip.mp4")}).status, 0);
+    const ProgramResult back =
+        batch({"--output", folder / "back", "--sbs-output-format", "movHEVC", "--half-width", "--enable-resize",
+               "--resize-width", "160", "--resize-height", "96", "--resize-mode", "stretch", folder / "out"});
+    ASSERT_EQ(back.status, 0) << back.output;
+    const std::filesystem::path result = folder / "back/clip_spatial_sbs.mov";
+    const LumaFrames frames = decodeLuma(result);
+    EXPECT_EQ(frames.width, 160);
+    EXPECT_EQ(frames.height, 96);
+    EXPECT_LT(frames.mean(0, 0, 0, 80, 96), 100);
+    EXPECT_GT(frames.mean(0, 80, 0, 80, 96), 150);
+    const std::string streams = ffprobe(result, "stream=codec_name");
+    EXPECT_THAT(streams, HasSubstr("codec_name=hevc"));
+    EXPECT_THAT(streams, Not(HasSubstr("codec_name=aac")));
+}
+
+TEST_F(EndToEnd, BadInputsFailAloneWithTheirReason) {
+    drawClip(in("good.mp4"));
+    std::vector<std::uint8_t> bytes = readFile(in("good.mp4"));
+    bytes.resize(2000);
+    writeFile(in("cut.mp4"), bytes); // before its headers, which are at the end
+    writeFile(in("empty.mov"), std::string());
+    writeFile(in("text.mov"), std::string("just words\n"));
+    std::filesystem::create_directory(in("folder.mov"));
+    ffmpeg({"-f", "lavfi", "-i", "sine=frequency=440:duration=1", "-c:a", "aac", "-f", "mp4", in("sound.m4v")});
+    const ProgramResult result = toSpatial({folder / "in"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(outputs(), std::set<std::string>{"good_spatial.mov"});
+    EXPECT_THAT(result.output, HasSubstr("good.mp4 → good_spatial.mov\n"));
+    EXPECT_THAT(result.output, HasSubstr("Converted: 1, skipped: 0, failed: 5"));
+    for (const char *name : {"cut.mp4", "empty.mov", "text.mov"})
+        EXPECT_THAT(result.output, HasSubstr("\n  " + std::string(name) + ": Cannot open " + name + ": "));
+    EXPECT_THAT(result.output, HasSubstr("\n  sound.m4v: The file has no video track.\n"));
+    EXPECT_THAT(result.output, HasSubstr("\n  folder.mov: folder.mov is a folder, not a file.\n"));
+    EXPECT_THAT(result.output,
+                HasSubstr("[VP] ❌ sound.m4v: Error Domain=VideoProcessor Code=-1 \"The file has no video track.\"\n"));
+}
+
+TEST_F(EndToEnd, BadInputsAreNotSpatial) {
+    writeFile(in("empty.mov"), std::string());
+    writeFile(in("text.mkv"), std::string("just words\n"));
+    const ProgramResult result = batch({"--output", folder / "out", folder / "in"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, HasSubstr("Converted: 0, skipped: 2, failed: 0"));
+    EXPECT_TRUE(outputs().empty());
+}
+
+TEST_F(EndToEnd, DamagedDataIsConvertedAsFarAsItGoesWithAWarning) {
+    drawClip(in("cut.mp4"), {"-movflags", "+faststart"});
+    std::vector<std::uint8_t> bytes = readFile(in("cut.mp4"));
+    bytes.resize(bytes.size() * 6 / 10);
+    writeFile(in("cut.mp4"), bytes);
+    const ProgramResult result = toSpatial({in("cut.mp4")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, HasSubstr("[VP] ⚠️ cut.mp4: "));
+    EXPECT_EQ(outputs(), std::set<std::string>{"cut_spatial.mov"});
+}
+
+TEST_F(EndToEnd, OutputIsNeverWrittenOverAnInput) {
+    drawClip(in("clip.mp4"));
+    std::filesystem::copy(in("clip.mp4"), in("clip_spatial.mov"));
+    const auto before = readFile(in("clip_spatial.mov"));
+    const ProgramResult result = batch({"--direction", "sbsToSpatial", "--output", folder / "in", folder / "in"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(
+        result.output,
+        HasSubstr("  clip.mp4: Converting clip.mp4 would overwrite clip_spatial.mov, which is also an input.\n"));
+    EXPECT_EQ(readFile(in("clip_spatial.mov")), before);
+    EXPECT_TRUE(std::filesystem::exists(in("clip_spatial_spatial.mov"))) << "the other file is converted";
+}
+
+TEST_F(EndToEnd, InputThatMayNotBeReadSaysSo) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "root may read everything";
+    writeFile(in("clip.mp4"), std::string("a secret"));
+    std::filesystem::permissions(in("clip.mp4"), std::filesystem::perms::none);
+    const ProgramResult result = toSpatial({in("clip.mp4")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, EndsWith("  clip.mp4: Cannot open clip.mp4: Permission denied\n"));
+}
+
+TEST_F(EndToEnd, InputFolderThatMayNotBeReadSaysSo) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "root may read everything";
+    std::filesystem::permissions(folder / "in", std::filesystem::perms::none);
+    const ProgramResult result = toSpatial({folder / "in"});
+    std::filesystem::permissions(folder / "in", std::filesystem::perms::all);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "The input folder cannot be read: Permission denied\n");
+}
+
+TEST_F(EndToEnd, OutputFolderThatTakesNothingSaysSo) {
+    drawClip(in("clip.mp4"));
+    // Not even root can make files there.
+    const ProgramResult result = batch({"--direction", "sbsToSpatial", "--output", "/proc", in("clip.mp4")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr("  clip.mp4: Cannot write clip_spatial.mov: "));
+}
+
+TEST_F(EndToEnd, FullDiskSaysSoAndTheBatchGoesOn) {
+    // A limit for the size of files stands for the disk.
+    drawClip(in("a.mp4"));
+    drawClip(in("b.mp4"));
+    const ProgramResult result = runProgram({"sh", "-c", "ulimit -f 16; exec \"$@\"", "sh", LUMETWIN_BATCH,
+                                             "--direction", "sbsToSpatial", "--output", folder / "out", folder / "in"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr("  a.mp4: Cannot write a_spatial.mov: File too large\n"
+                                         "  b.mp4: Cannot write b_spatial.mov: File too large\n"));
+    EXPECT_EQ(outputs(), (std::set<std::string>{"a_spatial.mov.partial", "b_spatial.mov.partial"}))
+        << "what was written so far, and nothing under a finished name";
+}
+
+} // namespace
+} // namespace lumetwin::test
