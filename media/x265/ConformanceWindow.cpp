@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/x265/ConformanceWindow.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace lumetwin::media::x265 {
@@ -58,8 +59,8 @@ public:
     /// Whether the next bits have the given value.
     bool expect(int count, std::uint32_t value) { return bits(count) == value; }
     bool expectNumber(std::uint32_t value) { return number() == value; }
-    void skip(int count) { position_ += static_cast<std::size_t>(count); }
-    void align() { position_ = (position_ + 7) / 8 * 8; }
+    void skip(int count) { moveTo(position_ + static_cast<std::size_t>(count)); }
+    void align() { moveTo((position_ + 7) / 8 * 8); }
     std::size_t position() const { return position_; }
     bool good() const { return !beyond_; }
 
@@ -70,6 +71,11 @@ private:
         const std::uint32_t value = bytes_[position_ / 8] >> (7 - position_ % 8) & 1u;
         ++position_;
         return value;
+    }
+
+    void moveTo(std::size_t position) {
+        beyond_ = beyond_ || position > bytes_.size() * 8;
+        position_ = std::min(position, bytes_.size() * 8);
     }
 
     const std::vector<std::uint8_t> &bytes_;

@@ -94,6 +94,9 @@ void setStructure(x265_param &parameters, double frameRate) {
     parameters.bEmitInfoSEI = 0;
     parameters.bOpenGOP = 0;
     parameters.keyframeMax = std::max(2, static_cast<int>(std::lround(keyFrameSeconds * frameRate)));
+    // Every scene cut becomes an IDR picture: beside an intra picture of another kind, x265 4.1 predicts the right view from
+    // the left alone but tells decoders otherwise, and they drift.
+    parameters.keyframeMin = 1;
     // With a single reference the right view would have none in time, only the left view.
     parameters.maxNumReferences = std::max(2, parameters.maxNumReferences);
     parameters.frameNumThreads = 2;
