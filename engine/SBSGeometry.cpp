@@ -75,7 +75,9 @@ SBSGeometry sbsGeometry(const ConversionSettings &settings, std::int64_t srcW, s
 }
 
 media::Placement SBSGeometry::leftHalf(const media::Picture &picture) const {
-    return placed(picture, eye, {0, 0, static_cast<double>(eyeW), static_cast<double>(outH)});
+    media::Placement left = placed(picture, eye, {0, 0, static_cast<double>(eyeW), static_cast<double>(outH)});
+    left.takesSharedSamples = true; // the right half is mixed with it
+    return left;
 }
 
 media::Placement SBSGeometry::rightHalf(const media::Picture &picture) const {

@@ -22,7 +22,8 @@ struct SBSGeometry {
     std::int64_t eyeW = 0; ///< one half: outW / 2, truncated
     media::Rect eye;       ///< the whole eye within its half, origin at the upper left
 
-    /// How a picture is placed that fills the left or right half.
+    /// How a picture is placed that fills the left or right half: the left one first, so that where the seam divides
+    /// a chroma sample each eye has half of it.
     media::Placement leftHalf(const media::Picture &picture) const;
     media::Placement rightHalf(const media::Picture &picture) const;
     /// Whether the two halves cover every pixel of the frame.

@@ -28,13 +28,14 @@ zimg_image_format formatOf(const Picture &picture) {
     zimg_image_format format;
     zimg_image_format_default(&format, ZIMG_API_VERSION);
     const bool rgb = picture.format.model == ColourModel::rgb;
+    const bool grey = picture.format.model == ColourModel::grey;
     format.width = static_cast<unsigned>(picture.width);
     format.height = static_cast<unsigned>(picture.height);
     format.pixel_type = picture.format.depth > 8 ? ZIMG_PIXEL_WORD : ZIMG_PIXEL_BYTE;
     format.depth = static_cast<unsigned>(picture.format.depth);
-    format.color_family = rgb ? ZIMG_COLOR_RGB : ZIMG_COLOR_YUV;
-    format.subsample_w = rgb ? 0 : static_cast<unsigned>(picture.format.chromaShiftX);
-    format.subsample_h = rgb ? 0 : static_cast<unsigned>(picture.format.chromaShiftY);
+    format.color_family = rgb ? ZIMG_COLOR_RGB : grey ? ZIMG_COLOR_GREY : ZIMG_COLOR_YUV;
+    format.subsample_w = rgb || grey ? 0 : static_cast<unsigned>(picture.format.chromaShiftX);
+    format.subsample_h = rgb || grey ? 0 : static_cast<unsigned>(picture.format.chromaShiftY);
     const int matrix = picture.colour.matrix == unspecified ? bt601 : picture.colour.matrix;
     format.matrix_coefficients = rgb ? ZIMG_MATRIX_RGB : static_cast<zimg_matrix_coefficients_e>(matrix);
     format.pixel_range = rgb || picture.colour.range != ColourRange::limited ? ZIMG_RANGE_FULL : ZIMG_RANGE_LIMITED;
@@ -61,7 +62,7 @@ bool aligned(const Picture &picture) {
 /// The same picture, a grey one as colour, in rows that are aligned. Subsampled planes of odd pictures get their edges
 /// repeated to whole groups, as the library wants even sizes.
 Picture prepared(Picture picture, PictureFormat format, int width, int height) {
-    if (picture.format.model == ColourModel::grey)
+    if (picture.format.model == ColourModel::grey && format.model != ColourModel::grey)
         picture.planes = {picture.planes[0], picture.planes[0], picture.planes[0]};
     picture.format = format;
     if (aligned(picture) && picture.width == width && picture.height == height)
@@ -71,7 +72,9 @@ Picture prepared(Picture picture, PictureFormat format, int width, int height) {
     return copy;
 }
 
-int evenSize(int size, int shift) { return (size + (1 << shift) - 1) >> shift << shift; }
+int evenSize(int size, int shift) {
+    return (size + (1 << shift) - 1) >> shift << shift;
+}
 
 } // namespace
 
@@ -82,7 +85,8 @@ Picture convertColour(const Picture &picture, PictureFormat format, const Colour
     if (from.model == ColourModel::grey && format.model != ColourModel::grey)
         from = {ColourModel::rgb, from.depth, 0, 0};
     const auto shift = [&](int PictureFormat::*axis) {
-        return std::max(from.model == ColourModel::yuv ? from.*axis : 0, format.model == ColourModel::yuv ? format.*axis : 0);
+        return std::max(from.model == ColourModel::yuv ? from.*axis : 0,
+                        format.model == ColourModel::yuv ? format.*axis : 0);
     };
     const int width = evenSize(picture.width, shift(&PictureFormat::chromaShiftX));
     const int height = evenSize(picture.height, shift(&PictureFormat::chromaShiftY));

@@ -20,14 +20,14 @@ public:
     void reserve(std::size_t bytes) {
         if (bytes <= size_)
             return;
-        memory_.reset(static_cast<std::uint8_t *>(::operator new(bytes, std::align_val_t{alignment})));
+        memory_.reset(static_cast<std::uint8_t *>(::operator new (bytes, std::align_val_t{alignment})));
         size_ = bytes;
     }
     std::uint8_t *data() const { return memory_.get(); }
 
 private:
     struct Free {
-        void operator()(std::uint8_t *memory) const { ::operator delete(memory, std::align_val_t{alignment}); }
+        void operator()(std::uint8_t *memory) const { ::operator delete (memory, std::align_val_t{alignment}); }
     };
     std::unique_ptr<std::uint8_t, Free> memory_;
     std::size_t size_ = 0;

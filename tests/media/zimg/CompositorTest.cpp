@@ -1,56 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/ColourConversion.h"
 #include "media/Placement.h"
+#include "tests/support/Drawing.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
 #include <stdexcept>
+#include <vector>
 
 namespace lumetwin::media {
 namespace {
 
-int sample(const Picture &picture, int plane, int x, int y) {
-    const std::uint8_t *row = picture.planes[plane].data + y * picture.planes[plane].stride;
-    return picture.format.depth > 8 ? reinterpret_cast<const std::uint16_t *>(row)[x] : row[x];
-}
-
-template <typename Value>
-Picture drawn(int width, int height, PictureFormat format, const Value &value) {
-    Picture picture = makePicture(width, height, format);
-    for (int plane = 0; plane < format.planeCount(); ++plane)
-        for (int y = 0; y < picture.planeHeight(plane); ++y)
-            for (int x = 0; x < picture.planeWidth(plane); ++x) {
-                std::uint8_t *row = picture.planes[plane].data + y * picture.planes[plane].stride;
-                if (format.depth > 8)
-                    reinterpret_cast<std::uint16_t *>(row)[x] = static_cast<std::uint16_t>(value(plane, x, y));
-                else
-                    row[x] = static_cast<std::uint8_t>(value(plane, x, y));
-            }
-    return picture;
-}
-
-Picture noise(int width, int height, PictureFormat format) {
-    std::mt19937 random(7);
-    return drawn(width, height, format, [&](int, int, int) { return 16 + static_cast<int>(random() % 220); });
-}
-
-Picture flat(int width, int height, PictureFormat format, int luma, int chroma = 128) {
-    return drawn(width, height, format, [&](int plane, int, int) { return plane == 0 ? luma : chroma; });
-}
-
-Picture black(int width, int height, PictureFormat format = yuv420) {
-    Picture canvas = makePicture(width, height, format);
-    Compositor::fillBlack(canvas);
-    return canvas;
-}
-
-Rect all(const Picture &picture) { return {0, 0, double(picture.width), double(picture.height)}; }
-
-constexpr PictureFormat yuv444{ColourModel::yuv, 8, 0, 0};
-constexpr PictureFormat yuv422{ColourModel::yuv, 8, 1, 0};
-constexpr PictureFormat yuv420ten{ColourModel::yuv, 10, 1, 1};
+using namespace test;
 
 TEST(Compositor, movesSamplesUntouchedAtEvenPositions) {
     const Picture eye = noise(64, 32, yuv420);
@@ -116,7 +77,7 @@ TEST(Compositor, mixesPartlyCoveredPixelsByTheirArea) {
     Picture canvas = black(100, 200);
     Compositor().place(eye, {all(eye), {0, 50.25, 100, 100}, {0, 0, 100, 200}}, canvas);
     EXPECT_EQ(sample(canvas, 0, 50, 49), 16);
-    EXPECT_EQ(sample(canvas, 0, 50, 50), 166);  // 75 % image
+    EXPECT_EQ(sample(canvas, 0, 50, 50), 166); // 75 % image
     EXPECT_EQ(sample(canvas, 0, 50, 51), 216);
     EXPECT_EQ(sample(canvas, 0, 50, 149), 216);
     EXPECT_EQ(sample(canvas, 0, 50, 150), 66); // 25 %
@@ -125,7 +86,8 @@ TEST(Compositor, mixesPartlyCoveredPixelsByTheirArea) {
 
 TEST(Compositor, keepsAFlatColourFlatAtEveryScale) {
     for (const PictureFormat format : {yuv420, yuv422, yuv444})
-        for (const auto &[width, height] : std::vector<std::pair<double, double>>{{33, 17}, {50.5, 99.25}, {300, 3}, {1, 1}}) {
+        for (const auto &[width, height] :
+             std::vector<std::pair<double, double>>{{33, 17}, {50.5, 99.25}, {300, 3}, {1, 1}}) {
             const Picture eye = flat(61, 47, format, 137, 77);
             const int across = static_cast<int>(std::ceil(width));
             const int down = static_cast<int>(std::ceil(height));
@@ -221,51 +183,6 @@ TEST(Compositor, refusesToMixColourModels) {
     const Picture rgb = flat(8, 8, {ColourModel::rgb, 8, 0, 0}, 1);
     Picture canvas = black(8, 8);
     EXPECT_THROW(Compositor().place(rgb, {all(rgb), all(rgb), all(rgb)}, canvas), std::logic_error);
-}
-
-TEST(ColourConversion, findsTheColourOfRgbAgain) {
-    const PictureFormat rgb{ColourModel::rgb, 8, 0, 0};
-    const Picture picture = drawn(33, 17, rgb, [](int plane, int, int) { return plane == 0 ? 200 : plane == 1 ? 100 : 50; });
-    const Picture yuv = convertColour(picture, yuv420, {1, 13, 6, ColourRange::full, ChromaLocation::centre});
-    EXPECT_EQ(yuv.width, 33);
-    EXPECT_NEAR(sample(yuv, 0, 10, 10), 0.299 * 200 + 0.587 * 100 + 0.114 * 50, 1);
-    const Picture back = convertColour(yuv, rgb, {1, 13, 0, ColourRange::full, ChromaLocation::centre});
-    EXPECT_NEAR(sample(back, 0, 32, 16), 200, 2);
-    EXPECT_NEAR(sample(back, 1, 32, 16), 100, 2);
-    EXPECT_NEAR(sample(back, 2, 32, 16), 50, 2);
-}
-
-TEST(ColourConversion, keepsTheWholePictureOfAnOddSize) {
-    const Picture picture = noise(35, 21, {ColourModel::rgb, 8, 0, 0});
-    const Picture same = convertColour(picture, {ColourModel::yuv, 8, 0, 0}, {1, 13, 6, ColourRange::full, ChromaLocation::centre});
-    const Picture back = convertColour(same, picture.format, {});
-    for (int y = 0; y < 21; ++y)
-        for (int x = 0; x < 35; ++x)
-            ASSERT_NEAR(sample(back, 1, x, y), sample(picture, 1, x, y), 2);
-}
-
-TEST(Picture, refusesSizesOutOfRange) {
-    EXPECT_THROW(makePicture(0, 10, yuv420), std::length_error);
-    EXPECT_THROW(makePicture(70000, 10, yuv420), std::length_error);
-    EXPECT_THROW(makePicture(60000, 60000, yuv444), std::length_error);
-}
-
-TEST(PicturePool, givesStorageOutAgain) {
-    PicturePool pool(64, 64, yuv420);
-    const std::uint8_t *first = pool.take().planes[0].data;
-    const Picture again = pool.take();
-    EXPECT_EQ(again.planes[0].data, first);
-    EXPECT_NE(pool.take().planes[0].data, first);
-}
-
-TEST(PicturePool, mayEndBeforeItsPictures) {
-    Picture picture;
-    {
-        PicturePool pool(64, 64, yuv420);
-        picture = pool.take();
-    }
-    picture.planes[0].data[0] = 7;
-    EXPECT_EQ(picture.planes[0].data[0], 7);
 }
 
 } // namespace
