@@ -36,9 +36,10 @@ struct CameraIntrinsics {
 struct HeifTransform {
     enum class Kind { rotate, mirror, crop };
     Kind kind = Kind::rotate;
-    int quarterTurns = 0;            ///< rotate: anticlockwise, 0 to 3
-    bool mirrorsVertically = false;  ///< mirror: top becomes bottom, else left becomes right
-    std::array<std::int64_t, 8> aperture{}; ///< crop: width, height, horizontal and vertical offset of the centres, each numerator and denominator
+    int quarterTurns = 0;                   ///< rotate: anticlockwise, 0 to 3
+    bool mirrorsVertically = false;         ///< mirror: top becomes bottom, else left becomes right
+    std::array<std::int64_t, 8> aperture{}; ///< crop: width, height, horizontal and vertical offset of the centres,
+                                            ///< each numerator and denominator
 };
 
 /// Where an item's bytes lie in the file, in order.
@@ -61,8 +62,8 @@ struct HeifColour {
 
 /// An image that a viewer would list: not hidden, no thumbnail, no auxiliary image, no part of a grid.
 struct HeifImage {
-    std::uint32_t item = 0;   ///< the item's id in the file, as decoders want it
-    std::uint32_t itemType = 0; ///< four-character code: `hvc1`, `grid`, …
+    std::uint32_t item = 0;       ///< the item's id in the file, as decoders want it
+    std::uint32_t itemType = 0;   ///< four-character code: `hvc1`, `grid`, …
     std::uint32_t codedWidth = 0; ///< of `ispe`: before all transformations; 0 where the file does not say
     std::uint32_t codedHeight = 0;
     std::uint32_t width = 0; ///< after `clap`, before rotation: the pixel size that the stereo values refer to
@@ -76,8 +77,8 @@ struct HeifImage {
     std::optional<CameraIntrinsics> intrinsics;
     std::optional<std::array<std::int32_t, 3>> position; ///< of the camera, micrometres: x to the right
     std::optional<std::int32_t> disparityAdjustment;     ///< ten-thousandths of the image width
-    std::optional<HeifPayload> exif; ///< begins with the 4-byte offset of the TIFF header behind it
-    std::optional<HeifPayload> xmp;  ///< an XMP packet
+    std::optional<HeifPayload> exif;                     ///< begins with the 4-byte offset of the TIFF header behind it
+    std::optional<HeifPayload> xmp;                      ///< an XMP packet
 
     /// In pixels of the image of the size `width` × `height`.
     std::optional<PixelIntrinsics> pixelIntrinsics() const;
@@ -95,8 +96,8 @@ struct HeifStereoGroup {
 
 /// What the `meta` box of a HEIF file says (ISO/IEC 23008-12).
 struct HeifFile {
-    std::vector<HeifImage> images; ///< in the order in which the file announces its items
-    std::optional<std::size_t> primary;  ///< index of the primary image, where it is one of them
+    std::vector<HeifImage> images;             ///< in the order in which the file announces its items
+    std::optional<std::size_t> primary;        ///< index of the primary image, where it is one of them
     std::vector<HeifStereoGroup> stereoGroups; ///< in the file's order
 
     /// The first stereo group that names two images of the file; without one the first; without any nullptr.
@@ -106,11 +107,12 @@ struct HeifFile {
     std::optional<std::int32_t> stereoDisparityAdjustment() const;
 };
 
-/// Reads headers only and decodes nothing. Throws MediaError when the file is no HEIF file, damaged, or beyond the limits.
+/// Reads headers only and decodes nothing. Throws MediaError when the file is no HEIF file, damaged, or beyond the
+/// limits.
 HeifFile readHeifFile(const std::filesystem::path &file);
 
-/// The bytes of one payload of the file that it was read from. Throws MediaError when they are more than the limit or not all
-/// there.
+/// The bytes of one payload of the file that it was read from. Throws MediaError when they are more than the limit or
+/// not all there.
 std::vector<std::uint8_t> readHeifPayload(const std::filesystem::path &file, const HeifPayload &payload,
                                           std::uint64_t limit = std::uint64_t{16} << 20);
 

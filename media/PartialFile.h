@@ -7,8 +7,8 @@
 
 namespace lumetwin::media {
 
-/// The names of an output: while it is written it is called "NAME.EXT.partial", and finish() gives it its own name in one
-/// rename, replacing what was there. So nobody meets a half file under a finished name. Creates and removes nothing
+/// The names of an output: while it is written it is called "NAME.EXT.partial", and finish() gives it its own name in
+/// one rename, replacing what was there. So nobody meets a half file under a finished name. Creates and removes nothing
 /// by itself: who writes opens path(), and a writer that fails leaves the partial file.
 class PartialFile {
 public:
@@ -30,7 +30,8 @@ private:
     std::filesystem::path path_;
 };
 
-/// Writes a partial file's bytes from its beginning. Errors are MediaErrors that name the output, with the system's words.
+/// Writes a partial file's bytes from its beginning. Errors are MediaErrors that name the output, with the system's
+/// words.
 class PartialFileWriter {
 public:
     /// Creates the file, or empties it.

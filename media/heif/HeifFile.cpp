@@ -13,8 +13,7 @@ namespace lumetwin::media {
 namespace {
 
 /// Does something with a file's bytes; what fails there becomes an error that names the file.
-template <typename Action>
-auto withBytesOf(const std::filesystem::path &file, Action action) {
+template <typename Action> auto withBytesOf(const std::filesystem::path &file, Action action) {
     try {
         const auto source = bmff::openFile(file);
         return action(*source);
@@ -25,7 +24,9 @@ auto withBytesOf(const std::filesystem::path &file, Action action) {
     }
 }
 
-double half(double number) { return number / 2; }
+double half(double number) {
+    return number / 2;
+}
 
 } // namespace
 
@@ -65,7 +66,8 @@ std::uint64_t HeifPayload::size() const {
 }
 
 const HeifStereoGroup *HeifFile::stereoGroup() const {
-    const auto pair = std::ranges::find_if(stereoGroups, [](const HeifStereoGroup &group) { return group.left.has_value(); });
+    const auto pair =
+        std::ranges::find_if(stereoGroups, [](const HeifStereoGroup &group) { return group.left.has_value(); });
     if (pair != stereoGroups.end())
         return &*pair;
     return stereoGroups.empty() ? nullptr : &stereoGroups.front();

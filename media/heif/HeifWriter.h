@@ -3,6 +3,7 @@
 
 #include "media/HeifFile.h"
 #include "media/PartialFile.h"
+#include "media/heif/BoxWriter.h"
 
 #include <array>
 #include <cstdint>
@@ -11,8 +12,6 @@
 #include <vector>
 
 namespace lumetwin::media::heif {
-
-using Bytes = std::vector<std::uint8_t>;
 
 /// Builds the payload of `hvcC` (ISO/IEC 14496-15, 8.3.3.1.2) for 4-byte lengths from NAL units: video, sequence and
 /// picture parameter set, without start codes. Throws std::invalid_argument when they are not what they should be.
@@ -27,10 +26,10 @@ struct Camera {
 
 /// One image, coded as one HEVC picture or as a grid of equally large ones.
 struct CodedImage {
-    std::uint32_t width = 0;  ///< as a viewer is to see it
+    std::uint32_t width = 0; ///< as a viewer is to see it
     std::uint32_t height = 0;
-    /// Size of each coded picture, as decoded. Alone it may exceed the image's size (then the rest is cut off at the right
-    /// and bottom); in a grid, columns × tileWidth reaches at least to the image's width, and so for the height.
+    /// Size of each coded picture, as decoded. Alone it may exceed the image's size (then the rest is cut off at the
+    /// right and bottom); in a grid, columns × tileWidth reaches at least to the image's width, and so for the height.
     std::uint32_t tileWidth = 0;
     std::uint32_t tileHeight = 0;
     std::uint32_t columns = 1; ///< at most 256
@@ -40,10 +39,10 @@ struct CodedImage {
     Bytes configuration; ///< `hvcC`, common to all tiles
     int bitDepth = 8;
     int channels = 3;
-    Bytes colourProfile; ///< ICC; may be empty
+    Bytes colourProfile;              ///< ICC; may be empty
     std::optional<HeifColour> colour; ///< written beside the profile or instead of it
-    Bytes exif;          ///< from the TIFF header on; may be empty
-    std::string xmp;     ///< a packet; may be empty
+    Bytes exif;                       ///< from the TIFF header on; may be empty
+    std::string xmp;                  ///< a packet; may be empty
     std::optional<Camera> camera;
 };
 

@@ -22,12 +22,15 @@ constexpr std::array imageTypes{fourCC("hvc1"), fourCC("hev1"), fourCC("lhv1"), 
 constexpr std::uint32_t toneMapped = fourCC("tmap");
 constexpr std::string_view xmpContentType = "application/rdf+xml";
 
-bool isImageType(std::uint32_t type) { return std::ranges::find(imageTypes, type) != imageTypes.end(); }
+bool isImageType(std::uint32_t type) {
+    return std::ranges::find(imageTypes, type) != imageTypes.end();
+}
 
 /// Finds circles and too deep descents among the images that images are made of.
 class Derivations {
 public:
-    explicit Derivations(const MetaBox &meta) : meta_(meta), parts_(meta.items.size()), heights_(meta.items.size(), -1) {
+    explicit Derivations(const MetaBox &meta)
+        : meta_(meta), parts_(meta.items.size()), heights_(meta.items.size(), -1) {
         for (const ItemReference &reference : meta.references) {
             const auto found = meta.itemIndexes.find(reference.from);
             if (reference.type == fourCC("dimg") && found != meta.itemIndexes.end())
@@ -124,8 +127,8 @@ private:
             if (isImageType(item.type))
                 add(index);
             else if (item.type == toneMapped)
-                if (const auto base = toneMapBase(index); base && meta_.items[*base].hidden && !excluded_[*base] &&
-                                                          isImageType(meta_.items[*base].type))
+                if (const auto base = toneMapBase(index);
+                    base && meta_.items[*base].hidden && !excluded_[*base] && isImageType(meta_.items[*base].type))
                     add(*base);
         }
         for (std::size_t index = 0; index < meta_.items.size(); ++index)
@@ -144,8 +147,7 @@ private:
         file_.images.push_back(std::move(image));
     }
 
-    template <typename Kind>
-    const Kind *property(const Item &item) const {
+    template <typename Kind> const Kind *property(const Item &item) const {
         for (const std::uint16_t index : item.properties)
             if (index > 0 && index <= meta_.properties.size())
                 if (const Kind *found = std::get_if<Kind>(&meta_.properties[index - 1u]))
@@ -153,8 +155,7 @@ private:
         return nullptr;
     }
 
-    template <typename Kind>
-    std::optional<Kind> copyOf(const Item &item) const {
+    template <typename Kind> std::optional<Kind> copyOf(const Item &item) const {
         const Kind *found = property<Kind>(item);
         return found ? std::optional(*found) : std::nullopt;
     }
@@ -271,8 +272,12 @@ private:
 
 } // namespace
 
-HeifFile interpret(const MetaBox &meta) { return Interpreter(meta).interpret(); }
+HeifFile interpret(const MetaBox &meta) {
+    return Interpreter(meta).interpret();
+}
 
-HeifFile readHeif(const bmff::Source &source) { return interpret(readMetaBox(source)); }
+HeifFile readHeif(const bmff::Source &source) {
+    return interpret(readMetaBox(source));
+}
 
 } // namespace lumetwin::media::heif

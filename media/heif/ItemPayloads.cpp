@@ -13,8 +13,7 @@ using Extent = HeifPayload::Extent;
 constexpr int deepestNesting = 4;
 
 /// `length` bytes from `offset` on, of what the extents hold; length 0 stands for all that follow.
-bool appendSlice(const std::vector<Extent> &from, std::uint64_t offset, std::uint64_t length,
-                 std::vector<Extent> &to) {
+bool appendSlice(const std::vector<Extent> &from, std::uint64_t offset, std::uint64_t length, std::vector<Extent> &to) {
     const bool toTheEnd = length == 0;
     for (const Extent &extent : from) {
         if (offset >= extent.size) {

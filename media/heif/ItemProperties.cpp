@@ -113,7 +113,9 @@ Property uuidProperty(const bmff::Box &box, Fields fields) {
     return DisparityAdjustment{fields.i32()};
 }
 
-bool isOurs(const Uuid &uuid) { return uuid == intrinsicsUuid || uuid == extrinsicsUuid || uuid == disparityUuid; }
+bool isOurs(const Uuid &uuid) {
+    return uuid == intrinsicsUuid || uuid == extrinsicsUuid || uuid == disparityUuid;
+}
 
 } // namespace
 

@@ -304,6 +304,8 @@ const Item *MetaBox::item(std::uint32_t id) const {
     return found == itemIndexes.end() ? nullptr : &items[found->second];
 }
 
-MetaBox readMetaBox(const bmff::Source &source) { return Reader(source).read(); }
+MetaBox readMetaBox(const bmff::Source &source) {
+    return Reader(source).read();
+}
 
 } // namespace lumetwin::media::heif

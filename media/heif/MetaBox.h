@@ -28,8 +28,8 @@ struct Item {
     std::uint32_t id = 0;
     std::uint32_t type = 0;
     bool hidden = false;
-    std::string contentType; ///< of type `mime`
-    bool encoded = false;    ///< of type `mime`: the bytes are compressed
+    std::string contentType;               ///< of type `mime`
+    bool encoded = false;                  ///< of type `mime`: the bytes are compressed
     std::vector<std::uint16_t> properties; ///< indexes into MetaBox::properties, from 1, in order; 0 is none
     ItemLocation location;
 };
@@ -49,7 +49,7 @@ struct EntityGroup {
 
 /// A file's `meta` box, box by box, nothing of it interpreted.
 struct MetaBox {
-    std::vector<Item> items; ///< in the order of `iinf`
+    std::vector<Item> items;                                    ///< in the order of `iinf`
     std::unordered_map<std::uint32_t, std::size_t> itemIndexes; ///< by id
     std::optional<std::uint32_t> primaryItem;
     std::vector<ItemReference> references;

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/heif/HeifWriter.h"
+
+#include <functional>
+#include <span>
+#include <string_view>
+
+namespace lumetwin::media::heif {
+
+/// Collects a file's items and their properties, and serialises what stands before the media data. The images that are
+/// added have to outlive the layout: their bytes are not copied.
+class FileLayout {
+public:
+    /// Adds an image with its tiles; returns its item's number. Throws std::invalid_argument when the image contradicts
+    /// itself.
+    std::uint32_t addImage(const CodedImage &image);
+    /// Says that two images are a left and a right eye, and how far to move them.
+    void addStereoGroup(std::uint32_t left, std::uint32_t right, std::int64_t disparityAdjustment);
+    /// Add what describes an image, where it has that.
+    void addExif(const CodedImage &image, std::uint32_t item);
+    void addXmp(const CodedImage &image, std::uint32_t item);
+
+    /// `ftyp`, `meta` and the header of `mdat`. The first image is the primary one. Throws std::invalid_argument for
+    /// files beyond 4 GiB.
+    Bytes header() const;
+    /// Hands over the media data, part by part, in order.
+    void data(const std::function<void(std::span<const std::uint8_t>)> &take) const;
+
+private:
+    /// A part of an item's payload: bytes of its own, then bytes of an image.
+    struct Piece {
+        Bytes head;
+        std::span<const std::uint8_t> body;
+    };
+    struct Item {
+        std::uint32_t id = 0;
+        std::string_view type;
+        bool hidden = false;
+        bool isMetadata = false;
+        std::string_view contentType; ///< of `mime`
+        std::vector<Piece> pieces;
+        bool inMeta = false;                  ///< the payload stands in `idat`, not in the media data
+        std::vector<std::uint8_t> properties; ///< indexes from 1, the highest bit set for essential ones
+
+        std::uint64_t size() const;
+    };
+    struct Reference {
+        std::string_view type;
+        std::uint32_t from = 0;
+        std::vector<std::uint32_t> to;
+    };
+
+    Item &addItem(std::string_view type);
+    std::vector<std::uint32_t> addTiles(const CodedImage &image, const std::vector<std::uint8_t> &properties);
+    void addMetadataItem(std::string_view type, std::uint32_t image, Piece piece);
+    std::uint8_t addProperty(Bytes box);
+    std::vector<std::uint8_t> addCoding(const CodedImage &image);
+    void addCamera(std::vector<std::uint8_t> &properties, const CodedImage &image);
+    std::vector<const Item *> inDataOrder() const;
+
+    Bytes meta(std::uint64_t dataBegin) const;
+    Bytes itemList() const;
+    Bytes itemReferences() const;
+    Bytes itemProperties() const;
+    Bytes itemData() const;
+    Bytes itemLocations(std::uint64_t dataBegin) const;
+
+    std::uint32_t nextId_ = 1;
+    std::vector<Item> items_;
+    std::vector<Reference> references_;
+    std::vector<Bytes> properties_;
+    Bytes intrinsics_; ///< the `cmin` written last, which a second eye may share
+    std::uint8_t intrinsicsIndex_ = 0;
+    std::uint32_t primary_ = 0;
+    Bytes groups_;
+};
+
+} // namespace lumetwin::media::heif

@@ -1,0 +1,393 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/heif/HeifWriter.h"
+#include "media/MediaError.h"
+#include "tests/media/heif/CodedPictures.h"
+#include "tests/media/heif/HeifBuilder.h"
+#include "tests/support/TestMedia.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+namespace lumetwin::media::heif {
+namespace {
+
+using test::Bytes;
+using testing::HasSubstr;
+
+int leftDrawing(int x, int y) {
+    return 40 + (x + y) % 64;
+}
+int rightDrawing(int x, int y) {
+    return 150 + (x * 2 + y) % 64;
+}
+
+/// Does not decode, but has everything that the boxes are made of.
+CodedImage plainImage(std::uint32_t width, std::uint32_t height) {
+    CodedImage image;
+    image.width = image.tileWidth = width;
+    image.height = image.tileHeight = height;
+    image.tiles = {{Bytes(20, 0x26)}};
+    image.configuration = Bytes(23, 1);
+    image.camera = Camera{width / 2.0, {2.0 * width, 2.0 * height}, {}};
+    return image;
+}
+
+/// A block with one entry: the camera's maker.
+Bytes exifOf(const std::string &maker) {
+    Bytes bytes = test::joined({test::letters("MM"), test::u16(42), test::u32(8), test::u16(1), test::u16(0x010f),
+                                test::u16(2), test::u32(static_cast<std::uint32_t>(maker.size() + 1)), test::u32(26),
+                                test::u32(0), test::letters(maker), test::u8(0)});
+    return bytes;
+}
+
+std::string packetOf(const std::string &format) {
+    return "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+           "<rdf:Description xmlns:dc='http://purl.org/dc/elements/1.1/' dc:format='" +
+           format + "'/></rdf:RDF></x:xmpmeta>";
+}
+
+HeifFile writtenPair(const std::filesystem::path &file, const CodedImage &left, const CodedImage &right,
+                     std::int64_t disparity = 250) {
+    const PartialFile partial(file);
+    std::filesystem::remove(file);
+    writeStereoHeif(partial, left, right, disparity);
+    EXPECT_FALSE(std::filesystem::exists(file));
+    partial.finish();
+    EXPECT_FALSE(std::filesystem::exists(partial.path()));
+    return readHeifFile(file);
+}
+
+struct Pair {
+    CodedImage left;
+    CodedImage right;
+};
+
+Pair codedPair(int width, int height, int tileWidth, int tileHeight) {
+    Pair pair{test::codedImage(width, height, tileWidth, tileHeight, leftDrawing),
+              test::codedImage(width, height, tileWidth, tileHeight, rightDrawing)};
+    for (CodedImage *eye : {&pair.left, &pair.right})
+        eye->camera = Camera{width / 2.0, {2.0 * width, 2.0 * height}, {}};
+    pair.right.camera->position[0] = 0.064;
+    return pair;
+}
+
+/// The mean error of each image of a file against what was drawn, decoded by another program.
+std::vector<double> decodedErrors(const std::filesystem::path &file, const CodedImage &image,
+                                  const std::vector<test::Drawing> &drawings) {
+    const test::TemporaryFolder folder;
+    const auto result =
+        test::runProgram({test::stackProgram("heif-dec"), file.string(), (folder / "out.y4m").string()});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    std::vector<double> errors;
+    for (std::size_t index = 0; index < drawings.size(); ++index) {
+        const std::string name = drawings.size() == 1 ? "out.y4m" : "out-" + std::to_string(index + 1) + ".y4m";
+        const Bytes bytes = test::readFile(folder / name);
+        const std::string head(bytes.begin(), std::ranges::find(bytes, '\n'));
+        EXPECT_THAT(head, HasSubstr("W" + std::to_string(image.width) + " H" + std::to_string(image.height)));
+        const std::size_t begin = head.size() + 1 + 6; // "FRAME\n"
+        double sum = 0;
+        for (std::uint32_t y = 0; y < image.height; ++y)
+            for (std::uint32_t x = 0; x < image.width; ++x)
+                sum += std::abs(bytes.at(begin + std::size_t{y} * image.width + x) -
+                                drawings[index](static_cast<int>(x), static_cast<int>(y)));
+        errors.push_back(sum / image.width / image.height);
+    }
+    return errors;
+}
+
+std::string description(const std::filesystem::path &file, const std::string &option = "-d") {
+    const auto result = test::runProgram({test::stackProgram("heif-info"), option, file.string()});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    return result.output;
+}
+
+TEST(HeifWriter, writesAPairThatOurReaderAndOthersRead) {
+    const test::TemporaryFolder folder;
+    Pair pair = codedPair(128, 96, 128, 96);
+    const HeifFile file = writtenPair(folder / "pair.heic", pair.left, pair.right);
+    ASSERT_EQ(file.images.size(), 2u);
+    EXPECT_EQ(file.primary, 0u);
+    EXPECT_EQ(file.stereoGroup()->left, 0u);
+    EXPECT_EQ(file.stereoGroup()->right, 1u);
+    EXPECT_EQ(file.stereoDisparityAdjustment(), 250);
+    EXPECT_EQ(file.images[1].disparityAdjustment, 250);
+    EXPECT_EQ(file.images[0].position, (std::array<std::int32_t, 3>{0, 0, 0}));
+    EXPECT_EQ(file.images[1].position, (std::array<std::int32_t, 3>{64000, 0, 0}));
+    for (const HeifImage &image : file.images) {
+        const PixelIntrinsics pixels = image.pixelIntrinsics().value();
+        EXPECT_EQ(pixels.focalLengthX, 64);
+        EXPECT_EQ(pixels.focalLengthY, 64);
+        EXPECT_EQ(pixels.principalPointX, 256);
+        EXPECT_EQ(pixels.principalPointY, 192);
+        EXPECT_EQ(image.shownWidth, 128u);
+        EXPECT_EQ(image.shownHeight, 96u);
+        EXPECT_EQ(image.colour->transfer, 13);
+        EXPECT_THAT(image.bitDepths, testing::ElementsAre(8, 8, 8));
+    }
+    const auto errors = decodedErrors(folder / "pair.heic", pair.left, {leftDrawing, rightDrawing});
+    EXPECT_LT(errors[0], 2);
+    EXPECT_LT(errors[1], 2);
+    const std::string boxes = description(folder / "pair.heic");
+    EXPECT_THAT(boxes, HasSubstr("Box: ster"));
+    EXPECT_THAT(boxes, HasSubstr("principal-point: 2, 2"));
+    EXPECT_THAT(boxes, HasSubstr("data: 0000: 00 00 00 fa"));
+    EXPECT_THAT(boxes, HasSubstr("left image ID: 1"));
+    EXPECT_THAT(boxes, HasSubstr("right image ID: 2"));
+    EXPECT_THAT(boxes, HasSubstr("camera position (um): 64000 ; 0 ; 0"));
+}
+
+TEST(HeifWriter, writesGridsOfHiddenTiles) {
+    const test::TemporaryFolder folder;
+    const Pair pair = codedPair(201, 155, 128, 96); // an odd size, whose tiles overhang
+    const HeifFile file = writtenPair(folder / "grid.heic", pair.left, pair.right);
+    ASSERT_EQ(file.images.size(), 2u);
+    EXPECT_EQ(file.images[0].item, 5u);
+    EXPECT_EQ(file.images[1].item, 10u);
+    EXPECT_EQ(file.images[0].shownWidth, 201u);
+    EXPECT_EQ(file.images[0].shownHeight, 155u);
+    EXPECT_NEAR(file.images[0].pixelIntrinsics()->principalPointX, 402, 1e-6);
+    const auto errors = decodedErrors(folder / "grid.heic", pair.left, {leftDrawing, rightDrawing});
+    EXPECT_LT(errors[0], 2);
+    EXPECT_LT(errors[1], 2);
+}
+
+TEST(HeifWriter, cutsWhatACodedPictureHasTooMuch) {
+    const test::TemporaryFolder folder;
+    const Pair pair = codedPair(127, 95, 128, 96);
+    const HeifFile file = writtenPair(folder / "odd.heic", pair.left, pair.right);
+    EXPECT_EQ(file.images[1].codedWidth, 128u);
+    EXPECT_EQ(file.images[1].width, 127u);
+    EXPECT_EQ(file.images[1].shownHeight, 95u);
+    const PixelIntrinsics pixels = file.images[1].pixelIntrinsics().value();
+    EXPECT_NEAR(pixels.focalLengthX, 63.5, 1e-6);
+    EXPECT_NEAR(pixels.principalPointX, 254, 1e-6);
+    EXPECT_NEAR(pixels.principalPointY, 190, 1e-6);
+    const auto errors = decodedErrors(folder / "odd.heic", pair.left, {leftDrawing, rightDrawing});
+    EXPECT_LT(errors[0], 2);
+    EXPECT_LT(errors[1], 2);
+}
+
+TEST(HeifWriter, writesOrdinaryPhotosToo) {
+    const test::TemporaryFolder folder;
+    for (const int tile : {160, 96}) {
+        CodedImage image = test::codedImage(160, 128, tile, tile == 160 ? 128 : 96, leftDrawing);
+        image.exif = exifOf("Single");
+        const PartialFile partial(folder / "one.heic");
+        writeHeif(partial, image);
+        partial.finish();
+        const HeifFile file = readHeifFile(folder / "one.heic");
+        EXPECT_EQ(file.images.size(), 1u);
+        EXPECT_EQ(file.primary, 0u);
+        EXPECT_EQ(file.stereoGroup(), nullptr);
+        EXPECT_FALSE(file.images[0].intrinsics);
+        EXPECT_FALSE(file.images[0].disparityAdjustment);
+        EXPECT_LT(decodedErrors(folder / "one.heic", image, {leftDrawing})[0], 2);
+    }
+}
+
+TEST(HeifWriter, describesEachEyeByItsOwnExifAndXmp) {
+    const test::TemporaryFolder folder;
+    Pair pair = codedPair(128, 96, 128, 96);
+    pair.left.exif = exifOf("Left Maker");
+    pair.right.exif = exifOf("Right Maker");
+    pair.left.xmp = packetOf("left packet");
+    pair.right.xmp = packetOf("right packet");
+    const HeifFile file = writtenPair(folder / "a.heic", pair.left, pair.right);
+    const Bytes head = test::joined({test::u32(6), test::letters("Exif"), test::u16(0)});
+    EXPECT_EQ(readHeifPayload(folder / "a.heic", *file.images[0].exif), test::joined({head, pair.left.exif}));
+    EXPECT_EQ(readHeifPayload(folder / "a.heic", *file.images[1].exif), test::joined({head, pair.right.exif}));
+    EXPECT_EQ(readHeifPayload(folder / "a.heic", *file.images[1].xmp), test::letters(pair.right.xmp));
+    const auto judge = test::runProgram(
+        {"exiftool", "-a", "-G1", "-Make", "-XMP-dc:Format", "-ImageSize", "-warning", (folder / "a.heic").string()});
+    if (judge.status == 127)
+        GTEST_SKIP() << "no exiftool";
+    EXPECT_THAT(judge.output, HasSubstr("Left Maker"));
+    EXPECT_THAT(judge.output, HasSubstr("left packet"));
+    EXPECT_THAT(judge.output, HasSubstr("right packet"));
+    EXPECT_THAT(judge.output, HasSubstr("128x96"));
+    EXPECT_THAT(judge.output, testing::Not(HasSubstr("Warning")));
+}
+
+TEST(HeifWriter, writesTheDisparityAdjustmentAlsoWhenItIsNone) {
+    const test::TemporaryFolder folder;
+    const CodedImage eye = plainImage(64, 64);
+    for (const std::int64_t value : {std::int64_t{0}, std::int64_t{-10000}}) {
+        const HeifFile file = writtenPair(folder / "a.heic", eye, eye, value);
+        EXPECT_EQ(file.images[0].disparityAdjustment, value);
+        EXPECT_EQ(file.images[1].disparityAdjustment, value);
+    }
+    const HeifFile file = writtenPair(folder / "a.heic", eye, eye, 1'000'000'000'000);
+    EXPECT_EQ(file.stereoDisparityAdjustment(), std::numeric_limits<std::int32_t>::max());
+}
+
+TEST(HeifWriter, saturatesAnInfiniteFocalLengthAndLeavesOutNoNumber) {
+    const test::TemporaryFolder folder;
+    CodedImage eye = plainImage(64, 64);
+    eye.camera->focalLength = std::numeric_limits<double>::infinity();
+    const HeifFile infinite = writtenPair(folder / "a.heic", eye, eye);
+    EXPECT_EQ(infinite.images[0].intrinsics->focalLengthX, 2147483647.0);
+    EXPECT_EQ(infinite.images[0].intrinsics->principalPointX, 2.0);
+    eye.camera->focalLength = std::nan("");
+    const HeifFile none = writtenPair(folder / "a.heic", eye, eye);
+    EXPECT_FALSE(none.images[0].intrinsics);
+    EXPECT_TRUE(none.images[0].position);
+}
+
+TEST(HeifWriter, keepsTwoDifferentCamerasApart) {
+    const test::TemporaryFolder folder;
+    const CodedImage left = plainImage(64, 64);
+    CodedImage right = left;
+    right.camera->focalLength = 100;
+    const HeifFile file = writtenPair(folder / "a.heic", left, right);
+    EXPECT_EQ(file.images[0].pixelIntrinsics()->focalLengthX, 32);
+    EXPECT_NEAR(file.images[1].pixelIntrinsics()->focalLengthX, 100, 1e-6);
+}
+
+TEST(HeifWriter, embedsAProfileBesideTheColourTags) {
+    const test::TemporaryFolder folder;
+    CodedImage eye = plainImage(64, 64);
+    eye.colourProfile = test::letters("a profile");
+    eye.colour = HeifColour{9, 16, 9, false};
+    const HeifFile file = writtenPair(folder / "a.heic", eye, eye);
+    for (const HeifImage &image : file.images) {
+        EXPECT_EQ(readHeifPayload(folder / "a.heic", image.colourProfile.value()), test::letters("a profile"));
+        EXPECT_EQ(image.colour->primaries, 9);
+        EXPECT_EQ(image.colour->transfer, 16);
+        EXPECT_FALSE(image.colour->fullRange);
+    }
+}
+
+TEST(HeifWriter, refusesImagesThatContradictThemselves) {
+    const test::TemporaryFolder folder;
+    const PartialFile partial(folder / "a.heic");
+    const auto refused = [&](auto change) {
+        CodedImage image = plainImage(64, 64);
+        change(image);
+        EXPECT_THROW(writeHeif(partial, image), std::invalid_argument);
+        EXPECT_FALSE(std::filesystem::exists(partial.path()));
+    };
+    refused([](CodedImage &image) { image.columns = 2; });
+    refused([](CodedImage &image) { image.columns = 0; });
+    refused([](CodedImage &image) { image.tiles.clear(); });
+    refused([](CodedImage &image) { image.width = 65; });
+    refused([](CodedImage &image) { image.width = 0; });
+    refused([](CodedImage &image) { image.tileHeight = 0; });
+    refused([](CodedImage &image) { image.configuration.clear(); });
+    refused([](CodedImage &image) { // the second column would lie outside
+        image.columns = 2;
+        image.tiles.resize(2);
+    });
+    CodedImage blind = plainImage(64, 64);
+    blind.camera.reset();
+    EXPECT_THROW(writeStereoHeif(partial, plainImage(64, 64), blind, 0), std::invalid_argument);
+}
+
+std::string failureOf(const PartialFile &partial) {
+    try {
+        writeHeif(partial, plainImage(64, 64));
+        partial.finish();
+    } catch (const MediaError &error) {
+        EXPECT_EQ(error.file(), partial.output());
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST(HeifWriter, namesTheOutputWhenTheSystemRefuses) {
+    const test::TemporaryFolder folder;
+    EXPECT_EQ(failureOf(PartialFile(folder / "absent" / "a.heic")), "Cannot create a.heic: No such file or directory");
+    std::filesystem::create_directory(folder / "b.heic.partial");
+    EXPECT_EQ(failureOf(PartialFile(folder / "b.heic")), "Cannot create b.heic: Is a directory");
+    std::filesystem::create_symlink("/dev/full", folder / "c.heic.partial");
+    EXPECT_EQ(failureOf(PartialFile(folder / "c.heic")), "Cannot write c.heic: No space left on device");
+    std::filesystem::create_directory(folder / "d.heic");
+    EXPECT_EQ(failureOf(PartialFile(folder / "d.heic")), "Cannot rename the partial file to d.heic: Is a directory");
+    EXPECT_TRUE(std::filesystem::exists(folder / "d.heic.partial")); // a failing writer leaves it
+}
+
+TEST(PartialFile, replacesWhatWasThereOnlyWhenFinished) {
+    const test::TemporaryFolder folder;
+    test::writeFile(folder / "a.heic", std::string("before"));
+    const PartialFile partial(folder / "a.heic");
+    EXPECT_EQ(partial.path(), folder / "a.heic.partial");
+    writeHeif(partial, plainImage(64, 64));
+    EXPECT_EQ(test::readFile(folder / "a.heic"), test::letters("before"));
+    partial.discard();
+    EXPECT_FALSE(std::filesystem::exists(partial.path()));
+    partial.discard(); // nothing there: nothing happens
+    writeHeif(partial, plainImage(64, 64));
+    partial.finish();
+    EXPECT_GT(std::filesystem::file_size(folder / "a.heic"), 300u);
+}
+
+/// The first bytes of a file up to the media data, with the places in the file taken out.
+Bytes descriptionIn(const Bytes &file) {
+    const std::string_view mark = "mdat";
+    return {file.begin(), std::search(file.begin(), file.end(), mark.begin(), mark.end()) - 4};
+}
+
+/// The platform's own photo, taken apart and written again: everything before the media data is the same byte for byte.
+TEST(HeifWriter, writesAHeadsetsPhotoAsTheHeadsetDid) {
+    const auto samples = test::sampleMedia();
+    if (!samples)
+        GTEST_SKIP() << "no sample media";
+    const Bytes original = test::readFile(*samples / "spatial-photo" / "spatial_photo.heic");
+    const auto read32 = [&](std::size_t at) {
+        return std::uint32_t{original[at]} << 24 | original[at + 1] << 16 | original[at + 2] << 8 | original[at + 3];
+    };
+    const auto boxNamed = [&](std::string_view name) {
+        return static_cast<std::size_t>(std::search(original.begin(), original.end(), name.begin(), name.end()) -
+                                        original.begin()) -
+               4;
+    };
+    const auto contents = [&](std::string_view name) {
+        const std::size_t at = boxNamed(name);
+        return Bytes(original.begin() + static_cast<std::ptrdiff_t>(at) + 8,
+                     original.begin() + static_cast<std::ptrdiff_t>(at + read32(at)));
+    };
+    const auto itemBytes = [&](std::uint32_t item) { // entries of 16 bytes, by the item's place
+        std::size_t at = boxNamed("iloc") + 16;
+        while ((original[at] << 8 | original[at + 1]) != static_cast<int>(item))
+            at += 16;
+        const auto begin = original.begin() + read32(at + 8);
+        return Bytes(begin, begin + read32(at + 12));
+    };
+    CodedImage eyes[2];
+    for (std::uint32_t index = 0; index < 2; ++index) {
+        CodedImage &eye = eyes[index];
+        eye.width = eye.height = 2560;
+        eye.tileWidth = eye.tileHeight = 512;
+        eye.columns = eye.rows = 5;
+        eye.configuration = contents("hvcC");
+        const Bytes colour = contents("colr");
+        eye.colourProfile.assign(colour.begin() + 4, colour.end());
+        for (std::uint32_t tile = 1; tile <= 25; ++tile) {
+            const Bytes coded = itemBytes(tile + index * 26);
+            eye.tiles.push_back({Bytes(coded.begin() + 4, coded.end())});
+        }
+        const Bytes exif = itemBytes(54 + index);
+        eye.exif.assign(exif.begin() + 10, exif.end());
+        const Bytes xmp = itemBytes(56 + index);
+        eye.xmp.assign(xmp.begin(), xmp.end());
+        eye.camera = Camera{2560 * std::ldexp(0x2622D86E, -30), {1280, 1280}, {index * 0.063807, 0, 0}};
+    }
+    const test::TemporaryFolder folder;
+    writtenPair(folder / "again.heic", eyes[0], eyes[1], 293);
+    const Bytes again = test::readFile(folder / "again.heic");
+    const std::size_t places = boxNamed("iloc");
+    const Bytes before = descriptionIn(original);
+    const Bytes after = descriptionIn(again);
+    ASSERT_EQ(after.size(), before.size());
+    EXPECT_EQ(Bytes(after.begin(), after.begin() + static_cast<std::ptrdiff_t>(places)),
+              Bytes(before.begin(), before.begin() + static_cast<std::ptrdiff_t>(places)));
+    const HeifFile file = readHeifFile(folder / "again.heic");
+    EXPECT_EQ(file.stereoGroup()->id, 53u);
+}
+
+} // namespace
+} // namespace lumetwin::media::heif
