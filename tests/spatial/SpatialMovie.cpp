@@ -208,12 +208,14 @@ void checkUnits(const MovieSample &sample) {
         EXPECT_GE(unit.layer, layer) << "layer 0 comes first";
         layer = std::max(layer, unit.layer);
         EXPECT_FALSE(unit.type >= 32 && unit.type <= 35) << "no parameter sets or delimiters in samples";
-        if (unit.type == 39 || unit.type == 40)
+        if (unit.type == 39 || unit.type == 40) {
             EXPECT_FALSE(informationType(unit) >= 176 && informationType(unit) <= 180) << informationType(unit);
+        }
         if (unit.isPicture()) {
             ++pictures.at(static_cast<std::size_t>(unit.layer));
-            if (unit.layer == 0)
+            if (unit.layer == 0) {
                 EXPECT_EQ(unit.isRandomAccess(), sample.sync);
+            }
         }
     }
     EXPECT_GE(pictures[0], 1) << "a picture of layer 0";
@@ -228,8 +230,9 @@ void checkAccessUnits(const std::vector<MovieSample> &samples) {
     for (std::size_t index = 0; index < samples.size(); ++index) {
         SCOPED_TRACE("sample " + std::to_string(index));
         checkUnits(samples[index]);
-        if (index > 0)
+        if (index > 0) {
             EXPECT_GT(samples[index].decodingTime, samples[index - 1].decodingTime);
+        }
     }
 }
 
