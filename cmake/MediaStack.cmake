@@ -51,6 +51,13 @@ pkg_check_modules(JPEG REQUIRED IMPORTED_TARGET GLOBAL libjpeg)
 pkg_check_modules(PNG REQUIRED IMPORTED_TARGET GLOBAL libpng)
 pkg_check_modules(TIFF REQUIRED IMPORTED_TARGET GLOBAL libtiff-4)
 
+if(NOT LUMETWIN_SYSTEM_MEDIA)
+  # What the static libheif decodes and unpacks with; its own description leaves it out.
+  pkg_check_modules(BROTLI REQUIRED IMPORTED_TARGET GLOBAL libbrotlidec libbrotlienc)
+  find_package(ZLIB REQUIRED)
+  target_link_libraries(PkgConfig::HEIF INTERFACE PkgConfig::FFMPEG PkgConfig::BROTLI ZLIB::ZLIB)
+endif()
+
 add_library(lumetwin::ffmpeg ALIAS PkgConfig::FFMPEG)
 add_library(lumetwin::x265 ALIAS PkgConfig::X265)
 add_library(lumetwin::heif ALIAS PkgConfig::HEIF)

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/ImageFile.h"
+#include "media/PartialFile.h"
+
+#include <cstdio>
+#include <memory>
+
+/// One reader and one writer for each file format; media/ImageFile.h says what they promise. Writers write to the
+/// path they are given, metadata as it is handed to them.
+namespace lumetwin::media::images {
+
+struct CloseFile {
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+using StandardFile = std::unique_ptr<std::FILE, CloseFile>;
+
+/// Throws MediaError with the system's reason.
+StandardFile openForReading(const std::filesystem::path &file);
+StandardFile openForWriting(const std::filesystem::path &file);
+/// Closes a file that was written to; throws MediaError when something of it could not be written.
+void closeWritten(StandardFile stream, const std::filesystem::path &file);
+
+StillImage readJpeg(const std::filesystem::path &file);
+StillImage readPng(const std::filesystem::path &file);
+StillImage readTiff(const std::filesystem::path &file);
+StillImage readHeif(const std::filesystem::path &file);
+int tiffPageCount(const std::filesystem::path &file);
+
+void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality);
+void writePng(const std::filesystem::path &file, const StillImage &image);
+void writeTiff(const std::filesystem::path &file, const StillImage &image);
+/// The samples are released as they are coded.
+void writeHeif(const PartialFile &file, StillImage image, double quality);
+
+/// The picture in a form that files of the kind hold: itself, or converted.
+Picture fitted(Picture picture, ImageKind kind);
+
+/// The quantiser of HEVC, 6 to 51 where lower is finer, for a quality of 0.0 to 1.0.
+int heifQuantiser(double quality);
+/// The quality of the JPEG library, 1 to 100, for a quality of 0.0 to 1.0.
+int jpegQuality(double quality);
+
+} // namespace lumetwin::media::images

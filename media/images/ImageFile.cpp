@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ImageFile.h"
+
+#include "media/ColourConversion.h"
+#include "media/HeifFile.h"
+#include "media/MediaError.h"
+#include "media/PartialFile.h"
+#include "media/images/ColourProfile.h"
+#include "media/images/ExifBlock.h"
+#include "media/images/Formats.h"
+#include "media/images/HeifOutput.h"
+#include "media/images/Xmp.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <string_view>
+
+namespace lumetwin::media {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+/// Brands of still images in HEVC, and the general one that they come with (ISO/IEC 23008-12, annex B).
+constexpr std::array heifBrands{"heic"sv, "heix"sv, "heim"sv, "heis"sv, "mif1"sv, "mif2"sv,
+                                "msf1"sv, "hevc"sv, "hevx"sv, "miaf"sv, "1pic"sv};
+
+bool isHeif(std::string_view head) {
+    if (head.size() < 12 || head.substr(4, 4) != "ftyp"sv)
+        return false;
+    const std::size_t size = static_cast<std::uint8_t>(head[2]) * 256u + static_cast<std::uint8_t>(head[3]);
+    for (std::size_t at = 8; at + 4 <= std::min(size, head.size()); at += at == 8 ? 8 : 4)
+        for (const std::string_view brand : heifBrands)
+            if (head.substr(at, 4) == brand)
+                return true;
+    return false;
+}
+
+ImageKind requireKind(const std::filesystem::path &file) {
+    if (const auto kind = imageKind(file))
+        return *kind;
+    images::openForReading(file); // says why, where it cannot be opened
+    throw MediaError(file, "Cannot read", 0, "not an image of a known kind");
+}
+
+/// Code points 5 and 6 of ITU-T H.273 name the same matrix.
+bool isBT601(int one, int other) { return one >= 5 && one <= 6 && other >= 5 && other <= 6; }
+
+} // namespace
+
+namespace images {
+
+ImageMetadata correctedMetadata(const Picture &picture, ImageMetadata metadata) {
+    ExifBlock exif = ExifBlock::parse(metadata.exif);
+    metadata.exif.clear();
+    if (!exif.empty()) {
+        exif.describePicture(picture.width, picture.height);
+        if (metadata.iccProfile.empty() && picture.colour.primaries == jpegColour.primaries)
+            exif.describeSRGB();
+        metadata.exif = exif.bytes();
+    }
+    metadata.xmp = correctedXmp(std::move(metadata.xmp), picture.width, picture.height);
+    if (metadata.iccProfile.empty() && picture.format.model != ColourModel::grey)
+        metadata.iccProfile = profileOf(picture.colour);
+    return metadata;
+}
+
+Picture fitted(Picture picture, ImageKind kind) {
+    PictureFormat format = picture.format;
+    ColourTags colour = picture.colour;
+    const bool isYuv = format.model == ColourModel::yuv;
+    if (kind == ImageKind::jpeg) {
+        format.depth = 8;
+        if (isYuv) {
+            format.chromaShiftX = std::min(format.chromaShiftX, 1);
+            colour.matrix = jpegColour.matrix;
+            colour.range = jpegColour.range;
+        }
+    } else if (kind == ImageKind::heif) {
+        format = yuv420;
+        if (!isYuv) {
+            colour.matrix = jpegColour.matrix;
+            colour.range = jpegColour.range;
+            colour.chromaLocation = jpegColour.chromaLocation;
+        }
+    } else if (isYuv) {
+        format = {ColourModel::rgb, format.depth, 0, 0};
+        colour.matrix = 0;
+        colour.range = ColourRange::full;
+    }
+    const bool sameMatrix = colour.matrix == picture.colour.matrix || isBT601(colour.matrix, picture.colour.matrix);
+    if (format == picture.format && sameMatrix && colour.range == picture.colour.range) {
+        picture.colour = colour;
+        return picture;
+    }
+    return convertColour(picture, format, colour);
+}
+
+} // namespace images
+
+std::optional<ImageKind> imageKind(const std::filesystem::path &file) noexcept {
+    try {
+        std::ifstream stream(file, std::ios::binary);
+        std::array<char, 256> bytes{};
+        stream.read(bytes.data(), bytes.size());
+        const std::string_view head(bytes.data(), static_cast<std::size_t>(stream.gcount()));
+        if (head.starts_with("\xFF\xD8\xFF"sv))
+            return ImageKind::jpeg;
+        if (head.starts_with("\x89PNG\r\n\x1A\n"sv))
+            return ImageKind::png;
+        for (const std::string_view mark : {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv})
+            if (head.starts_with(mark))
+                return ImageKind::tiff;
+        if (isHeif(head))
+            return ImageKind::heif;
+    } catch (const std::exception &) {
+    }
+    return std::nullopt;
+}
+
+int imageCount(const std::filesystem::path &file) {
+    switch (requireKind(file)) {
+    case ImageKind::tiff:
+        return images::tiffPageCount(file);
+    case ImageKind::heif:
+        return static_cast<int>(readHeifFile(file).images.size());
+    case ImageKind::jpeg:
+    case ImageKind::png:
+        break;
+    }
+    return 1;
+}
+
+StillImage readImage(const std::filesystem::path &file) {
+    switch (requireKind(file)) {
+    case ImageKind::jpeg:
+        return images::readJpeg(file);
+    case ImageKind::png:
+        return images::readPng(file);
+    case ImageKind::tiff:
+        return images::readTiff(file);
+    case ImageKind::heif:
+        break;
+    }
+    return images::readHeif(file);
+}
+
+void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality) {
+    // What the samples meant before they are converted decides which profile is embedded.
+    image.metadata = images::correctedMetadata(image.picture, std::move(image.metadata));
+    image.picture = images::fitted(std::move(image.picture), kind);
+    const PartialFile partial(file);
+    switch (kind) {
+    case ImageKind::jpeg:
+        images::writeJpeg(partial.path(), image, quality);
+        break;
+    case ImageKind::png:
+        images::writePng(partial.path(), image);
+        break;
+    case ImageKind::tiff:
+        images::writeTiff(partial.path(), image);
+        break;
+    case ImageKind::heif:
+        images::writeHeif(partial, std::move(image), quality);
+        break;
+    }
+    partial.finish();
+}
+
+} // namespace lumetwin::media

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/images/Tiff.h"
+
+#include "media/MediaError.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace lumetwin::media::images {
+
+namespace {
+
+constexpr tmsize_t allocationLimit = tmsize_t{1} << 31; // bytes that one strip or tile may ask for
+
+int keepError(TIFF *, void *user, const char *, const char *format, va_list arguments) {
+    char text[256];
+    std::vsnprintf(text, sizeof(text), format, arguments);
+    *static_cast<std::string *>(user) = text;
+    return 1;
+}
+
+int passOverWarning(TIFF *, void *, const char *, const char *, va_list) { return 1; }
+
+} // namespace
+
+TiffFile::TiffFile(const std::filesystem::path &path, const char *mode) : file(path) {
+    const std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions *)> options(TIFFOpenOptionsAlloc(),
+                                                                                TIFFOpenOptionsFree);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, &message);
+    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), passOverWarning, nullptr);
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), allocationLimit);
+    tiff.reset(TIFFOpenExt(path.c_str(), mode, options.get()));
+    if (!tiff)
+        fail(*mode == 'r' ? "Cannot open" : "Cannot create", "not a TIFF file");
+}
+
+void TiffFile::fail(const char *operation, const std::string &reason) const {
+    throw MediaError(file, operation, 0, message.empty() ? reason : message);
+}
+
+} // namespace lumetwin::media::images
