@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ProcessorError.h"
 
+#include "engine/SpatialPhotoError.h"
 #include "media/MediaError.h"
 
 #include <new>
@@ -23,6 +24,8 @@ std::string errorText(const std::exception &error) {
     const std::string message = errorMessage(error);
     if (dynamic_cast<const ProcessorError *>(&error))
         return described(ProcessorError::domain, ProcessorError::code, message);
+    if (const auto *photo = dynamic_cast<const SpatialPhotoError *>(&error))
+        return described(SpatialPhotoError::domain, photo->code(), message);
     if (const auto *media = dynamic_cast<const media::MediaError *>(&error))
         return described("Media", media->code(), message);
     if (const auto *system = dynamic_cast<const std::system_error *>(&error))

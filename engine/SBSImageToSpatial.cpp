@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/SBSImageToSpatial.h"
+
+#include "engine/EyeExtraction.h"
+#include "engine/FileNames.h"
+#include "engine/ProcessorError.h"
+#include "engine/SpatialPhotoError.h"
+#include "engine/SpatialPhotoMetadata.h"
+#include "media/ImageFile.h"
+#include "media/MediaError.h"
+#include "media/Memory.h"
+
+#include <future>
+#include <limits>
+#include <stdexcept>
+
+namespace lumetwin {
+
+namespace {
+
+media::StillImage opened(const std::filesystem::path &input) {
+    try {
+        return media::readImage(input);
+    } catch (const media::MediaError &) {
+        throw processorError("Cannot open photo: " + lastPathComponent(input));
+    }
+}
+
+bool possible(const EyeSize &eye) {
+    constexpr std::int64_t largest = std::numeric_limits<int>::max();
+    return eye.width > 0 && eye.height > 0 && eye.width <= largest && eye.height <= largest;
+}
+
+/// One eye of the source, fitted to its size; a part of the source's own picture where that is all there is to do.
+media::Picture fittedEye(const media::Picture &source, const media::Placement &placement, bool unscaled,
+                         const EyeSize &size) {
+    const int x = static_cast<int>(placement.source.x);
+    const int width = static_cast<int>(size.width);
+    const int height = static_cast<int>(size.height);
+    const bool betweenChroma = source.format.model == media::ColourModel::yuv &&
+                               x % (1 << source.format.chromaShiftX) != 0;
+    if (unscaled && !betweenChroma)
+        return media::cropped(source, x, 0, width, height);
+    media::Picture eye = media::makePicture(width, height, source.format, source.colour);
+    if (!unscaled)
+        media::Compositor::fillBlack(eye);
+    media::Compositor().place(source, placement, eye);
+    return eye;
+}
+
+struct Eyes {
+    media::Picture left;
+    media::Picture right;
+};
+
+/// Both eyes in sRGB, each prepared on a thread of its own.
+Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, const std::filesystem::path &input) {
+    const EyeSize size = eyeSize(settings, source.picture.width, source.picture.height);
+    if (!possible(size) || source.picture.width < 2)
+        throw processorError("Failed to render eye images");
+    const EyeExtraction extraction = eyeExtraction(settings, size, source.picture.width, source.picture.height);
+    const auto render = [&](const media::Placement &placement) {
+        try {
+            return media::inSRGB(fittedEye(source.picture, placement, extraction.unscaled, size),
+                                 source.metadata.iccProfile, input);
+        } catch (const std::length_error &) {
+            throw processorError("Failed to render eye images");
+        } catch (const media::MediaError &) {
+            throw processorError("Failed to remove alpha");
+        }
+    };
+    auto right = std::async(std::launch::async, render, extraction.right);
+    media::Picture left = render(extraction.left);
+    return {std::move(left), right.get()};
+}
+
+void writePair(const ConversionSettings &settings, Eyes eyes, const media::ImageMetadata &metadata,
+               const std::filesystem::path &output) {
+    const media::SpatialPhotoFacts facts = spatialPhotoFacts(settings, eyes.left.width, eyes.left.height);
+    try {
+        media::requireWritable(output);
+    } catch (const media::MediaError &) {
+        throw SpatialPhotoError::cannotCreateDestination(output);
+    }
+    try {
+        media::writeSpatialPhoto(output, std::move(eyes.left), std::move(eyes.right), facts, metadata);
+    } catch (const media::MediaError &) {
+        throw SpatialPhotoError::finalizationFailed(output);
+    } catch (const std::invalid_argument &) { // more than the format holds
+        throw SpatialPhotoError::finalizationFailed(output);
+    }
+}
+
+} // namespace
+
+void convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                              const std::filesystem::path &output) {
+    const media::LargeBlockScope memory;
+    media::StillImage source = opened(input);
+    const media::ImageMetadata metadata{{}, source.metadata.exif, source.metadata.xmp};
+    Eyes eyes = renderedEyes(settings, std::move(source), input);
+    writePair(settings, std::move(eyes), metadata, std::filesystem::path(output).replace_extension("heic"));
+}
+
+} // namespace lumetwin

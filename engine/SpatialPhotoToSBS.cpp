@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/SpatialPhotoToSBS.h"
+
+#include "engine/FileNames.h"
+#include "engine/MediaKinds.h"
+#include "engine/ProcessorError.h"
+#include "engine/SBSGeometry.h"
+#include "engine/SpatialPhotoError.h"
+#include "engine/StereoPair.h"
+#include "media/ColourConversion.h"
+#include "media/ImageFile.h"
+#include "media/MediaError.h"
+#include "media/Memory.h"
+#include "media/Placement.h"
+#include "media/SpatialPhoto.h"
+
+#include <future>
+#include <limits>
+#include <stdexcept>
+
+namespace lumetwin {
+
+namespace {
+
+using media::HeifSamples;
+using media::ImageKind;
+using media::StillImage;
+
+ImageKind kindOf(const std::filesystem::path &output) {
+    const std::string extension = lowerCasedExtension(output);
+    if (extension == "png")
+        return ImageKind::png;
+    if (extension == "tiff" || extension == "tif")
+        return ImageKind::tiff;
+    if (extension == "heic")
+        return ImageKind::heif;
+    return ImageKind::jpeg;
+}
+
+/// One eye of the pair. Throws SpatialPhotoError when it cannot be decoded.
+StillImage decodedEye(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples) {
+    try {
+        return media::readHeifImage(file, item, samples);
+    } catch (const media::MediaError &) {
+        throw SpatialPhotoError::imageExtractionFailed();
+    }
+}
+
+media::Picture canvasFor(const SBSGeometry &geometry, const media::Picture &eye) {
+    constexpr std::int64_t largest = std::numeric_limits<int>::max();
+    if (geometry.outW < 1 || geometry.outH < 1 || geometry.outW > largest || geometry.outH > largest)
+        throw processorError("Failed to render SBS image");
+    try {
+        return media::makePicture(static_cast<int>(geometry.outW), static_cast<int>(geometry.outH), eye.format,
+                                  eye.colour);
+    } catch (const std::length_error &) {
+        throw processorError("Failed to render SBS image");
+    }
+}
+
+/// Composes one side-by-side picture of eyes that come one after the other or both at once.
+class Composer {
+public:
+    explicit Composer(const ConversionSettings &settings) : settings_(settings) {}
+
+    void begin(const media::Picture &leftEye) {
+        width_ = leftEye.width;
+        height_ = leftEye.height;
+        format_ = leftEye.format;
+        geometry_ = sbsGeometry(settings_, width_, height_);
+        canvas_ = canvasFor(geometry_, leftEye);
+        if (!geometry_.coversFrame())
+            media::Compositor::fillBlack(canvas_);
+    }
+
+    void place(media::Picture eye, bool isLeftEye) {
+        if (eye.width != width_ || eye.height != height_)
+            throw processorError("The left and right images differ in size");
+        if (eye.format.model != format_.model || eye.colour.matrix != canvas_.colour.matrix ||
+            eye.colour.range != canvas_.colour.range)
+            eye = media::convertColour(eye, format_, canvas_.colour);
+        const bool leftHalf = isLeftEye != settings_.swapLeftRight;
+        compositor_.place(eye, leftHalf ? geometry_.leftHalf(eye) : geometry_.rightHalf(eye), canvas_);
+    }
+
+    media::Picture finish() { return std::move(canvas_); }
+
+private:
+    const ConversionSettings &settings_;
+    int width_ = 0;
+    int height_ = 0;
+    media::PictureFormat format_;
+    SBSGeometry geometry_;
+    media::Picture canvas_;
+    media::Compositor compositor_;
+};
+
+/// Both eyes are decoded at once; their samples stay as they are coded.
+StillImage composedAsCoded(const ConversionSettings &settings, const std::filesystem::path &file,
+                           const StereoPair &pair) {
+    auto later = std::async(std::launch::async, decodedEye, file, pair.right, HeifSamples::coded);
+    StillImage left = decodedEye(file, pair.left, HeifSamples::coded);
+    StillImage right = later.get();
+    Composer composer(settings);
+    composer.begin(left.picture);
+    composer.place(std::move(left.picture), true);
+    composer.place(std::move(right.picture), false);
+    return {composer.finish(), std::move(left.metadata)};
+}
+
+/// The eyes are decoded one after the other: as RGB they take much memory.
+StillImage composedAsRgb(const ConversionSettings &settings, const std::filesystem::path &file,
+                         const StereoPair &pair) {
+    Composer composer(settings);
+    StillImage left = decodedEye(file, pair.left, HeifSamples::rgb);
+    composer.begin(left.picture);
+    composer.place(std::move(left.picture), true);
+    left.picture = {};
+    composer.place(decodedEye(file, pair.right, HeifSamples::rgb).picture, false);
+    return {composer.finish(), std::move(left.metadata)};
+}
+
+void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKind kind,
+                   const std::filesystem::path &output) {
+    try {
+        media::requireWritable(output);
+    } catch (const media::MediaError &) {
+        throw processorError("Cannot create image destination: " + lastPathComponent(output));
+    }
+    try {
+        media::writeImage(output, kind, std::move(image), settings.compressionQuality);
+    } catch (const media::MediaError &) {
+        throw processorError("Failed to write image: " + lastPathComponent(output));
+    } catch (const std::invalid_argument &) { // more than the format holds
+        throw processorError("Failed to write image: " + lastPathComponent(output));
+    }
+}
+
+} // namespace
+
+void convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
+                              const std::filesystem::path &output) {
+    const media::LargeBlockScope memory;
+    const StereoPair pair = readStereoPair(input);
+    const ImageKind kind = kindOf(output);
+    const bool asRgb = kind == ImageKind::png || kind == ImageKind::tiff;
+    StillImage image =
+        asRgb ? composedAsRgb(settings, input, pair) : composedAsCoded(settings, input, pair);
+    writeSBSImage(settings, std::move(image), kind, output);
+}
+
+} // namespace lumetwin

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/SpatialPhoto.h"
+#include "tests/photo/Photos.h"
+
+namespace lumetwin::test {
+
+/// Facts as a camera with the given field of view would have them.
+media::SpatialPhotoFacts factsFor(int width, int height, double fieldOfView = 90);
+
+/// Writes a spatial photo of two pictures.
+void writeSpatialPhoto(const std::filesystem::path &file, const Raster &left, const Raster &right);
+
+/// What the stack's heif-dec makes of each image of a file, in its order.
+std::vector<Raster> decodedByJudge(const std::filesystem::path &file);
+/// What the stack's heif-info says.
+std::string heifInfo(const std::filesystem::path &file);
+
+/// Where a box of the type begins in a file's bytes (at its size field).
+std::size_t placeOfBox(const std::vector<std::uint8_t> &bytes, const std::string &type);
+/// Gives the first box of a type another type of four characters.
+void renameBox(const std::filesystem::path &file, const std::string &type, const std::string &other);
+/// Replaces the ids of a file's first stereo group.
+void setStereoGroup(const std::filesystem::path &file, const std::vector<std::uint32_t> &ids);
+/// The ids of a file's first stereo group.
+std::vector<std::uint32_t> stereoGroup(const std::filesystem::path &file);
+
+} // namespace lumetwin::test
