@@ -16,12 +16,12 @@ struct AudioCopy {
     media::AudioEncoding encoding;
 };
 
-/// How a track is coded: AAC at 192 kbit/s, its own sample rate (44100 Hz when it states none) or the next one that AAC carries,
-/// and one channel or two.
+/// How a track is coded: AAC at 192 kbit/s, its own sample rate (44100 Hz when it states none) or the next one that AAC
+/// carries, and one channel or two.
 media::AudioEncoding audioEncoding(const media::AudioTrack &track);
 
-/// Prepares the copy of a movie's first audio track, beginning at the given time of the movie (seconds). Nothing when there is
-/// no audio track or it cannot be decoded (then with a warning): the video is written without sound.
+/// Prepares the copy of a movie's first audio track, beginning at the given time of the movie (seconds). Nothing when
+/// there is no audio track or it cannot be decoded (then with a warning): the video is written without sound.
 std::optional<AudioCopy> prepareAudioCopy(const media::MovieFile &movie, double fromTime,
                                           const ConversionControl &control);
 

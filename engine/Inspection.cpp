@@ -10,8 +10,7 @@ namespace {
 // The first system that knows stereo movies.
 constexpr SystemVersion stereoMovies{14, 0, 0};
 
-template <typename Integer>
-std::optional<double> scaled(const std::optional<Integer> &value, double unit) {
+template <typename Integer> std::optional<double> scaled(const std::optional<Integer> &value, double unit) {
     return value ? std::optional(*value / unit) : std::nullopt;
 }
 

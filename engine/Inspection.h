@@ -29,10 +29,10 @@ StereoValues videoStereoValues(const std::filesystem::path &file,
 /// The basic facts that the converters size their output and progress by.
 struct VideoInfo {
     media::VideoTrack track;
-    std::int64_t width = 0;  ///< natural width, truncated; no rotation applied
+    std::int64_t width = 0; ///< natural width, truncated; no rotation applied
     std::int64_t height = 0;
-    float fps = 0;           ///< nominal frame rate, 0 when unknown
-    double duration = 0;     ///< seconds
+    float fps = 0;       ///< nominal frame rate, 0 when unknown
+    double duration = 0; ///< seconds
 };
 
 /// Throws ProcessorError with "error.no.video.track" when there is no video.

@@ -37,8 +37,8 @@ media::Picture fittedEye(const media::Picture &source, const media::Placement &p
     const int x = static_cast<int>(placement.source.x);
     const int width = static_cast<int>(size.width);
     const int height = static_cast<int>(size.height);
-    const bool betweenChroma = source.format.model == media::ColourModel::yuv &&
-                               x % (1 << source.format.chromaShiftX) != 0;
+    const bool betweenChroma =
+        source.format.model == media::ColourModel::yuv && x % (1 << source.format.chromaShiftX) != 0;
     if (unscaled && !betweenChroma)
         return media::cropped(source, x, 0, width, height);
     media::Picture eye = media::makePicture(width, height, source.format, source.colour);

@@ -7,8 +7,8 @@
 
 namespace lumetwin {
 
-/// Converts a side-by-side image into a spatial photo; the output's extension becomes "heic". Throws SpatialPhotoError, ProcessorError
-/// or MediaError.
+/// Converts a side-by-side image into a spatial photo; the output's extension becomes "heic". Throws SpatialPhotoError,
+/// ProcessorError or MediaError.
 void convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
                               const std::filesystem::path &output);
 

@@ -98,7 +98,8 @@ void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::fil
     media::MovieWriter writer(file.replace_extension("mov"), media::Container::quickTime, movie.tags());
     // The stream is as fast as its times say, which are whole units of the time scale.
     const double frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
-    writer.addVideo(stereoVideoEncoding(outputSettings(settings, eye, timing.rate, system), frameRate, info.track.colour));
+    writer.addVideo(
+        stereoVideoEncoding(outputSettings(settings, eye, timing.rate, system), frameRate, info.track.colour));
     if (audio)
         writer.addAudio(audio->encoding);
     writer.start(videoTimeScale);

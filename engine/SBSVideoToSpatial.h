@@ -9,8 +9,8 @@
 
 namespace lumetwin {
 
-/// Converts a side-by-side video into a spatial movie; the output's extension becomes "mov". Blocks until the file is written or
-/// abandoned. Returns normally when the user cancelled. Throws ProcessorError or MediaError.
+/// Converts a side-by-side video into a spatial movie; the output's extension becomes "mov". Blocks until the file is
+/// written or abandoned. Returns normally when the user cancelled. Throws ProcessorError or MediaError.
 void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
                               const std::filesystem::path &output, const ConversionControl &control,
                               SystemVersion system = SystemVersion::current());

@@ -144,8 +144,7 @@ void convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::fil
     const StereoPair pair = readStereoPair(input);
     const ImageKind kind = kindOf(output);
     const bool asRgb = kind == ImageKind::png || kind == ImageKind::tiff;
-    StillImage image =
-        asRgb ? composedAsRgb(settings, input, pair) : composedAsCoded(settings, input, pair);
+    StillImage image = asRgb ? composedAsRgb(settings, input, pair) : composedAsCoded(settings, input, pair);
     writeSBSImage(settings, std::move(image), kind, output);
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/SpatialVideoToSBS.h"
 
-#include "engine/SBSGeometry.h"
 #include "engine/SBSComposition.h"
+#include "engine/SBSGeometry.h"
 #include "engine/VideoConversion.h"
 
 #include <algorithm>
@@ -59,8 +59,7 @@ public:
               const media::ColourTags &colour, media::FrameReader &reader, media::MovieWriter &writer,
               const ConversionControl &control)
         : swap_(settings.swapLeftRight), timing_(timing), reader_(reader), writer_(writer), control_(control),
-          composition_(geometry),
-          pool_(pixels(geometry.outW), pixels(geometry.outH), media::yuv420, colour) {}
+          composition_(geometry), pool_(pixels(geometry.outW), pixels(geometry.outH), media::yuv420, colour) {}
 
     void run() {
         while (!control_.cancelled() && !writer_.failed()) {
@@ -115,8 +114,9 @@ void convertSpatialVideoToSBS(const ConversionSettings &settings, const std::fil
     encoding.codec = codecOf(settings.sbsOutputFormat);
     encoding.width = pixels(geometry.outW);
     encoding.height = pixels(geometry.outH);
-    encoding.averageBitRate = averageBitRate(
-        timing.rate, static_cast<double>(geometry.outW) * static_cast<double>(geometry.outH), settings.compressionQuality);
+    encoding.averageBitRate =
+        averageBitRate(timing.rate, static_cast<double>(geometry.outW) * static_cast<double>(geometry.outH),
+                       settings.compressionQuality);
     encoding.frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
     encoding.colour = info.track.colour;
     writer.addVideo(encoding);

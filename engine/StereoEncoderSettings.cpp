@@ -32,8 +32,7 @@ double inRange(double value, double below, double above, const char *reason) {
     return value;
 }
 
-template <std::size_t Count>
-std::vector<std::int64_t> listOf(const std::array<std::int64_t, Count> &identifiers) {
+template <std::size_t Count> std::vector<std::int64_t> listOf(const std::array<std::int64_t, Count> &identifiers) {
     return {identifiers.begin(), identifiers.end()};
 }
 
@@ -61,8 +60,7 @@ EncoderProperties compressionProperties(const ConversionSettings &settings, cons
 }
 
 /// An entry that the table always has.
-template <typename Value>
-const Value &entry(const EncoderProperties &table, std::string_view key) {
+template <typename Value> const Value &entry(const EncoderProperties &table, std::string_view key) {
     const Value *value = find<Value>(table, key);
     if (!value)
         fatal("an entry of the encoder's settings is missing");
@@ -94,7 +92,8 @@ std::int64_t spatialBitRate(const EyeSize &eye, double fps, double quality) {
 }
 
 std::uint32_t baselineInMicrometres(double millimetres) {
-    return static_cast<std::uint32_t>(inRange(millimetres * 1000, -1, 4294967296.0, "the stereo baseline is out of range"));
+    return static_cast<std::uint32_t>(
+        inRange(millimetres * 1000, -1, 4294967296.0, "the stereo baseline is out of range"));
 }
 
 std::uint32_t fieldOfViewInThousandths(double degrees) {

@@ -34,8 +34,7 @@ struct EncoderProperty {
 using EncoderProperties = std::vector<EncoderProperty>;
 
 /// The entry's value; nullptr where the table has no such entry or another type of value.
-template <typename Value>
-const Value *find(const EncoderProperties &table, std::string_view key) {
+template <typename Value> const Value *find(const EncoderProperties &table, std::string_view key) {
     for (const EncoderProperty &property : table)
         if (property.key == key)
             return std::get_if<Value>(&property.value);
@@ -49,8 +48,8 @@ struct EyeSize {
 };
 EyeSize eyeSize(const ConversionSettings &settings, std::int64_t sourceWidth, std::int64_t sourceHeight);
 
-/// Average bit rate of the stream, bits per second: 0.15 bits for each pixel of one eye and frame at full quality, truncated, at
-/// least 1,000,000. A product out of range stops the program.
+/// Average bit rate of the stream, bits per second: 0.15 bits for each pixel of one eye and frame at full quality,
+/// truncated, at least 1,000,000. A product out of range stops the program.
 std::int64_t spatialBitRate(const EyeSize &eye, double fps, double quality);
 
 /// The stereo metadata in the file's integer units, truncated toward zero. Values out of range stop the program.

@@ -41,8 +41,8 @@ std::pair<std::size_t, std::size_t> eyesOf(const media::HeifStereoGroup &group) 
 StereoPair readStereoPair(const std::filesystem::path &file) {
     const int count = countOf(file);
     if (count < 2)
-        throw SpatialPhotoError::notASpatialPhoto("Does not contain two or more images (count=" +
-                                                  std::to_string(count) + ")");
+        throw SpatialPhotoError::notASpatialPhoto(
+            "Does not contain two or more images (count=" + std::to_string(count) + ")");
     if (media::imageKind(file) != media::ImageKind::heif)
         throw SpatialPhotoError::notASpatialPhoto("No stereo pair group found");
     const media::HeifFile heif = heifFile(file);

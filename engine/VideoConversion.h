@@ -27,8 +27,8 @@ VideoTiming videoTiming(const VideoInfo &info);
 /// 64-bit float; multiplied in the order of the arguments.
 std::int64_t averageBitRate(double first, double second, double quality);
 
-/// Runs the frame loop and the audio copy beside each other on threads of the given names and waits for both; then finishes
-/// the writer, or cancels it when the user asked for that. An error of the frame loop ends the file: the
+/// Runs the frame loop and the audio copy beside each other on threads of the given names and waits for both; then
+/// finishes the writer, or cancels it when the user asked for that. An error of the frame loop ends the file: the
 /// writer is cancelled and the error thrown. Throws the writer's failure.
 void runVideoConversion(const ConversionControl &control, media::MovieWriter &writer, std::optional<AudioCopy> &audio,
                         const char *videoQueue, const char *audioQueue, const std::function<void()> &frameLoop);

@@ -10,8 +10,7 @@
 namespace lumetwin::media {
 
 /// Hands items from one thread to another in order, at most `bound` of them waiting.
-template <typename Item>
-class BoundedQueue {
+template <typename Item> class BoundedQueue {
 public:
     explicit BoundedQueue(std::size_t bound) : bound_(bound) {}
 

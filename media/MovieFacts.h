@@ -12,14 +12,14 @@ namespace lumetwin::media {
 struct StereoMovieFacts {
     bool hasVideoTrack = false;
     bool hasSampleDescription = false;
-    std::optional<std::uint32_t> baseline;            ///< micrometres (vexu/eyes/cams/blin)
+    std::optional<std::uint32_t> baseline;              ///< micrometres (vexu/eyes/cams/blin)
     std::optional<std::uint32_t> horizontalFieldOfView; ///< thousandths of a degree (hfov)
-    std::optional<std::int32_t> disparityAdjustment;  ///< ten-thousandths of the image width (vexu/eyes/cmfy/dadj)
-    std::optional<std::uint8_t> eyes;                 ///< bits of stri: 1 left, 2 right, 4 additional, 8 reversed
-    std::optional<std::uint8_t> heroEye;              ///< hero: 0 none, 1 left, 2 right
-    std::string projection;                           ///< prji: "rect", "equi", …; empty where absent
-    bool anyBaseline = false;                         ///< one of the track's sample entries has a baseline
-    bool multilayer = false;                          ///< a layered HEVC configuration (lhvC) is present
+    std::optional<std::int32_t> disparityAdjustment;    ///< ten-thousandths of the image width (vexu/eyes/cmfy/dadj)
+    std::optional<std::uint8_t> eyes;                   ///< bits of stri: 1 left, 2 right, 4 additional, 8 reversed
+    std::optional<std::uint8_t> heroEye;                ///< hero: 0 none, 1 left, 2 right
+    std::string projection;                             ///< prji: "rect", "equi", …; empty where absent
+    bool anyBaseline = false;                           ///< one of the track's sample entries has a baseline
+    bool multilayer = false;                            ///< a layered HEVC configuration (lhvC) is present
 };
 
 /// Reads a QuickTime or ISO base media file's headers, never its media data. A file that is damaged, of another

@@ -14,8 +14,8 @@ namespace lumetwin::media {
 
 /// Facts of a movie's first video track.
 struct VideoTrack {
-    int index = 0;               ///< of the stream in its container
-    double naturalWidth = 0;     ///< pixels as stored: no rotation applied
+    int index = 0;           ///< of the stream in its container
+    double naturalWidth = 0; ///< pixels as stored: no rotation applied
     double naturalHeight = 0;
     float nominalFrameRate = 0;  ///< frames per second, 0 when unknown
     std::int64_t frameCount = 0; ///< as the container states it, 0 when it does not

@@ -14,8 +14,8 @@ namespace lumetwin::media {
 enum class Container { mpeg4, quickTime };
 enum class VideoCodec { h264, hevc };
 
-/// An ordinary video track: 8-bit 4:2:0 pictures at a constant rate. Odd sizes are coded padded and cropped again in the file,
-/// so that a viewer sees the stated size.
+/// An ordinary video track: 8-bit 4:2:0 pictures at a constant rate. Odd sizes are coded padded and cropped again in
+/// the file, so that a viewer sees the stated size.
 struct VideoEncoding {
     VideoCodec codec = VideoCodec::h264;
     int width = 0;
@@ -28,7 +28,7 @@ struct VideoEncoding {
 /// A multiview HEVC track of two views, left in layer 0 and right in layer 1, with its stereo facts in the file's
 /// integer units.
 struct StereoVideoEncoding {
-    int width = 0;  ///< one eye
+    int width = 0; ///< one eye
     int height = 0;
     std::int64_t averageBitRate = 0; ///< bits per second, both layers together
     double frameRate = 30;
@@ -36,9 +36,9 @@ struct StereoVideoEncoding {
     std::uint32_t baseline = 0;              ///< micrometres
     std::uint32_t horizontalFieldOfView = 0; ///< thousandths of a degree
     std::int32_t disparityAdjustment = 0;    ///< ten-thousandths of the image width
-    bool hasLeftEye = true;  ///< announce the left eye's view
-    bool hasRightEye = true; ///< announce the right eye's view
-    bool rectilinear = true; ///< announce a rectilinear projection
+    bool hasLeftEye = true;                  ///< announce the left eye's view
+    bool hasRightEye = true;                 ///< announce the right eye's view
+    bool rectilinear = true;                 ///< announce a rectilinear projection
 };
 
 /// An AAC track, mono or stereo.
@@ -49,10 +49,11 @@ struct AudioEncoding {
 };
 
 /// Writes a movie under a partial name until it is complete; finish() gives it its own name in one rename, replacing
-/// what was there. cancel() removes the partial file, a failure leaves it. Destroying an unfinished writer leaves it too.
+/// what was there. cancel() removes the partial file, a failure leaves it. Destroying an unfinished writer leaves it
+/// too.
 ///
-/// Tracks are added before start(), in the order that they have in the file. Then one thread appends video and another audio; a track that runs
-/// ahead waits for the other, so that memory stays flat.
+/// Tracks are added before start(), in the order that they have in the file. Then one thread appends video and another
+/// audio; a track that runs ahead waits for the other, so that memory stays flat.
 class MovieWriter {
 public:
     /// The name of an output while it is written: "NAME.EXT.partial".

@@ -5,7 +5,9 @@
 
 namespace lumetwin::media {
 
-int codedSize(int size, int smallest) { return std::max(size + (size & 1), smallest); }
+int codedSize(int size, int smallest) {
+    return std::max(size + (size & 1), smallest);
+}
 
 Picture padded(const Picture &picture, int width, int height, PicturePool &pool) {
     if (picture.width == width && picture.height == height)

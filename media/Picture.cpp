@@ -43,8 +43,8 @@ Layout layoutOf(const Picture &shape) {
 using Block = std::unique_ptr<std::uint8_t, void (*)(std::uint8_t *)>;
 
 Block allocate(std::size_t bytes) {
-    return {static_cast<std::uint8_t *>(::operator new(bytes, std::align_val_t{alignment})),
-            [](std::uint8_t *memory) { ::operator delete(memory, std::align_val_t{alignment}); }};
+    return {static_cast<std::uint8_t *>(::operator new (bytes, std::align_val_t{alignment})),
+            [](std::uint8_t *memory) { ::operator delete (memory, std::align_val_t{alignment}); }};
 }
 
 Picture shapeOf(int width, int height, PictureFormat format, ColourTags colour) {
@@ -76,9 +76,9 @@ Picture cropped(const Picture &picture, int x, int y, int width, int height) {
     part.width = width;
     part.height = height;
     for (int plane = 0; plane < picture.format.planeCount(); ++plane)
-        part.planes[plane].data += (y >> picture.format.shiftY(plane)) * picture.planes[plane].stride +
-                                   static_cast<std::ptrdiff_t>(x >> picture.format.shiftX(plane)) *
-                                       picture.format.bytesPerSample();
+        part.planes[plane].data +=
+            (y >> picture.format.shiftY(plane)) * picture.planes[plane].stride +
+            static_cast<std::ptrdiff_t>(x >> picture.format.shiftX(plane)) * picture.format.bytesPerSample();
     return part;
 }
 

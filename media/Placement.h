@@ -30,8 +30,8 @@ struct Placement {
 /// Scales, places and converts pictures onto canvases. Pixels that a placed picture covers in part (a fractional edge)
 /// are mixed with what is there by the covered area. Where scale is 1 and positions are whole (in each plane's own
 /// samples) and formats agree, samples are moved untouched. Depth is reduced with dithering; full and limited range
-/// are converted into each other where both pictures state theirs. Grey goes onto every colour model, else the models must
-/// agree. What a geometry needs is built once and kept: one object per thread.
+/// are converted into each other where both pictures state theirs. Grey goes onto every colour model, else the models
+/// must agree. What a geometry needs is built once and kept: one object per thread.
 class Compositor {
 public:
     Compositor();

@@ -23,22 +23,22 @@ public:
     ConversionSettings &operator=(const ConversionSettings &) = delete;
 
     ConversionDirection direction = ConversionDirection::spatialToSBS;
-    std::optional<std::filesystem::path> inputFolderURL;            ///< the input, when it is a folder
-    std::optional<std::vector<std::filesystem::path>> inputFiles;   ///< the input, when it is a set of files
-    std::optional<std::filesystem::path> outputFolderURL;           ///< receives the outputs
-    double horizontalFOV = 63.4;                                    ///< degrees, written as stereo metadata
-    double disparityAdjustment = 2.0;                               ///< percent of the image width
-    double stereoBaseline = 19.24;                                  ///< millimetres
+    std::optional<std::filesystem::path> inputFolderURL;          ///< the input, when it is a folder
+    std::optional<std::vector<std::filesystem::path>> inputFiles; ///< the input, when it is a set of files
+    std::optional<std::filesystem::path> outputFolderURL;         ///< receives the outputs
+    double horizontalFOV = 63.4;                                  ///< degrees, written as stereo metadata
+    double disparityAdjustment = 2.0;                             ///< percent of the image width
+    double stereoBaseline = 19.24;                                ///< millimetres
     SBSOutputFormat sbsOutputFormat = SBSOutputFormat::mp4H264;
     SBSPhotoOutputFormat sbsPhotoOutputFormat = SBSPhotoOutputFormat::jpg;
-    double compressionQuality = 0.75;                               ///< 0.0 to 1.0
-    bool halfWidth = false;                                         ///< pack each eye at half width
-    bool swapLeftRight = false;                                     ///< exchange the eyes
-    bool enableResize = false;                                      ///< resize each eye to the size below
-    std::int64_t resizeWidth = 1920;                                ///< pixels of one eye
-    std::int64_t resizeHeight = 1080;                               ///< pixels of one eye
+    double compressionQuality = 0.75; ///< 0.0 to 1.0
+    bool halfWidth = false;           ///< pack each eye at half width
+    bool swapLeftRight = false;       ///< exchange the eyes
+    bool enableResize = false;        ///< resize each eye to the size below
+    std::int64_t resizeWidth = 1920;  ///< pixels of one eye
+    std::int64_t resizeHeight = 1080; ///< pixels of one eye
     ResizeMode resizeMode = ResizeMode::letterbox;
-    bool copyAudio = true;                                          ///< carry the source's audio track
+    bool copyAudio = true; ///< carry the source's audio track
 };
 
 } // namespace lumetwin

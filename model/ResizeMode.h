@@ -15,7 +15,9 @@ enum class ResizeMode {
 
 inline constexpr std::array allResizeModes{ResizeMode::stretch, ResizeMode::cropFill, ResizeMode::letterbox};
 
-constexpr int rawValue(ResizeMode mode) { return static_cast<int>(mode); }
+constexpr int rawValue(ResizeMode mode) {
+    return static_cast<int>(mode);
+}
 
 /// The mode at a position; nothing for any integer but 0, 1 and 2.
 constexpr std::optional<ResizeMode> resizeMode(int raw) {

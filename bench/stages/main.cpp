@@ -32,7 +32,9 @@ namespace {
 double cpuSeconds() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval &time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
+    const auto seconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
@@ -58,7 +60,9 @@ std::vector<media::Frame> decodeAll(const char *file, VideoInfo &info, media::Vi
     return frames;
 }
 
-void print(double cpu, double wall) { std::printf("{\"cpu\": %.3f, \"wall\": %.3f}\n", cpu, wall); }
+void print(double cpu, double wall) {
+    std::printf("{\"cpu\": %.3f, \"wall\": %.3f}\n", cpu, wall);
+}
 
 void decode(const char *file) {
     VideoInfo info;
@@ -72,7 +76,8 @@ std::vector<media::Picture> composeAll(const std::vector<media::Frame> &frames, 
     const ConversionSettings settings;
     const SBSGeometry geometry = sbsGeometry(settings, info.width, info.height);
     SBSComposition composition(geometry);
-    media::PicturePool pool(static_cast<int>(geometry.outW), static_cast<int>(geometry.outH), media::yuv420, info.track.colour);
+    media::PicturePool pool(static_cast<int>(geometry.outW), static_cast<int>(geometry.outH), media::yuv420,
+                            info.track.colour);
     std::vector<media::Picture> canvases;
     for (const media::Frame &frame : frames) {
         media::Picture canvas = pool.take();
@@ -108,7 +113,8 @@ void encode(const char *file) {
     media::VideoEncoding encoding;
     encoding.width = canvases.front().width;
     encoding.height = canvases.front().height;
-    encoding.averageBitRate = averageBitRate(timing.rate, static_cast<double>(encoding.width) * encoding.height, ConversionSettings().compressionQuality);
+    encoding.averageBitRate = averageBitRate(timing.rate, static_cast<double>(encoding.width) * encoding.height,
+                                             ConversionSettings().compressionQuality);
     encoding.frameRate = timing.rate;
     encoding.colour = info.track.colour;
     writer.addVideo(encoding);
@@ -134,7 +140,8 @@ void encodeStereo(const char *file) {
     media::StereoVideoEncoding encoding;
     encoding.width = width;
     encoding.height = static_cast<int>(info.height);
-    encoding.averageBitRate = averageBitRate(static_cast<double>(width) * encoding.height, timing.rate, ConversionSettings().compressionQuality);
+    encoding.averageBitRate = averageBitRate(static_cast<double>(width) * encoding.height, timing.rate,
+                                             ConversionSettings().compressionQuality);
     encoding.frameRate = timing.rate;
     encoding.colour = info.track.colour;
     encoding.baseline = 64000;
@@ -144,7 +151,8 @@ void encodeStereo(const char *file) {
     for (const media::Frame &frame : frames) {
         const media::Picture &picture = frame.pictures[0].picture;
         writer.append(media::cropped(picture, 0, 0, width, encoding.height),
-                      media::cropped(picture, width, 0, width, encoding.height), time++ * timing.frameDuration, timing.frameDuration);
+                      media::cropped(picture, width, 0, width, encoding.height), time++ * timing.frameDuration,
+                      timing.frameDuration);
     }
     writer.finishVideo();
     writer.finish();

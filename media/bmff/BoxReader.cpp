@@ -16,7 +16,8 @@ namespace {
 
 class FileSource : public Source {
 public:
-    explicit FileSource(const std::filesystem::path &file) : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    explicit FileSource(const std::filesystem::path &file)
+        : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         struct stat facts {};
         if (descriptor_ < 0)
             throw std::system_error(errno, std::generic_category());
@@ -69,9 +70,13 @@ constexpr std::uint64_t headerSize = 8;
 
 } // namespace
 
-std::unique_ptr<Source> openFile(const std::filesystem::path &file) { return std::make_unique<FileSource>(file); }
+std::unique_ptr<Source> openFile(const std::filesystem::path &file) {
+    return std::make_unique<FileSource>(file);
+}
 
-std::unique_ptr<Source> fromMemory(std::span<const std::uint8_t> bytes) { return std::make_unique<MemorySource>(bytes); }
+std::unique_ptr<Source> fromMemory(std::span<const std::uint8_t> bytes) {
+    return std::make_unique<MemorySource>(bytes);
+}
 
 bool BoxWalk::next(Box &box) {
     if (end_ > source_->size())

@@ -51,8 +51,8 @@ struct Box {
     std::uint64_t payloadSize() const { return end - begin; }
 };
 
-/// Walks the boxes in [begin, end) of a source. A counter that all walks of one file share bounds the work that a file can
-/// cause.
+/// Walks the boxes in [begin, end) of a source. A counter that all walks of one file share bounds the work that a file
+/// can cause.
 class BoxWalk {
 public:
     /// Boxes of one file that are looked at, in all.
@@ -96,8 +96,7 @@ private:
 
 /// What every full box's payload begins with.
 struct FullBoxHead {
-    explicit FullBoxHead(Fields &fields)
-        : version(fields.u8()), flags(static_cast<std::uint32_t>(fields.number(3))) {}
+    explicit FullBoxHead(Fields &fields) : version(fields.u8()), flags(static_cast<std::uint32_t>(fields.number(3))) {}
     std::uint8_t version;
     std::uint32_t flags;
 };

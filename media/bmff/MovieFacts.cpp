@@ -186,7 +186,9 @@ private:
 
 } // namespace
 
-StereoMovieFacts readStereoMovieFacts(const Source &source) { return Reader(source).movie(); }
+StereoMovieFacts readStereoMovieFacts(const Source &source) {
+    return Reader(source).movie();
+}
 
 } // namespace bmff
 

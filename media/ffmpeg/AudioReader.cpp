@@ -196,6 +196,8 @@ AudioReader::AudioReader(const std::filesystem::path &file, const AudioTrack &tr
 
 AudioReader::~AudioReader() = default;
 
-std::optional<AudioBlock> AudioReader::next() { return state_->next(); }
+std::optional<AudioBlock> AudioReader::next() {
+    return state_->next();
+}
 
 } // namespace lumetwin::media

@@ -50,7 +50,9 @@ int check(int code, const std::filesystem::path &file, const std::string &operat
     return code;
 }
 
-std::string fileAddress(const std::filesystem::path &file) { return "file:" + file.string(); }
+std::string fileAddress(const std::filesystem::path &file) {
+    return "file:" + file.string();
+}
 
 Input openInput(const std::filesystem::path &file) {
     std::error_code ignored;

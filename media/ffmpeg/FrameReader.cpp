@@ -224,6 +224,8 @@ std::optional<Frame> FrameReader::next() {
     return frame;
 }
 
-bool FrameReader::damaged() const { return state_->damaged; }
+bool FrameReader::damaged() const {
+    return state_->damaged;
+}
 
 } // namespace lumetwin::media

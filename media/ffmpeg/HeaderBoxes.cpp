@@ -19,9 +19,13 @@ void append32(MovieHeader &bytes, std::uint32_t value) {
     put32(bytes.data() + bytes.size() - 4, value);
 }
 
-void appendText(MovieHeader &bytes, std::string_view text) { bytes.insert(bytes.end(), text.begin(), text.end()); }
+void appendText(MovieHeader &bytes, std::string_view text) {
+    bytes.insert(bytes.end(), text.begin(), text.end());
+}
 
-void append(MovieHeader &bytes, const MovieHeader &more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
+void append(MovieHeader &bytes, const MovieHeader &more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
 
 MovieHeader box(std::string_view type, const MovieHeader &payload) {
     MovieHeader bytes;

@@ -28,12 +28,13 @@ struct Range {
 /// The first child of the given type in [begin, end).
 std::optional<Range> child(const MovieHeader &header, std::size_t begin, std::size_t end, std::string_view type);
 
-/// The box that the path of types leads to from the given box on, with all that lie on the way, outermost first; the given
-/// box is the first of them. Nothing where one is missing.
+/// The box that the path of types leads to from the given box on, with all that lie on the way, outermost first; the
+/// given box is the first of them. Nothing where one is missing.
 std::optional<std::vector<Range>> descend(const MovieHeader &header, const Range &from,
                                           const std::vector<std::string_view> &path);
 
-/// Puts bytes in the place of [begin, end), which lies inside all the given boxes, and sets their sizes and the header's.
+/// Puts bytes in the place of [begin, end), which lies inside all the given boxes, and sets their sizes and the
+/// header's.
 void replace(MovieHeader &header, const std::vector<Range> &enclosing, std::size_t begin, std::size_t end,
              const MovieHeader &bytes);
 

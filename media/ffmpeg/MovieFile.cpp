@@ -13,8 +13,8 @@ namespace lumetwin::media {
 namespace ffmpeg {
 
 Cropping cropping(const AVCodecParameters &parameters) {
-    const AVPacketSideData *data = av_packet_side_data_get(parameters.coded_side_data, parameters.nb_coded_side_data,
-                                                           AV_PKT_DATA_FRAME_CROPPING);
+    const AVPacketSideData *data =
+        av_packet_side_data_get(parameters.coded_side_data, parameters.nb_coded_side_data, AV_PKT_DATA_FRAME_CROPPING);
     if (!data || data->size < 16)
         return {};
     const auto number = [&](int index) { return static_cast<int>(AV_RL32(data->data + 4 * index)); };
@@ -57,7 +57,9 @@ MovieFile::MovieFile(const std::filesystem::path &file)
 
 MovieFile::~MovieFile() = default;
 
-const std::filesystem::path &MovieFile::path() const { return state_->path; }
+const std::filesystem::path &MovieFile::path() const {
+    return state_->path;
+}
 
 std::optional<VideoTrack> MovieFile::videoTrack() const {
     const AVStream *stream = firstStream(*state_->input, AVMEDIA_TYPE_VIDEO);

@@ -72,7 +72,8 @@ std::optional<std::string> lookUp(const MovieTags &tags, const TagName &name) {
     std::string upper(name.muxer);
     for (char &letter : upper)
         letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
-    for (const std::string &key : {std::string(name.item), std::string(name.muxer), upper, std::string(name.muxer) + "-eng"})
+    for (const std::string &key :
+         {std::string(name.item), std::string(name.muxer), upper, std::string(name.muxer) + "-eng"})
         if (const auto found = tags.find(key); found != tags.end() && !found->second.empty())
             return found->second;
     return std::nullopt;
@@ -89,7 +90,8 @@ void editMovieHeader(const std::filesystem::path &file, const std::function<void
     edit(header.bytes);
     put32(header.bytes.data(), static_cast<std::uint32_t>(header.bytes.size()));
     stream.seekp(header.offset);
-    stream.write(reinterpret_cast<const char *>(header.bytes.data()), static_cast<std::streamsize>(header.bytes.size()));
+    stream.write(reinterpret_cast<const char *>(header.bytes.data()),
+                 static_cast<std::streamsize>(header.bytes.size()));
     stream.close();
     if (!stream)
         throw MediaError(file, operation, -errno, std::strerror(errno));

@@ -32,8 +32,8 @@ void setPresentationSize(MovieHeader &header, int width, int height);
 /// Format, "Metadata"). Does nothing without tags.
 void addMetadata(MovieHeader &header, const MovieTags &items);
 
-/// What a source's tags mean, under the names by which the muxer knows them (creation_time, title, make, model, location,
-/// …), and under those of metadata items (com.apple.quicktime.make, …).
+/// What a source's tags mean, under the names by which the muxer knows them (creation_time, title, make, model,
+/// location, …), and under those of metadata items (com.apple.quicktime.make, …).
 MovieTags muxerTags(const MovieTags &source);
 MovieTags metadataItems(const MovieTags &source);
 

@@ -73,8 +73,8 @@ struct MovieWriter::State {
     State(const std::filesystem::path &file, Container kind, MovieTags movieTags)
         : output(file), partial(partialName(file)), container(kind), tags(std::move(movieTags)) {
         AVFormatContext *context = nullptr;
-        check(avformat_alloc_output_context2(&context, nullptr, kind == Container::mpeg4 ? "mp4" : "mov", nullptr), output,
-              operation);
+        check(avformat_alloc_output_context2(&context, nullptr, kind == Container::mpeg4 ? "mp4" : "mov", nullptr),
+              output, operation);
         muxer.reset(context);
         check(avio_open(&muxer->pb, ffmpeg::fileAddress(partial).c_str(), AVIO_FLAG_WRITE), output, operation);
     }
@@ -104,8 +104,7 @@ struct MovieWriter::State {
             encoding.join();
     }
 
-    template <typename Work>
-    void guarded(const Work &work) {
+    template <typename Work> void guarded(const Work &work) {
         try {
             work();
         } catch (...) {
@@ -162,8 +161,8 @@ struct MovieWriter::State {
         for (const auto &[key, value] : ffmpeg::muxerTags(tags))
             av_dict_set(&muxer->metadata, key.c_str(), value.c_str(), 0);
         AVDictionary *options = nullptr;
-        // Written in fragments, and turned into an ordinary movie at the end. Edit lists place the first picture and the first
-        // sound at 0; by itself the muxer writes none into fragments.
+        // Written in fragments, and turned into an ordinary movie at the end. Edit lists place the first picture and
+        // the first sound at 0; by itself the muxer writes none into fragments.
         av_dict_set(&options, "movflags", "+hybrid_fragmented", 0);
         av_dict_set(&options, "use_editlist", "1", 0);
         av_dict_set(&options, "frag_duration", fragmentDuration, 0);
@@ -261,7 +260,9 @@ void MovieWriter::addVideo(const StereoVideoEncoding &encoding) {
     state_->balance.add(TrackBalance::video);
 }
 
-void MovieWriter::start(int timeScale) { state_->start(timeScale); }
+void MovieWriter::start(int timeScale) {
+    state_->start(timeScale);
+}
 
 void MovieWriter::append(const Picture &picture, std::int64_t time, std::int64_t duration) {
     state_->append({picture, std::nullopt, time, duration});
@@ -295,9 +296,13 @@ bool MovieWriter::failed() const {
     return state_->failure != nullptr;
 }
 
-void MovieWriter::abandon() { state_->abandon(); }
+void MovieWriter::abandon() {
+    state_->abandon();
+}
 
-void MovieWriter::finish() { state_->finish(); }
+void MovieWriter::finish() {
+    state_->finish();
+}
 
 void MovieWriter::cancel() {
     state_->abandon();

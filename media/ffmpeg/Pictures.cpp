@@ -176,8 +176,9 @@ FramePointer frameOf(const Picture &picture) {
     }
     auto *holder = new std::shared_ptr<void>(picture.storage);
     frame->buf[0] = av_buffer_create(
-        picture.planes[0].data, 1, [](void *opaque, std::uint8_t *) { delete static_cast<std::shared_ptr<void> *>(opaque); },
-        holder, AV_BUFFER_FLAG_READONLY);
+        picture.planes[0].data, 1,
+        [](void *opaque, std::uint8_t *) { delete static_cast<std::shared_ptr<void> *>(opaque); }, holder,
+        AV_BUFFER_FLAG_READONLY);
     if (!frame->buf[0]) {
         delete holder;
         throw std::bad_alloc();

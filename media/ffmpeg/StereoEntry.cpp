@@ -40,11 +40,13 @@ MovieHeader joined(std::initializer_list<MovieHeader> parts) {
 }
 
 MovieHeader videoExtendedUsage(const StereoVideoEncoding &encoding) {
-    const auto eyes = static_cast<std::uint8_t>((encoding.hasLeftEye ? leftEye : 0) | (encoding.hasRightEye ? rightEye : 0));
-    MovieHeader payload = box(
-        "eyes", joined({fullBox("stri", {eyes}), fullBox("hero", {leftIsHero}),
-                        box("cams", fullBox("blin", number(encoding.baseline))),
-                        box("cmfy", fullBox("dadj", number(static_cast<std::uint32_t>(encoding.disparityAdjustment))))}));
+    const auto eyes =
+        static_cast<std::uint8_t>((encoding.hasLeftEye ? leftEye : 0) | (encoding.hasRightEye ? rightEye : 0));
+    MovieHeader payload =
+        box("eyes",
+            joined({fullBox("stri", {eyes}), fullBox("hero", {leftIsHero}),
+                    box("cams", fullBox("blin", number(encoding.baseline))),
+                    box("cmfy", fullBox("dadj", number(static_cast<std::uint32_t>(encoding.disparityAdjustment))))}));
     MovieHeader rectilinear;
     appendText(rectilinear, "rect");
     if (encoding.rectilinear)
@@ -120,7 +122,8 @@ void addApertures(MovieHeader &header, int width, int height) {
         return;
     const std::uint8_t *fields = header.data() + path->back().begin + 16 + 8;
     const std::uint32_t coded = get32(fields + sizeField);
-    const MovieHeader shown = joined({number(static_cast<std::uint32_t>(width) << 16), number(static_cast<std::uint32_t>(height) << 16)});
+    const MovieHeader shown =
+        joined({number(static_cast<std::uint32_t>(width) << 16), number(static_cast<std::uint32_t>(height) << 16)});
     const MovieHeader encoded = joined({number(coded >> 16 << 16), number(coded << 16)});
     replace(header, {*track}, head->end, head->end,
             box("tapt", joined({fullBox("clef", shown), fullBox("prof", shown), fullBox("enof", encoded)})));

@@ -23,13 +23,16 @@ struct AvFree {
     void operator()(void *memory) const { av_free(memory); }
 };
 
-/// A value as the muxer's fraction that is never exactly zero: it leaves out boxes for zero values, which readers of spatial
-/// video expect all the same, and a millionth becomes 0 in the box's unit.
-AVRational fraction(int value, int unit) { return value == 0 ? AVRational{1, 1'000'000} : AVRational{value, unit}; }
+/// A value as the muxer's fraction that is never exactly zero: it leaves out boxes for zero values, which readers of
+/// spatial video expect all the same, and a millionth becomes 0 in the box's unit.
+AVRational fraction(int value, int unit) {
+    return value == 0 ? AVRational{1, 1'000'000} : AVRational{value, unit};
+}
 
 template <typename Value>
 void attach(AVCodecParameters &parameters, AVPacketSideDataType type, Value *value, std::size_t size) {
-    if (!value || !av_packet_side_data_add(&parameters.coded_side_data, &parameters.nb_coded_side_data, type, value, size, 0)) {
+    if (!value ||
+        !av_packet_side_data_add(&parameters.coded_side_data, &parameters.nb_coded_side_data, type, value, size, 0)) {
         av_free(value);
         throw std::bad_alloc();
     }
@@ -58,7 +61,8 @@ void attachStereoFacts(AVCodecParameters &parameters, const StereoVideoEncoding 
 class StereoTrackEncoder : public VideoTrackEncoder {
 public:
     StereoTrackEncoder(const std::filesystem::path &file, const StereoVideoEncoding &encoding, int timeScale)
-        : file_(file), encoding_(encoding), width_(codedSize(encoding.width, 2)), height_(codedSize(encoding.height, 2)),
+        : file_(file), encoding_(encoding), width_(codedSize(encoding.width, 2)),
+          height_(codedSize(encoding.height, 2)),
           duration_(std::max<std::int64_t>(1, std::llround(timeScale / encoding.frameRate))),
           pool_(width_, height_, yuv420, encoding.colour),
           encoder_(file, {width_, height_, encoding.averageBitRate, timeScale, duration_, encoding.colour,
@@ -87,9 +91,10 @@ public:
         stream.avg_frame_rate = av_d2q(encoding_.frameRate, 1001 * 1000);
     }
 
-    void encode(const Picture &left, const Picture *right, std::int64_t time, std::int64_t, const PacketSink &sink) override {
-        encoder_.encode(padded(left, width_, height_, pool_), padded(right ? *right : left, width_, height_, pool_), time,
-                        packets(sink));
+    void encode(const Picture &left, const Picture *right, std::int64_t time, std::int64_t,
+                const PacketSink &sink) override {
+        encoder_.encode(padded(left, width_, height_, pool_), padded(right ? *right : left, width_, height_, pool_),
+                        time, packets(sink));
     }
 
     void finish(const PacketSink &sink) override { encoder_.finish(packets(sink)); }

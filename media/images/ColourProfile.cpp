@@ -105,7 +105,9 @@ std::ptrdiff_t planeDistance(const Picture &picture) {
 
 } // namespace
 
-std::vector<std::uint8_t> sRGBProfile() { return bytesOf(Profile(cmsCreate_sRGBProfile())); }
+std::vector<std::uint8_t> sRGBProfile() {
+    return bytesOf(Profile(cmsCreate_sRGBProfile()));
+}
 
 std::vector<std::uint8_t> profileOf(const double (&white)[2], const double (&primaries)[3][2], double gamma) {
     return bytesOf(rgbProfile(white, primaries, Curve(cmsBuildGamma(nullptr, gamma))));
@@ -135,8 +137,8 @@ bool isSRGB(std::span<const std::uint8_t> bytes) {
     const Profile standard(cmsCreate_sRGBProfile());
     if (!profile || !standard || cmsGetColorSpace(profile.get()) != cmsSigRgbData)
         return false;
-    const Transform transform(cmsCreateTransform(profile.get(), TYPE_RGB_8, standard.get(), TYPE_RGB_8,
-                                                 INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE));
+    const Transform transform(
+        cmsCreateTransform(profile.get(), TYPE_RGB_8, standard.get(), TYPE_RGB_8, INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE));
     if (!transform)
         return false;
     for (int sample = 0; sample < 729; ++sample) { // nine levels a channel
@@ -172,13 +174,11 @@ Picture throughProfile(Picture picture, std::span<const std::uint8_t> bytes, con
                                 : makePicture(picture.width, picture.height,
                                               {ColourModel::rgb, picture.format.depth, 0, 0}, colour);
     out.colour = colour;
-    cmsDoTransformLineStride(transform.get(), picture.planes[0].data, out.planes[0].data,
-                             static_cast<cmsUInt32Number>(picture.width),
-                             static_cast<cmsUInt32Number>(picture.height),
-                             static_cast<cmsUInt32Number>(picture.planes[0].stride),
-                             static_cast<cmsUInt32Number>(out.planes[0].stride),
-                             static_cast<cmsUInt32Number>(planeDistance(picture)),
-                             static_cast<cmsUInt32Number>(planeDistance(out)));
+    cmsDoTransformLineStride(
+        transform.get(), picture.planes[0].data, out.planes[0].data, static_cast<cmsUInt32Number>(picture.width),
+        static_cast<cmsUInt32Number>(picture.height), static_cast<cmsUInt32Number>(picture.planes[0].stride),
+        static_cast<cmsUInt32Number>(out.planes[0].stride), static_cast<cmsUInt32Number>(planeDistance(picture)),
+        static_cast<cmsUInt32Number>(planeDistance(out)));
     return out;
 }
 
@@ -205,8 +205,7 @@ CmykRows::~CmykRows() = default;
 
 namespace {
 
-template <typename Sample>
-void idealInks(const Sample *cmyk, Sample *rgb, int count, bool inverted) {
+template <typename Sample> void idealInks(const Sample *cmyk, Sample *rgb, int count, bool inverted) {
     constexpr std::uint32_t full = static_cast<Sample>(~Sample{0});
     for (int i = 0; i < count; ++i) {
         std::array<std::uint32_t, 4> light{};
@@ -223,11 +222,9 @@ void CmykRows::convert(const void *cmyk, void *rgb, int count) const {
     if (state_->transform)
         cmsDoTransform(state_->transform.get(), cmyk, rgb, static_cast<cmsUInt32Number>(count));
     else if (state_->bytes == 1)
-        idealInks(static_cast<const std::uint8_t *>(cmyk), static_cast<std::uint8_t *>(rgb), count,
-                  state_->inverted);
+        idealInks(static_cast<const std::uint8_t *>(cmyk), static_cast<std::uint8_t *>(rgb), count, state_->inverted);
     else
-        idealInks(static_cast<const std::uint16_t *>(cmyk), static_cast<std::uint16_t *>(rgb), count,
-                  state_->inverted);
+        idealInks(static_cast<const std::uint16_t *>(cmyk), static_cast<std::uint16_t *>(rgb), count, state_->inverted);
 }
 
 } // namespace lumetwin::media::images

@@ -30,8 +30,8 @@ bool suits(std::span<const std::uint8_t> profile, int channels);
 /// picture. Throws MediaError when the profile is unusable.
 Picture throughProfile(Picture picture, std::span<const std::uint8_t> profile, const std::filesystem::path &file);
 
-/// Converts rows of interleaved CMYK samples, 0 no ink, to interleaved sRGB of the same depth. Without a usable profile inks are
-/// taken as ideal.
+/// Converts rows of interleaved CMYK samples, 0 no ink, to interleaved sRGB of the same depth. Without a usable profile
+/// inks are taken as ideal.
 class CmykRows {
 public:
     /// `bytesPerSample` 1 or 2; `inverted`: the rows hold 0 for full ink.

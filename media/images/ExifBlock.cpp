@@ -14,15 +14,26 @@ namespace {
 
 constexpr std::size_t valueLimit = 16u << 20; // bytes of all values together
 constexpr std::uint32_t fieldLimit = 1000;    // of one directory
-constexpr std::uint32_t noteLimit = 1u << 20;  // a note farther behind is moved
+constexpr std::uint32_t noteLimit = 1u << 20; // a note farther behind is moved
 
 // Fields of the camera's directory that tell of the photograph; the others describe how a file stores samples.
-constexpr std::array<std::uint16_t, 17> cameraFields{
-    0x010E /* description */, 0x010F /* make */,     0x0110 /* model */,     0x011A /* x resolution */,
-    0x011B /* y resolution */, 0x0128 /* its unit */, 0x0131 /* software */,  0x0132 /* date and time */,
-    0x013B /* artist */,      0x013C /* host */,     0x4746 /* rating */,    0x8298 /* copyright */,
-    0x9C9B /* title … */,     0x9C9C /* comment */,  0x9C9D /* author */,    0x9C9E /* keywords */,
-    0x9C9F /* subject */};
+constexpr std::array<std::uint16_t, 17> cameraFields{0x010E /* description */,
+                                                     0x010F /* make */,
+                                                     0x0110 /* model */,
+                                                     0x011A /* x resolution */,
+                                                     0x011B /* y resolution */,
+                                                     0x0128 /* its unit */,
+                                                     0x0131 /* software */,
+                                                     0x0132 /* date and time */,
+                                                     0x013B /* artist */,
+                                                     0x013C /* host */,
+                                                     0x4746 /* rating */,
+                                                     0x8298 /* copyright */,
+                                                     0x9C9B /* title … */,
+                                                     0x9C9C /* comment */,
+                                                     0x9C9D /* author */,
+                                                     0x9C9E /* keywords */,
+                                                     0x9C9F /* subject */};
 
 constexpr std::uint16_t orientation = 0x0112;
 constexpr std::uint16_t chromaPositioning = 0x0213;
@@ -93,10 +104,9 @@ void drop(ExifBlock::Directory &directory, std::uint16_t tag) {
 void order(ExifBlock::Directory &directory) {
     std::stable_sort(directory.begin(), directory.end(),
                      [](const ExifBlock::Field &one, const ExifBlock::Field &other) { return one.tag < other.tag; });
-    const auto repeated = std::unique(directory.begin(), directory.end(),
-                                      [](const ExifBlock::Field &one, const ExifBlock::Field &other) {
-                                          return one.tag == other.tag;
-                                      });
+    const auto repeated =
+        std::unique(directory.begin(), directory.end(),
+                    [](const ExifBlock::Field &one, const ExifBlock::Field &other) { return one.tag == other.tag; });
     directory.erase(repeated, directory.end());
 }
 
@@ -107,8 +117,8 @@ bool isCameraField(const ExifBlock::Field &field) {
 /// Notes whose inner offsets count from their own beginning.
 bool movesFreely(const std::vector<std::uint8_t> &note) {
     using namespace std::string_view_literals;
-    constexpr std::array beginnings{"Apple iOS\0"sv, "Nikon\0\x02"sv, "FUJIFILM"sv, "OLYMPUS\0"sv, "OM SYSTEM\0"sv,
-                                    "PENTAX \0"sv};
+    constexpr std::array beginnings{"Apple iOS\0"sv, "Nikon\0\x02"sv, "FUJIFILM"sv,
+                                    "OLYMPUS\0"sv,   "OM SYSTEM\0"sv, "PENTAX \0"sv};
     const std::string_view text(reinterpret_cast<const char *>(note.data()), note.size());
     return std::any_of(beginnings.begin(), beginnings.end(),
                        [text](std::string_view beginning) { return text.starts_with(beginning); });
@@ -136,7 +146,8 @@ ExifBlock ExifBlock::parse(const Source &source) {
         return block;
     const auto follow = [&](const Directory &directory, std::uint16_t tag) {
         const Field *field = find(directory, tag);
-        return field && field->value.size() == 4 ? parser.directory(parser.number(field->value.data(), 4)) : Directory{};
+        return field && field->value.size() == 4 ? parser.directory(parser.number(field->value.data(), 4))
+                                                 : Directory{};
     };
     block.camera_ = parser.directory(parser.number(header.data() + 4, 4));
     block.photograph_ = follow(block.camera_, exif::photographDirectory);
@@ -150,7 +161,9 @@ ExifBlock ExifBlock::parse(const Source &source) {
     return block;
 }
 
-bool ExifBlock::empty() const { return camera_.empty() && photograph_.empty() && position_.empty(); }
+bool ExifBlock::empty() const {
+    return camera_.empty() && photograph_.empty() && position_.empty();
+}
 
 std::string ExifBlock::imageText(std::uint16_t tag) const {
     const Field *field = find(camera_, tag);
@@ -187,7 +200,9 @@ void ExifBlock::describeSRGB() {
     interoperability_.clear(); // it may tell of another colour space
 }
 
-void ExifBlock::dropMakerNote() { drop(photograph_, exif::makerNote); }
+void ExifBlock::dropMakerNote() {
+    drop(photograph_, exif::makerNote);
+}
 
 std::vector<std::uint8_t> ExifBlock::bytes() const {
     constexpr std::uint32_t headerSize = 8;

@@ -10,9 +10,9 @@
 
 namespace lumetwin::media::images {
 
-/// What an Exif block (CIPA DC-008, a TIFF structure) tells of a photograph: the camera's, the photograph's, the position's and the
-/// interoperability directories. Thumbnails and fields that describe how samples are stored are left out; values
-/// stay in the block's byte order.
+/// What an Exif block (CIPA DC-008, a TIFF structure) tells of a photograph: the camera's, the photograph's, the
+/// position's and the interoperability directories. Thumbnails and fields that describe how samples are stored are left
+/// out; values stay in the block's byte order.
 class ExifBlock {
 public:
     /// One field; `value` holds count items of the type.
@@ -62,7 +62,8 @@ private:
     Directory interoperability_;
 };
 
-/// The photograph's fields in a TIFF file, as an Exif block; empty where there are none. Never throws for what the file holds.
+/// The photograph's fields in a TIFF file, as an Exif block; empty where there are none. Never throws for what the file
+/// holds.
 std::vector<std::uint8_t> exifOfTiffFile(const std::filesystem::path &file);
 
 /// Appends the directories of the photograph and the position to a little-endian TIFF file whose first directory has

@@ -37,7 +37,9 @@ int tileSize(int size, int count) {
     return (even + tileUnit - 1) / tileUnit * tileUnit;
 }
 
-int tilesFor(int size, std::int64_t largest) { return static_cast<int>((size + largest - 1) / largest); }
+int tilesFor(int size, std::int64_t largest) {
+    return static_cast<int>((size + largest - 1) / largest);
+}
 
 Tiling tilingOf(const Picture &picture) {
     if (std::max(picture.width, picture.height) <= x265::largestStillSide &&
@@ -66,11 +68,13 @@ Picture tileOf(const Picture &picture, const Tiling &tiling, int column, int row
 
 /// Two pictures are coded at once, whether they are eyes or tiles: each gets half the machine. More at once
 /// would need more memory.
-int threadsForEach() { return std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / 2); }
+int threadsForEach() {
+    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / 2);
+}
 
 /// Codes the tiles from the first on in steps, so that workers can share them.
-void codeTiles(const std::filesystem::path &file, const Picture &picture, const Tiling &tiling, int quantiser, int first,
-               int step, std::vector<x265::CodedStill> &stills) {
+void codeTiles(const std::filesystem::path &file, const Picture &picture, const Tiling &tiling, int quantiser,
+               int first, int step, std::vector<x265::CodedStill> &stills) {
     for (int index = first; index < tiling.count(); index += step)
         stills[static_cast<std::size_t>(index)] = x265::encodeStill(
             file, tileOf(picture, tiling, index % tiling.columns, index / tiling.columns), quantiser, threadsForEach());
@@ -85,9 +89,8 @@ std::vector<x265::CodedStill> codedTiles(const std::filesystem::path &file, Pict
     }
     std::vector<std::future<void>> others;
     for (int worker = 1; worker < workers; ++worker)
-        others.push_back(std::async(std::launch::async, [&, worker] {
-            codeTiles(file, picture, tiling, quantiser, worker, workers, stills);
-        }));
+        others.push_back(std::async(
+            std::launch::async, [&, worker] { codeTiles(file, picture, tiling, quantiser, worker, workers, stills); }));
     codeTiles(file, picture, tiling, quantiser, 0, workers, stills);
     for (std::future<void> &other : others)
         other.get();
@@ -137,7 +140,8 @@ int heifQuantiser(double quality) {
 }
 
 void writeHeif(const PartialFile &file, StillImage image, double quality) {
-    heif::writeHeif(file, codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality), 2));
+    heif::writeHeif(file,
+                    codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality), 2));
 }
 
 } // namespace images
@@ -158,8 +162,8 @@ heif::CodedImage codedEye(const std::filesystem::path &file, Picture eye, const 
 
 } // namespace
 
-void writeSpatialPhoto(const std::filesystem::path &file, Picture left, Picture right,
-                       const SpatialPhotoFacts &facts, const ImageMetadata &metadata) {
+void writeSpatialPhoto(const std::filesystem::path &file, Picture left, Picture right, const SpatialPhotoFacts &facts,
+                       const ImageMetadata &metadata) {
     const heif::Camera leftCamera{facts.focalLength, facts.principalPoint, {}};
     const heif::Camera rightCamera{facts.focalLength, facts.principalPoint, facts.rightPosition};
     auto later = std::async(std::launch::async, [&, eye = std::move(right)]() mutable {

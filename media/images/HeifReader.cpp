@@ -162,7 +162,8 @@ std::vector<std::uint8_t> block(const heif_image_handle *handle, heif_item_id id
 std::vector<std::uint8_t> exifIn(const std::vector<std::uint8_t> &item) {
     if (item.size() < 4)
         return {};
-    const std::size_t offset = (std::size_t{item[0]} << 24 | std::size_t{item[1]} << 16 | std::size_t{item[2]} << 8 | item[3]) + 4;
+    const std::size_t offset =
+        (std::size_t{item[0]} << 24 | std::size_t{item[1]} << 16 | std::size_t{item[2]} << 8 | item[3]) + 4;
     if (offset >= item.size())
         return {};
     return {item.begin() + static_cast<std::ptrdiff_t>(offset), item.end()};
@@ -171,7 +172,8 @@ std::vector<std::uint8_t> exifIn(const std::vector<std::uint8_t> &item) {
 ImageMetadata metadataIn(const heif_image_handle *handle) {
     ImageMetadata metadata;
     metadata.iccProfile = profileIn(handle);
-    std::vector<heif_item_id> ids(static_cast<std::size_t>(heif_image_handle_get_number_of_metadata_blocks(handle, nullptr)));
+    std::vector<heif_item_id> ids(
+        static_cast<std::size_t>(heif_image_handle_get_number_of_metadata_blocks(handle, nullptr)));
     heif_image_handle_get_list_of_metadata_block_IDs(handle, nullptr, ids.data(), static_cast<int>(ids.size()));
     for (const heif_item_id id : ids) {
         if (std::strcmp(heif_image_handle_get_metadata_type(handle, id), "Exif") == 0 && metadata.exif.empty())
@@ -192,13 +194,16 @@ Picture planesOf(const HeifContext &context, const heif_image_handle *handle) {
     const bool grey = heif_image_get_colorspace(image.get()) == heif_colorspace_monochrome;
     const bool rgb = heif_image_get_colorspace(image.get()) == heif_colorspace_RGB;
     const heif_channel first = rgb ? heif_channel_R : heif_channel_Y;
-    const heif_channel channels[3] = {first, rgb ? heif_channel_G : heif_channel_Cb, rgb ? heif_channel_B : heif_channel_Cr};
+    const heif_channel channels[3] = {first, rgb ? heif_channel_G : heif_channel_Cb,
+                                      rgb ? heif_channel_B : heif_channel_Cr};
     const heif_chroma chroma = heif_image_get_chroma_format(image.get());
     const bool halfWide = chroma == heif_chroma_420 || chroma == heif_chroma_422;
     picture.width = heif_image_get_primary_width(image.get());
     picture.height = heif_image_get_primary_height(image.get());
     checkSize(context.file, picture.width, picture.height);
-    picture.format = {grey ? ColourModel::grey : rgb ? ColourModel::rgb : ColourModel::yuv,
+    picture.format = {grey  ? ColourModel::grey
+                      : rgb ? ColourModel::rgb
+                            : ColourModel::yuv,
                       heif_image_get_bits_per_pixel_range(image.get(), first), halfWide ? 1 : 0,
                       chroma == heif_chroma_420 ? 1 : 0};
     picture.colour = tagsOf(image.get(), handle);
@@ -247,7 +252,7 @@ Picture rgbOf(const HeifContext &context, const heif_image_handle *handle) {
     if (!data)
         throw MediaError(context.file, "Cannot read", 0, "this layout of samples is not supported");
     const int channels = transparent ? 4 : 3;
-    const Alpha alpha = !transparent ? Alpha::none
+    const Alpha alpha = !transparent                                       ? Alpha::none
                         : heif_image_handle_is_premultiplied_alpha(handle) ? Alpha::premultiplied
                                                                            : Alpha::straight;
     for (int y = 0; y < height; ++y) {

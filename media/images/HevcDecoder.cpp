@@ -32,18 +32,26 @@ struct Decoding {
     std::vector<std::uint8_t> stream;
 };
 
-Decoding &decodingOf(void *decoder) { return *static_cast<Decoding *>(decoder); }
+Decoding &decodingOf(void *decoder) {
+    return *static_cast<Decoding *>(decoder);
+}
 
-const char *pluginName() { return "HEVC through FFmpeg"; }
+const char *pluginName() {
+    return "HEVC through FFmpeg";
+}
 
-int supports(heif_compression_format format) { return format == heif_compression_HEVC ? priority : 0; }
+int supports(heif_compression_format format) {
+    return format == heif_compression_HEVC ? priority : 0;
+}
 
 heif_error newDecoder(void **decoder) {
     *decoder = new (std::nothrow) Decoding;
     return *decoder ? success : failure("not enough memory");
 }
 
-void freeDecoder(void *decoder) { delete static_cast<Decoding *>(decoder); }
+void freeDecoder(void *decoder) {
+    delete static_cast<Decoding *>(decoder);
+}
 
 /// Parameter sets and slices come with their lengths before them, as they lie in the file.
 heif_error push(void *decoder, const void *data, std::size_t size) {
@@ -53,8 +61,8 @@ heif_error push(void *decoder, const void *data, std::size_t size) {
         while (size > 0) {
             if (size < 4)
                 return failure("a picture ends early", heif_suberror_End_of_data);
-            const std::size_t length = std::size_t{bytes[0]} << 24 | std::size_t{bytes[1]} << 16 |
-                                       std::size_t{bytes[2]} << 8 | bytes[3];
+            const std::size_t length =
+                std::size_t{bytes[0]} << 24 | std::size_t{bytes[1]} << 16 | std::size_t{bytes[2]} << 8 | bytes[3];
             if (length > size - 4)
                 return failure("a picture ends early", heif_suberror_End_of_data);
             stream.insert(stream.end(), startCode.begin(), startCode.end());
@@ -187,6 +195,8 @@ constexpr heif_decoder_plugin plugin{
 
 } // namespace
 
-const heif_decoder_plugin *hevcDecoder() { return &plugin; }
+const heif_decoder_plugin *hevcDecoder() {
+    return &plugin;
+}
 
 } // namespace lumetwin::media::images

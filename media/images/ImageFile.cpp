@@ -45,7 +45,9 @@ ImageKind requireKind(const std::filesystem::path &file) {
 }
 
 /// Code points 5 and 6 of ITU-T H.273 name the same matrix.
-bool isBT601(int one, int other) { return one >= 5 && one <= 6 && other >= 5 && other <= 6; }
+bool isBT601(int one, int other) {
+    return one >= 5 && one <= 6 && other >= 5 && other <= 6;
+}
 
 } // namespace
 

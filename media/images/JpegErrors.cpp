@@ -7,7 +7,9 @@ namespace lumetwin::media::images {
 
 namespace {
 
-JpegErrors &errorsOf(j_common_ptr codec) { return *static_cast<JpegErrors *>(codec->client_data); }
+JpegErrors &errorsOf(j_common_ptr codec) {
+    return *static_cast<JpegErrors *>(codec->client_data);
+}
 
 [[noreturn]] void giveUp(j_common_ptr codec) {
     JpegErrors &errors = errorsOf(codec);

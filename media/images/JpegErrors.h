@@ -23,8 +23,7 @@ struct JpegErrors {
 
 /// Runs a step that calls the JPEG library; false when the library gave up, with the reason in `errors`. The step
 /// must not own anything: the library leaves it by a jump.
-template <typename Step>
-bool succeeds(JpegErrors &errors, const Step &step) {
+template <typename Step> bool succeeds(JpegErrors &errors, const Step &step) {
     if (setjmp(errors.jump) != 0)
         return false;
     step();

@@ -16,9 +16,9 @@ namespace lumetwin::media::images {
 
 namespace {
 
-constexpr char exifMark[] = "Exif\0";                            // with its second zero: six bytes
+constexpr char exifMark[] = "Exif\0";                      // with its second zero: six bytes
 constexpr char xmpMark[] = "http://ns.adobe.com/xap/1.0/"; // with its zero
-constexpr int scanLimit = 256; // a file may ask for very much work with very few bytes
+constexpr int scanLimit = 256;                             // a file may ask for very much work with very few bytes
 
 struct Decoder {
     JpegErrors errors;
@@ -42,8 +42,7 @@ struct Decoder {
         throw MediaError(file, "Cannot read", errors.code, reason);
     }
 
-    template <typename Step>
-    void run(const Step &step) {
+    template <typename Step> void run(const Step &step) {
         if (!succeeds(errors, step))
             fail(errors.message);
     }
@@ -68,8 +67,7 @@ void readHeader(Decoder &decoder, std::FILE *stream) {
     checkSize(decoder.file, decoder.codec.image_width, decoder.codec.image_height);
 }
 
-template <std::size_t size>
-bool beginsWith(const jpeg_marker_struct &marker, const char (&mark)[size]) {
+template <std::size_t size> bool beginsWith(const jpeg_marker_struct &marker, const char (&mark)[size]) {
     return marker.data_length >= size && std::memcmp(marker.data, mark, size) == 0;
 }
 
@@ -103,9 +101,8 @@ std::optional<PictureFormat> planarFormat(const jpeg_decompress_struct &codec) {
     if (codec.jpeg_color_space != JCS_YCbCr || codec.num_components != 3)
         return std::nullopt;
     const jpeg_component_info *parts = codec.comp_info;
-    const bool simple = parts[0].h_samp_factor <= 2 && parts[0].v_samp_factor <= 2 &&
-                        parts[1].h_samp_factor == 1 && parts[1].v_samp_factor == 1 &&
-                        parts[2].h_samp_factor == 1 && parts[2].v_samp_factor == 1;
+    const bool simple = parts[0].h_samp_factor <= 2 && parts[0].v_samp_factor <= 2 && parts[1].h_samp_factor == 1 &&
+                        parts[1].v_samp_factor == 1 && parts[2].h_samp_factor == 1 && parts[2].v_samp_factor == 1;
     if (!simple)
         return std::nullopt;
     return PictureFormat{ColourModel::yuv, 8, parts[0].h_samp_factor - 1, parts[0].v_samp_factor - 1};
@@ -141,8 +138,7 @@ void readPlanes(Decoder &decoder, const Picture &picture) {
 }
 
 /// Decodes row by row in the given colour space; `take` gets each row.
-template <typename Take>
-void readRows(Decoder &decoder, J_COLOR_SPACE space, int channels, const Take &take) {
+template <typename Take> void readRows(Decoder &decoder, J_COLOR_SPACE space, int channels, const Take &take) {
     jpeg_decompress_struct &codec = decoder.codec;
     std::vector<JSAMPLE> buffer(static_cast<std::size_t>(codec.image_width) * channels);
     decoder.run([&] {
@@ -162,11 +158,12 @@ constexpr ColourTags rgbColour{1, 13, 0, ColourRange::full, ChromaLocation::unsp
 Picture readInterleaved(Decoder &decoder, ImageMetadata &metadata) {
     const jpeg_decompress_struct &codec = decoder.codec;
     const int width = static_cast<int>(codec.image_width);
-    const Picture picture = makeChecked(decoder.file, width, static_cast<int>(codec.image_height),
-                                        {ColourModel::rgb, 8, 0, 0}, rgbColour);
+    const Picture picture =
+        makeChecked(decoder.file, width, static_cast<int>(codec.image_height), {ColourModel::rgb, 8, 0, 0}, rgbColour);
     if (codec.num_components != 4) {
-        readRows(decoder, JCS_RGB, 3,
-                 [&](const JSAMPLE *row, int y) { scatterRow(row, PixelLayout{3, Alpha::none}, picture, 0, y, width); });
+        readRows(decoder, JCS_RGB, 3, [&](const JSAMPLE *row, int y) {
+            scatterRow(row, PixelLayout{3, Alpha::none}, picture, 0, y, width);
+        });
         return picture;
     }
     // Files with Adobe's marker hold inverted inks.

@@ -35,16 +35,14 @@ struct Encoder {
     }
     Encoder(const Encoder &) = delete;
 
-    template <typename Step>
-    void run(const Step &step) {
+    template <typename Step> void run(const Step &step) {
         if (!succeeds(errors, step))
             throw MediaError(file, "Cannot write", errors.code, errors.message);
     }
 };
 
 /// A marker segment's content: its mark, then its data; empty when that is more than a segment holds.
-template <std::size_t size, typename Bytes>
-std::vector<JOCTET> segment(const char (&mark)[size], const Bytes &bytes) {
+template <std::size_t size, typename Bytes> std::vector<JOCTET> segment(const char (&mark)[size], const Bytes &bytes) {
     std::vector<JOCTET> content;
     if (std::size(bytes) == 0 || std::size(bytes) + size > markerRoom)
         return content;
@@ -58,14 +56,12 @@ void writeMetadata(Encoder &encoder, const ImageMetadata &metadata) {
     for (const auto &content : {segment(exifMark, metadata.exif), segment(xmpMark, metadata.xmp)})
         if (!content.empty())
             encoder.run([&] {
-                jpeg_write_marker(&encoder.codec, JPEG_APP0 + 1, content.data(),
-                                  static_cast<unsigned>(content.size()));
+                jpeg_write_marker(&encoder.codec, JPEG_APP0 + 1, content.data(), static_cast<unsigned>(content.size()));
             });
     const auto &profile = metadata.iccProfile;
     if (!profile.empty())
-        encoder.run([&] {
-            jpeg_write_icc_profile(&encoder.codec, profile.data(), static_cast<unsigned>(profile.size()));
-        });
+        encoder.run(
+            [&] { jpeg_write_icc_profile(&encoder.codec, profile.data(), static_cast<unsigned>(profile.size())); });
 }
 
 J_COLOR_SPACE spaceOf(ColourModel model) {

@@ -26,8 +26,7 @@ void checkSize(const std::filesystem::path &file, std::int64_t width, std::int64
         throw MediaError(file, "Cannot read", 0, "the image is too large (" + sizeText(width, height) + ")");
 }
 
-Picture makeChecked(const std::filesystem::path &file, int width, int height, PictureFormat format,
-                    ColourTags colour) {
+Picture makeChecked(const std::filesystem::path &file, int width, int height, PictureFormat format, ColourTags colour) {
     checkSize(file, width, height);
     try {
         return makePicture(width, height, format, colour);

@@ -12,7 +12,6 @@ namespace lumetwin::media::images {
 void checkSize(const std::filesystem::path &file, std::int64_t width, std::int64_t height);
 
 /// A new picture of a size that a file claims. Throws MediaError as above, and where memory is short.
-Picture makeChecked(const std::filesystem::path &file, int width, int height, PictureFormat format,
-                    ColourTags colour);
+Picture makeChecked(const std::filesystem::path &file, int width, int height, PictureFormat format, ColourTags colour);
 
 } // namespace lumetwin::media::images

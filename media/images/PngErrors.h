@@ -18,8 +18,7 @@ void passOverPngWarning(png_structp codec, png_const_charp message);
 
 /// Runs a step that calls the PNG library; false when the library gave up. The step must not own anything: the
 /// library leaves it by a jump.
-template <typename Step>
-bool succeeds(png_structp codec, const Step &step) {
+template <typename Step> bool succeeds(png_structp codec, const Step &step) {
     if (setjmp(png_jmpbuf(codec)) != 0)
         return false;
     step();

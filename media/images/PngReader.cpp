@@ -35,8 +35,7 @@ struct Decoder {
     ~Decoder() { png_destroy_read_struct(&codec, &info, nullptr); }
     Decoder(const Decoder &) = delete;
 
-    template <typename Step>
-    void run(const Step &step) {
+    template <typename Step> void run(const Step &step) {
         if (!succeeds(codec, step))
             throw MediaError(file, "Cannot read", 0, errors.message);
     }
@@ -107,8 +106,8 @@ std::vector<std::uint8_t> describedProfile(Decoder &decoder) {
     const bool described =
         png_get_valid(decoder.codec, decoder.info, PNG_INFO_sRGB) == 0 &&
         png_get_gAMA(decoder.codec, decoder.info, &gamma) != 0 && gamma > 0.1 && gamma < 2 &&
-        png_get_cHRM(decoder.codec, decoder.info, &white[0], &white[1], &colours[0][0], &colours[0][1],
-                     &colours[1][0], &colours[1][1], &colours[2][0], &colours[2][1]) != 0;
+        png_get_cHRM(decoder.codec, decoder.info, &white[0], &white[1], &colours[0][0], &colours[0][1], &colours[1][0],
+                     &colours[1][1], &colours[2][0], &colours[2][1]) != 0;
     if (!described)
         return {};
     // 1/2.2 is how files say sRGB; its primaries are those of ITU-R BT.709.

@@ -31,20 +31,21 @@ struct Encoder {
     ~Encoder() { png_destroy_write_struct(&codec, &info); }
     Encoder(const Encoder &) = delete;
 
-    template <typename Step>
-    void run(const Step &step) {
+    template <typename Step> void run(const Step &step) {
         if (!succeeds(codec, step))
             throw MediaError(file, "Cannot write", 0, errors.message);
     }
 };
 
 /// Bits a sample in the file: PNG has 8 and 16.
-int fileDepth(const Picture &picture) { return picture.format.depth > 8 ? 16 : 8; }
+int fileDepth(const Picture &picture) {
+    return picture.format.depth > 8 ? 16 : 8;
+}
 
 void setMetadata(const Encoder &encoder, ImageMetadata &metadata, const ColourTags &colour) {
     if (!metadata.iccProfile.empty())
-        png_set_iCCP(encoder.codec, encoder.info, "ICC profile", PNG_COMPRESSION_TYPE_BASE,
-                     metadata.iccProfile.data(), static_cast<png_uint_32>(metadata.iccProfile.size()));
+        png_set_iCCP(encoder.codec, encoder.info, "ICC profile", PNG_COMPRESSION_TYPE_BASE, metadata.iccProfile.data(),
+                     static_cast<png_uint_32>(metadata.iccProfile.size()));
     else if (colour.primaries == 1)
         png_set_sRGB(encoder.codec, encoder.info, PNG_sRGB_INTENT_PERCEPTUAL);
     if (!metadata.exif.empty())

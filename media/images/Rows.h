@@ -12,23 +12,22 @@ enum class Alpha { none, straight, premultiplied };
 
 /// How the samples of one pixel lie in an interleaved row: grey or RGB, then perhaps alpha, then others.
 struct PixelLayout {
-    int channels = 3; ///< samples from one pixel to the next
+    int channels = 3;          ///< samples from one pixel to the next
     Alpha alpha = Alpha::none; ///< the sample that follows the colours
 };
 
-template <typename Sample>
-Sample *planeRow(const Picture &picture, int plane, int y) {
+template <typename Sample> Sample *planeRow(const Picture &picture, int plane, int y) {
     return reinterpret_cast<Sample *>(picture.planes[plane].data + y * picture.planes[plane].stride);
 }
 
 /// The value of a sample of the given opacity over black.
-template <typename Sample>
-Sample overBlack(Sample value, Sample alpha) {
+template <typename Sample> Sample overBlack(Sample value, Sample alpha) {
     constexpr std::uint32_t full = static_cast<Sample>(~Sample{0});
     return static_cast<Sample>((std::uint32_t{value} * alpha + full / 2) / full);
 }
 
-/// Spreads interleaved pixels over the picture's planes from column x of row y on; transparent ones are drawn onto black.
+/// Spreads interleaved pixels over the picture's planes from column x of row y on; transparent ones are drawn onto
+/// black.
 template <typename Sample>
 void scatterRow(const Sample *row, PixelLayout layout, const Picture &picture, int x, int y, int count) {
     const int colours = picture.format.planeCount();
@@ -49,8 +48,7 @@ void scatterRow(const Sample *row, PixelLayout layout, const Picture &picture, i
 }
 
 /// Interleaves a row of the picture's planes.
-template <typename Sample>
-void gatherRow(const Picture &picture, int y, Sample *row) {
+template <typename Sample> void gatherRow(const Picture &picture, int y, Sample *row) {
     const int channels = picture.format.planeCount();
     for (int plane = 0; plane < channels; ++plane) {
         const Sample *in = planeRow<Sample>(picture, plane, y);

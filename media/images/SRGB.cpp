@@ -7,7 +7,8 @@ namespace lumetwin::media {
 
 Picture inSRGB(Picture picture, const std::vector<std::uint8_t> &iccProfile, const std::filesystem::path &file) {
     const bool grey = picture.format.model == ColourModel::grey;
-    const std::vector<std::uint8_t> &profile = iccProfile.empty() && !grey ? images::profileOf(picture.colour) : iccProfile;
+    const std::vector<std::uint8_t> &profile =
+        iccProfile.empty() && !grey ? images::profileOf(picture.colour) : iccProfile;
     if (profile.empty() || (!grey && images::isSRGB(profile))) {
         picture.colour.primaries = jpegColour.primaries;
         picture.colour.transfer = jpegColour.transfer;

@@ -22,9 +22,13 @@ StandardFile open(const std::filesystem::path &file, const char *mode, const cha
 
 } // namespace
 
-StandardFile openForReading(const std::filesystem::path &file) { return open(file, "rbe", "Cannot open"); }
+StandardFile openForReading(const std::filesystem::path &file) {
+    return open(file, "rbe", "Cannot open");
+}
 
-StandardFile openForWriting(const std::filesystem::path &file) { return open(file, "wbe", "Cannot create"); }
+StandardFile openForWriting(const std::filesystem::path &file) {
+    return open(file, "wbe", "Cannot create");
+}
 
 void closeWritten(StandardFile stream, const std::filesystem::path &file) {
     const bool failed = std::ferror(stream.get()) != 0;

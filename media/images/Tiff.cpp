@@ -19,7 +19,9 @@ int keepError(TIFF *, void *user, const char *, const char *format, va_list argu
     return 1;
 }
 
-int passOverWarning(TIFF *, void *, const char *, const char *, va_list) { return 1; }
+int passOverWarning(TIFF *, void *, const char *, const char *, va_list) {
+    return 1;
+}
 
 } // namespace
 

@@ -32,8 +32,7 @@ struct Page {
     bool whiteIsZero = false;
 };
 
-template <typename Value>
-Value field(const TiffFile &tiff, ttag_t tag, Value fallback) {
+template <typename Value> Value field(const TiffFile &tiff, ttag_t tag, Value fallback) {
     Value value = fallback;
     return TIFFGetFieldDefaulted(tiff.get(), tag, &value) == 1 ? value : fallback;
 }
@@ -57,7 +56,7 @@ Alpha alphaOf(const TiffFile &tiff) {
     const std::uint16_t *kinds = nullptr;
     if (TIFFGetField(tiff.get(), TIFFTAG_EXTRASAMPLES, &count, &kinds) != 1 || count == 0)
         return Alpha::none;
-    return kinds[0] == EXTRASAMPLE_UNASSALPHA  ? Alpha::straight
+    return kinds[0] == EXTRASAMPLE_UNASSALPHA   ? Alpha::straight
            : kinds[0] == EXTRASAMPLE_ASSOCALPHA ? Alpha::premultiplied
                                                 : Alpha::none;
 }
@@ -110,8 +109,7 @@ public:
     }
 
 private:
-    template <typename Sample>
-    void takeSamples(const Sample *row, int x, int y, int count) {
+    template <typename Sample> void takeSamples(const Sample *row, int x, int y, int count) {
         if (inks_)
             return takeInks(row, x, y, count);
         scatterRow(row, PixelLayout{page_.channels, page_.alpha}, picture_, x, y, count);
@@ -121,8 +119,7 @@ private:
         }
     }
 
-    template <typename Sample>
-    void takeInks(const Sample *row, int x, int y, int count) {
+    template <typename Sample> void takeInks(const Sample *row, int x, int y, int count) {
         auto *cmyk = reinterpret_cast<Sample *>(cmyk_.data());
         auto *rgb = reinterpret_cast<Sample *>(rgb_.data());
         for (int i = 0; i < count; ++i)
@@ -142,7 +139,8 @@ using Buffer = std::unique_ptr<std::uint16_t[]>;
 
 Buffer bufferFor(const TiffFile &tiff, std::uint64_t bytes) {
     Buffer buffer(bytes > (std::uint64_t{1} << 31) ? nullptr
-                                                   : new (std::nothrow) std::uint16_t[static_cast<std::size_t>(bytes / 2 + 1)]);
+                                                   : new (std::nothrow)
+                                                         std::uint16_t[static_cast<std::size_t>(bytes / 2 + 1)]);
     if (!buffer)
         throw MediaError(tiff.file, reading, 0, "a part of the image is too large");
     return buffer;
@@ -169,8 +167,10 @@ Piece pieceOf(const TiffFile &tiff, const Page &page) {
     Piece piece;
     piece.tiled = TIFFIsTiled(tiff.get()) != 0;
     if (piece.tiled) {
-        piece.width = static_cast<int>(std::min<std::uint32_t>(field<std::uint32_t>(tiff, TIFFTAG_TILEWIDTH, 0), 65536));
-        piece.height = static_cast<int>(std::min<std::uint32_t>(field<std::uint32_t>(tiff, TIFFTAG_TILELENGTH, 0), 65536));
+        piece.width =
+            static_cast<int>(std::min<std::uint32_t>(field<std::uint32_t>(tiff, TIFFTAG_TILEWIDTH, 0), 65536));
+        piece.height =
+            static_cast<int>(std::min<std::uint32_t>(field<std::uint32_t>(tiff, TIFFTAG_TILELENGTH, 0), 65536));
         piece.bytes = TIFFTileSize64(tiff.get());
     } else {
         const auto rows = field<std::uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP, 0);
@@ -192,8 +192,9 @@ void readPiece(const TiffFile &tiff, const Piece &piece, int x, int y, int plane
     const auto sample = static_cast<std::uint16_t>(plane);
     const tmsize_t bytes = static_cast<tmsize_t>(piece.bytes);
     const tmsize_t got =
-        piece.tiled ? TIFFReadEncodedTile(tiff.get(), TIFFComputeTile(tiff.get(), column, row, 0, sample), buffer, bytes)
-                    : TIFFReadEncodedStrip(tiff.get(), TIFFComputeStrip(tiff.get(), row, sample), buffer, bytes);
+        piece.tiled
+            ? TIFFReadEncodedTile(tiff.get(), TIFFComputeTile(tiff.get(), column, row, 0, sample), buffer, bytes)
+            : TIFFReadEncodedStrip(tiff.get(), TIFFComputeStrip(tiff.get(), row, sample), buffer, bytes);
     if (got < 0)
         tiff.fail(reading, "damaged");
 }

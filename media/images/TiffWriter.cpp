@@ -24,17 +24,17 @@ void describe(const TiffFile &tiff, const Picture &picture) {
     TIFF *file = tiff.get();
     const int channels = picture.format.planeCount();
     const auto rowBytes = static_cast<std::uint32_t>(picture.width * channels * picture.format.bytesPerSample());
-    setField(tiff, TIFFSetField(file, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(picture.width)) &&
-                       TIFFSetField(file, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(picture.height)) &&
-                       TIFFSetField(file, TIFFTAG_BITSPERSAMPLE, picture.format.bytesPerSample() * 8) &&
-                       TIFFSetField(file, TIFFTAG_SAMPLESPERPIXEL, channels) &&
-                       TIFFSetField(file, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
-                       TIFFSetField(file, TIFFTAG_PHOTOMETRIC,
-                                    channels == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB) &&
-                       TIFFSetField(file, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) &&
-                       TIFFSetField(file, TIFFTAG_COMPRESSION, COMPRESSION_LZW) &&
-                       TIFFSetField(file, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) &&
-                       TIFFSetField(file, TIFFTAG_ROWSPERSTRIP, std::max(1u, stripBytes / rowBytes)));
+    setField(tiff,
+             TIFFSetField(file, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(picture.width)) &&
+                 TIFFSetField(file, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(picture.height)) &&
+                 TIFFSetField(file, TIFFTAG_BITSPERSAMPLE, picture.format.bytesPerSample() * 8) &&
+                 TIFFSetField(file, TIFFTAG_SAMPLESPERPIXEL, channels) &&
+                 TIFFSetField(file, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+                 TIFFSetField(file, TIFFTAG_PHOTOMETRIC, channels == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB) &&
+                 TIFFSetField(file, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) &&
+                 TIFFSetField(file, TIFFTAG_COMPRESSION, COMPRESSION_LZW) &&
+                 TIFFSetField(file, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) &&
+                 TIFFSetField(file, TIFFTAG_ROWSPERSTRIP, std::max(1u, stripBytes / rowBytes)));
 }
 
 /// Text fields of the first directory that tell of the photograph; its sub-directories are added to the finished file.

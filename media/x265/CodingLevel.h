@@ -7,7 +7,7 @@ namespace lumetwin::media::x265 {
 
 /// A level of the Main tier (ITU-T H.265, tables A.8 and A.9).
 struct CodingLevel {
-    int number = 0;                ///< ten times the level: 41 for 4.1; 85 is the level without limits
+    int number = 0;                  ///< ten times the level: 41 for 4.1; 85 is the level without limits
     std::int64_t highestBitRate = 0; ///< bits per second
 };
 

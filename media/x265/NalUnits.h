@@ -22,8 +22,12 @@ inline constexpr int suffixInformation = 40;
 /// A NAL unit from its two-byte header on.
 using NalBytes = std::span<const std::uint8_t>;
 
-inline int nalType(NalBytes unit) { return unit[0] >> 1 & 0x3F; }
-inline int nalLayer(NalBytes unit) { return (unit[0] & 1) << 5 | unit[1] >> 3; }
+inline int nalType(NalBytes unit) {
+    return unit[0] >> 1 & 0x3F;
+}
+inline int nalLayer(NalBytes unit) {
+    return (unit[0] & 1) << 5 | unit[1] >> 3;
+}
 
 /// The unit without the start code before it.
 inline NalBytes withoutStartCode(NalBytes bytes) {

@@ -28,8 +28,8 @@ constexpr int smallestSide = 96;
 constexpr int largeSide = 256;
 constexpr double keyFrameSeconds = 2;
 
-// The 3D reference displays information SEI (ITU-T H.265, G.14): one display, left view 0, right view 1. x265 4.1 writes
-// its mantissa one bit too long, and adds three messages with made-up constants.
+// The 3D reference displays information SEI (ITU-T H.265, G.14): one display, left view 0, right view 1. x265 4.1
+// writes its mantissa one bit too long, and adds three messages with made-up constants.
 constexpr std::array<std::uint8_t, 9> referenceDisplays{0x4E, 0x01, 0xB0, 0x04, 0x04, 0x0D, 0x00, 0x20, 0x80};
 
 struct ParameterDeleter {
@@ -42,7 +42,9 @@ struct EncoderDeleter {
 };
 using Encoder = std::unique_ptr<x265_encoder, EncoderDeleter>;
 
-int codedSide(int side) { return codedSize(side, smallestSide); }
+int codedSide(int side) {
+    return codedSize(side, smallestSide);
+}
 
 double frameRateOf(const StereoFormat &format) {
     return static_cast<double>(format.timeScale) / static_cast<double>(format.frameDuration);
@@ -94,8 +96,8 @@ void setStructure(x265_param &parameters, double frameRate) {
     parameters.bEmitInfoSEI = 0;
     parameters.bOpenGOP = 0;
     parameters.keyframeMax = std::max(2, static_cast<int>(std::lround(keyFrameSeconds * frameRate)));
-    // Every scene cut becomes an IDR picture: beside an intra picture of another kind, x265 4.1 predicts the right view from
-    // the left alone but tells decoders otherwise, and they drift.
+    // Every scene cut becomes an IDR picture: beside an intra picture of another kind, x265 4.1 predicts the right view
+    // from the left alone but tells decoders otherwise, and they drift.
     parameters.keyframeMin = 1;
     // With a single reference the right view would have none in time, only the left view.
     parameters.maxNumReferences = std::max(2, parameters.maxNumReferences);
@@ -111,7 +113,9 @@ void setRate(x265_param &parameters, const CodingLevel &level, double baseRate) 
     parameters.bConfigRCFrame = 1;
 }
 
-NalBytes bytesOf(const x265_nal &nal) { return withoutStartCode({nal.payload, nal.sizeBytes}); }
+NalBytes bytesOf(const x265_nal &nal) {
+    return withoutStartCode({nal.payload, nal.sizeBytes});
+}
 
 } // namespace
 
@@ -243,9 +247,13 @@ StereoEncoder::StereoEncoder(const std::filesystem::path &file, const StereoForm
 
 StereoEncoder::~StereoEncoder() = default;
 
-const std::vector<std::uint8_t> &StereoEncoder::parameterSets() const { return state_->parameterSets; }
+const std::vector<std::uint8_t> &StereoEncoder::parameterSets() const {
+    return state_->parameterSets;
+}
 
-int StereoEncoder::reordering() const { return state_->reordering(); }
+int StereoEncoder::reordering() const {
+    return state_->reordering();
+}
 
 void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink) {
     State &state = *state_;

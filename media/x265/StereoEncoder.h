@@ -16,8 +16,8 @@ namespace lumetwin::media::x265 {
 /// bench/spatial-video prints the table.
 inline constexpr const char *shippedPreset = "veryfast";
 
-/// What a two-view stream is to be. Sizes are even; smaller pictures than the encoder codes safely are padded inside and
-/// cropped again by the stream's conformance window.
+/// What a two-view stream is to be. Sizes are even; smaller pictures than the encoder codes safely are padded inside
+/// and cropped again by the stream's conformance window.
 struct StereoFormat {
     int width = 0; ///< one view
     int height = 0;

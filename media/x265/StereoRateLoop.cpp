@@ -13,8 +13,8 @@ constexpr double expectedShare = 0.6;
 constexpr double expectedSeconds = 0.5;
 // How long the share remembers. Longer than a group of pictures, so that key frames do not shake it.
 constexpr double memorySeconds = 10;
-// In how many seconds what is owed would be made up for. The encoder's own control answers a second or two late: at four
-// seconds the rate begins to swing and the picture loses 0.3 dB; at eight, clips of 20 s end up to 4 % off.
+// In how many seconds what is owed would be made up for. The encoder's own control answers a second or two late: at
+// four seconds the rate begins to swing and the picture loses 0.3 dB; at eight, clips of 20 s end up to 4 % off.
 constexpr double repaymentSeconds = 6;
 constexpr double leastCorrection = 0.6;
 constexpr double greatestCorrection = 1.6;

@@ -5,8 +5,8 @@
 
 namespace lumetwin::media::x265 {
 
-/// Keeps the average bit rate of a two-layer stream. The encoder's own rate control sees layer 0 alone; this says, after
-/// each access unit, what to ask of layer 0 so that both layers together come to the target.
+/// Keeps the average bit rate of a two-layer stream. The encoder's own rate control sees layer 0 alone; this says,
+/// after each access unit, what to ask of layer 0 so that both layers together come to the target.
 class StereoRateLoop {
 public:
     /// Bits per second and access units per second.

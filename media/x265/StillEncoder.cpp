@@ -159,7 +159,8 @@ CodedStill encodeStill(const std::filesystem::path &file, Picture picture, int q
     const int codedHeight = codedSize(picture.height, smallestSide);
     PicturePool pool(codedWidth, codedHeight, yuv420, picture.colour);
     picture = padded(picture, codedWidth, codedHeight, pool);
-    const Parameters parameters = parametersFor(file, picture, std::clamp(quantiser, 0, coarsestQuantiser), std::max(1, threads));
+    const Parameters parameters =
+        parametersFor(file, picture, std::clamp(quantiser, 0, coarsestQuantiser), std::max(1, threads));
     const Encoder encoder(x265_encoder_open(parameters.get()));
     if (!encoder)
         fail(file, 0, "the encoder does not take such a picture");

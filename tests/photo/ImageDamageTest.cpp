@@ -90,7 +90,8 @@ TEST_F(ImageDamage, giantHeadersAreRefusedBeforeMemoryIsTaken) {
 
     writeWithMagick(drawn(8, 8), file("giant.tiff"), {"-define", "tiff:endian=msb", "-compress", "None"});
     std::vector<std::uint8_t> tiff = bytesOf(file("giant.tiff"));
-    const std::size_t directory = (std::size_t{tiff[4]} << 24) | (std::size_t{tiff[5]} << 16) | (std::size_t{tiff[6]} << 8) | tiff[7];
+    const std::size_t directory =
+        (std::size_t{tiff[4]} << 24) | (std::size_t{tiff[5]} << 16) | (std::size_t{tiff[6]} << 8) | tiff[7];
     for (std::size_t entry = directory + 2; entry + 12 <= tiff.size(); entry += 12)
         if (tiff[entry] == 1 && (tiff[entry + 1] == 0 || tiff[entry + 1] == 1)) // width, height
             bigEndian(tiff, entry + 8, 60000, tiff[entry + 3] == 3 ? 2 : 4);
@@ -108,14 +109,13 @@ TEST_F(ImageDamage, aHeaderThatPromisesMoreThanTheFileHoldsTakesNoMemory) {
 
 TEST_F(ImageDamage, truncatedFilesAreErrorsAtEveryLength) {
     const Raster picture = drawn(203, 141);
-    for (const auto &[name, options] :
-         {std::pair<std::string, std::vector<std::string>>{"a.jpg", {}},
-          {"progressive.jpg", {"-interlace", "JPEG"}},
-          {"cmyk.jpg", {"-colorspace", "CMYK"}},
-          {"a.png", {}},
-          {"interlaced.png", {"-interlace", "PNG"}},
-          {"a.tiff", {"-compress", "LZW"}},
-          {"tiles.tiff", {"-define", "tiff:tile-geometry=64x48", "-compress", "Zip"}}}) {
+    for (const auto &[name, options] : {std::pair<std::string, std::vector<std::string>>{"a.jpg", {}},
+                                        {"progressive.jpg", {"-interlace", "JPEG"}},
+                                        {"cmyk.jpg", {"-colorspace", "CMYK"}},
+                                        {"a.png", {}},
+                                        {"interlaced.png", {"-interlace", "PNG"}},
+                                        {"a.tiff", {"-compress", "LZW"}},
+                                        {"tiles.tiff", {"-define", "tiff:tile-geometry=64x48", "-compress", "Zip"}}}) {
         writeWithMagick(picture, file(name), options);
         const std::vector<std::uint8_t> whole = bytesOf(file(name));
         const std::string cutName = "cut-" + name;
@@ -130,16 +130,16 @@ TEST_F(ImageDamage, truncatedFilesAreErrorsAtEveryLength) {
 TEST_F(ImageDamage, changedBytesNeverBringTheProgramDown) {
     const Raster picture = drawn(64, 48);
     std::mt19937 random(7);
-    for (const auto &[name, options] :
-         {std::pair<std::string, std::vector<std::string>>{"a.jpg", {}},
-          {"progressive.jpg", {"-interlace", "JPEG"}},
-          {"a.png", {"-set", "comment", "x"}},
-          {"interlaced.png", {"-interlace", "PNG"}},
-          {"a.tiff", {"-compress", "LZW"}},
-          {"jpeg.tiff", {"-compress", "JPEG"}},
-          {"tiles.tiff", {"-define", "tiff:tile-geometry=32x32", "-compress", "None"}}}) {
+    for (const auto &[name, options] : {std::pair<std::string, std::vector<std::string>>{"a.jpg", {}},
+                                        {"progressive.jpg", {"-interlace", "JPEG"}},
+                                        {"a.png", {"-set", "comment", "x"}},
+                                        {"interlaced.png", {"-interlace", "PNG"}},
+                                        {"a.tiff", {"-compress", "LZW"}},
+                                        {"jpeg.tiff", {"-compress", "JPEG"}},
+                                        {"tiles.tiff", {"-define", "tiff:tile-geometry=32x32", "-compress", "None"}}}) {
         writeWithMagick(picture, file(name), options);
-        output({"exiftool", "-q", "-overwrite_original", "-Make=x", "-ExposureTime=0.01", "-GPSLatitude=1", file(name).string()});
+        output({"exiftool", "-q", "-overwrite_original", "-Make=x", "-ExposureTime=0.01", "-GPSLatitude=1",
+                file(name).string()});
         const std::vector<std::uint8_t> whole = bytesOf(file(name));
         for (int round = 0; round < 150; ++round) {
             std::vector<std::uint8_t> bytes = whole;
@@ -152,9 +152,11 @@ TEST_F(ImageDamage, changedBytesNeverBringTheProgramDown) {
 }
 
 TEST_F(ImageDamage, tiffTilesLargerThanAnyPictureAreRefused) {
-    writeWithMagick(drawn(64, 48), file("a.tiff"), {"-define", "tiff:endian=msb", "-define", "tiff:tile-geometry=32x32", "-compress", "None"});
+    writeWithMagick(drawn(64, 48), file("a.tiff"),
+                    {"-define", "tiff:endian=msb", "-define", "tiff:tile-geometry=32x32", "-compress", "None"});
     std::vector<std::uint8_t> tiff = bytesOf(file("a.tiff"));
-    const std::size_t directory = (std::size_t{tiff[4]} << 24) | (std::size_t{tiff[5]} << 16) | (std::size_t{tiff[6]} << 8) | tiff[7];
+    const std::size_t directory =
+        (std::size_t{tiff[4]} << 24) | (std::size_t{tiff[5]} << 16) | (std::size_t{tiff[6]} << 8) | tiff[7];
     const std::size_t count = tiff[directory] * 256u + tiff[directory + 1];
     int changed = 0;
     for (std::size_t i = 0; i < count; ++i) {

@@ -21,12 +21,27 @@ protected:
     void writePhotograph(const std::string &name, const std::vector<std::string> &more = {}) {
         writeWithMagick(drawn(160, 120), file(name), {"-quality", "90"});
         writeWithMagick(drawn(16, 12), file("thumbnail.jpg"));
-        std::vector<std::string> command{
-            "exiftool", "-q", "-overwrite_original", "-Make=Acme", "-Model=Twin 3", "-LensModel=18 mm f/2",
-            "-DateTimeOriginal=2024:05:06 07:08:09", "-OffsetTimeOriginal=+09:00", "-ExposureTime=1/125",
-            "-FNumber=2.8", "-ISO=200", "-Orientation#=6", "-ExifImageWidth=999", "-ExifImageHeight=888",
-            "-GPSLatitude=35.5", "-GPSLatitudeRef=N", "-GPSLongitude=139.25", "-GPSLongitudeRef=E",
-            "-XMP-dc:Title=Two eyes", "-XMP-tiff:Orientation#=6", "-ThumbnailImage<=" + file("thumbnail.jpg").string()};
+        std::vector<std::string> command{"exiftool",
+                                         "-q",
+                                         "-overwrite_original",
+                                         "-Make=Acme",
+                                         "-Model=Twin 3",
+                                         "-LensModel=18 mm f/2",
+                                         "-DateTimeOriginal=2024:05:06 07:08:09",
+                                         "-OffsetTimeOriginal=+09:00",
+                                         "-ExposureTime=1/125",
+                                         "-FNumber=2.8",
+                                         "-ISO=200",
+                                         "-Orientation#=6",
+                                         "-ExifImageWidth=999",
+                                         "-ExifImageHeight=888",
+                                         "-GPSLatitude=35.5",
+                                         "-GPSLatitudeRef=N",
+                                         "-GPSLongitude=139.25",
+                                         "-GPSLongitudeRef=E",
+                                         "-XMP-dc:Title=Two eyes",
+                                         "-XMP-tiff:Orientation#=6",
+                                         "-ThumbnailImage<=" + file("thumbnail.jpg").string()};
         command.insert(command.end(), more.begin(), more.end());
         command.push_back(file(name).string());
         output(command);
@@ -40,8 +55,9 @@ protected:
 };
 
 void expectPhotograph(const std::string &facts) {
-    const std::vector<std::string> wanted{"Acme", "Twin 3", "18 mm f/2", "2024:05:06 07:08:09", "+09:00", "0.008",
-                                          "2.8", "200", "35.5", "139.25", "Two eyes"};
+    const std::vector<std::string> wanted{"Acme",   "Twin 3", "18 mm f/2", "2024:05:06 07:08:09",
+                                          "+09:00", "0.008",  "2.8",       "200",
+                                          "35.5",   "139.25", "Two eyes"};
     for (const std::string &text : wanted)
         EXPECT_THAT(facts, HasSubstr(text));
 }
@@ -77,8 +93,8 @@ TEST_F(ImageMetadata, bigEndianExifIsUnderstood) {
 
 TEST_F(ImageMetadata, xmpAloneIsCarried) {
     writeWithMagick(drawn(32, 32), file("a.jpg"));
-    output({"exiftool", "-q", "-overwrite_original", "-XMP-exif:GPSLatitude=12.5", "-XMP-photoshop:DateCreated=2020:01:02 03:04:05",
-            file("a.jpg").string()});
+    output({"exiftool", "-q", "-overwrite_original", "-XMP-exif:GPSLatitude=12.5",
+            "-XMP-photoshop:DateCreated=2020:01:02 03:04:05", file("a.jpg").string()});
     media::writeImage(file("out.png"), ImageKind::png, media::readImage(file("a.jpg")), 0.75);
     EXPECT_THAT(facts("out.png"), HasSubstr("12.5"));
     EXPECT_THAT(facts("out.png"), HasSubstr("2020:01:02 03:04:05"));
@@ -141,7 +157,9 @@ TEST_F(ImageMetadata, makersNoteStaysAtItsPlace) {
 
 TEST_F(ImageMetadata, damagedExifIsLeftOut) {
     for (const std::vector<std::uint8_t> &block :
-         {std::vector<std::uint8_t>{}, {'I', 'I', 42, 0}, {'I', 'I', 42, 0, 255, 255, 255, 255},
+         {std::vector<std::uint8_t>{},
+          {'I', 'I', 42, 0},
+          {'I', 'I', 42, 0, 255, 255, 255, 255},
           {'M', 'M', 0, 42, 0, 0, 0, 8, 255, 255, 1, 15, 0, 2, 255, 255, 255, 255, 0, 0, 0, 0}})
         EXPECT_TRUE(media::images::ExifBlock::parse(block).empty());
 }

@@ -14,7 +14,9 @@ struct Variant {
     int tolerance = 0; ///< largest difference from the other reader, in 8-bit levels
 };
 
-void PrintTo(const Variant &variant, std::ostream *stream) { *stream << variant.name; }
+void PrintTo(const Variant &variant, std::ostream *stream) {
+    *stream << variant.name;
+}
 
 class ImageReading : public testing::TestWithParam<Variant> {
 protected:
@@ -48,8 +50,12 @@ const Variant variants[] = {
     {"palette.png", {"-colors", "200", "-type", "Palette"}, 0},
     {"bilevel.png", {"-threshold", "50%", "-type", "Bilevel"}, 0},
     {"grey.png", {"-colorspace", "Gray"}, 0},
-    {"grey4.png", {"-colorspace", "Gray", "-depth", "4", "-define", "png:color-type=0", "-define", "png:bit-depth=4"}, 0},
-    {"deep.png", {"-define", "png:bit-depth=16", "-define", "png:color-type=2", "-depth", "16", "-evaluate", "multiply", "0.737"}, 1},
+    {"grey4.png",
+     {"-colorspace", "Gray", "-depth", "4", "-define", "png:color-type=0", "-define", "png:bit-depth=4"},
+     0},
+    {"deep.png",
+     {"-define", "png:bit-depth=16", "-define", "png:color-type=2", "-depth", "16", "-evaluate", "multiply", "0.737"},
+     1},
     {"alpha.png", {"-alpha", "set", "-channel", "A", "-fx", "i/w", "+channel"}, 1},
     {"greyalpha.png", {"-colorspace", "Gray", "-alpha", "set", "-channel", "A", "-fx", "j/h", "+channel"}, 1},
     {"interlacedalpha.png", {"-interlace", "PNG", "-alpha", "set", "-channel", "A", "-fx", "i/w", "+channel"}, 1},
@@ -59,7 +65,9 @@ const Variant variants[] = {
     {"deflate.tiff", {"-compress", "Zip"}, 0},
     {"jpeg.tiff", {"-compress", "JPEG", "-quality", "95"}, 3},
     {"deep.tiff", {"-depth", "16", "-evaluate", "multiply", "0.737", "-compress", "Zip"}, 1},
-    {"bigendian.tiff", {"-depth", "16", "-evaluate", "multiply", "0.737", "-define", "tiff:endian=msb", "-compress", "None"}, 1},
+    {"bigendian.tiff",
+     {"-depth", "16", "-evaluate", "multiply", "0.737", "-define", "tiff:endian=msb", "-compress", "None"},
+     1},
     {"planar.tiff", {"-interlace", "Plane", "-compress", "LZW"}, 0},
     {"tiles.tiff", {"-define", "tiff:tile-geometry=64x48", "-compress", "LZW"}, 0},
     {"grey.tiff", {"-colorspace", "Gray"}, 0},
@@ -68,7 +76,9 @@ const Variant variants[] = {
     {"bilevel.tiff", {"-threshold", "50%", "-type", "Bilevel", "-compress", "Group4"}, 0},
     {"cmyk.tiff", {"-colorspace", "CMYK"}, 1},
     {"alpha.tiff", {"-alpha", "set", "-channel", "A", "-fx", "i/w", "+channel"}, 1},
-    {"premultiplied.tiff", {"-alpha", "set", "-channel", "A", "-fx", "0.2+0.8*i/w", "+channel", "-define", "tiff:alpha=associated"}, 2},
+    {"premultiplied.tiff",
+     {"-alpha", "set", "-channel", "A", "-fx", "0.2+0.8*i/w", "+channel", "-define", "tiff:alpha=associated"},
+     2},
     {"strips.tiff", {"-define", "tiff:rows-per-strip=7"}, 0},
 };
 

@@ -38,7 +38,8 @@ TEST_F(ImageWriting, deepPicturesStayDeepInPngAndTiff) {
     media::Picture picture = media::makePicture(64, 1, {media::ColourModel::rgb, 10, 0, 0}, {});
     for (std::size_t plane = 0; plane < 3; ++plane)
         for (int x = 0; x < 64; ++x)
-            reinterpret_cast<std::uint16_t *>(picture.planes[plane].data)[x] = static_cast<std::uint16_t>(x * 1023 / 63);
+            reinterpret_cast<std::uint16_t *>(picture.planes[plane].data)[x] =
+                static_cast<std::uint16_t>(x * 1023 / 63);
     for (const auto &[name, kind] : {std::pair{"a.png", ImageKind::png}, {"a.tiff", ImageKind::tiff}}) {
         write(name, kind, picture);
         const media::Picture read = media::readImage(file(name)).picture;
@@ -80,8 +81,7 @@ TEST_F(ImageWriting, jpegQualityIsMonotonicAndLosslessToTheEyeAtOne) {
 TEST_F(ImageWriting, limitedRangeBecomesFullInJpeg) {
     const Raster drawing = drawn(64, 48);
     media::ColourTags video{1, 1, 1, media::ColourRange::limited, media::ChromaLocation::left};
-    const media::Picture planes =
-        media::convertColour(pictureOf(drawing), {media::ColourModel::yuv, 8, 0, 0}, video);
+    const media::Picture planes = media::convertColour(pictureOf(drawing), {media::ColourModel::yuv, 8, 0, 0}, video);
     write("a.jpg", ImageKind::jpeg, planes, 1.0);
     EXPECT_LE(largestDifference(readWithMagick(file("a.jpg")), drawing), 6);
 }

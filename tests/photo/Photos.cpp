@@ -16,7 +16,9 @@ namespace lumetwin::test {
 
 namespace {
 
-std::uint8_t limited(double value) { return static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0)); }
+std::uint8_t limited(double value) {
+    return static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0));
+}
 
 std::string sizeOf(const Raster &picture) {
     return std::to_string(picture.width) + "x" + std::to_string(picture.height);
@@ -71,7 +73,8 @@ std::string output(const std::vector<std::string> &command) {
     return result.output;
 }
 
-void writeWithMagick(const Raster &picture, const std::filesystem::path &file, const std::vector<std::string> &options) {
+void writeWithMagick(const Raster &picture, const std::filesystem::path &file,
+                     const std::vector<std::string> &options) {
     const TemporaryFolder folder;
     const std::filesystem::path raw = folder.path() / "raw.rgb";
     writeBytes(raw, picture.samples);
@@ -104,7 +107,8 @@ Raster rasterOf(const media::Picture &picture) {
     for (int y = 0; y < rgb.height; ++y)
         for (int x = 0; x < rgb.width; ++x)
             for (int plane = 0; plane < 3; ++plane)
-                raster.at(x, y)[plane] = rgb.planes[static_cast<std::size_t>(plane)].data[y * rgb.planes[static_cast<std::size_t>(plane)].stride + x];
+                raster.at(x, y)[plane] = rgb.planes[static_cast<std::size_t>(plane)]
+                                             .data[y * rgb.planes[static_cast<std::size_t>(plane)].stride + x];
     return raster;
 }
 
@@ -118,7 +122,9 @@ media::Picture pictureOf(const Raster &raster) {
     return picture;
 }
 
-Raster readWithOurs(const std::filesystem::path &file) { return rasterOf(media::readImage(file).picture); }
+Raster readWithOurs(const std::filesystem::path &file) {
+    return rasterOf(media::readImage(file).picture);
+}
 
 double psnr(const Raster &one, const Raster &other) {
     EXPECT_EQ(one.width, other.width);

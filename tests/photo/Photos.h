@@ -20,7 +20,9 @@ struct Raster {
 
     Raster(int w, int h) : width(w), height(h), samples(static_cast<std::size_t>(w) * h * 3) {}
     std::uint8_t *at(int x, int y) { return samples.data() + (static_cast<std::size_t>(y) * width + x) * 3; }
-    const std::uint8_t *at(int x, int y) const { return samples.data() + (static_cast<std::size_t>(y) * width + x) * 3; }
+    const std::uint8_t *at(int x, int y) const {
+        return samples.data() + (static_cast<std::size_t>(y) * width + x) * 3;
+    }
     std::array<int, 3> colour(int x, int y) const { return {at(x, y)[0], at(x, y)[1], at(x, y)[2]}; }
     bool operator==(const Raster &) const = default;
 };
@@ -34,7 +36,8 @@ Raster part(const Raster &picture, int x, int y, int width, int height);
 void fill(Raster &picture, int x, int y, int width, int height, std::array<int, 3> colour);
 
 /// Writes the picture with ImageMagick, with more options of its `convert` before the output.
-void writeWithMagick(const Raster &picture, const std::filesystem::path &file, const std::vector<std::string> &options = {});
+void writeWithMagick(const Raster &picture, const std::filesystem::path &file,
+                     const std::vector<std::string> &options = {});
 /// What ImageMagick reads (options after the input).
 Raster readWithMagick(const std::filesystem::path &file, const std::vector<std::string> &options = {});
 /// What our own reader reads, converted to 8-bit RGB.

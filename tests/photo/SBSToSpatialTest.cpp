@@ -145,7 +145,8 @@ TEST_F(SBSToSpatial, aFieldOfViewOfZeroGivesAnInfiniteFocalLength) {
 TEST_F(SBSToSpatial, transparencyIsDrawnOntoBlack) {
     Raster source(80, 40);
     fill(source, 0, 0, 80, 40, {200, 100, 60});
-    const auto eyes = convert(source, "in.png", {"-alpha", "set", "-channel", "A", "-evaluate", "set", "50%", "+channel"});
+    const auto eyes =
+        convert(source, "in.png", {"-alpha", "set", "-channel", "A", "-evaluate", "set", "50%", "+channel"});
     EXPECT_NEAR(eyes[0].at(20, 20)[0], 100, 3);
     EXPECT_NEAR(eyes[1].at(20, 20)[1], 50, 3);
     EXPECT_THAT(heifInfo(file("out.heic")), HasSubstr("alpha channel: no"));
@@ -267,7 +268,8 @@ TEST_F(SBSToSpatial, theInputSurvivesBeingTheOutput) {
 }
 
 TEST_F(SBSToSpatial, theWayThereAndBackKeepsThePicture) {
-    writeWithMagick(sideBySide(drawn(400, 300, 1), drawn(400, 300, 2)), file("in.jpg"), {"-quality", "95", "-sampling-factor", "2x2"});
+    writeWithMagick(sideBySide(drawn(400, 300, 1), drawn(400, 300, 2)), file("in.jpg"),
+                    {"-quality", "95", "-sampling-factor", "2x2"});
     convertSBSImageToSpatial(settings_, file("in.jpg"), file("out.heic"));
     settings_.compressionQuality = 1;
     convertSpatialPhotoToSBS(settings_, file("out.heic"), file("back.jpg"));

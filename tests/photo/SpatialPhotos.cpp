@@ -44,8 +44,10 @@ std::vector<Raster> decodedByJudge(const std::filesystem::path &file) {
     return images;
 }
 
-std::string heifInfo(const std::filesystem::path &file) { return output({stackProgram("heif-info"), "-d", file.string()}) +
-                                                                 output({stackProgram("heif-info"), file.string()}); }
+std::string heifInfo(const std::filesystem::path &file) {
+    return output({stackProgram("heif-info"), "-d", file.string()}) +
+           output({stackProgram("heif-info"), file.string()});
+}
 
 std::size_t placeOfBox(const std::vector<std::uint8_t> &bytes, const std::string &type) {
     const auto found = std::search(bytes.begin(), bytes.end(), type.begin(), type.end());

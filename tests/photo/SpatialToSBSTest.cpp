@@ -201,14 +201,17 @@ TEST_F(SpatialToSBS, everyFormatIsWhatItsNameSays) {
     writeSpatialPhoto(file("in.heic"), drawn(120, 80), drawn(120, 80, 3));
     const Raster exact = convert("out.png");
     settings_.compressionQuality = 1;
-    for (const auto &[name, kind] :
-         {std::pair{"a.jpg", media::ImageKind::jpeg}, {"a.jpeg", media::ImageKind::jpeg}, {"a.PNG", media::ImageKind::png},
-          {"a.tif", media::ImageKind::tiff}, {"a.TIFF", media::ImageKind::tiff}, {"a.heic", media::ImageKind::heif},
-          {"a.webp", media::ImageKind::jpeg}}) {
+    for (const auto &[name, kind] : {std::pair{"a.jpg", media::ImageKind::jpeg},
+                                     {"a.jpeg", media::ImageKind::jpeg},
+                                     {"a.PNG", media::ImageKind::png},
+                                     {"a.tif", media::ImageKind::tiff},
+                                     {"a.TIFF", media::ImageKind::tiff},
+                                     {"a.heic", media::ImageKind::heif},
+                                     {"a.webp", media::ImageKind::jpeg}}) {
         SCOPED_TRACE(name);
         convertSpatialPhotoToSBS(settings_, file("in.heic"), file(name));
         EXPECT_EQ(media::imageKind(file(name)), kind);
-        const Raster picture = kind == media::ImageKind::heif ? decodedByJudge(file(name)).at(0)
+        const Raster picture = kind == media::ImageKind::heif  ? decodedByJudge(file(name)).at(0)
                                : std::string(name) == "a.webp" ? readWithOurs(file(name))
                                                                : readWithMagick(file(name));
         ASSERT_EQ(picture.width, 240);
@@ -262,7 +265,8 @@ TEST_F(SpatialToSBS, groupsThatNameTheWrongImagesAreErrors) {
     writeMarkers(64, 64);
     const auto ids = stereoGroup(file("in.heic"));
     const std::string expected = "Failed to retrieve left and right images.";
-    for (const auto &wrong : {std::vector<std::uint32_t>{ids[0]}, {ids[0], ids[0]}, {ids[0], 4711}, {4711, 4712}, {0, 0}}) {
+    for (const auto &wrong :
+         {std::vector<std::uint32_t>{ids[0]}, {ids[0], ids[0]}, {ids[0], 4711}, {4711, 4712}, {0, 0}}) {
         setStereoGroup(file("in.heic"), wrong);
         EXPECT_EQ(failure(), expected);
         writeMarkers(64, 64);
@@ -285,7 +289,8 @@ TEST_F(SpatialToSBS, truncatedPhotosAreErrorsAtEveryLength) {
     writeSpatialPhoto(file("whole.heic"), drawn(120, 80), drawn(120, 80, 3));
     const std::vector<std::uint8_t> whole = bytesOf(file("whole.heic"));
     for (std::size_t part = 0; part < 60; ++part) {
-        writeBytes(file("in.heic"), {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * part / 60)});
+        writeBytes(file("in.heic"),
+                   {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * part / 60)});
         EXPECT_NE(failure(), "") << part;
         EXPECT_FALSE(std::filesystem::exists(file("out.png")));
     }
@@ -316,10 +321,11 @@ TEST_F(SpatialToSBS, theInputSurvivesBeingTheOutput) {
 TEST_F(SpatialToSBS, whatTheCameraWroteIsCarried) {
     writeSpatialPhoto(file("in.heic"), drawn(120, 80), drawn(120, 80, 3));
     writeWithMagick(drawn(16, 16), file("camera.jpg"));
-    output({"exiftool", "-q", "-overwrite_original", "-Make=Acme", "-DateTimeOriginal=2024:05:06 07:08:09", "-GPSLatitude=35.5",
-            "-GPSLatitudeRef=N", "-Orientation#=3", file("camera.jpg").string()});
+    output({"exiftool", "-q", "-overwrite_original", "-Make=Acme", "-DateTimeOriginal=2024:05:06 07:08:09",
+            "-GPSLatitude=35.5", "-GPSLatitudeRef=N", "-Orientation#=3", file("camera.jpg").string()});
     const media::ImageMetadata metadata = media::readImage(file("camera.jpg")).metadata;
-    media::writeSpatialPhoto(file("in.heic"), pictureOf(drawn(120, 80)), pictureOf(drawn(120, 80, 2)), factsFor(120, 80), metadata);
+    media::writeSpatialPhoto(file("in.heic"), pictureOf(drawn(120, 80)), pictureOf(drawn(120, 80, 2)),
+                             factsFor(120, 80), metadata);
     for (const char *name : {"out.jpg", "out.png", "out.tiff", "out.heic"}) {
         SCOPED_TRACE(name);
         convertSpatialPhotoToSBS(settings_, file("in.heic"), file(name));

@@ -81,7 +81,8 @@ TEST(SBSVideoToSpatial, keepsTheExactSizeOfOddAndTinyEyes) {
     Clip clip;
     clip.format = "yuv444p";
     clip.video = {"-c:v", "ffv1"};
-    for (const auto &[width, height] : std::vector<std::pair<int, int>>{{382, 97}, {194, 98}, {128, 64}, {34, 18}, {62, 131}}) {
+    for (const auto &[width, height] :
+         std::vector<std::pair<int, int>>{{382, 97}, {194, 98}, {128, 64}, {34, 18}, {62, 131}}) {
         clip.width = width;
         clip.height = height;
         convert({}, draw(folder / "in.mkv", clip), folder / "out.mov");
@@ -95,8 +96,8 @@ TEST(SBSVideoToSpatial, keepsTheExactSizeOfOddAndTinyEyes) {
 
 TEST(SBSVideoToSpatial, takesEyesOfOnePixel) {
     const TemporaryFolder folder;
-    test::ffmpeg({"-f", "lavfi", "-i", "color=c=gray:s=2x1:r=30", "-frames:v", "2", "-pix_fmt", "yuv444p", "-c:v", "ffv1",
-                  (folder / "in.mkv").string()});
+    test::ffmpeg({"-f", "lavfi", "-i", "color=c=gray:s=2x1:r=30", "-frames:v", "2", "-pix_fmt", "yuv444p", "-c:v",
+                  "ffv1", (folder / "in.mkv").string()});
     convert({}, folder / "in.mkv", folder / "out.mov");
     const auto decoded = test::decodeLuma(folder / "out.mov", "0:v:0:vpos:right");
     EXPECT_EQ(decoded.width, 1);
@@ -106,8 +107,8 @@ TEST(SBSVideoToSpatial, takesEyesOfOnePixel) {
 
 TEST(SBSVideoToSpatial, refusesASourceOfOneColumn) {
     const TemporaryFolder folder;
-    test::ffmpeg({"-f", "lavfi", "-i", "color=c=gray:s=1x16:r=30", "-frames:v", "1", "-pix_fmt", "yuv444p", "-c:v", "ffv1",
-                  (folder / "in.mkv").string()});
+    test::ffmpeg({"-f", "lavfi", "-i", "color=c=gray:s=1x16:r=30", "-frames:v", "1", "-pix_fmt", "yuv444p", "-c:v",
+                  "ffv1", (folder / "in.mkv").string()});
     EXPECT_THROW(convert({}, folder / "in.mkv", folder / "out.mov"), media::MediaError);
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mov"));
 }
@@ -173,8 +174,11 @@ TEST(SBSVideoToSpatial, writesAtARegeneratedConstantRate) {
     const TemporaryFolder folder;
     Clip clip;
     clip.frames = 4;
-    for (const auto &[rate, times] : std::vector<std::pair<std::string, std::vector<std::int64_t>>>{
-             {"25", {0, 24, 48, 72}}, {"30000/1001", {0, 20, 40, 60}}, {"24", {0, 25, 50, 75}}, {"60", {0, 10, 20, 30}}}) {
+    for (const auto &[rate, times] :
+         std::vector<std::pair<std::string, std::vector<std::int64_t>>>{{"25", {0, 24, 48, 72}},
+                                                                        {"30000/1001", {0, 20, 40, 60}},
+                                                                        {"24", {0, 25, 50, 75}},
+                                                                        {"60", {0, 10, 20, 30}}}) {
         clip.rate = rate;
         convert({}, draw(folder / "in.mp4", clip), folder / "out.mov");
         EXPECT_EQ(timesOf(folder / "out.mov"), times) << rate;
@@ -252,8 +256,9 @@ TEST(SBSVideoToSpatial, keepsColourTagsAndRange) {
     clip.filter = "setparams=range=full:color_primaries=bt2020:color_trc=smpte2084:colorspace=bt2020nc";
     clip.video = {"-c:v", "libx265", "-x265-params", "log-level=none", "-tag:v", "hvc1"};
     convert({}, draw(folder / "in.mp4", clip), folder / "out.mov");
-    EXPECT_EQ(test::ffprobe(folder / "out.mov", "stream=pix_fmt,color_range,color_space,color_transfer,color_primaries"),
-              "pix_fmt=yuvj420p\ncolor_range=pc\ncolor_space=bt2020nc\ncolor_transfer=smpte2084\ncolor_primaries=bt2020\n");
+    EXPECT_EQ(
+        test::ffprobe(folder / "out.mov", "stream=pix_fmt,color_range,color_space,color_transfer,color_primaries"),
+        "pix_fmt=yuvj420p\ncolor_range=pc\ncolor_space=bt2020nc\ncolor_transfer=smpte2084\ncolor_primaries=bt2020\n");
 }
 
 TEST(SBSVideoToSpatial, readsEveryContainer) {
@@ -261,7 +266,8 @@ TEST(SBSVideoToSpatial, readsEveryContainer) {
     Clip clip;
     clip.sound = "sine=d=0.5:r=48000";
     clip.frames = 8;
-    for (const auto &[name, video, audio] : std::vector<std::tuple<std::string, std::vector<std::string>, std::vector<std::string>>>{
+    for (const auto &[name, video, audio] :
+         std::vector<std::tuple<std::string, std::vector<std::string>, std::vector<std::string>>>{
              {"a.avi", {"-c:v", "mpeg4", "-q:v", "2"}, {"-c:a", "pcm_s16le"}},
              {"b.mkv", {"-c:v", "libx264", "-qp", "6"}, {"-c:a", "flac"}},
              {"c.mov", {"-c:v", "prores_ks", "-pix_fmt", "yuv422p10le"}, {"-c:a", "alac"}},
@@ -283,10 +289,10 @@ TEST(SBSVideoToSpatial, copiesTheSoundAsStereoOrMono) {
     const TemporaryFolder folder;
     Clip clip;
     clip.frames = 15;
-    for (const auto &[sound, channels] : std::vector<std::pair<std::string, int>>{
-             {"aevalsrc=0.2*sin(400*t):d=0.5", 1},
-             {"aevalsrc=0.2*sin(400*t)|0.1*sin(700*t):d=0.5", 2},
-             {"aevalsrc=0.1*sin(400*t)|0|0|0|0.1*sin(99*t)|0:c=5.1:d=0.5", 2}}) {
+    for (const auto &[sound, channels] :
+         std::vector<std::pair<std::string, int>>{{"aevalsrc=0.2*sin(400*t):d=0.5", 1},
+                                                  {"aevalsrc=0.2*sin(400*t)|0.1*sin(700*t):d=0.5", 2},
+                                                  {"aevalsrc=0.1*sin(400*t)|0|0|0|0.1*sin(99*t)|0:c=5.1:d=0.5", 2}}) {
         clip.sound = sound;
         convert({}, draw(folder / "in.mp4", clip), folder / "out.mov");
         EXPECT_THAT(test::ffprobe(folder / "out.mov", "stream=codec_name,channels", {"-select_streams", "a"}),
@@ -376,7 +382,8 @@ TEST(SBSVideoToSpatial, tellsHowFarADamagedSourceWent) {
 TEST(SBSVideoToSpatial, keepsDateAndPlace) {
     const TemporaryFolder folder;
     Clip clip;
-    clip.video.insert(clip.video.end(), {"-metadata", "creation_time=2024-05-06T07:08:09Z", "-metadata", "title=Harbour"});
+    clip.video.insert(clip.video.end(),
+                      {"-metadata", "creation_time=2024-05-06T07:08:09Z", "-metadata", "title=Harbour"});
     convert({}, draw(folder / "in.mp4", clip), folder / "out.mov");
     EXPECT_THAT(test::ffprobe(folder / "out.mov", "format_tags"), HasSubstr("2024-05-06T07:08:09"));
     EXPECT_THAT(test::ffprobe(folder / "out.mov", "format_tags"), HasSubstr("Harbour"));

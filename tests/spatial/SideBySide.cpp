@@ -14,16 +14,18 @@ std::string luma(const Clip &clip) {
     const std::string half = std::to_string(clip.width / 2);
     const std::string mark = "lt(mod(X\\," + half + ")\\," + std::to_string(clip.width / 8) + ")*lt(Y\\," +
                              std::to_string(clip.height / 4) + ")";
-    return "if(gte(X\\," + std::to_string(clip.width / 2 * 2) + ")\\,235\\,if(" + mark + "\\," + std::to_string(markLuma) +
-           "\\,if(lt(X\\," + half + ")\\," + std::to_string(leftLuma) + "\\," + std::to_string(rightLuma) + ")))";
+    return "if(gte(X\\," + std::to_string(clip.width / 2 * 2) + ")\\,235\\,if(" + mark + "\\," +
+           std::to_string(markLuma) + "\\,if(lt(X\\," + half + ")\\," + std::to_string(leftLuma) + "\\," +
+           std::to_string(rightLuma) + ")))";
 }
 
 } // namespace
 
 std::filesystem::path draw(const std::filesystem::path &file, const Clip &clip) {
     // One frame is drawn and repeated.
-    std::string graph = "color=c=gray:s=" + std::to_string(clip.width) + "x" + std::to_string(clip.height) + ":r=" + clip.rate +
-                        ",format=yuv444p,geq=lum='" + luma(clip) + "':cb=128:cr=128,format=" + clip.format;
+    std::string graph = "color=c=gray:s=" + std::to_string(clip.width) + "x" + std::to_string(clip.height) +
+                        ":r=" + clip.rate + ",format=yuv444p,geq=lum='" + luma(clip) +
+                        "':cb=128:cr=128,format=" + clip.format;
     if (!clip.filter.empty())
         graph += "," + clip.filter;
     std::vector<std::string> command{"-f", "lavfi", "-i", graph};
@@ -56,7 +58,8 @@ void expectViews(const std::filesystem::path &movie, int width, int height, int 
         ASSERT_EQ(decoded.height, height);
         ASSERT_FALSE(decoded.frames.empty());
         for (std::size_t frame = 0; frame < decoded.frames.size(); ++frame) {
-            EXPECT_NEAR(decoded.mean(frame, width / 2, height / 2, width - width / 2, height - height / 2), expected, 3);
+            EXPECT_NEAR(decoded.mean(frame, width / 2, height / 2, width - width / 2, height - height / 2), expected,
+                        3);
             EXPECT_NEAR(decoded.mean(frame, 0, 0, std::max(1, width / 8), std::max(1, height / 8)), markLuma, 5);
         }
     }

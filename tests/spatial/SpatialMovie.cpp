@@ -38,7 +38,9 @@ std::uint32_t number32(const BoxFile::Bytes &bytes, std::size_t at) {
     return static_cast<std::uint32_t>(number(bytes, at, 4));
 }
 
-BoxFile::BoxFile(const std::filesystem::path &file) : bytes_(readFile(file)) { walk("", 0, bytes_.size()); }
+BoxFile::BoxFile(const std::filesystem::path &file) : bytes_(readFile(file)) {
+    walk("", 0, bytes_.size());
+}
 
 void BoxFile::walk(const std::string &path, std::size_t begin, std::size_t end) {
     while (begin + 8 <= end) {
@@ -86,7 +88,8 @@ NalUnit nalUnit(const BoxFile::Bytes &bytes, std::size_t at, std::size_t size) {
     NalUnit unit;
     unit.type = bytes[at] >> 1 & 0x3F;
     unit.layer = (bytes[at] & 1) << 5 | bytes[at + 1] >> 3;
-    unit.bytes.assign(bytes.begin() + static_cast<std::ptrdiff_t>(at), bytes.begin() + static_cast<std::ptrdiff_t>(at + size));
+    unit.bytes.assign(bytes.begin() + static_cast<std::ptrdiff_t>(at),
+                      bytes.begin() + static_cast<std::ptrdiff_t>(at + size));
     return unit;
 }
 
@@ -181,8 +184,8 @@ std::vector<MovieSample> videoSamples(const BoxFile &movie) {
     std::vector<MovieSample> samples;
     std::int64_t time = 0;
     for (std::size_t index = 0; index < places.size(); ++index) {
-        samples.push_back({time, time + offsets[index] - startOfEdit(movie), syncTable.empty() || sync.count(index) != 0,
-                           unitsOf(movie.bytes(), places[index])});
+        samples.push_back({time, time + offsets[index] - startOfEdit(movie),
+                           syncTable.empty() || sync.count(index) != 0, unitsOf(movie.bytes(), places[index])});
         time += durations[index];
     }
     return samples;

@@ -16,8 +16,8 @@ public:
 
     explicit BoxFile(const std::filesystem::path &file);
 
-    /// The payload of the box at a path such as "moov/trak/mdia/hdlr" (the first of each name), from the start of its version
-    /// field for full boxes. Empty where there is none.
+    /// The payload of the box at a path such as "moov/trak/mdia/hdlr" (the first of each name), from the start of its
+    /// version field for full boxes. Empty where there is none.
     Bytes payload(const std::string &path) const;
     bool has(const std::string &path) const { return places_.count(path) != 0; }
     /// Names of a box's children in their order; "" lists the file's boxes.
@@ -66,9 +66,9 @@ std::vector<MovieSample> videoSamples(const BoxFile &movie);
 /// The SEI payload type of a NAL unit of type 39 or 40.
 int informationType(const NalUnit &unit);
 
-/// Fails the test for everything that an access unit of a two-view track must not be: a sample without both layers' pictures,
-/// layers out of order, parameter sets or made-up messages inside samples, a sync table that differs from
-/// the random access pictures, decoding after presentation.
+/// Fails the test for everything that an access unit of a two-view track must not be: a sample without both layers'
+/// pictures, layers out of order, parameter sets or made-up messages inside samples, a sync table that differs from the
+/// random access pictures, decoding after presentation.
 void checkAccessUnits(const std::vector<MovieSample> &samples);
 
 } // namespace lumetwin::test

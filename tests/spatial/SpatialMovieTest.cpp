@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a spatial movie has to say of itself: its boxes, compared with platform-written ones, and what other programs read.
+// What a spatial movie has to say of itself: its boxes, compared with platform-written ones, and what other programs
+// read.
 #include "tests/spatial/SpatialMovie.h"
 
 #include "engine/Inspection.h"
@@ -21,7 +22,9 @@ using testing::Not;
 
 constexpr const char *entry = "moov/trak/mdia/minf/stbl/stsd/hvc1";
 
-std::string in(const std::string &path) { return std::string(entry) + "/" + path; }
+std::string in(const std::string &path) {
+    return std::string(entry) + "/" + path;
+}
 
 ConversionSettings &withValues(ConversionSettings &settings, double fieldOfView, double disparity, double baseline) {
     settings.horizontalFOV = fieldOfView;
@@ -140,14 +143,16 @@ TEST(SpatialMovie, isReadByAnOutsideProgram) {
     const TemporaryFolder folder;
     ConversionSettings settings;
     test::convert(withValues(settings, 63.4, 2, 19.24), test::draw(folder / "in.mp4"), folder / "out.mov");
-    const std::string facts = test::ffprobe(
-        folder / "out.mov", "stream=codec_tag_string,profile,width,height,view_ids_available,view_pos_available,field_order,"
-                            "time_base:stream_disposition=multilayer:stream_side_data");
+    const std::string facts =
+        test::ffprobe(folder / "out.mov",
+                      "stream=codec_tag_string,profile,width,height,view_ids_available,view_pos_available,field_order,"
+                      "time_base:stream_disposition=multilayer:stream_side_data");
     for (const char *fact :
          {"codec_tag_string=hvc1", "profile=Main\n", "width=192", "height=96", "view_ids_available=0,1",
-          "view_pos_available=1,2", "time_base=1/600", "DISPOSITION:multilayer=1", "side_data_type=Stereo 3D", "view=packed",
-          "inverted=0", "primary_eye=left", "baseline=19240", "horizontal_disparity_adjustment=200/10000",
-          "horizontal_field_of_view=63400/1000", "side_data_type=Spherical Mapping", "projection=rectilinear"})
+          "view_pos_available=1,2", "time_base=1/600", "DISPOSITION:multilayer=1", "side_data_type=Stereo 3D",
+          "view=packed", "inverted=0", "primary_eye=left", "baseline=19240",
+          "horizontal_disparity_adjustment=200/10000", "horizontal_field_of_view=63400/1000",
+          "side_data_type=Spherical Mapping", "projection=rectilinear"})
         EXPECT_THAT(facts, HasSubstr(fact));
     EXPECT_THAT(facts, Not(HasSubstr("Frame Cropping")));
 }
@@ -173,7 +178,8 @@ TEST(SpatialMovie, hasTheStructureOfThePlatformsSample) {
     for (const std::string path : {"", "moov/trak/mdia", "moov/trak/tapt", "moov/trak/mdia/minf"})
         EXPECT_EQ(ours.children(path), theirs.children(path)) << path;
     for (const std::string path : {"", "vexu", "vexu/proj", "vexu/eyes/cams", "vexu/eyes/cmfy"})
-        EXPECT_EQ(ours.children(path.empty() ? entry : in(path)), theirs.children(path.empty() ? entry : in(path))) << path;
+        EXPECT_EQ(ours.children(path.empty() ? entry : in(path)), theirs.children(path.empty() ? entry : in(path)))
+            << path;
     for (const std::string path : {"vexu/eyes/stri", "vexu/proj/prji", "colr", "fiel"})
         EXPECT_EQ(ours.payload(in(path)), theirs.payload(in(path))) << path;
     for (const std::string path : {"vexu/eyes/cams/blin", "vexu/eyes/cmfy/dadj", "hfov"})

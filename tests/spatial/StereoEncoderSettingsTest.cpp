@@ -206,7 +206,8 @@ TEST(StereoVideoEncoding, IsMadeFromTheTable) {
 }
 
 TEST(StereoVideoEncoding, TakesEitherNameOfTheFieldOfViewAndNoProjection) {
-    const auto encoding = stereoVideoEncoding(outputSettings(ConversionSettings(), {960, 1080}, 30, {14, 0, 0}), 30, {});
+    const auto encoding =
+        stereoVideoEncoding(outputSettings(ConversionSettings(), {960, 1080}, 30, {14, 0, 0}), 30, {});
     EXPECT_EQ(encoding.horizontalFieldOfView, 63400U);
     EXPECT_FALSE(encoding.rectilinear);
 }

@@ -70,7 +70,9 @@ ProgramResult runProgram(const std::vector<std::string> &command) {
     return result;
 }
 
-std::string stackProgram(const std::string &name) { return std::string(LUMETWIN_STACK) + "/bin/" + name; }
+std::string stackProgram(const std::string &name) {
+    return std::string(LUMETWIN_STACK) + "/bin/" + name;
+}
 
 void ffmpeg(const std::vector<std::string> &arguments) {
     std::vector<std::string> command{stackProgram("ffmpeg"), "-nostdin", "-y", "-v", "error"};
@@ -82,7 +84,7 @@ void ffmpeg(const std::vector<std::string> &arguments) {
 
 std::string ffprobe(const std::filesystem::path &file, const std::string &entries,
                     const std::vector<std::string> &more) {
-    std::vector<std::string> command{stackProgram("ffprobe"), "-v", "error", "-show_entries", entries, "-of",
+    std::vector<std::string> command{stackProgram("ffprobe"),     "-v", "error", "-show_entries", entries, "-of",
                                      "default=noprint_wrappers=1"};
     command.insert(command.end(), more.begin(), more.end());
     command.push_back(file.string());
@@ -137,14 +139,15 @@ void applyAperture(LumaFrames &frames, const Aperture &cut) {
 LumaFrames decodeLuma(const std::filesystem::path &file, const std::string &map) {
     LumaFrames result;
     // A YUV4MPEG stream tells the size that a viewer sees.
-    const ProgramResult decoded =
-        runProgram({stackProgram("ffmpeg"), "-nostdin", "-v", "error", "-apply_cropping", "codec", "-i", file.string(), "-map", map, "-fps_mode",
-                    "passthrough", "-pix_fmt", "yuv444p", "-strict", "-1", "-f", "yuv4mpegpipe", "-"});
+    const ProgramResult decoded = runProgram({stackProgram("ffmpeg"), "-nostdin", "-v", "error", "-apply_cropping",
+                                              "codec", "-i", file.string(), "-map", map, "-fps_mode", "passthrough",
+                                              "-pix_fmt", "yuv444p", "-strict", "-1", "-f", "yuv4mpegpipe", "-"});
     if (decoded.status != 0)
         throw std::runtime_error("ffmpeg: " + decoded.errors);
     const std::string &data = decoded.output;
     const std::size_t headerEnd = data.find('\n');
-    if (headerEnd == std::string::npos || std::sscanf(data.c_str(), "YUV4MPEG2 W%d H%d", &result.width, &result.height) != 2)
+    if (headerEnd == std::string::npos ||
+        std::sscanf(data.c_str(), "YUV4MPEG2 W%d H%d", &result.width, &result.height) != 2)
         throw std::runtime_error("no frames in " + file.string() + decoded.errors);
     const auto size = static_cast<std::size_t>(result.width) * result.height;
     for (std::size_t at = headerEnd + 1; at < data.size();) {
@@ -185,9 +188,12 @@ std::vector<std::uint8_t> readFile(const std::filesystem::path &file) {
 }
 
 void writeFile(const std::filesystem::path &file, const std::vector<std::uint8_t> &bytes) {
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(file, std::ios::binary)
+        .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
-void writeFile(const std::filesystem::path &file, const std::string &text) { std::ofstream(file, std::ios::binary) << text; }
+void writeFile(const std::filesystem::path &file, const std::string &text) {
+    std::ofstream(file, std::ios::binary) << text;
+}
 
 } // namespace lumetwin::test

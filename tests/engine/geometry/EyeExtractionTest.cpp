@@ -9,7 +9,8 @@ namespace {
 using media::Rect;
 
 EyeExtraction extract(const ConversionSettings &settings, std::int64_t width, std::int64_t height) {
-    const EyeSize eye = settings.enableResize ? EyeSize{settings.resizeWidth, settings.resizeHeight} : EyeSize{width / 2, height};
+    const EyeSize eye =
+        settings.enableResize ? EyeSize{settings.resizeWidth, settings.resizeHeight} : EyeSize{width / 2, height};
     return eyeExtraction(settings, eye, width, height);
 }
 

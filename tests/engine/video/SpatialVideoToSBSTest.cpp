@@ -51,7 +51,8 @@ std::filesystem::path drawSpatial(const std::filesystem::path &file, int width, 
     writer.start(600);
     const auto duration = static_cast<std::int64_t>(600 / rate);
     for (int frame = 0; frame < frames; ++frame)
-        writer.append(eyePicture(width, height, leftLuma), eyePicture(width, height, rightLuma), frame * duration, duration);
+        writer.append(eyePicture(width, height, leftLuma), eyePicture(width, height, rightLuma), frame * duration,
+                      duration);
     writer.finishVideo();
     writer.finish();
     return file;
@@ -62,7 +63,8 @@ struct Conversion {
     std::vector<std::string> warnings;
 };
 
-Conversion convert(const ConversionSettings &settings, const std::filesystem::path &input, const std::filesystem::path &output) {
+Conversion convert(const ConversionSettings &settings, const std::filesystem::path &input,
+                   const std::filesystem::path &output) {
     Conversion run;
     ConversionControl control;
     control.onFrameProgress = [&](std::int64_t frame, std::int64_t total) { run.progress.emplace_back(frame, total); };
@@ -191,15 +193,18 @@ TEST(SpatialVideoToSBS, showsOneViewToBothEyes) {
 
 TEST(SpatialVideoToSBS, reportsEveryEighthFrame) {
     const TemporaryFolder folder;
-    const Conversion run = convert(ConversionSettings(), drawSpatial(folder / "in.mov", 128, 96, 25), folder / "out.mp4");
+    const Conversion run =
+        convert(ConversionSettings(), drawSpatial(folder / "in.mov", 128, 96, 25), folder / "out.mp4");
     EXPECT_THAT(run.progress, ElementsAre(std::pair(0, 25), std::pair(8, 25), std::pair(16, 25), std::pair(24, 25)));
     EXPECT_TRUE(run.warnings.empty());
 }
 
 TEST(SpatialVideoToSBS, rebuildsAConstantRate) {
     const TemporaryFolder folder;
-    for (const auto &[rate, step] : std::vector<std::pair<std::string, int>>{{"24", 25}, {"30000/1001", 20}, {"60", 10}, {"25", 24}}) {
-        ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=" + rate + ":d=0.5", "-c:v", "libx264", (folder / "in.mp4").string()});
+    for (const auto &[rate, step] :
+         std::vector<std::pair<std::string, int>>{{"24", 25}, {"30000/1001", 20}, {"60", 10}, {"25", 24}}) {
+        ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=" + rate + ":d=0.5", "-c:v", "libx264",
+                (folder / "in.mp4").string()});
         convert(ConversionSettings(), folder / "in.mp4", folder / "out.mp4");
         const std::string times = test::ffprobe(folder / "out.mp4", "packet=pts", {"-read_intervals", "%+#40"});
         EXPECT_THAT(times, HasSubstr("pts=0\n"));
@@ -210,8 +215,8 @@ TEST(SpatialVideoToSBS, rebuildsAConstantRate) {
 
 TEST(SpatialVideoToSBS, doesNotKeepTheSourcesGaps) {
     const TemporaryFolder folder;
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=2", "-vf", "select='not(between(n,10,40))'", "-fps_mode", "vfr", "-c:v",
-            "libx264", (folder / "in.mp4").string()});
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=2", "-vf", "select='not(between(n,10,40))'", "-fps_mode",
+            "vfr", "-c:v", "libx264", (folder / "in.mp4").string()});
     convert(ConversionSettings(), folder / "in.mp4", folder / "out.mp4");
     EXPECT_EQ(test::decodeLuma(folder / "out.mp4").frames.size(), 29u);
 }
@@ -271,11 +276,13 @@ TEST(SpatialVideoToSBS, replacesAnExistingOutput) {
 
 TEST(SpatialVideoToSBS, copiesTheSoundInStep) {
     const TemporaryFolder folder;
-    for (const auto &[layout, channels] : std::vector<std::pair<std::string, int>>{{"mono", 1}, {"stereo", 2}, {"5.1", 2}}) {
+    for (const auto &[layout, channels] :
+         std::vector<std::pair<std::string, int>>{{"mono", 1}, {"stereo", 2}, {"5.1", 2}}) {
         ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=2", "-f", "lavfi", "-i", "sine=d=2:r=48000", "-af",
                 "aformat=channel_layouts=" + layout, "-c:v", "libx264", "-c:a", "aac", (folder / "in.mp4").string()});
         convert(ConversionSettings(), folder / "in.mp4", folder / "out.mp4");
-        const std::string facts = test::ffprobe(folder / "out.mp4", "stream=codec_name,channels,sample_rate,duration,start_pts", {"-select_streams", "a"});
+        const std::string facts = test::ffprobe(
+            folder / "out.mp4", "stream=codec_name,channels,sample_rate,duration,start_pts", {"-select_streams", "a"});
         EXPECT_THAT(facts, HasSubstr("codec_name=aac"));
         EXPECT_THAT(facts, HasSubstr("channels=" + std::to_string(channels)));
         EXPECT_THAT(facts, HasSubstr("sample_rate=48000"));
@@ -289,8 +296,8 @@ TEST(SpatialVideoToSBS, writesNoSoundWhereThereIsNoneOrNoneIsWanted) {
     convert(ConversionSettings(), silent, folder / "out.mp4");
     EXPECT_EQ(test::ffprobe(folder / "out.mp4", "stream=codec_name", {"-select_streams", "a"}), "");
 
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=0.5", "-f", "lavfi", "-i", "sine=d=0.5", "-c:v", "libx264", "-c:a", "aac",
-            (folder / "loud.mp4").string()});
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=0.5", "-f", "lavfi", "-i", "sine=d=0.5", "-c:v", "libx264",
+            "-c:a", "aac", (folder / "loud.mp4").string()});
     ConversionSettings settings;
     settings.copyAudio = false;
     convert(settings, folder / "loud.mp4", folder / "out.mp4");
@@ -307,8 +314,8 @@ TEST(SpatialVideoToSBS, failsWithoutAVideoTrack) {
 
 TEST(SpatialVideoToSBS, convertsADamagedMovieAsFarAsItGoesAndSaysSo) {
     const TemporaryFolder folder;
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=25:d=2", "-c:v", "libx264", "-g", "10", "-movflags", "+faststart",
-            (folder / "in.mp4").string()});
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=25:d=2", "-c:v", "libx264", "-g", "10", "-movflags",
+            "+faststart", (folder / "in.mp4").string()});
     auto bytes = test::readFile(folder / "in.mp4");
     bytes.resize(bytes.size() * 7 / 10);
     test::writeFile(folder / "in.mp4", bytes);
@@ -322,7 +329,8 @@ TEST(SpatialVideoToSBS, convertsADamagedMovieAsFarAsItGoesAndSaysSo) {
 
 TEST(SpatialVideoToSBS, failsWhenNotOneFrameCanBeRead) {
     const TemporaryFolder folder;
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=25:d=0.2", "-c:v", "libx264", "-movflags", "+faststart", (folder / "in.mp4").string()});
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=25:d=0.2", "-c:v", "libx264", "-movflags", "+faststart",
+            (folder / "in.mp4").string()});
     auto bytes = test::readFile(folder / "in.mp4");
     const std::string_view text(reinterpret_cast<const char *>(bytes.data()), bytes.size());
     bytes.resize(text.find("mdat") + 4);
@@ -333,8 +341,8 @@ TEST(SpatialVideoToSBS, failsWhenNotOneFrameCanBeRead) {
 
 TEST(SpatialVideoToSBS, stopsBetweenFramesWhenCancelled) {
     const TemporaryFolder folder;
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=30:d=20", "-f", "lavfi", "-i", "sine=d=20", "-c:v", "libx264", "-preset", "ultrafast", "-c:a", "aac",
-            (folder / "in.mp4").string()});
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=30:d=20", "-f", "lavfi", "-i", "sine=d=20", "-c:v", "libx264",
+            "-preset", "ultrafast", "-c:a", "aac", (folder / "in.mp4").string()});
     std::atomic<bool> cancel{false};
     std::int64_t last = 0;
     ConversionControl control;
@@ -351,7 +359,8 @@ TEST(SpatialVideoToSBS, stopsBetweenFramesWhenCancelled) {
 
 TEST(SpatialVideoToSBS, decodesOneViewOnSystemsBeforeStereoMovies) {
     const TemporaryFolder folder;
-    convertSpatialVideoToSBS(ConversionSettings(), drawSpatial(folder / "in.mov", 192, 108, 2), folder / "out.mp4", {}, SystemVersion{13, 9, 0});
+    convertSpatialVideoToSBS(ConversionSettings(), drawSpatial(folder / "in.mov", 192, 108, 2), folder / "out.mp4", {},
+                             SystemVersion{13, 9, 0});
     expectEyes(folder / "out.mp4", 384, 108, leftLuma, leftLuma);
 }
 

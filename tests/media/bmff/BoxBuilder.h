@@ -24,8 +24,12 @@ inline Bytes number(std::uint64_t value, int size) {
     return bytes;
 }
 
-inline Bytes u32(std::uint32_t value) { return number(value, 4); }
-inline Bytes letters(std::string_view text) { return {text.begin(), text.end()}; }
+inline Bytes u32(std::uint32_t value) {
+    return number(value, 4);
+}
+inline Bytes letters(std::string_view text) {
+    return {text.begin(), text.end()};
+}
 
 inline Bytes box(std::string_view type, const Bytes &payload) {
     return joined({u32(static_cast<std::uint32_t>(payload.size() + 8)), letters(type), payload});

@@ -17,13 +17,16 @@ using test::letters;
 using test::u32;
 
 Bytes stereoBoxes(std::uint32_t baseline) {
-    const Bytes eyes = box("eyes", joined({fullBox("stri", {3}), fullBox("hero", {1}),
-                                           box("cams", fullBox("blin", u32(baseline))),
-                                           box("cmfy", fullBox("dadj", u32(static_cast<std::uint32_t>(-150))))}));
-    return joined({box("vexu", joined({eyes, box("proj", fullBox("prji", letters("rect")))})), box("hfov", u32(63400))});
+    const Bytes eyes =
+        box("eyes", joined({fullBox("stri", {3}), fullBox("hero", {1}), box("cams", fullBox("blin", u32(baseline))),
+                            box("cmfy", fullBox("dadj", u32(static_cast<std::uint32_t>(-150))))}));
+    return joined(
+        {box("vexu", joined({eyes, box("proj", fullBox("prji", letters("rect")))})), box("hfov", u32(63400))});
 }
 
-Bytes entry(const Bytes &children, std::string_view type = "hvc1") { return box(type, joined({Bytes(78, 0), children})); }
+Bytes entry(const Bytes &children, std::string_view type = "hvc1") {
+    return box(type, joined({Bytes(78, 0), children}));
+}
 
 Bytes track(std::string_view handler, const Bytes &entries, std::uint32_t count = 1) {
     const Bytes descriptions = fullBox("stsd", joined({u32(count), entries}));
@@ -32,14 +35,18 @@ Bytes track(std::string_view handler, const Bytes &entries, std::uint32_t count 
 }
 
 Bytes movie(const Bytes &tracks) {
-    return joined({box("ftyp", letters("qt  ")), box("mdat", Bytes(50, 1)), box("moov", joined({fullBox("mvhd", Bytes(96, 0)), tracks}))});
+    return joined({box("ftyp", letters("qt  ")), box("mdat", Bytes(50, 1)),
+                   box("moov", joined({fullBox("mvhd", Bytes(96, 0)), tracks}))});
 }
 
-StereoMovieFacts factsOf(const Bytes &bytes) { return bmff::readStereoMovieFacts(*bmff::fromMemory(bytes)); }
+StereoMovieFacts factsOf(const Bytes &bytes) {
+    return bmff::readStereoMovieFacts(*bmff::fromMemory(bytes));
+}
 
 TEST(MovieFacts, readsWhatAStereoTrackAnnounces) {
     for (const std::string_view type : {"hvc1", "hev1", "encv", "avc1"}) {
-        const StereoMovieFacts facts = factsOf(movie(track("vide", entry(joined({box("lhvC", {1}), stereoBoxes(19240)}), type))));
+        const StereoMovieFacts facts =
+            factsOf(movie(track("vide", entry(joined({box("lhvC", {1}), stereoBoxes(19240)}), type))));
         EXPECT_TRUE(facts.hasVideoTrack);
         EXPECT_EQ(facts.baseline, 19240u);
         EXPECT_EQ(facts.horizontalFieldOfView, 63400u);
@@ -77,7 +84,8 @@ TEST(MovieFacts, knowsAFieldOfViewWithoutABaseline) {
 
 TEST(MovieFacts, findsTheHeaderBeforeTheDataAndInLongBoxes) {
     const Bytes header = test::longBox("moov", track("vide", entry(stereoBoxes(3))));
-    EXPECT_TRUE(factsOf(joined({box("ftyp", letters("isom")), header, test::longBox("mdat", Bytes(5, 0))})).anyBaseline);
+    EXPECT_TRUE(
+        factsOf(joined({box("ftyp", letters("isom")), header, test::longBox("mdat", Bytes(5, 0))})).anyBaseline);
     EXPECT_TRUE(factsOf(joined({header, u32(0), letters("mdat"), Bytes(99, 7)})).anyBaseline);
 }
 
@@ -139,7 +147,8 @@ TEST(MovieFacts, findStereoInFragmentedMoviesAndMp4) {
     if (!samples)
         GTEST_SKIP() << "no sample media";
     const std::string input = (*samples / "spatial-video" / "water_180_mvhevc_5frames.mov").string();
-    test::ffmpeg({"-i", input, "-c", "copy", "-movflags", "+frag_keyframe+empty_moov", "-strict", "unofficial", (folder / "f.mp4").string()});
+    test::ffmpeg({"-i", input, "-c", "copy", "-movflags", "+frag_keyframe+empty_moov", "-strict", "unofficial",
+                  (folder / "f.mp4").string()});
     EXPECT_EQ(readStereoMovieFacts(folder / "f.mp4").baseline, 19240u);
     test::ffmpeg({"-i", input, "-c", "copy", "-movflags", "+faststart", (folder / "s.mov").string()});
     EXPECT_EQ(readStereoMovieFacts(folder / "s.mov").baseline, 19240u);

@@ -33,8 +33,11 @@ constexpr const char *clickAtHalfASecond = "aevalsrc='if(between(t,0.5,0.6),0.9*
 
 TEST(AudioReader, keepsTheTimeOfASoundWhateverTheCodecsPriming) {
     const TemporaryFolder folder;
-    for (const auto &[name, codec] : std::vector<std::pair<std::string, std::string>>{
-             {"aac.mp4", "aac"}, {"pcm.mov", "pcm_s16le"}, {"alac.mov", "alac"}, {"flac.mkv", "flac"}, {"ac3.mp4", "ac3"}}) {
+    for (const auto &[name, codec] : std::vector<std::pair<std::string, std::string>>{{"aac.mp4", "aac"},
+                                                                                      {"pcm.mov", "pcm_s16le"},
+                                                                                      {"alac.mov", "alac"},
+                                                                                      {"flac.mkv", "flac"},
+                                                                                      {"ac3.mp4", "ac3"}}) {
         ffmpeg({"-f", "lavfi", "-i", clickAtHalfASecond, "-c:a", codec, (folder / name).string()});
         const auto samples = readAll(folder / name, 48000, 1);
         EXPECT_NEAR(onset(samples), 24000, 300) << name; // AC-3 states no priming
@@ -44,7 +47,8 @@ TEST(AudioReader, keepsTheTimeOfASoundWhateverTheCodecsPriming) {
 
 TEST(AudioReader, fillsALateStartWithSilenceAndCutsWhatComesBefore) {
     const TemporaryFolder folder;
-    ffmpeg({"-itsoffset", "0.25", "-f", "lavfi", "-i", clickAtHalfASecond, "-c:a", "pcm_s16le", (folder / "late.mkv").string()});
+    ffmpeg({"-itsoffset", "0.25", "-f", "lavfi", "-i", clickAtHalfASecond, "-c:a", "pcm_s16le",
+            (folder / "late.mkv").string()});
     EXPECT_NEAR(onset(readAll(folder / "late.mkv", 48000, 1)), 36000, 64);
     EXPECT_NEAR(onset(readAll(folder / "late.mkv", 48000, 1, 0.5)), 12000, 64);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/MovieReader.h"
 #include "media/MediaError.h"
+#include "media/MovieReader.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -69,8 +69,8 @@ TEST(FrameReader, tellsTheEyesOfThePlatformsSampleApart) {
 
 TEST(FrameReader, readsAsFarAsATruncatedMovieGoes) {
     const TemporaryFolder folder;
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=25:d=2", "-c:v", "libx264", "-g", "10", "-movflags", "+faststart",
-            (folder / "whole.mp4").string()});
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=25:d=2", "-c:v", "libx264", "-g", "10", "-movflags",
+            "+faststart", (folder / "whole.mp4").string()});
     auto bytes = test::readFile(folder / "whole.mp4");
     bytes.resize(bytes.size() * 6 / 10);
     test::writeFile(folder / "cut.mp4", bytes);
@@ -83,11 +83,11 @@ TEST(FrameReader, readsAsFarAsATruncatedMovieGoes) {
 
 TEST(FrameReader, goesOnAfterDamageInTheMiddle) {
     const TemporaryFolder folder;
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=25:d=2", "-c:v", "libx264", "-g", "10", "-movflags", "+faststart",
-            (folder / "clip.mp4").string()});
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=25:d=2", "-c:v", "libx264", "-g", "10", "-movflags",
+            "+faststart", (folder / "clip.mp4").string()});
     auto bytes = test::readFile(folder / "clip.mp4");
-    std::fill(bytes.begin() + static_cast<long>(bytes.size() / 2), bytes.begin() + static_cast<long>(bytes.size() / 2) + 3000,
-              std::uint8_t{0x5a});
+    std::fill(bytes.begin() + static_cast<long>(bytes.size() / 2),
+              bytes.begin() + static_cast<long>(bytes.size() / 2) + 3000, std::uint8_t{0x5a});
     test::writeFile(folder / "clip.mp4", bytes);
     bool damaged = false;
     EXPECT_GT(countFrames(folder / "clip.mp4", damaged), 40);
@@ -126,7 +126,8 @@ TEST(MovieFile, namesTheFileAndTheCauseOfWhatItCannotOpen) {
 
 TEST(MovieFile, opensNamesThatLookLikeAddresses) {
     const TemporaryFolder folder;
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=25:d=0.2", "-c:v", "libx264", "file:" + (folder / "a:b 100%.mp4").string()});
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=25:d=0.2", "-c:v", "libx264",
+            "file:" + (folder / "a:b 100%.mp4").string()});
     EXPECT_TRUE(MovieFile(folder / "a:b 100%.mp4").videoTrack().has_value());
 }
 
@@ -141,7 +142,8 @@ TEST(FrameReader, refusesAnEncryptedMovie) {
 TEST(MovieFile, reportsTheStoredSizeOfARotatedMovie) {
     const TemporaryFolder folder;
     ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=128x64:r=25:d=0.2", "-c:v", "libx264", (folder / "flat.mp4").string()});
-    ffmpeg({"-display_rotation", "90", "-i", (folder / "flat.mp4").string(), "-c", "copy", (folder / "turned.mp4").string()});
+    ffmpeg({"-display_rotation", "90", "-i", (folder / "flat.mp4").string(), "-c", "copy",
+            (folder / "turned.mp4").string()});
     const VideoTrack track = MovieFile(folder / "turned.mp4").videoTrack().value();
     EXPECT_EQ(track.naturalWidth, 128);
     EXPECT_EQ(track.naturalHeight, 64);

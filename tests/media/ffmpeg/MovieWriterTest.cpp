@@ -54,7 +54,8 @@ TEST(MovieWriter, writesEveryFrameAtItsTime) {
                 const auto decoded = test::decodeLuma(file);
                 ASSERT_EQ(decoded.frames.size(), static_cast<std::size_t>(frames));
                 for (int frame = 0; frame < frames; ++frame)
-                    EXPECT_NEAR(decoded.mean(static_cast<std::size_t>(frame), 0, 0, 160, 90), 40 + 10 * (frame % 16), 2);
+                    EXPECT_NEAR(decoded.mean(static_cast<std::size_t>(frame), 0, 0, 160, 90), 40 + 10 * (frame % 16),
+                                2);
                 const std::string times = test::ffprobe(file, "frame=pts");
                 EXPECT_EQ(times.substr(0, 6), "pts=0\n");
                 if (frames > 1) {
@@ -83,7 +84,8 @@ TEST(MovieWriter, carriesColourTags) {
     VideoEncoding encoding = encodingOf(VideoCodec::hevc, 64, 64);
     encoding.colour = {9, 18, 9, ColourRange::limited, ChromaLocation::left};
     writeMovie(folder / "hlg.mov", Container::quickTime, encoding, 2);
-    const std::string facts = test::ffprobe(folder / "hlg.mov", "stream=color_range,color_space,color_transfer,color_primaries");
+    const std::string facts =
+        test::ffprobe(folder / "hlg.mov", "stream=color_range,color_space,color_transfer,color_primaries");
     EXPECT_NE(facts.find("color_range=tv"), std::string::npos) << facts;
     EXPECT_NE(facts.find("color_space=bt2020nc"), std::string::npos) << facts;
     EXPECT_NE(facts.find("color_transfer=arib-std-b67"), std::string::npos) << facts;
@@ -103,7 +105,8 @@ TEST(MovieWriter, keepsWhatPeopleKeepFilmsForInBothContainers) {
         EXPECT_NE(found.find("creation_time=2024-05-17T10:11:12"), std::string::npos) << found;
         EXPECT_NE(found.find("com.apple.quicktime.make=Camera Works"), std::string::npos) << found;
         EXPECT_NE(found.find("com.apple.quicktime.model=Twin 3"), std::string::npos) << found;
-        EXPECT_NE(found.find("com.apple.quicktime.location.ISO6709=+35.6586+139.7454+040.000/"), std::string::npos) << found;
+        EXPECT_NE(found.find("com.apple.quicktime.location.ISO6709=+35.6586+139.7454+040.000/"), std::string::npos)
+            << found;
         EXPECT_NE(found.find("title=Première neige"), std::string::npos) << found;
         const std::string seen = test::runProgram({"exiftool", "-s", (folder / "kept.mov").string()}).output;
         EXPECT_NE(seen.find("Camera Works"), std::string::npos) << seen;
@@ -185,7 +188,8 @@ TEST(MovieWriter, keepsSoundAndPictureInStep) {
         for (int at = 0; at < 3 * 48000; at += 1000) {
             const auto samples = std::make_shared<std::int16_t[]>(1000);
             for (int index = 0; index < 1000; ++index)
-                samples[index] = at + index >= 48000 ? static_cast<std::int16_t>(20000 * std::sin((at + index) * 0.13)) : 0;
+                samples[index] =
+                    at + index >= 48000 ? static_cast<std::int16_t>(20000 * std::sin((at + index) * 0.13)) : 0;
             writer.append(AudioBlock{samples, 1000});
         }
         writer.finishAudio();
@@ -200,8 +204,8 @@ TEST(MovieWriter, keepsSoundAndPictureInStep) {
     ASSERT_EQ(picture.frames.size(), 90u);
     EXPECT_LT(picture.mean(29, 0, 0, 160, 90), 60);
     EXPECT_GT(picture.mean(30, 0, 0, 160, 90), 180);
-    const std::string pcm = test::runProgram({test::stackProgram("ffmpeg"), "-v", "error", "-i", file.string(), "-map", "0:a",
-                                              "-f", "s16le", "-c:a", "pcm_s16le", "-"})
+    const std::string pcm = test::runProgram({test::stackProgram("ffmpeg"), "-v", "error", "-i", file.string(), "-map",
+                                              "0:a", "-f", "s16le", "-c:a", "pcm_s16le", "-"})
                                 .output;
     const auto *samples = reinterpret_cast<const std::int16_t *>(pcm.data());
     int first = 0;

@@ -33,7 +33,8 @@ Picture scene(int width, int height, int frame, bool right, int noise = 6) {
     for (int plane = 0; plane < 3; ++plane)
         for (int y = 0; y < picture.planeHeight(plane); ++y)
             for (int x = 0; x < picture.planeWidth(plane); ++x) {
-                const double wave = std::sin((x + frame * 2 + (right ? 6 : 0)) * 0.11) + std::cos(y * 0.13 + frame * 0.05);
+                const double wave =
+                    std::sin((x + frame * 2 + (right ? 6 : 0)) * 0.11) + std::cos(y * 0.13 + frame * 0.05);
                 const int grain = static_cast<int>(random() % static_cast<unsigned>(2 * noise + 1)) - noise;
                 picture.planes[plane].data[y * picture.planes[plane].stride + x] =
                     static_cast<std::uint8_t>(plane == 0 ? 126 + 40 * wave + grain : 128 + 10 * wave);
@@ -90,7 +91,9 @@ TEST(StereoEncoder, LosesNoFrameAtTheEnd) {
     }
 }
 
-TEST(StereoEncoder, EndsWithoutAnyFrame) { EXPECT_TRUE(encode(formatOf(128, 96), 0).units.empty()); }
+TEST(StereoEncoder, EndsWithoutAnyFrame) {
+    EXPECT_TRUE(encode(formatOf(128, 96), 0).units.empty());
+}
 
 TEST(StereoEncoder, FinishesOnlyOnce) {
     StereoEncoder encoder("test.mov", formatOf(128, 96));
@@ -169,13 +172,14 @@ std::vector<std::vector<std::uint8_t>> decodedViews(const Encoded &encoded, int 
     for (const AccessUnit &unit : encoded.units)
         stream.insert(stream.end(), unit.bytes.begin(), unit.bytes.end());
     test::writeFile(folder / "views.hevc", stream);
-    test::ffmpeg({"-view_ids", "-1", "-i", (folder / "views.hevc").string(), "-fps_mode", "passthrough", "-f", "rawvideo",
-                  "-pix_fmt", "yuv420p", (folder / "views.raw").string()});
+    test::ffmpeg({"-view_ids", "-1", "-i", (folder / "views.hevc").string(), "-fps_mode", "passthrough", "-f",
+                  "rawvideo", "-pix_fmt", "yuv420p", (folder / "views.raw").string()});
     const std::vector<std::uint8_t> samples = test::readFile(folder / "views.raw");
     const auto size = static_cast<std::size_t>(width * height);
     std::vector<std::vector<std::uint8_t>> views;
     for (std::size_t at = 0; at + size <= samples.size(); at += size * 3 / 2)
-        views.emplace_back(samples.begin() + static_cast<std::ptrdiff_t>(at), samples.begin() + static_cast<std::ptrdiff_t>(at + size));
+        views.emplace_back(samples.begin() + static_cast<std::ptrdiff_t>(at),
+                           samples.begin() + static_cast<std::ptrdiff_t>(at + size));
     return views;
 }
 
@@ -188,7 +192,9 @@ TEST(StereoEncoder, IsDecodedWithoutDrift) {
         ASSERT_EQ(views.size(), 48U);
         for (int frame = 0; frame < 24; ++frame)
             for (const bool right : {false, true})
-                EXPECT_GT(test::psnr(lumaOf(scene(width, height, frame, right, 2)), views[static_cast<std::size_t>(frame * 2 + right)]), 34)
+                EXPECT_GT(test::psnr(lumaOf(scene(width, height, frame, right, 2)),
+                                     views[static_cast<std::size_t>(frame * 2 + right)]),
+                          34)
                     << "frame " << frame << (right ? " right" : " left");
     }
 }
