@@ -2,6 +2,7 @@
 #include "app/Appearance.h"
 
 #include "ui/Palettes.h"
+#include "ui/ScaledStyle.h"
 #include "ui/desktop/Bus.h"
 
 #include <QApplication>
@@ -66,8 +67,11 @@ QPalette darkPalette() {
 }
 
 void followUserAppearance() {
-    // A palette of the desktop's own theme is left alone; Fusion is what there is without one.
-    if (QApplication::style()->name() != QLatin1String("fusion") || isDark(QApplication::palette()))
+    // The desktop's own theme is left alone; Fusion is what there is without one.
+    if (QApplication::style()->name() != QLatin1String("fusion"))
+        return;
+    QApplication::setStyle(new ScaledStyle);
+    if (isDark(QApplication::palette()))
         return;
     auto *follower = new SchemeFollower(qApp);
     QDBusConnection bus = sessionBus();

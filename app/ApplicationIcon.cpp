@@ -5,9 +5,15 @@
 #include <QPixmap>
 #include <QSvgRenderer>
 
+/// Outside of any namespace, as the macro demands: a static library's resources register themselves only when told to.
+static void registerPictures() {
+    Q_INIT_RESOURCE(pictures);
+}
+
 namespace lumetwin {
 
 QIcon applicationIcon() {
+    registerPictures();
     QSvgRenderer picture(QStringLiteral(":/lumetwin/icon.svg"));
     QIcon icon;
     for (const int size : {16, 24, 32, 48, 64, 96, 128, 192, 256}) {

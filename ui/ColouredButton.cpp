@@ -5,8 +5,31 @@
 #include "ui/Points.h"
 
 #include <QPainter>
+#include <QPainterPath>
 
 namespace lumetwin {
+
+namespace {
+
+constexpr QChar stopSquare(0x23F9);
+constexpr QChar playSign(0x25B6);
+constexpr QChar checkMark(0x2713);
+
+/// The symbol that begins a title, in a square of 1 by 1; empty for other titles.
+QPainterPath symbolPath(const QString &title) {
+    QPainterPath path;
+    if (title.startsWith(stopSquare)) {
+        path.addRoundedRect(0.06, 0.06, 0.88, 0.88, 0.1, 0.1);
+    } else if (title.startsWith(playSign)) {
+        path.addPolygon(QPolygonF({{0.1, 0}, {1, 0.5}, {0.1, 1}}));
+        path.closeSubpath();
+    } else if (title.startsWith(checkMark)) {
+        path.addPolygon(QPolygonF({{0.05, 0.55}, {0.38, 0.88}, {0.95, 0.15}}));
+    }
+    return path;
+}
+
+} // namespace
 
 ColouredButton::ColouredButton(const QString &title, double cornerRadius, QWidget *parent)
     : QPushButton(title, parent), cornerRadius_(cornerRadius) {
@@ -44,7 +67,25 @@ void ColouredButton::paintEvent(QPaintEvent *) {
         painter.drawRoundedRect(QRectF(rect()).adjusted(3, 3, -3, -3), qMax(1.0, radius - 3), qMax(1.0, radius - 3));
     }
     painter.setPen(isEnabled() ? QColor(Qt::white) : lumetwin::white(1, 0.7));
-    painter.drawText(rect(), Qt::AlignCenter | Qt::TextShowMnemonic, text());
+    paintTitle(painter);
+}
+
+void ColouredButton::paintTitle(QPainter &painter) const {
+    const QPainterPath symbol = symbolPath(text());
+    const QString words = symbol.isEmpty() ? text() : text().mid(1).trimmed();
+    const double size = symbol.isEmpty() ? 0 : font().pixelSize() * 0.72, gap = size * 0.8;
+    const double width = fontMetrics().horizontalAdvance(words);
+    const double left = (this->width() - size - gap - width) / 2;
+    painter.drawText(QRectF(left + size + gap, 0, width + 1, height()), Qt::AlignLeft | Qt::AlignVCenter, words);
+    if (symbol.isEmpty())
+        return;
+    painter.translate(left, (height() - size) / 2);
+    painter.scale(size, size);
+    const QColor ink = painter.pen().color();
+    if (text().startsWith(checkMark))
+        painter.strokePath(symbol, QPen(ink, 0.16, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    else
+        painter.fillPath(symbol, ink);
 }
 
 } // namespace lumetwin

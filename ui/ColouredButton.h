@@ -8,7 +8,8 @@
 namespace lumetwin {
 
 /// A borderless button with rounded corners and a white title on a colour of its own, or on the desktop's accent
-/// colour while it has none.
+/// colour while it has none. A stop square, play sign or check mark that begins the title is drawn, because some fonts
+/// have it as a coloured picture and others not at all.
 class ColouredButton : public QPushButton {
     Q_OBJECT
 
@@ -22,6 +23,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void paintTitle(QPainter &painter) const;
+
     double cornerRadius_; // points
     std::optional<QColor> colour_;
 };

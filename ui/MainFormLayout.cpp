@@ -40,12 +40,6 @@ private:
     PointScale scale_;
 };
 
-/// Bold text would otherwise take its emoji from a font that has them bold, but in black and white.
-QFont withColourEmoji(QFont font) {
-    font.setFamilies({font.family(), QStringLiteral("Noto Color Emoji")});
-    return font;
-}
-
 void setTextColour(QWidget *widget, const QColor &colour) {
     QPalette palette = widget->palette();
     palette.setColor(QPalette::WindowText, colour);
@@ -60,7 +54,7 @@ void MainViewController::applyFonts() {
         if (qobject_cast<QLabel *>(control) || qobject_cast<QAbstractButton *>(control) ||
             qobject_cast<QComboBox *>(control))
             control->setFont(scale.font(textSize));
-    titleLabel->setFont(withColourEmoji(scale.font(22, QFont::Bold)));
+    titleLabel->setFont(scale.font(22, QFont::Bold));
     subtitleLabel->setFont(scale.font(smallTextSize));
     for (QLineEdit *field : {fovField, disparityField, baselineField, resizeWidthField, resizeHeightField})
         field->setFont(scale.digitFont(smallTextSize));

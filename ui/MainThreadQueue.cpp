@@ -18,7 +18,11 @@ const QEvent::Type workWaits = static_cast<QEvent::Type>(QEvent::registerEventTy
 
 MainThreadQueue &MainThreadQueue::shared() {
     // Never destroyed: threads may still post while the program ends.
-    static auto *queue = new MainThreadQueue;
+    static MainThreadQueue *queue = [] {
+        auto *made = new MainThreadQueue;
+        made->moveToThread(QCoreApplication::instance()->thread());
+        return made;
+    }();
     return *queue;
 }
 

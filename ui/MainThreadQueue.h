@@ -15,7 +15,7 @@ class MainThreadQueue : public QObject {
     Q_OBJECT
 
 public:
-    /// The queue of the program. Called on the interface thread the first time.
+    /// The queue of the program, which must have its application object.
     static MainThreadQueue &shared();
 
     /// From any thread. The task must hold what it touches weakly.

@@ -56,12 +56,16 @@ QColor accentColour(const QPalette &palette) {
     return readableOn(Qt::white, palette.color(QPalette::Active, QPalette::Highlight));
 }
 
+QColor sectionColour(const QPalette &palette) {
+    return isDark(palette) ? mixed(palette.color(QPalette::Window), Qt::white, 0.07) : palette.color(QPalette::Base);
+}
+
 QColor accentTextColour(const QPalette &palette) {
-    return readableOn(palette.color(QPalette::Base), palette.color(QPalette::Active, QPalette::Highlight));
+    return readableOn(sectionColour(palette), palette.color(QPalette::Active, QPalette::Highlight));
 }
 
 QColor secondaryTextColour(const QPalette &palette) {
-    const QColor background = palette.color(QPalette::Base);
+    const QColor background = sectionColour(palette);
     return readableOn(background, mixed(palette.color(QPalette::WindowText), background, 0.4));
 }
 
@@ -70,7 +74,7 @@ QColor separatorColour(const QPalette &palette) {
 }
 
 QColor warningColour(const QPalette &palette) {
-    return readableOn(palette.color(QPalette::Base), colour(1, 0.58, 0));
+    return readableOn(sectionColour(palette), colour(1, 0.58, 0));
 }
 
 } // namespace lumetwin

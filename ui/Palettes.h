@@ -18,11 +18,14 @@ double contrast(const QColor &one, const QColor &other);
 bool isDark(const QPalette &palette);
 /// The accent colour, darkened where white text on it would not be readable.
 QColor accentColour(const QPalette &palette);
-/// The accent colour as text on the palette's base.
+/// The ground of a section: the base in light palettes; in dark ones a little above the window, so that fields and
+/// check boxes, which are darker, stand out.
+QColor sectionColour(const QPalette &palette);
+/// The accent colour as text on a section.
 QColor accentTextColour(const QPalette &palette);
 QColor secondaryTextColour(const QPalette &palette);
 QColor separatorColour(const QPalette &palette);
-/// Orange that can be read on the palette's base.
+/// Orange that can be read on a section.
 QColor warningColour(const QPalette &palette);
 
 } // namespace lumetwin

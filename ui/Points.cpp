@@ -16,13 +16,15 @@ namespace {
 constexpr double usualTextPixels = 40.0 / 3; // 10 pt at 96 dots per inch, the desktops' default
 constexpr double formWidth = 720;            // points
 constexpr double largestScale = 3;
+constexpr double narrowest = 0.9; // of the texts' scale; there is that much room to spare beside them
 
 } // namespace
 
 PointScale PointScale::of(const QFont &font, int availableWidth) {
     const double text = QFontInfo(font).pixelSize() / usualTextPixels;
     const double scale = std::clamp(std::round(text * 20) / 20, 1.0, largestScale);
-    return {std::clamp(std::floor(availableWidth / formWidth * 50) / 50, 1.0, scale), scale};
+    const double fitting = std::floor(availableWidth / formWidth * 50) / 50;
+    return {std::clamp(fitting, std::max(1.0, scale * narrowest), scale), scale};
 }
 
 PointScale PointScale::current() {

@@ -19,7 +19,7 @@ struct PointFrame {
 /// Device independent pixels per point. A point is a pixel at the usual text size and grows with the user's font,
 /// so that what is laid out in points has room for its texts.
 struct PointScale {
-    double x = 1; ///< at most what lets the form's width fit the screen
+    double x = 1; ///< a little less than y where that lets the form's width fit the screen
     double y = 1; ///< also of text sizes
 
     bool operator==(const PointScale &) const = default;

@@ -49,7 +49,7 @@ QString buttonTitle(const char *symbol, const std::string &title) {
 
 ProgressViewController::ProgressViewController(std::shared_ptr<const ConversionSettings> theSettings, Services services,
                                                QWidget *parent)
-    : QWidget(parent), settings(std::move(theSettings)), services_(std::move(services)) {
+    : Sheet(parent), settings(std::move(theSettings)), services_(std::move(services)) {
     loadView();
 }
 
@@ -102,8 +102,15 @@ void ProgressViewController::buildInterface() {
     layoutWidgets();
 }
 
+void ProgressViewController::fitInto(QSize room) {
+    const PointScale usual = PointScale::current();
+    scale_ = {std::min(usual.x, room.width() / sheetWidth), std::min(usual.y, room.height() / sheetHeight)};
+    if (titleLabel)
+        layoutWidgets();
+}
+
 void ProgressViewController::layoutWidgets() {
-    const PointScale scale = PointScale::current();
+    const PointScale &scale = scale_;
     setFixedSize(scale.horizontal(sheetWidth), scale.vertical(sheetHeight));
     const auto place = [&](QWidget *widget, const PointFrame &frame, double size,
                            QFont::Weight weight = QFont::Normal) {
@@ -149,15 +156,15 @@ void ProgressViewController::connectProcessor() {
             });
         };
     };
-    using Sheet = ProgressViewController;
-    processor->onProgress = repost(std::mem_fn(&Sheet::updateProgress));
-    processor->onFrameProgress = repost(std::mem_fn(&Sheet::updateFrameProgress));
-    processor->onSkip = repost(std::mem_fn(&Sheet::showSkipped));
-    processor->onComplete = repost(std::mem_fn(&Sheet::conversionFinished));
-    processor->onFailure = repost([](Sheet &sheet, const std::string &fileName, const std::string &reason) {
+    using Self = ProgressViewController;
+    processor->onProgress = repost(std::mem_fn(&Self::updateProgress));
+    processor->onFrameProgress = repost(std::mem_fn(&Self::updateFrameProgress));
+    processor->onSkip = repost(std::mem_fn(&Self::showSkipped));
+    processor->onComplete = repost(std::mem_fn(&Self::conversionFinished));
+    processor->onFailure = repost([](Self &sheet, const std::string &fileName, const std::string &reason) {
         sheet.details_ += format("detail.file.format", fileName, reason) + "\n";
     });
-    processor->onConverted = repost([](Sheet &sheet, const std::string &, const std::filesystem::path &output) {
+    processor->onConverted = repost([](Self &sheet, const std::string &, const std::filesystem::path &output) {
         sheet.outputs_.push_back(output);
     });
 }
@@ -305,11 +312,11 @@ void ProgressViewController::keyPressEvent(QKeyEvent *event) {
 void ProgressViewController::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange && titleLabel)
-        layoutWidgets();
+        fitInto(parentWidget() ? parentWidget()->size() : size());
 }
 
 void ProgressViewController::paintEvent(QPaintEvent *) {
-    const double radius = sheetRadius * PointScale::current().y;
+    const double radius = sheetRadius * scale_.y;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

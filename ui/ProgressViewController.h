@@ -2,8 +2,8 @@
 #pragma once
 
 #include "engine/VideoProcessor.h"
-
-#include <QWidget>
+#include "ui/Points.h"
+#include "ui/Sheet.h"
 
 #include <chrono>
 #include <filesystem>
@@ -26,7 +26,7 @@ class ElidedLabel;
 using BatchRun = std::function<void(VideoProcessor &processor)>;
 
 /// The sheet that runs one batch and shows its progress. It may go away while the batch still runs.
-class ProgressViewController : public QWidget {
+class ProgressViewController : public Sheet {
     Q_OBJECT
 
 public:
@@ -48,6 +48,7 @@ public:
 
     /// Builds the interface and starts the batch; once, when the sheet has its window.
     void viewDidLoad();
+    void fitInto(QSize room) override;
 
     State state() const { return state_; }
     bool isCancelled() const { return state_ == State::cancelled; }
@@ -98,6 +99,7 @@ private:
     std::shared_ptr<VideoProcessor> processor;
     Services services_;
     State state_ = State::running;
+    PointScale scale_ = PointScale::current();
     QLabel *titleLabel = nullptr;
     BarIndicator *fileProgressBar = nullptr;
     QLabel *fileProgressLabel = nullptr;

@@ -20,7 +20,7 @@ void SectionView::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(separatorColour(palette()), 1));
-    painter.setBrush(palette().base());
+    painter.setBrush(sectionColour(palette()));
     const int radius = PointScale::current().vertical(10);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
 }
@@ -39,9 +39,10 @@ void SectionView::changeEvent(QEvent *event) {
 void SectionView::layoutTitle() {
     const PointScale scale = PointScale::current();
     titleLabel->setFont(scale.font(12, QFont::Bold));
-    const QSize fitting = titleLabel->sizeHint();
-    titleLabel->setGeometry(scale.horizontal(12), scale.vertical(6), fitting.width() + scale.horizontal(4),
-                            fitting.height());
+    // One line of the label's own font, also where a fallback font with more space around its lines shows the text.
+    const QFontMetrics fitting(titleLabel->font());
+    titleLabel->setGeometry(scale.horizontal(12), scale.vertical(6),
+                            fitting.horizontalAdvance(titleLabel->text()) + scale.horizontal(4), fitting.height());
 }
 
 } // namespace lumetwin

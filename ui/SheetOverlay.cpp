@@ -8,7 +8,7 @@
 
 namespace lumetwin {
 
-SheetOverlay::SheetOverlay(QWidget *content, QWidget *sheet)
+SheetOverlay::SheetOverlay(QWidget *content, Sheet *sheet)
     : QWidget(content->parentWidget()), content_(content), sheet_(sheet) {
     sheet->setParent(this);
     content->installEventFilter(this);
@@ -31,8 +31,8 @@ bool SheetOverlay::eventFilter(QObject *watched, QEvent *event) {
 
 void SheetOverlay::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
-    // A window that is smaller than the sheet shows its lower part, where the button is.
-    sheet_->move((width() - sheet_->width()) / 2, qMin((height() - sheet_->height()) / 3, height() - sheet_->height()));
+    sheet_->fitInto(size());
+    sheet_->move((width() - sheet_->width()) / 2, (height() - sheet_->height()) / 3);
 }
 
 void SheetOverlay::paintEvent(QPaintEvent *) {

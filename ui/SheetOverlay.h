@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/Sheet.h"
+
 #include <QPointer>
-#include <QWidget>
 
 namespace lumetwin {
 
@@ -14,7 +15,7 @@ class SheetOverlay : public QWidget {
 
 public:
     /// Covers the content and takes the sheet.
-    SheetOverlay(QWidget *content, QWidget *sheet);
+    SheetOverlay(QWidget *content, Sheet *sheet);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -25,7 +26,7 @@ private:
     void cover();
 
     QPointer<QWidget> content_;
-    QWidget *sheet_;
+    Sheet *sheet_;
 };
 
 } // namespace lumetwin

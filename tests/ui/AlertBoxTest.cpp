@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/AlertBox.h"
+#include "support/Scripted.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace lumetwin::test {
+namespace {
+
+class AlertBoxes : public testing::Test {
+protected:
+    AlertBoxes() { window.show(); }
+
+    AlertBox &present(const Alert &alert) {
+        MessageBoxPresenter().present(alert, &window, [this](int button) { answers.push_back(button); });
+        settle();
+        return *window.findChild<AlertBox *>();
+    }
+    static void press(AlertBox &box, const char *title) {
+        for (QAbstractButton *button : box.buttons())
+            if (button->text() == QLatin1String(title))
+                return button->click();
+        ADD_FAILURE() << "no button " << title;
+    }
+
+    QWidget window;
+    std::vector<int> answers;
+    const Alert question{"Message", "More", {"First", "Second"}};
+};
+
+TEST_F(AlertBoxes, TellWhichButtonWasPressed) {
+    press(present(question), "Second");
+    settle();
+    press(present(question), "First");
+    settle();
+    EXPECT_EQ(answers, (std::vector{1, 0}));
+    EXPECT_FALSE(window.findChild<AlertBox *>()) << "and go away";
+}
+
+TEST_F(AlertBoxes, TheFirstButtonIsTheDefaultOne) {
+    AlertBox &box = present(question);
+    EXPECT_EQ(box.defaultButton()->text(), QStringLiteral("First"));
+    QTest::keyClick(&box, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(answers, std::vector{0});
+}
+
+TEST_F(AlertBoxes, EscapeAndClosingPressNoButton) {
+    QTest::keyClick(&present(question), Qt::Key_Escape);
+    settle();
+    present(question).close();
+    settle();
+    EXPECT_EQ(answers, (std::vector{AlertPresenter::dismissed, AlertPresenter::dismissed}));
+}
+
+TEST_F(AlertBoxes, WithoutButtonsThereIsThePlatformsOwn) {
+    AlertBox &box = present({"Message"});
+    EXPECT_EQ(box.buttons().size(), 1);
+    box.button(QMessageBox::Ok)->click();
+    settle();
+    EXPECT_EQ(answers, std::vector{0});
+}
+
+TEST_F(AlertBoxes, TheSideButtonAnswersForItself) {
+    press(present({.message = "Message", .sideButton = "Show"}), "Show");
+    settle();
+    EXPECT_EQ(answers, std::vector{AlertPresenter::sideButton});
+}
+
+TEST_F(AlertBoxes, NamesOfFilesAreNoMarkup) {
+    AlertBox &box = present({"<b>bold</b>.mov", "<i>italic</i>\n&amp;", {"First"}});
+    for (const QLabel *label : box.findChildren<QLabel *>())
+        if (!label->text().isEmpty()) {
+            EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
+        }
+}
+
+TEST_F(AlertBoxes, LongNamesDoNotWidenTheBoxBeyondTheScreen) {
+    AlertBox &box = present({"Message", std::string(400, 'm') + ".mov", {"First"}});
+    EXPECT_LT(box.width(), 720);
+}
+
+TEST_F(AlertBoxes, GoWithTheWidgetTheyWereShownOn) {
+    auto *sheet = new QWidget(&window);
+    MessageBoxPresenter().present(question, sheet, [this](int button) { answers.push_back(button); });
+    settle();
+    delete sheet;
+    settle();
+    EXPECT_FALSE(window.findChild<AlertBox *>());
+    EXPECT_TRUE(answers.empty());
+}
+
+} // namespace
+} // namespace lumetwin::test

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// That no text is cut off and nothing overlaps, in each language and at each text size.
+#include "engine/Texts.h"
+#include "support/Scripted.h"
+#include "ui/ElidedLabel.h"
+#include "ui/MainViewController.h"
+#include "ui/Points.h"
+#include "ui/ProgressViewController.h"
+#include "ui/ScaledStyle.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QStyle>
+
+#include <gtest/gtest.h>
+
+namespace lumetwin::test {
+namespace {
+
+struct Conditions {
+    const char *language;
+    int textPercent;
+};
+
+void PrintTo(const Conditions &conditions, std::ostream *stream) {
+    *stream << conditions.language << conditions.textPercent;
+}
+
+class Looks : public testing::TestWithParam<Conditions> {
+protected:
+    Looks() {
+        setTextLocale(GetParam().language);
+        QFont font = usual_;
+        font.setPointSizeF(10.0 * GetParam().textPercent / 100);
+        QApplication::setFont(font);
+        QApplication::setStyle(new ScaledStyle);
+    }
+    ~Looks() override {
+        setTextLocale("en");
+        QApplication::setFont(usual_);
+    }
+
+    static std::string nameOf(const QWidget &widget) {
+        return (widget.objectName().isEmpty() ? QLatin1String(widget.metaObject()->className()) : widget.objectName())
+            .toStdString();
+    }
+
+    /// The width that a widget's text needs.
+    static int wanted(const QWidget &widget) {
+        if (const auto *label = qobject_cast<const QLabel *>(&widget))
+            return label->wordWrap() ? 0 : label->fontMetrics().horizontalAdvance(label->text());
+        if (qobject_cast<const QAbstractButton *>(&widget) || qobject_cast<const QComboBox *>(&widget))
+            return widget.sizeHint().width();
+        if (const auto *field = qobject_cast<const QLineEdit *>(&widget))
+            return field->fontMetrics().horizontalAdvance(field->text()) + 12;
+        return 0;
+    }
+
+    static void expectNothingCutOff(const QWidget &window) {
+        for (const QWidget *widget : window.findChildren<QWidget *>()) {
+            if (!widget->isVisibleTo(&window) || qobject_cast<const ElidedLabel *>(widget))
+                continue;
+            EXPECT_LE(wanted(*widget), widget->width()) << nameOf(*widget);
+            const auto *label = qobject_cast<const QLabel *>(widget);
+            if (label && label->wordWrap()) {
+                EXPECT_LE(label->heightForWidth(label->width()), label->height()) << label->text().toStdString();
+            }
+        }
+    }
+
+    /// Siblings must not lie upon each other; a section's title keeps its place above all else.
+    static void expectNoOverlaps(const QWidget &window) {
+        for (const QWidget *parent : window.findChildren<QWidget *>()) {
+            const QList<QWidget *> children = parent->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
+            for (qsizetype i = 0; i < children.size(); ++i)
+                for (qsizetype j = i + 1; j < children.size(); ++j)
+                    if (children[i]->isVisibleTo(&window) && children[j]->isVisibleTo(&window) &&
+                        !nameOf(*children[i]).empty() &&
+                        children[i]->parentWidget()->inherits("lumetwin::SectionView") &&
+                        !qobject_cast<QRadioButton *>(children[j])) {
+                        EXPECT_FALSE(children[i]->geometry().intersects(children[j]->geometry()))
+                            << nameOf(*children[i]) << " and " << nameOf(*children[j]);
+                    }
+        }
+    }
+
+    Stage stage;
+
+private:
+    const QFont usual_ = QApplication::font();
+};
+
+TEST_P(Looks, NothingInTheFormIsCutOffOrOverlaps) {
+    MainViewController form(stage.services());
+    const PointScale scale = PointScale::current();
+    form.resize(scale.horizontal(720), scale.vertical(860));
+    form.show();
+    control<QCheckBox>(form, "enableResizeCheck").click();
+    for (const char *direction : {"sbsToSpatialButton", "spatialToSBSButton"}) {
+        control<QRadioButton>(form, direction).click();
+        for (const char *width : {"1921", "1000", "1920"}) {
+            control<QLineEdit>(form, "resizeWidthField").setText(QLatin1String(width));
+            settle();
+            expectNothingCutOff(form);
+            expectNoOverlaps(form);
+        }
+    }
+}
+
+TEST_P(Looks, NothingInTheSheetIsCutOff) {
+    FormServices services = stage.services();
+    services.runBatch = [](VideoProcessor &) {};
+    MainViewController form(services);
+    const PointScale scale = PointScale::current();
+    form.resize(scale.horizontal(720), std::min(scale.vertical(860), 650));
+    form.show();
+    form.presentProgressSheet();
+    settle();
+    ProgressViewController &sheet = *form.progressSheet();
+    EXPECT_TRUE(sheet.parentWidget()->rect().contains(sheet.geometry()));
+    sheet.updateProgress(998, 1000, "clip.mov");
+    sheet.updateFrameProgress(123456, 234567);
+    *sheet.startTime -= std::chrono::hours(30);
+    sheet.updateElapsedTime();
+    settle();
+    for (const QLabel *label : sheet.findChildren<QLabel *>())
+        EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width()) << nameOf(*label);
+    sheet.stop();
+    settle();
+}
+
+INSTANTIATE_TEST_SUITE_P(Everywhere, Looks,
+                         testing::Values(Conditions{"en", 100}, Conditions{"en", 125}, Conditions{"en", 150},
+                                         Conditions{"en", 200}, Conditions{"ja", 100}, Conditions{"ja", 125},
+                                         Conditions{"ja", 150}, Conditions{"ja", 200}),
+                         [](const auto &info) {
+                             return std::string(info.param.language) + std::to_string(info.param.textPercent);
+                         });
+
+} // namespace
+} // namespace lumetwin::test

@@ -1,0 +1,414 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/Texts.h"
+#include "support/Scripted.h"
+#include "ui/DropFolderView.h"
+#include "ui/ElidedLabel.h"
+#include "ui/MainViewController.h"
+#include "ui/PreflightChecks.h"
+#include "ui/ResizePreview.h"
+#include "ui/SectionView.h"
+#include "ui/ValueSlider.h"
+
+#include <QAccessible>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace lumetwin::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class MainForm : public testing::Test {
+protected:
+    MainForm() : form(stage.services()) {
+        form.resize(720, 860);
+        form.show();
+        settle();
+    }
+
+    template <typename Widget> Widget &find(const char *name) { return control<Widget>(form, name); }
+    QLineEdit &field(const char *name) { return find<QLineEdit>(name); }
+    ValueSlider &slider(const char *name) { return find<ValueSlider>(name); }
+    QString label(const char *name) { return find<QLabel>(name).text(); }
+    void type(const char *name, const char *text) {
+        field(name).setFocus();
+        field(name).selectAll();
+        QTest::keyClicks(&field(name), QLatin1String(text));
+    }
+    void choose(const std::vector<fs::path> &paths) {
+        stage.panels->choice = paths;
+        find<QPushButton>("inputSelectBtn").click();
+    }
+
+    Stage stage;
+    ScratchFolder scratch;
+    MainViewController form;
+    ConversionSettings &settings = *form.settings;
+};
+
+TEST_F(MainForm, StartsWithTheDefaultsOfTheSettings) {
+    EXPECT_TRUE(find<QRadioButton>("spatialToSBSButton").isChecked());
+    EXPECT_EQ(field("fovField").text(), QStringLiteral("63.4"));
+    EXPECT_EQ(field("disparityField").text(), QStringLiteral("2.00"));
+    EXPECT_EQ(field("baselineField").text(), QStringLiteral("19.24"));
+    EXPECT_EQ(slider("fovSlider").doubleValue(), settings.horizontalFOV);
+    EXPECT_EQ(slider("disparitySlider").doubleValue(), settings.disparityAdjustment);
+    EXPECT_EQ(slider("baselineSlider").doubleValue(), settings.stereoBaseline);
+    EXPECT_EQ(slider("compressionSlider").doubleValue(), settings.compressionQuality);
+    EXPECT_EQ(label("compressionLabel"), QStringLiteral("75%"));
+    EXPECT_EQ(find<QComboBox>("formatPopup").currentIndex(), 0);
+    EXPECT_EQ(find<QComboBox>("photoFormatPopup").currentIndex(), 0);
+    EXPECT_EQ(find<QComboBox>("resizeModePopup").currentIndex(), 2);
+    EXPECT_TRUE(find<QCheckBox>("copyAudioCheck").isChecked());
+    for (const char *off : {"halfWidthCheck", "swapLRCheck", "enableResizeCheck"})
+        EXPECT_FALSE(find<QCheckBox>(off).isChecked()) << off;
+    EXPECT_EQ(field("resizeWidthField").text(), QStringLiteral("1920"));
+    EXPECT_EQ(field("resizeHeightField").text(), QStringLiteral("1080"));
+    EXPECT_EQ(label("titleLabel"), QStringLiteral("🎬  Lumetwin"));
+    EXPECT_EQ(label("inputPathLabel"), QStringLiteral("Nothing selected"));
+    EXPECT_EQ(find<QPushButton>("startButton").text(), QStringLiteral("▶  Start Conversion"));
+}
+
+TEST_F(MainForm, MenusHoldTheFormatsInOrder) {
+    const auto items = [](QComboBox &popup) {
+        QStringList list;
+        for (int i = 0; i < popup.count(); ++i)
+            list << popup.itemText(i);
+        return list.join(QLatin1Char('|')).toStdString();
+    };
+    EXPECT_EQ(items(find<QComboBox>("formatPopup")), "MP4 (H.264)|MP4 (H.265/HEVC)|MOV (HEVC)");
+    EXPECT_EQ(items(find<QComboBox>("photoFormatPopup")), "JPEG|PNG|TIFF|HEIC");
+    EXPECT_EQ(items(find<QComboBox>("resizeModePopup")),
+              "Stretch to output size (ignore aspect ratio)|Preserve aspect ratio (center crop)|"
+              "Preserve aspect ratio (letterbox)");
+}
+
+TEST_F(MainForm, DirectionSwitchesTheOptions) {
+    EXPECT_TRUE(find<QWidget>("sbsOptionsView").isVisible());
+    EXPECT_FALSE(find<QWidget>("spatialOptionsView").isVisible());
+    find<QRadioButton>("sbsToSpatialButton").click();
+    EXPECT_EQ(settings.direction, ConversionDirection::sbsToSpatial);
+    EXPECT_FALSE(find<QWidget>("sbsOptionsView").isVisible());
+    EXPECT_TRUE(find<QWidget>("spatialOptionsView").isVisible());
+    EXPECT_EQ(find<SectionView>("optionsSection").height(), 160);
+    find<QRadioButton>("sbsToSpatialButton").setFocus();
+    QTest::keyClick(&find<QRadioButton>("sbsToSpatialButton"), Qt::Key_Up);
+    EXPECT_EQ(settings.direction, ConversionDirection::spatialToSBS) << "arrow keys choose as well";
+    EXPECT_EQ(find<SectionView>("optionsSection").height(), 180);
+}
+
+TEST_F(MainForm, SlidersWriteIntoSettingAndField) {
+    slider("fovSlider").setValue(905);
+    EXPECT_EQ(settings.horizontalFOV, 90.5);
+    EXPECT_EQ(field("fovField").text(), QStringLiteral("90.5"));
+    slider("disparitySlider").setValue(-1234);
+    EXPECT_EQ(settings.disparityAdjustment, -12.34);
+    EXPECT_EQ(field("disparityField").text(), QStringLiteral("-12.34"));
+    slider("baselineSlider").setValue(slider("baselineSlider").maximum());
+    EXPECT_EQ(settings.stereoBaseline, 200);
+    EXPECT_EQ(field("baselineField").text(), QStringLiteral("200.00"));
+}
+
+TEST_F(MainForm, FieldOfViewIsTakenUpTo180) {
+    find<QRadioButton>("sbsToSpatialButton").click();
+    settings.horizontalFOV = 63.4;
+    type("fovField", "200");
+    EXPECT_EQ(settings.horizontalFOV, 20) << "\"20\" on the way was in the range";
+    EXPECT_EQ(field("fovField").text(), QStringLiteral("200"));
+    EXPECT_EQ(slider("fovSlider").doubleValue(), 20);
+    type("fovField", "180");
+    EXPECT_EQ(settings.horizontalFOV, 180);
+    EXPECT_EQ(slider("fovSlider").doubleValue(), 180);
+}
+
+TEST_F(MainForm, TextOutOfTheRangeChangesNothing) {
+    field("fovField").setText(QStringLiteral("200"));
+    EXPECT_EQ(settings.horizontalFOV, 63.4);
+    EXPECT_EQ(slider("fovSlider").doubleValue(), 63.4);
+    for (const char *text : {"9.9", "180.1", "", "wide", "63,4"}) {
+        field("fovField").setText(QLatin1String(text));
+        EXPECT_EQ(settings.horizontalFOV, 63.4) << text;
+        EXPECT_EQ(field("fovField").text(), QLatin1String(text)) << "the text stays as typed";
+    }
+    field("disparityField").setText(QStringLiteral("-100"));
+    EXPECT_EQ(settings.disparityAdjustment, -100);
+    EXPECT_EQ(slider("disparitySlider").doubleValue(), -100);
+    field("disparityField").setText(QStringLiteral("-100.5"));
+    EXPECT_EQ(settings.disparityAdjustment, -100);
+    field("baselineField").setText(QStringLiteral("0.5"));
+    EXPECT_EQ(settings.stereoBaseline, 19.24);
+    field("baselineField").setText(QStringLiteral("1"));
+    EXPECT_EQ(settings.stereoBaseline, 1);
+}
+
+TEST_F(MainForm, FieldsTakeMoreDecimalsThanTheSlidersShow) {
+    field("fovField").setText(QStringLiteral("63.4567"));
+    EXPECT_EQ(settings.horizontalFOV, 63.4567);
+    EXPECT_EQ(slider("fovSlider").doubleValue(), 63.4567);
+    EXPECT_EQ(field("fovField").text(), QStringLiteral("63.4567"));
+}
+
+TEST_F(MainForm, ZeroAndLettersLeaveTheResizeSize) {
+    for (const char *text : {"0", "-5", "abc", "", "12.5", "99999999999999999999"}) {
+        field("resizeWidthField").setText(QLatin1String(text));
+        field("resizeHeightField").setText(QLatin1String(text));
+        EXPECT_EQ(settings.resizeWidth, 1920) << text;
+        EXPECT_EQ(settings.resizeHeight, 1080) << text;
+    }
+    field("resizeWidthField").setText(QStringLiteral("+640"));
+    EXPECT_EQ(settings.resizeWidth, 640);
+}
+
+TEST_F(MainForm, ResizePreviewFollowsEveryChange) {
+    find<QCheckBox>("enableResizeCheck").click();
+    EXPECT_TRUE(settings.enableResize);
+    const auto shown = [this] { return label("resizeWarningLabel").toStdString(); };
+    EXPECT_EQ(shown(), resizePreview(settings));
+    type("resizeWidthField", "1921");
+    EXPECT_EQ(settings.resizeWidth, 1921);
+    EXPECT_EQ(shown(), resizePreview(settings));
+    EXPECT_NE(shown().find("3842"), std::string::npos);
+    find<QCheckBox>("halfWidthCheck").click();
+    EXPECT_EQ(shown(), resizePreview(settings));
+    EXPECT_EQ(shown().find("3842"), std::string::npos);
+    find<QRadioButton>("sbsToSpatialButton").click();
+    EXPECT_EQ(shown(), resizePreview(settings));
+}
+
+TEST_F(MainForm, ResizeRowsAppearOnlyWhileResizing) {
+    const std::vector<const char *> rows{"resizeWidthField", "resizeHeightField", "resizeModePopup",
+                                         "resizeWarningLabel"};
+    for (const char *row : rows)
+        EXPECT_FALSE(find<QWidget>(row).isVisible()) << row;
+    find<QCheckBox>("enableResizeCheck").click();
+    for (const char *row : rows)
+        EXPECT_TRUE(find<QWidget>(row).isVisible()) << row;
+    EXPECT_EQ(find<SectionView>("commonSection").height(), 248);
+    find<QCheckBox>("enableResizeCheck").click();
+    EXPECT_FALSE(settings.enableResize);
+    EXPECT_EQ(find<SectionView>("commonSection").height(), 138);
+}
+
+TEST_F(MainForm, ChecksAndMenusStoreTheirChoice) {
+    find<QCheckBox>("swapLRCheck").click();
+    find<QCheckBox>("copyAudioCheck").click();
+    find<QCheckBox>("halfWidthCheck").click();
+    EXPECT_TRUE(settings.swapLeftRight);
+    EXPECT_FALSE(settings.copyAudio);
+    EXPECT_TRUE(settings.halfWidth);
+    find<QComboBox>("formatPopup").setCurrentIndex(2);
+    EXPECT_EQ(settings.sbsOutputFormat, SBSOutputFormat::movHEVC);
+    find<QComboBox>("photoFormatPopup").setCurrentIndex(3);
+    EXPECT_EQ(settings.sbsPhotoOutputFormat, SBSPhotoOutputFormat::heic);
+    EXPECT_TRUE(slider("compressionSlider").isEnabled()) << "quality stays available for every format";
+    find<QComboBox>("resizeModePopup").setCurrentIndex(0);
+    EXPECT_EQ(settings.resizeMode, ResizeMode::stretch);
+    form.resizeModeChanged(7);
+    EXPECT_EQ(settings.resizeMode, ResizeMode::letterbox);
+}
+
+TEST_F(MainForm, QualityIsShownTruncated) {
+    form.compressionChanged(0.756);
+    EXPECT_EQ(settings.compressionQuality, 0.756);
+    EXPECT_EQ(label("compressionLabel"), QStringLiteral("75%"));
+    for (int percent = 0; percent <= 100; ++percent) {
+        slider("compressionSlider").setValue(percent);
+        EXPECT_EQ(label("compressionLabel"), QStringLiteral("%1%").arg(percent));
+    }
+}
+
+TEST_F(MainForm, StandsWhereItShould) {
+    EXPECT_EQ(find<QWidget>("startButton").geometry(), QRect(20, 764, 680, 48));
+    EXPECT_EQ(find<QWidget>("commonSection").geometry(), QRect(20, 612, 680, 138));
+    EXPECT_EQ(find<QWidget>("optionsSection").geometry(), QRect(20, 418, 680, 180));
+    EXPECT_EQ(find<QWidget>("outputSection").geometry(), QRect(20, 304, 680, 100));
+    EXPECT_EQ(find<QWidget>("inputSection").geometry(), QRect(20, 190, 680, 100));
+    EXPECT_EQ(find<QWidget>("directionSection").geometry(), QRect(20, 100, 680, 76));
+    EXPECT_EQ(find<QWidget>("headerView").geometry(), QRect(0, 18, 720, 68));
+    EXPECT_EQ(find<QWidget>("inputDropView").geometry(), QRect(14, 24, 320, 36));
+    EXPECT_EQ(find<QWidget>("inputSelectBtn").geometry(), QRect(344, 26, 150, 32));
+    EXPECT_EQ(find<QWidget>("checkSpatialBtn").geometry(), QRect(504, 26, 150, 32));
+    EXPECT_EQ(find<QWidget>("inputPathLabel").geometry(), QRect(14, 70, 650, 18));
+    EXPECT_EQ(find<QWidget>("spatialToSBSButton").geometry(), QRect(16, 18, 380, 22));
+    EXPECT_EQ(find<QWidget>("sbsToSpatialButton").geometry(), QRect(16, 44, 380, 22));
+}
+
+TEST_F(MainForm, ScrollsToTheTopAfterLayingOut) {
+    form.resize(720, 500);
+    settle();
+    auto *bar = find<QScrollArea>("scrollView").verticalScrollBar();
+    bar->setValue(bar->maximum());
+    EXPECT_GT(bar->value(), 0);
+    find<QRadioButton>("sbsToSpatialButton").click();
+    EXPECT_EQ(bar->value(), 0);
+}
+
+TEST_F(MainForm, SizeFieldsComeIntoSightInALowWindow) {
+    form.resize(720, 500);
+    settle();
+    find<QCheckBox>("enableResizeCheck").setFocus();
+    QTest::keyClick(&find<QCheckBox>("enableResizeCheck"), Qt::Key_Space);
+    settle();
+    EXPECT_FALSE(field("resizeWidthField").visibleRegion().isEmpty());
+    EXPECT_FALSE(find<QWidget>("enableResizeCheck").visibleRegion().isEmpty());
+}
+
+TEST_F(MainForm, NeedsNoSidewaysScrolling) {
+    for (const int height : {860, 500}) {
+        form.resize(720, height);
+        settle();
+        EXPECT_FALSE(find<QScrollArea>("scrollView").horizontalScrollBar()->isVisible()) << height;
+        EXPECT_EQ(find<QWidget>("startButton").width(), 680);
+    }
+}
+
+TEST_F(MainForm, AFolderReplacesFilesAndFilesReplaceAFolder) {
+    const fs::path folder = scratch.folder("in");
+    choose({folder});
+    EXPECT_EQ(settings.inputFolderURL, folder);
+    EXPECT_FALSE(settings.inputFiles);
+    EXPECT_EQ(label("inputPathLabel").toStdString(), folder.string());
+    const fs::path file = scratch.file("clip.mov");
+    choose({file});
+    EXPECT_FALSE(settings.inputFolderURL);
+    EXPECT_EQ(settings.inputFiles, std::vector{file});
+    EXPECT_EQ(label("inputPathLabel").toStdString(), file.string());
+    EXPECT_TRUE(find<DropFolderView>("inputDropView").hasContent());
+}
+
+TEST_F(MainForm, OneChosenFileIsTakenWhateverItIs) {
+    const fs::path file = scratch.file("notes.txt");
+    choose({file});
+    EXPECT_EQ(settings.inputFiles, std::vector{file});
+}
+
+TEST_F(MainForm, SeveralChosenItemsAreReducedToMediaSortedByName) {
+    const fs::path folder = scratch.folder("mixed");
+    for (const char *name : {"b.heic", "notes.txt", ".hidden.mov"})
+        std::ofstream(folder / name) << "x";
+    const fs::path late = scratch.file("z.mp4"), text = scratch.file("a.txt"), early = scratch.file("B.MOV");
+    choose({late, folder, text, early});
+    EXPECT_EQ(settings.inputFiles, (std::vector{early, folder / "b.heic", late}));
+    EXPECT_EQ(label("inputPathLabel"), QStringLiteral("3 files selected"));
+    choose({text, scratch.file("b.txt")});
+    EXPECT_EQ(settings.inputFiles->size(), 3U) << "a selection without media is ignored";
+}
+
+TEST_F(MainForm, OutputIsAFolder) {
+    const fs::path folder = scratch.folder("out");
+    stage.panels->choice = {folder};
+    find<QPushButton>("outputSelectBtn").click();
+    EXPECT_EQ(settings.outputFolderURL, folder);
+    EXPECT_EQ(label("outputPathLabel").toStdString(), folder.string());
+    EXPECT_FALSE(find<DropFolderView>("outputDropView").onFilesDropped) << "files dropped there choose nothing";
+}
+
+TEST_F(MainForm, DropsFillInputAndOutput) {
+    const fs::path folder = scratch.folder("in");
+    EXPECT_TRUE(form.openInput({folder}));
+    EXPECT_EQ(settings.inputFolderURL, folder);
+    EXPECT_TRUE(form.openInput({scratch.file("b.mov"), scratch.file("a.mov")}));
+    ASSERT_TRUE(settings.inputFiles);
+    EXPECT_EQ(settings.inputFiles->front().filename(), "a.mov");
+    EXPECT_FALSE(settings.inputFolderURL);
+    EXPECT_TRUE(find<DropFolderView>("outputDropView").acceptPaths({folder}));
+    EXPECT_EQ(settings.outputFolderURL, folder);
+}
+
+TEST_F(MainForm, AVIWithoutResizingIsWarnedOfAtOnce) {
+    const fs::path folder = scratch.folder("in");
+    std::ofstream(folder / "old.AVI") << "x";
+    stage.alerts->answers = {1};
+    choose({folder});
+    ASSERT_EQ(stage.alerts->shown.size(), 1U);
+    const Alert &alert = stage.alerts->shown.front();
+    EXPECT_EQ(alert.message, text("alert.avi.title"));
+    EXPECT_EQ(alert.informative, text("alert.avi.message"));
+    EXPECT_EQ(alert.buttons, (std::vector{text("alert.avi.enable.resize"), text("button.continue")}));
+    EXPECT_FALSE(settings.enableResize) << "continuing changes nothing";
+    stage.alerts->answers = {0};
+    EXPECT_TRUE(form.openInput({folder / "old.AVI", scratch.file("b.mov")}));
+    EXPECT_EQ(stage.alerts->shown.size(), 2U);
+    EXPECT_TRUE(settings.enableResize);
+    EXPECT_TRUE(find<QCheckBox>("enableResizeCheck").isChecked());
+    EXPECT_TRUE(field("resizeWidthField").isVisible());
+    EXPECT_TRUE(form.openInput({folder}));
+    EXPECT_EQ(stage.alerts->shown.size(), 2U) << "with resizing on there is nothing to warn of";
+}
+
+TEST_F(MainForm, EveryControlHasAnAccessibleName) {
+    find<QCheckBox>("enableResizeCheck").click();
+    for (const char *direction : {"spatialToSBSButton", "sbsToSpatialButton"}) {
+        find<QRadioButton>(direction).click();
+        for (QWidget *widget : form.findChildren<QWidget *>())
+            if (widget->isVisible() && widget->focusPolicy() != Qt::NoFocus) {
+                const auto *interface = QAccessible::queryAccessibleInterface(widget);
+                EXPECT_FALSE(interface->text(QAccessible::Name).isEmpty())
+                    << widget->metaObject()->className() << " " << widget->objectName().toStdString();
+            }
+    }
+}
+
+TEST_F(MainForm, SlidersTellTheirRealValue) {
+    auto *interface = QAccessible::queryAccessibleInterface(&slider("fovSlider"));
+    ASSERT_TRUE(interface->valueInterface());
+    EXPECT_EQ(interface->valueInterface()->currentValue().toDouble(), 63.4);
+    EXPECT_EQ(interface->valueInterface()->maximumValue().toDouble(), 180);
+    interface->valueInterface()->setCurrentValue(90.0);
+    EXPECT_EQ(settings.horizontalFOV, 90);
+}
+
+TEST_F(MainForm, TabFollowsTheEye) {
+    find<QCheckBox>("enableResizeCheck").click();
+    find<QRadioButton>("spatialToSBSButton").setFocus();
+    QPoint before(0, -1);
+    int stops = 0;
+    for (QWidget *start = form.focusWidget(); stops < 40; ++stops) {
+        const QPoint place = form.focusWidget()->mapTo(&form, QPoint());
+        EXPECT_TRUE(place.y() > before.y() - 8 || place.x() > before.x())
+            << form.focusWidget()->objectName().toStdString();
+        before = place;
+        QTest::keyClick(form.focusWidget(), Qt::Key_Tab);
+        settle();
+        if (form.focusWidget() == start)
+            break;
+    }
+    EXPECT_EQ(stops, 16) << "every control of this direction is reached once";
+}
+
+TEST_F(MainForm, WheelScrollsTheFormAndChangesNoMenu) {
+    form.resize(720, 500);
+    settle();
+    find<QRadioButton>("spatialToSBSButton").setFocus();
+    auto &popup = find<QComboBox>("formatPopup");
+    QWheelEvent wheel(QPointF(5, 5), popup.mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, -120), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&popup, &wheel);
+    EXPECT_EQ(popup.currentIndex(), 0);
+}
+
+TEST(SectionView, TitleFitsItsText) {
+    SectionView box(QStringLiteral("Title"));
+    box.resize(680, 100);
+    box.show();
+    const QLabel &title = *box.titleLabel;
+    EXPECT_EQ(title.x(), 12);
+    EXPECT_EQ(title.y(), 6);
+    EXPECT_EQ(title.width(), title.fontMetrics().horizontalAdvance(title.text()) + 4);
+    SectionView wide(QStringLiteral("A title that is a good deal longer than the other one"));
+    wide.resize(680, 100);
+    wide.show();
+    EXPECT_GT(wide.titleLabel->width(), title.width());
+    EXPECT_EQ(wide.titleLabel->y(), 6);
+}
+
+} // namespace
+} // namespace lumetwin::test

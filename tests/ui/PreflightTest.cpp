@@ -1,0 +1,357 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/Texts.h"
+#include "support/Scripted.h"
+#include "ui/BackgroundThreads.h"
+#include "ui/MainViewController.h"
+#include "ui/PreflightChecks.h"
+#include "ui/ProgressViewController.h"
+#include "ui/ValueSlider.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollArea>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace lumetwin::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Preflight : public testing::Test {
+protected:
+    Preflight() {
+        services = stage.services();
+        services.runBatch = [](VideoProcessor &) {};
+    }
+    ~Preflight() override {
+        form.reset();
+        BackgroundThreads::shared().waitForAll(std::chrono::seconds(10));
+        settle();
+    }
+
+    MainViewController &open() {
+        form = std::make_unique<MainViewController>(services);
+        form->resize(720, 860);
+        form->show();
+        form->settings->inputFolderURL = input;
+        form->settings->outputFolderURL = output;
+        return *form;
+    }
+    void put(std::initializer_list<const char *> names) const {
+        for (const char *name : names)
+            std::ofstream(input / name) << "x";
+    }
+    /// Presses start and waits until an alert or the sheet has come.
+    void start() {
+        const std::size_t before = stage.alerts->shown.size();
+        control<QPushButton>(*form, "startButton").click();
+        EXPECT_TRUE(until([&] { return form->progressSheet() || stage.alerts->shown.size() > before; }));
+        settle();
+    }
+    const Alert &alert() { return stage.alerts->shown.back(); }
+
+    Stage stage;
+    FormServices services;
+    ScratchFolder scratch;
+    fs::path input = scratch.folder("in");
+    fs::path output = scratch.folder("out");
+    std::unique_ptr<MainViewController> form;
+};
+
+TEST_F(Preflight, NeedsAnInputThenAnOutput) {
+    open().settings->inputFolderURL.reset();
+    form->settings->outputFolderURL.reset();
+    start();
+    EXPECT_EQ(alert().message, text("error.no.input.folder"));
+    EXPECT_TRUE(alert().buttons.empty());
+    EXPECT_EQ(alert().style, AlertStyle::warning);
+    form->settings->inputFolderURL = input;
+    start();
+    EXPECT_EQ(alert().message, text("error.no.output.folder"));
+    EXPECT_FALSE(form->progressSheet());
+}
+
+TEST_F(Preflight, CommitsTheFieldsEvenWhenALaterStepStops) {
+    open().settings->inputFolderURL.reset();
+    control<QCheckBox>(*form, "enableResizeCheck").click();
+    ConversionSettings &settings = *form->settings;
+    control<QLineEdit>(*form, "resizeWidthField").setText(QStringLiteral("640"));
+    control<QLineEdit>(*form, "fovField").setText(QStringLiteral("90"));
+    control<QLineEdit>(*form, "baselineField").setText(QStringLiteral("wide"));
+    settings.resizeWidth = 1;
+    settings.horizontalFOV = 10;
+    settings.enableResize = false;
+    start();
+    EXPECT_EQ(settings.resizeWidth, 640);
+    EXPECT_EQ(settings.horizontalFOV, 90);
+    EXPECT_EQ(settings.stereoBaseline, 19.24);
+    EXPECT_TRUE(settings.enableResize);
+    EXPECT_EQ(settings.resizeHeight, 1080);
+}
+
+TEST_F(Preflight, ResizeSizesAreCommittedOnlyWhileResizing) {
+    open();
+    control<QLineEdit>(*form, "resizeWidthField").setText(QStringLiteral("640"));
+    form->settings->resizeWidth = 1920;
+    form->commitFields();
+    EXPECT_EQ(form->settings->resizeWidth, 1920);
+}
+
+TEST_F(Preflight, OrdinaryVideosTowardsSBSAreQuestioned) {
+    put({"a.mp4", "b.mp4"});
+    open();
+    stage.alerts->answers = {0};
+    start();
+    EXPECT_EQ(alert().message, text("alert.direction.spatial2sbs.title"));
+    EXPECT_EQ(alert().informative, text("alert.direction.spatial2sbs.message"));
+    EXPECT_EQ(alert().buttons, (std::vector{text("button.fix.direction"), text("button.convert.anyway.continue")}));
+    EXPECT_FALSE(form->progressSheet());
+    EXPECT_EQ(form->settings->direction, ConversionDirection::spatialToSBS) << "switching is left to the user";
+    stage.alerts->answers = {1};
+    start();
+    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+}
+
+TEST_F(Preflight, OneSpatialVideoAmongOrdinaryOnesIsEnoughTowardsSBS) {
+    put({"a.mp4", "b.mp4", "spatial.mov"});
+    open();
+    start();
+    EXPECT_TRUE(form->progressSheet());
+    EXPECT_TRUE(stage.alerts->shown.empty());
+}
+
+TEST_F(Preflight, OneSpatialVideoAmongTenIsQuestionedTowardsSpatial) {
+    put({"0.mp4", "1.mp4", "2.mp4", "3.mp4", "4.mp4", "5.mp4", "6.mp4", "7.mp4", "8.mp4", "9.mp4", "spatial.mov"});
+    open();
+    control<QRadioButton>(*form, "sbsToSpatialButton").click();
+    stage.alerts->answers = {AlertPresenter::dismissed};
+    start();
+    EXPECT_EQ(alert().message, text("alert.direction.sbs2spatial.title"));
+    EXPECT_EQ(alert().informative, text("alert.direction.sbs2spatial.message"));
+    EXPECT_FALSE(form->progressSheet());
+}
+
+TEST_F(Preflight, PhotosAreNotQuestioned) {
+    put({"spatial.heic", "b.jpg", "notes.txt", ".hidden.mp4"});
+    open();
+    start();
+    EXPECT_TRUE(form->progressSheet());
+    EXPECT_TRUE(stage.alerts->shown.empty());
+    open();
+    control<QRadioButton>(*form, "sbsToSpatialButton").click();
+    start();
+    EXPECT_TRUE(form->progressSheet());
+    EXPECT_TRUE(stage.alerts->shown.empty());
+}
+
+TEST_F(Preflight, AFolderThatCannotBeListedCountsAsEmpty) {
+    open().settings->inputFolderURL = input / "missing";
+    start();
+    EXPECT_TRUE(form->progressSheet());
+    EXPECT_TRUE(stage.alerts->shown.empty());
+}
+
+TEST_F(Preflight, ChosenFilesAreTheCandidates) {
+    put({"spatial.mov"});
+    open().settings->inputFiles = std::vector{input / "plain.mp4", input / "b.jpg"};
+    form->settings->inputFolderURL.reset();
+    stage.alerts->answers = {0};
+    start();
+    EXPECT_EQ(alert().message, text("alert.direction.spatial2sbs.title"));
+}
+
+TEST_F(Preflight, AVIWithoutResizingTurnsResizingOnAndStops) {
+    put({"spatial.mov", "old.AVI"});
+    open();
+    stage.alerts->answers = {0};
+    start();
+    EXPECT_EQ(alert().message, text("alert.avi.title"));
+    EXPECT_EQ(alert().informative, text("alert.avi.noresize.message"));
+    EXPECT_EQ(alert().buttons, (std::vector{text("alert.avi.enable.resize"), text("button.convert.anyway")}));
+    EXPECT_TRUE(control<QCheckBox>(*form, "enableResizeCheck").isChecked());
+    EXPECT_TRUE(form->settings->enableResize);
+    EXPECT_TRUE(control<QLineEdit>(*form, "resizeWidthField").isVisible());
+    EXPECT_FALSE(form->progressSheet());
+    start();
+    EXPECT_TRUE(form->progressSheet()) << "the next press goes past the AVI step";
+    EXPECT_EQ(stage.alerts->shown.size(), 1U);
+}
+
+TEST_F(Preflight, AVIMayBeConvertedAnyway) {
+    put({"spatial.mov", "old.avi"});
+    open();
+    stage.alerts->answers = {1};
+    start();
+    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+    EXPECT_FALSE(form->settings->enableResize);
+}
+
+TEST_F(Preflight, PuttingTheAVIQuestionAwayStopsAndChangesNothing) {
+    put({"spatial.mov", "old.avi"});
+    open();
+    stage.alerts->answers = {AlertPresenter::dismissed};
+    start();
+    EXPECT_FALSE(form->progressSheet());
+    EXPECT_FALSE(control<QCheckBox>(*form, "enableResizeCheck").isChecked());
+}
+
+TEST_F(Preflight, OddSizesAreRefused) {
+    open();
+    control<QCheckBox>(*form, "enableResizeCheck").click();
+    control<QLineEdit>(*form, "resizeWidthField").setText(QStringLiteral("1921"));
+    start();
+    EXPECT_EQ(alert().message, format("error.resize.odd.format", std::int64_t(1936), std::int64_t(1088)));
+    EXPECT_TRUE(alert().buttons.empty());
+    EXPECT_FALSE(form->progressSheet());
+    control<QCheckBox>(*form, "enableResizeCheck").click();
+    start();
+    EXPECT_TRUE(form->progressSheet()) << "without resizing the size does not matter";
+}
+
+TEST_F(Preflight, ExistingOutputsArePredictedByName) {
+    put({"trip.mov", "pair.heic", "new.mov", "notes.txt"});
+    for (const char *name : {"trip_sbs.mp4", "pair_sbs.jpg", "notes_sbs.mp4"})
+        std::ofstream(output / name) << "x";
+    ConversionSettings settings;
+    settings.outputFolderURL = output;
+    const std::vector<fs::path> entries{input / "trip.mov", input / "pair.heic", input / "new.mov",
+                                        input / "notes.txt"};
+    EXPECT_EQ(existingOutputs(entries, settings), (std::vector<std::string>{"trip_sbs.mp4", "pair_sbs.jpg"}));
+    settings.sbsOutputFormat = SBSOutputFormat::movHEVC;
+    settings.sbsPhotoOutputFormat = SBSPhotoOutputFormat::png;
+    EXPECT_TRUE(existingOutputs(entries, settings).empty());
+    settings.direction = ConversionDirection::sbsToSpatial;
+    std::ofstream(output / "new_spatial.mov") << "x";
+    EXPECT_EQ(existingOutputs(entries, settings), (std::vector<std::string>{"new_spatial.mov"}));
+}
+
+TEST(OverwriteQuestion, ListsFiveNamesAndTheNumberOfTheRest) {
+    const std::vector<std::string> seven{"1", "2", "3", "4", "5", "6", "7"};
+    const std::string more = format("alert.overwrite.more.format", std::int64_t(2));
+    const Alert question = overwriteQuestion(seven);
+    EXPECT_EQ(question.message, text("alert.overwrite.title"));
+    EXPECT_EQ(question.informative, format("alert.overwrite.message.format", "1\n2\n3\n4\n5\n" + more));
+    EXPECT_EQ(question.buttons, (std::vector{text("button.overwrite"), text("button.cancel")}));
+    EXPECT_EQ(overwriteQuestion({seven.begin(), seven.begin() + 5}).informative,
+              format("alert.overwrite.message.format", std::string("1\n2\n3\n4\n5")));
+}
+
+TEST_F(Preflight, OverwritingIsAskedForLast) {
+    put({"spatial.mov"});
+    std::ofstream(output / "spatial_sbs.mp4") << "x";
+    open();
+    stage.alerts->answers = {1};
+    start();
+    EXPECT_EQ(alert().message, text("alert.overwrite.title"));
+    EXPECT_FALSE(form->progressSheet());
+    stage.alerts->answers = {0};
+    start();
+    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+}
+
+TEST_F(Preflight, AnAnswerAfterTheFormHasGoneDoesNothing) {
+    put({"spatial.mov"});
+    std::ofstream(output / "spatial_sbs.mp4") << "x";
+    open();
+    start();
+    const auto answer = stage.alerts->open;
+    form.reset();
+    answer(0);
+}
+
+TEST_F(Preflight, AThousandCandidatesDoNotFreezeTheWindow) {
+    for (int i = 0; i < 1000; ++i)
+        std::ofstream(input / ("clip" + std::to_string(i) + ".mp4")) << "x";
+    std::atomic<int> tested{0};
+    std::atomic<bool> hold{true};
+    services.isSpatialVideo = [&](const VideoProcessor &, const fs::path &) {
+        while (hold && tested == 500)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ++tested;
+        return true;
+    };
+    open();
+    control<QPushButton>(*form, "startButton").click();
+    QProgressDialog *waiting = nullptr;
+    ASSERT_TRUE(until([&] { return (waiting = form->findChild<QProgressDialog *>()) && waiting->value() == 500; }))
+        << "the interface goes on working while the candidates are tested";
+    EXPECT_TRUE(waiting->isModal());
+    EXPECT_EQ(waiting->labelText().toStdString(), format("check.videos.format", std::int64_t(500), std::int64_t(1000)));
+    hold = false;
+    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+    EXPECT_EQ(tested, 1000) << "all of them, not a sample";
+    EXPECT_FALSE(form->findChild<QProgressDialog *>());
+}
+
+TEST_F(Preflight, TheTestOfTheCandidatesCanBeGivenUp) {
+    put({"a.mp4", "b.mp4", "c.mp4"});
+    std::atomic<bool> hold{true};
+    std::atomic<int> tested{0};
+    services.isSpatialVideo = [&](const VideoProcessor &, const fs::path &) {
+        while (hold)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ++tested;
+        return false;
+    };
+    open();
+    control<QPushButton>(*form, "startButton").click();
+    QProgressDialog *waiting = nullptr;
+    ASSERT_TRUE(until([&] { return (waiting = form->findChild<QProgressDialog *>()) != nullptr; }));
+    waiting->findChild<QPushButton *>()->click();
+    hold = false;
+    settle();
+    EXPECT_TRUE(BackgroundThreads::shared().waitForAll(std::chrono::seconds(10)));
+    settle();
+    EXPECT_EQ(tested, 1);
+    EXPECT_TRUE(stage.alerts->shown.empty());
+    EXPECT_FALSE(form->progressSheet());
+    start();
+    EXPECT_EQ(alert().message, text("alert.direction.spatial2sbs.title")) << "start works again";
+}
+
+TEST_F(Preflight, TheSheetCoversTheFormAndGivesItBack) {
+    services.runBatch = [](VideoProcessor &processor) { processor.onComplete(true, "done"); };
+    open();
+    auto &scroll = control<QScrollArea>(*form, "scrollView");
+    start();
+    ASSERT_TRUE(form->progressSheet());
+    EXPECT_FALSE(scroll.isEnabled());
+    EXPECT_TRUE(until([&] { return !form->isConverting(); }));
+    EXPECT_FALSE(scroll.isEnabled()) << "until the sheet is closed";
+    form->progressSheet()->closeTapped();
+    EXPECT_TRUE(until([&] { return scroll.isEnabled(); }));
+    EXPECT_FALSE(form->progressSheet());
+    EXPECT_EQ(form->focusWidget(), &control<QPushButton>(*form, "startButton"));
+}
+
+TEST_F(Preflight, AfterStopTheFormWaitsForTheBatchToEnd) {
+    std::atomic<bool> hold{true};
+    services.runBatch = [&](VideoProcessor &processor) {
+        while (hold)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        EXPECT_TRUE(processor.cancelRequested);
+        processor.onComplete(false, "stopped");
+    };
+    open();
+    start();
+    stage.alerts->answers = {0};
+    form->progressSheet()->cancelTapped();
+    EXPECT_FALSE(form->progressSheet());
+    EXPECT_FALSE(form->isConverting());
+    auto &button = control<QPushButton>(*form, "startButton");
+    EXPECT_FALSE(button.isEnabled()) << "two runs must not write the same files";
+    EXPECT_EQ(button.text().toStdString(), text("button.stopping"));
+    hold = false;
+    EXPECT_TRUE(until([&] { return button.isEnabled(); }));
+    EXPECT_EQ(button.accessibleName().toStdString(), text("button.start.conversion"));
+    EXPECT_EQ(stage.alerts->shown.size(), 1U) << "no alert about the end of a stopped run";
+}
+
+} // namespace
+} // namespace lumetwin::test

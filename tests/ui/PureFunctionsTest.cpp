@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/HelpPages.h"
+#include "app/Language.h"
+#include "app/WindowSizes.h"
+#include "engine/Texts.h"
+#include "ui/MainFormFrames.h"
+#include "ui/NumberParsing.h"
+#include "ui/Palettes.h"
+#include "ui/Points.h"
+#include "ui/ResizePreview.h"
+
+#include <QApplication>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace lumetwin {
+namespace {
+
+TEST(NumberParsing, TakesWholeDecimalNumbers) {
+    EXPECT_EQ(parseDecimal(QStringLiteral("63.4")), 63.4);
+    EXPECT_EQ(parseDecimal(QStringLiteral("-100")), -100.0);
+    EXPECT_EQ(parseDecimal(QStringLiteral("+.5")), 0.5);
+    EXPECT_EQ(parseDecimal(QStringLiteral("1e2")), 100.0);
+    for (const char *text : {"", " 63.4", "63.4 ", "63,4", "63.4°", "abc", "0x10", "nan", "inf", "+-5", "--5", "1e999"})
+        EXPECT_FALSE(parseDecimal(QString::fromUtf8(text))) << text;
+}
+
+TEST(NumberParsing, TakesWholeIntegers) {
+    EXPECT_EQ(parseInteger(QStringLiteral("1920")), 1920);
+    EXPECT_EQ(parseInteger(QStringLiteral("+1920")), 1920);
+    EXPECT_EQ(parseInteger(QStringLiteral("-3")), -3);
+    EXPECT_EQ(parseInteger(QStringLiteral("9223372036854775807")), std::numeric_limits<std::int64_t>::max());
+    for (const char *text : {"", "9223372036854775808", "19 20", "1920.0", "1e3", "+-1", "px", "١٩"})
+        EXPECT_FALSE(parseInteger(QString::fromUtf8(text))) << text;
+}
+
+TEST(MainFormFrames, StandWhereTheyShouldWithoutResizing) {
+    const MainFormFrames frames = mainFormFrames(ConversionDirection::spatialToSBS, false);
+    EXPECT_EQ(frames.startButton, (PointFrame{20, 20, 680, 48}));
+    EXPECT_EQ(frames.commonSection, (PointFrame{20, 82, 680, 138}));
+    EXPECT_EQ(frames.optionsSection, (PointFrame{20, 234, 680, 180}));
+    EXPECT_EQ(frames.outputSection, (PointFrame{20, 428, 680, 100}));
+    EXPECT_EQ(frames.inputSection, (PointFrame{20, 542, 680, 100}));
+    EXPECT_EQ(frames.directionSection, (PointFrame{20, 656, 680, 76}));
+    EXPECT_EQ(frames.header, (PointFrame{0, 746, 720, 68}));
+    EXPECT_EQ(frames.documentHeight, 832);
+}
+
+TEST(MainFormFrames, GrowWithResizingAndShrinkWithStereoOptions) {
+    EXPECT_EQ(mainFormFrames(ConversionDirection::sbsToSpatial, false).documentHeight, 812);
+    EXPECT_EQ(mainFormFrames(ConversionDirection::spatialToSBS, true).documentHeight, 942);
+    EXPECT_EQ(mainFormFrames(ConversionDirection::sbsToSpatial, true).commonSection.height, 248);
+}
+
+TEST(Points, OriginIsAtTheBottomLeft) {
+    const PointScale usual;
+    EXPECT_EQ(usual.toQt({20, 20, 680, 48}, 832), QRect(20, 764, 680, 48));
+    const PointScale large{1.5, 2};
+    EXPECT_EQ(large.toQt({20, 20, 680, 48}, 832), QRect(30, 1528, 1020, 96));
+}
+
+TEST(Points, FollowTheFontAndTheScreen) {
+    QFont font = QApplication::font();
+    font.setPixelSize(13);
+    EXPECT_EQ(PointScale::of(font, 1920), (PointScale{1, 1}));
+    font.setPixelSize(9);
+    EXPECT_EQ(PointScale::of(font, 1920), (PointScale{1, 1}));
+    font.setPixelSize(20);
+    EXPECT_EQ(PointScale::of(font, 1920), (PointScale{1.5, 1.5}));
+    font.setPixelSize(27);
+    const PointScale small = PointScale::of(font, 1366);
+    EXPECT_EQ(small.y, 2.05);
+    EXPECT_LE(720 * small.x, 1366);
+    EXPECT_GT(small.x, 1.8);
+    EXPECT_NEAR(PointScale::of(font, 800).x, 2.05 * 0.9, 0.001) << "rather scrolled than cut off";
+}
+
+class ResizePreview : public testing::Test {
+protected:
+    void SetUp() override {
+        setTextLocale("en");
+        settings.enableResize = true;
+    }
+    std::string preview(std::int64_t width, std::int64_t height) {
+        settings.resizeWidth = width;
+        settings.resizeHeight = height;
+        return resizePreview(settings);
+    }
+    static std::string sizes(std::int64_t a, std::int64_t b, std::int64_t c, std::int64_t d) {
+        return format("resize.preview.format", a, b, c, d);
+    }
+    ConversionSettings settings;
+};
+
+TEST_F(ResizePreview, WarnsOfOddSizes) {
+    EXPECT_EQ(preview(1921, 1080), sizes(3842, 1080, 1921, 1080) + "  " +
+                                       format("resize.warn.odd.format", std::int64_t(1936), std::int64_t(1088)));
+}
+
+TEST_F(ResizePreview, WarnsOfSizesThatAreNoMultipleOf16OnlyTowardsSBS) {
+    EXPECT_EQ(preview(1000, 1000), sizes(2000, 1000, 1000, 1000) + "  " +
+                                       format("resize.warn.not16.format", std::int64_t(1008), std::int64_t(1008)));
+    settings.direction = ConversionDirection::sbsToSpatial;
+    EXPECT_EQ(preview(1000, 1000), sizes(1000, 1000, 500, 1000));
+    EXPECT_EQ(preview(1001, 1000), sizes(1001, 1000, 500, 1000) + "  " +
+                                       format("resize.warn.odd.format", std::int64_t(1008), std::int64_t(1008)));
+}
+
+TEST_F(ResizePreview, HalfWidthKeepsTheWidthOfOneEye) {
+    settings.halfWidth = true;
+    EXPECT_EQ(preview(1920, 1088), sizes(1920, 1088, 960, 1088));
+    settings.direction = ConversionDirection::sbsToSpatial;
+    EXPECT_EQ(preview(1920, 1088), sizes(1920, 1088, 960, 1088));
+}
+
+TEST_F(ResizePreview, HugeSizesDoNotOverflow) {
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(preview(most - 1, 16).rfind(sizes(most, 16, most / 2, 16), 0), 0U);
+    EXPECT_EQ(roundedUpTo16(most - 1), most - 1);
+    EXPECT_EQ(roundedUpTo16(1921), 1936);
+    EXPECT_EQ(roundedUpTo16(1936), 1936);
+}
+
+TEST(Palettes, AccentAndWarningsAreReadable) {
+    for (const QColor &accent : {QColor(48, 140, 198), QColor(255, 220, 0), QColor(0, 0, 80), QColor(240, 240, 240)})
+        for (const bool dark : {false, true}) {
+            QPalette palette(dark ? QColor(40, 40, 40) : QColor(239, 239, 239));
+            palette.setColor(QPalette::Base, dark ? Qt::black : Qt::white);
+            palette.setColor(QPalette::WindowText, dark ? Qt::white : Qt::black);
+            palette.setColor(QPalette::Highlight, accent);
+            EXPECT_EQ(isDark(palette), dark);
+            EXPECT_GE(contrast(accentColour(palette), Qt::white), 4.5);
+            EXPECT_GE(contrast(accentTextColour(palette), sectionColour(palette)), 4.5);
+            EXPECT_GE(contrast(warningColour(palette), sectionColour(palette)), 4.5);
+            EXPECT_GE(contrast(secondaryTextColour(palette), sectionColour(palette)), 4.5);
+        }
+}
+
+TEST(WindowSizes, AreTheUsualOnesWhereThereIsRoom) {
+    const WindowSizes sizes = windowSizes({1, 1}, {1920, 1080}, 22);
+    EXPECT_EQ(sizes.initial, QSize(720, 882));
+    EXPECT_EQ(sizes.minimum, QSize(680, 760));
+}
+
+TEST(WindowSizes, KeepToASmallScreen) {
+    const WindowSizes sizes = windowSizes({1, 1}, {1366, 728}, 22);
+    EXPECT_EQ(sizes.initial.width(), 720);
+    EXPECT_LT(sizes.initial.height(), 728);
+    EXPECT_LE(sizes.minimum.height(), sizes.initial.height());
+}
+
+TEST(HelpPages, LieUnderTheirPathsOnASecureSite) {
+    EXPECT_EQ(helpPageUrl(helpPathJA).path(), QStringLiteral("/mac/lumetw/index.html"));
+    EXPECT_EQ(helpPageUrl(helpPathEN).path(), QStringLiteral("/mac/lumetw/index_en.html"));
+    EXPECT_EQ(helpPageUrl(helpPathEN).scheme(), QStringLiteral("https"));
+    EXPECT_EQ(helpPageUrl(helpPathEN).host(), QStringLiteral(LUMETWIN_HELP_HOST));
+}
+
+TEST(Language, IsTheFirstOfTheUsersThatHasTexts) {
+    EXPECT_EQ(preferredTextLocale({QStringLiteral("ja-Jpan-JP"), QStringLiteral("en-US")}), "ja");
+    EXPECT_EQ(preferredTextLocale({QStringLiteral("fr-FR"), QStringLiteral("ja")}), "ja");
+    EXPECT_EQ(preferredTextLocale({QStringLiteral("en-GB"), QStringLiteral("ja")}), "en");
+    EXPECT_EQ(preferredTextLocale({QStringLiteral("fr-FR"), QStringLiteral("jam-JM")}), "en");
+    EXPECT_EQ(preferredTextLocale({}), "en");
+}
+
+} // namespace
+} // namespace lumetwin

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/Texts.h"
+#include "ui/Accessibility.h"
+#include "ui/BackgroundThreads.h"
+
+#include <QApplication>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char **argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" LUMETWIN_SOURCE_DIR "/tests/ui/support/laptop.json");
+    // The desktop of whoever runs the tests is none of their business.
+    qputenv("DBUS_SESSION_BUS_ADDRESS", qEnvironmentVariable("LUMETWIN_TEST_BUS").toUtf8());
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    lumetwin::setTextLocale("en");
+    lumetwin::installAccessibility();
+    const int status = RUN_ALL_TESTS();
+    lumetwin::BackgroundThreads::shared().waitForAll(std::chrono::seconds(10));
+    return status;
+}
