@@ -35,6 +35,24 @@ public:
     std::uint64_t size() const override { return size_; }
 
     void read(std::uint64_t position, std::span<std::uint8_t> buffer) const override {
+        if (buffer.size() > ahead_.size())
+            return fill(position, buffer);
+        // Headers lie close together: a call to the system for each would take most of the time.
+        if (position < aheadBegin_ || position + buffer.size() > aheadEnd_) {
+            if (position > size_ || buffer.size() > size_ - position)
+                throw FormatError("the file ends early");
+            aheadEnd_ = 0;
+            const auto count = std::min<std::uint64_t>(ahead_.size(), size_ - position);
+            fill(position, std::span(ahead_).first(static_cast<std::size_t>(count)));
+            aheadBegin_ = position;
+            aheadEnd_ = position + count;
+        }
+        std::copy_n(ahead_.begin() + static_cast<std::ptrdiff_t>(position - aheadBegin_), buffer.size(),
+                    buffer.begin());
+    }
+
+private:
+    void fill(std::uint64_t position, std::span<std::uint8_t> buffer) const {
         while (!buffer.empty()) {
             const ssize_t count = pread(descriptor_, buffer.data(), buffer.size(), static_cast<off_t>(position));
             if (count < 0 && errno == EINTR)
@@ -46,9 +64,11 @@ public:
         }
     }
 
-private:
     int descriptor_;
     std::uint64_t size_ = 0;
+    mutable std::array<std::uint8_t, 4096> ahead_;
+    mutable std::uint64_t aheadBegin_ = 0;
+    mutable std::uint64_t aheadEnd_ = 0;
 };
 
 class MemorySource : public Source {

@@ -3,6 +3,7 @@
 
 #include "tests/media/bmff/BoxBuilder.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Writes small well-formed files for the fuzz targets to begin with: seeds FOLDER
+#include "tests/media/heif/HeifBuilder.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using namespace lumetwin::test;
+
+Bytes visualEntry(std::string_view type, const Bytes &children) {
+    return box(type, joined({Bytes(78, 0), children}));
+}
+
+Bytes track(std::string_view handler, const std::vector<Bytes> &entries) {
+    const Bytes table = fullBox("stsd", joined({u32(static_cast<std::uint32_t>(entries.size())), joinedAll(entries)}));
+    return box("trak", box("mdia", joined({fullBox("hdlr", joined({letters("mhlr"), letters(handler), Bytes(12, 0)})),
+                                           box("minf", box("stbl", table))})));
+}
+
+Bytes stereoEntry() {
+    const Bytes eyes =
+        box("eyes", joined({fullBox("stri", {3}), fullBox("hero", {1}), box("cams", fullBox("blin", u32(19240))),
+                            box("cmfy", fullBox("dadj", u32(200)))}));
+    const Bytes usage = box("vexu", joined({eyes, box("proj", fullBox("prji", letters("rect")))}));
+    return visualEntry("hvc1", joined({box("lhvC", {1}), usage, box("hfov", u32(64000)), u32(0)}));
+}
+
+std::vector<Bytes> movies() {
+    const Bytes type = box("ftyp", joined({letters("qt  "), u32(0), letters("qt  ")}));
+    const Bytes stereo = track("vide", {stereoEntry()});
+    const Bytes sound = track("soun", {box("mp4a", Bytes(28, 0))});
+    return {joined({type, box("wide", {}), box("mdat", Bytes(8, 1)), box("moov", joined({sound, stereo}))}),
+            joined({type, longBox("moov", track("vide", {visualEntry("avc1", {}), stereoEntry()})), u32(0),
+                    letters("mdat")}),
+            joined({type, box("moov", joined({stereo, box("mvex", fullBox("trex", Bytes(20, 0)))})),
+                    box("moof", Bytes(16, 0))})};
+}
+
+HeifBuilder describedPair() {
+    HeifBuilder heif = stereoGrids();
+    heif.item(10, "Exif", true).item(11, "mime", true, "application/rdf+xml").item(12, "tmap").item(13);
+    heif.refer("cdsc", 10, {3, 6})
+        .refer("cdsc", 11, {3})
+        .refer("dimg", 12, {6, 13})
+        .refer("iloc", 11, {10})
+        .refer("thmb", 13, {3});
+    heif.group("altr", 30, {12, 6}).group("ster", 31, {30, 3});
+    heif.itemData = letters("0123456789");
+    heif.place(10, 1, 0, 8).place(11, 2, 1, 4).place(1, 0, 40, 4);
+    const int first = heif.property(box("irot", u8(1)));
+    heif.property(box("clap", joined({u32(9), u32(1), u32(8), u32(1), u32(0xffffffff), u32(2), u32(0), u32(2)})));
+    heif.property(box("imir", u8(1)));
+    heif.property(fullBox("pixi", {3, 8, 8, 8}));
+    heif.property(box("colr", letters("profxx")));
+    heif.property(box("colr", joined({letters("nclx"), u16(1), u16(13), u16(6), u8(0x80)})));
+    heif.property(fullBox("cmin", joined({u32(1), u32(2), u32(3), u32(4), u32(5)}), 0x11a01));
+    heif.property(fullBox("cmex", joined({u32(1), u32(2), u32(3), Bytes(6, 0), u32(1)}), 47));
+    heif.property(fullBox("auxC", letters("urn")));
+    return heif.associate(3, {first, first + 1, first + 2, first + 3, first + 4, first + 5, first + 6, first + 7})
+        .associate(13, {first + 8});
+}
+
+Bytes wideTables() {
+    auto children = stereoGrids().children();
+    const auto entry = [](std::uint32_t id) {
+        return fullBox("infe", joined({u32(id), u16(0), letters("hvc1"), u8(0)}), 3u << 24);
+    };
+    children[1] = fullBox("pitm", u32(70'001), 1u << 24);
+    children[2] = fullBox("iinf", joined({u32(2), entry(70'000), entry(70'001)}), 1u << 24);
+    children[3] = fullBox("iref", box("thmb", joined({u32(70'000), u16(1), u32(70'001)})), 1u << 24);
+    children[4] =
+        box("iprp", joined({box("ipco", HeifBuilder::size(8, 8)),
+                            fullBox("ipma", joined({u32(1), u32(70'001), u8(1), u16(0x8001)}), 1u << 24 | 1)}));
+    children[7] = fullBox("iloc",
+                          joined({u16(0x8888), u32(1), u32(70'001), u16(0), u16(0), number(4, 8), u16(1), number(1, 8),
+                                  number(2, 8), number(3, 8)}),
+                          2u << 24);
+    return HeifBuilder::fileOf(children);
+}
+
+void write(const std::filesystem::path &folder, const std::vector<Bytes> &files) {
+    std::filesystem::create_directories(folder);
+    int number = 0;
+    for (const Bytes &bytes : files)
+        std::ofstream(folder / ("seed" + std::to_string(++number)), std::ios::binary)
+            .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+} // namespace
+
+int main(int count, char **arguments) {
+    if (count != 2) {
+        std::fputs("usage: seeds FOLDER\n", stderr);
+        return 2;
+    }
+    const std::filesystem::path folder = arguments[1];
+    write(folder / "movie_facts", movies());
+    write(folder / "heif_file", {stereoGrids().file(), describedPair().file(), wideTables()});
+    return 0;
+}
