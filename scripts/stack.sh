@@ -40,9 +40,17 @@ private_apt() {
         -o APT::Sandbox::User="$(id -un)" "$@"
 }
 
-# fetch_sources: the upstream archives, checked by apt against the signed index.
+# newest PATTERN: the latest version among the archives that match.
+newest() { compgen -G "$1" | sort -V | tail -n 1; }
+
+# intact ARCHIVE PACKAGE: whether the signed index has it; a download that was cut short is not there.
+intact() {
+    private_apt apt-cache showsrc --only-source "$2" | grep -F " $(sha256sum "$1" | cut -d' ' -f1) " >/dev/null
+}
+
+# fetch_sources: the upstream archives, checked against the signed index.
 fetch_sources() {
-    local root="$lumetwin_cache/apt" mirror keyring=/usr/share/keyrings/debian-archive-keyring.gpg name
+    local root="$lumetwin_cache/apt" mirror keyring=/usr/share/keyrings/debian-archive-keyring.gpg name archive
     mirror=$(debian_mirror) || { echo "E: Unable to locate package sources: no Debian mirror in apt's configuration"; return 1; }
     mkdir -p "$root/lists/partial" "$root/cache/archives/partial" "$stack_sources"
     echo "deb-src [signed-by=$keyring] $mirror $stack_suite main" >"$root/sources.list"
@@ -52,11 +60,10 @@ fetch_sources() {
         # Packaging files that a mirror lacks make apt end with an error; what counts is the list below.
         private_apt apt-get source --download-only --only-source "$name" || true
     done
-    for name in ffmpeg_7.1 libheif_1 x265_4; do
-        compgen -G "$name*.orig.tar.*z" >/dev/null || { echo "E: Unable to find a source package: $name"; return 1; }
-    done
-    for name in ffmpeg_7.1 libheif_1; do
-        compgen -G "$name*.debian.tar.*z" >/dev/null || { echo "E: Unable to find a source package: $name (patches)"; return 1; }
+    for name in ffmpeg_7.1*.orig ffmpeg_7.1*.debian libheif_1*.orig libheif_1*.debian x265_4*.orig; do
+        archive=$(newest "$name.tar.*z")
+        [ -n "$archive" ] || { echo "E: Unable to find a source package: $name"; return 1; }
+        intact "$archive" "${name%%_*}" || { rm -f "$archive"; echo "E: Failed to fetch $archive: incomplete"; return 1; }
     done
 }
 
@@ -64,10 +71,10 @@ fetch_sources() {
 # distribution's patches (security fixes among them).
 unpack() {
     local archive packaging patch
-    archive=$(compgen -G "$stack_sources/$1*.orig.tar.*z" | sort -V | tail -n 1)
+    archive=$(newest "$stack_sources/$1*.orig.tar.*z")
     rm -rf "$2" && mkdir -p "$2" && tar -xf "$archive" -C "$2" --strip-components=1 || return 1
     [ "${3:-}" = patched ] || return 0
-    packaging=$(compgen -G "$stack_sources/$1*.debian.tar.*z" | sort -V | tail -n 1)
+    packaging=$(newest "$stack_sources/$1*.debian.tar.*z")
     tar -xf "$packaging" -C "$2" || return 1
     while read -r patch _; do
         case $patch in '' | '#'*) continue ;; esac
@@ -77,10 +84,12 @@ unpack() {
 
 build_x265() {
     unpack x265_4 "$stack_work/x265" || return 1
+    # CMake 4 has forgotten the old behaviours that it asks for; none of them matters here.
+    sed -i -E 's/(cmake_policy\(SET CMP[0-9]+) OLD\)/\1 NEW)/' "$stack_work/x265/source/CMakeLists.txt" || return 1
     # Multiview is the reason for building it; distributions leave it off.
     cmake -S "$stack_work/x265/source" -B "$stack_work/x265-build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-        -DCMAKE_INSTALL_PREFIX="$stack_prefix" -DLIB_INSTALL_DIR=lib -DCMAKE_POSITION_INDEPENDENT_CODE=ON \
-        -DENABLE_MULTIVIEW=ON -DENABLE_SHARED=OFF -DENABLE_CLI=ON &&
+        -DCMAKE_POLICY_VERSION_MINIMUM=3.5 -DCMAKE_INSTALL_PREFIX="$stack_prefix" -DLIB_INSTALL_DIR=lib \
+        -DCMAKE_POSITION_INDEPENDENT_CODE=ON -DENABLE_MULTIVIEW=ON -DENABLE_SHARED=OFF -DENABLE_CLI=ON &&
         cmake --build "$stack_work/x265-build" && cmake --install "$stack_work/x265-build"
 }
 
@@ -126,7 +135,8 @@ ensure_stack() {
     [ -e "$stack_prefix/.complete" ] && return 0
     mkdir -p "$stack_prefix" "$stack_work" || die "cannot write to $lumetwin_cache"
     local lock="$lumetwin_cache/stack.lock"
-    exec 9>"$lock" && flock 9 # two set-ups at once would build into each other
+    exec 9>"$lock" # two set-ups at once would build into each other
+    flock -n 9 || { say "waiting for another set-up that builds the media stack"; flock 9; }
     if [ ! -e "$stack_prefix/.complete" ]; then
         say "building the media stack once, into $stack_prefix (about five minutes on two cores)"
         [ -e "$stack_prefix/.done-sources" ] || step "fetching sources" fetch_sources
