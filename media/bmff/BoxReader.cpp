@@ -35,12 +35,12 @@ public:
     std::uint64_t size() const override { return size_; }
 
     void read(std::uint64_t position, std::span<std::uint8_t> buffer) const override {
+        if (position > size_ || buffer.size() > size_ - position)
+            throw FormatError("the file ends early");
         if (buffer.size() > ahead_.size())
             return fill(position, buffer);
         // Headers lie close together: a call to the system for each would take most of the time.
         if (position < aheadBegin_ || position + buffer.size() > aheadEnd_) {
-            if (position > size_ || buffer.size() > size_ - position)
-                throw FormatError("the file ends early");
             aheadEnd_ = 0;
             const auto count = std::min<std::uint64_t>(ahead_.size(), size_ - position);
             fill(position, std::span(ahead_).first(static_cast<std::size_t>(count)));
@@ -66,7 +66,7 @@ private:
 
     int descriptor_;
     std::uint64_t size_ = 0;
-    mutable std::array<std::uint8_t, 4096> ahead_;
+    mutable std::array<std::uint8_t, 4096> ahead_{};
     mutable std::uint64_t aheadBegin_ = 0;
     mutable std::uint64_t aheadEnd_ = 0;
 };

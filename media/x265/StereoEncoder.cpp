@@ -27,6 +27,9 @@ constexpr int smallestSide = 96;
 // Pictures below this size are coded in units of 32, so that there are several rows of them.
 constexpr int largeSide = 256;
 constexpr double keyFrameSeconds = 2;
+// The largest picture of HEVC's levels, 6 to 6.2 (ITU-T H.265, table A.8); no device takes more, and memory ends soon
+// after.
+constexpr std::int64_t mostSamples = 35'651'584;
 
 // The 3D reference displays information SEI (ITU-T H.265, G.14): one display, left view 0, right view 1. x265 4.1
 // writes its mantissa one bit too long, and adds three messages with made-up constants.
@@ -143,6 +146,9 @@ struct StereoEncoder::State {
     void open() {
         if (!parameters)
             throw std::bad_alloc();
+        if (static_cast<std::int64_t>(codedSide(format.width)) * codedSide(format.height) > mostSamples)
+            throw error(0, "two views of " + std::to_string(format.width) + " × " + std::to_string(format.height) +
+                               " pixels are more than HEVC codes");
         const double frameRate = frameRateOf(format);
         if (x265_param_default_preset(parameters.get(), format.preset.c_str(), nullptr) < 0)
             throw error(0, "there is no preset " + format.preset);

@@ -111,6 +111,9 @@ TEST(HeifPayload, isNotReadBeyondTheLimit) {
     HeifPayload huge;
     huge.extents.assign(3, {0, ~std::uint64_t{0} / 2});
     EXPECT_THROW(readHeifPayload(folder / "a.heic", huge, ~std::uint64_t{0}), MediaError);
+    HeifPayload beyond;
+    beyond.extents = {{0, 4}, {~std::uint64_t{0}, 4}};
+    EXPECT_THROW(readHeifPayload(folder / "a.heic", beyond), MediaError);
     test::writeFile(folder / "a.heic", Bytes(12, 0)); // has become shorter since
     EXPECT_THROW(readHeifPayload(folder / "a.heic", payload), MediaError);
 }

@@ -228,6 +228,11 @@ TEST(StereoEncoder, IsDecodedWithoutDriftWhereScenesChangeSoonAfterAKeyFrame) {
                 << "frame " << frame << (right ? " right" : " left");
 }
 
+TEST(StereoEncoder, RefusesPicturesBeyondEveryLevel) {
+    EXPECT_THROW(StereoEncoder("huge.mov", formatOf(8192, 4354)), MediaError);
+    EXPECT_THROW(StereoEncoder("huge.mov", formatOf(16384, 16384)), MediaError);
+}
+
 TEST(StereoEncoder, RefusesAnUnknownPresetWithTheFilesName) {
     StereoFormat format = formatOf(128, 96);
     format.preset = "nonsense";
