@@ -50,7 +50,7 @@ struct AudioEncoding {
 
 /// Writes a movie under a partial name until it is complete; finish() gives it its own name in one rename, replacing
 /// what was there. cancel() removes the partial file, a failure leaves it. Destroying an unfinished writer leaves it
-/// too.
+/// too, unless nothing was started.
 ///
 /// Tracks are added before start(), in the order that they have in the file. Then one thread appends video and another
 /// audio; a track that runs ahead waits for the other, so that memory stays flat.

@@ -82,6 +82,13 @@ struct MovieWriter::State {
     ~State() {
         abandon();
         joinEncoding();
+        if (!headerWritten)
+            removePartial();
+    }
+
+    void removePartial() {
+        std::error_code ignored;
+        std::filesystem::remove(partial, ignored);
     }
 
     void abandon() {
@@ -308,8 +315,7 @@ void MovieWriter::cancel() {
     state_->abandon();
     state_->joinEncoding();
     avio_closep(&state_->muxer->pb);
-    std::error_code ignored;
-    std::filesystem::remove(state_->partial, ignored);
+    state_->removePartial();
     state_->throwFailure();
 }
 

@@ -111,6 +111,51 @@ TEST(SBSVideoToSpatial, refusesASourceOfOneColumn) {
                   "ffv1", (folder / "in.mkv").string()});
     EXPECT_THROW(convert({}, folder / "in.mkv", folder / "out.mov"), media::MediaError);
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mov"));
+    EXPECT_FALSE(std::filesystem::exists(media::MovieWriter::partialName(folder / "out.mov")));
+}
+
+TEST(SBSVideoToSpatial, refusesResizeTargetsThatCannotBeCoded) {
+    const TemporaryFolder folder;
+    const auto input = draw(folder / "in.mp4");
+    ConversionSettings settings;
+    settings.enableResize = true;
+    for (const auto &[width, height] : std::vector<std::pair<std::int64_t, std::int64_t>>{
+             {0, 100}, {-4, 100}, {100, 70000}, {16000, 16000}, {std::int64_t{1} << 33, 2}}) {
+        settings.resizeWidth = width;
+        settings.resizeHeight = height;
+        EXPECT_THROW(convert(settings, input, folder / "out.mov"), media::MediaError) << width << " x " << height;
+        EXPECT_FALSE(std::filesystem::exists(media::MovieWriter::partialName(folder / "out.mov")));
+    }
+}
+
+TEST(SBSVideoToSpatial, keepsThePartialFileOfAWriterThatFails) {
+    const TemporaryFolder folder;
+    const auto input = draw(folder / "in.mp4");
+    // /dev/full takes nothing: what a full disk does at the first write.
+    std::filesystem::create_symlink("/dev/full", media::MovieWriter::partialName(folder / "out.mov"));
+    EXPECT_THROW(convert({}, input, folder / "out.mov"), media::MediaError);
+    EXPECT_TRUE(std::filesystem::is_symlink(media::MovieWriter::partialName(folder / "out.mov")));
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.mov"));
+}
+
+TEST(SBSVideoToSpatial, showsWhatThereIsOfFramesThatChangeTheirSize) {
+    const TemporaryFolder folder;
+    Clip clip;
+    clip.video = {"-c:v", "libx265", "-x265-params", "log-level=none:repeat-headers=1", "-f", "hevc"};
+    auto bytes = test::readFile(draw(folder / "a.hevc", clip));
+    clip.width = 192;
+    clip.height = 48;
+    const auto smaller = test::readFile(draw(folder / "b.hevc", clip));
+    bytes.insert(bytes.end(), smaller.begin(), smaller.end());
+    test::writeFile(folder / "in.hevc", bytes);
+    convert({}, folder / "in.hevc", folder / "out.mov");
+    const auto left = test::decodeLuma(folder / "out.mov", "0:v:0:vpos:left");
+    const auto right = test::decodeLuma(folder / "out.mov", "0:v:0:vpos:right");
+    ASSERT_EQ(left.frames.size(), 6U);
+    EXPECT_EQ(left.width, 192);
+    EXPECT_NEAR(left.mean(5, 60, 30, 30, 15), test::leftLuma, 4) << "the smaller frame lies in the upper left";
+    EXPECT_NEAR(left.mean(5, 20, 60, 150, 30), 16, 3) << "black is below it";
+    EXPECT_NEAR(right.mean(5, 10, 10, 170, 80), 16, 3) << "it does not reach the right eye";
 }
 
 TEST(SBSVideoToSpatial, resizesInEveryMode) {
