@@ -11,6 +11,7 @@ extern "C" {
 
 #include <array>
 #include <cstring>
+#include <exception>
 #include <new>
 #include <vector>
 
@@ -79,9 +80,9 @@ heif_error push(void *decoder, const void *data, std::size_t size) {
 ffmpeg::FramePointer decoded(const std::vector<std::uint8_t> &stream) {
     const AVCodec *codec = avcodec_find_decoder(AV_CODEC_ID_HEVC);
     const ffmpeg::Codec context(codec ? avcodec_alloc_context3(codec) : nullptr);
-    const ffmpeg::Packet packet(av_packet_alloc());
-    ffmpeg::FramePointer frame(av_frame_alloc());
-    if (!context || !packet || !frame || av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0)
+    const ffmpeg::Packet packet = ffmpeg::makePacket();
+    ffmpeg::FramePointer frame = ffmpeg::makeFrame();
+    if (!context || av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0)
         return nullptr;
     std::memcpy(packet->data, stream.data(), stream.size());
     // Tiles, and both eyes, are decoded beside each other already.
@@ -158,8 +159,17 @@ void tag(const AVFrame &frame, heif_image *image) {
     heif_nclx_color_profile_free(colour);
 }
 
+/// Whatever is thrown must not pass through the library.
+ffmpeg::FramePointer decodedSafely(const std::vector<std::uint8_t> &stream) {
+    try {
+        return decoded(stream);
+    } catch (const std::exception &) {
+        return nullptr;
+    }
+}
+
 heif_error decode(void *decoder, heif_image **result) {
-    const ffmpeg::FramePointer frame = decoded(decodingOf(decoder).stream);
+    const ffmpeg::FramePointer frame = decodedSafely(decodingOf(decoder).stream);
     if (!frame)
         return failure("a picture is damaged", heif_suberror_Decompression_invalid_data);
     const Layout layout = layoutOf(*frame);

@@ -81,6 +81,24 @@ Bytes wideTables() {
     return HeifBuilder::fileOf(children);
 }
 
+/// A TIFF structure with a photograph's directory, its maker's note and text, big-endian.
+Bytes exifBlock() {
+    const auto field = [](int tag, int type, std::uint32_t count, std::uint32_t value) {
+        return joined(
+            {u16(static_cast<std::uint16_t>(tag)), u16(static_cast<std::uint16_t>(type)), u32(count), u32(value)});
+    };
+    const Bytes camera =
+        joined({u16(3), field(0x010F, 2, 8, 90), field(0x8769, 4, 1, 50), field(0x8825, 4, 1, 98), u32(0)});
+    const Bytes photograph = joined({u16(2), field(0x829A, 5, 1, 120), field(0x927C, 7, 10, 130), u32(0)});
+    return joined({letters("MM"), u16(42), u32(8), camera, photograph, Bytes(10, 0), letters("Camera\0\0"),
+                   joined({u16(1), field(1, 2, 2, 0x4E000000), u32(0)}), Bytes(30, 1)});
+}
+
+Bytes xmpPacket() {
+    return letters("<x:xmpmeta><rdf:Description tiff:Orientation=\"6\" exif:PixelXDimension='9'><tiff:ImageWidth>4"
+                   "</tiff:ImageWidth><xmp:Thumbnails><rdf:Alt/></xmp:Thumbnails></rdf:Description></x:xmpmeta>");
+}
+
 void write(const std::filesystem::path &folder, const std::vector<Bytes> &files) {
     std::filesystem::create_directories(folder);
     int number = 0;
@@ -99,5 +117,6 @@ int main(int count, char **arguments) {
     const std::filesystem::path folder = arguments[1];
     write(folder / "movie_facts", movies());
     write(folder / "heif_file", {stereoGrids().file(), describedPair().file(), wideTables()});
+    write(folder / "exif", {exifBlock(), xmpPacket()});
     return 0;
 }
