@@ -105,6 +105,37 @@ TEST_F(EndToEnd, VideoThereAndBackKeepsTheEyesOnTheirSides) {
     EXPECT_THAT(ffprobe(result, "stream=codec_name"), HasSubstr("codec_name=aac"));
 }
 
+TEST_F(EndToEnd, PhotoThereAndBackKeepsTheEyesOnTheirSides) {
+    drawClip(in("clip.mp4"));
+    ffmpeg({"-i", in("clip.mp4"), "-frames:v", "1", in("photo.png")});
+    const ProgramResult there = toSpatial(
+        {"--horizontal-fov", "70", "--stereo-baseline", "64", "--disparity-adjustment", "3", in("photo.png")});
+    ASSERT_EQ(there.status, 0) << there.output;
+    EXPECT_EQ(outputs(), std::set<std::string>{"photo_spatial.heic"});
+    const std::string words = batch({"inspect", out("photo_spatial.heic")}).output;
+    EXPECT_THAT(words, HasSubstr(": spatial photo\n  Field of view: 70.0"));
+    EXPECT_THAT(words, HasSubstr("  Baseline: 64.000 mm\n  Disparity adjustment: 3.00%\n"));
+    const ProgramResult back = batch({"--output", folder / "back", "--sbs-photo-output-format", "png", folder / "out"});
+    ASSERT_EQ(back.status, 0) << back.output;
+    const LumaFrames picture = decodeLuma(folder / "back/photo_spatial_sbs.png");
+    EXPECT_EQ(picture.width, 640);
+    EXPECT_EQ(picture.height, 180);
+    EXPECT_GT(picture.mean(0, 0, 0, 320, 180), 150) << "the left eye is bright";
+    EXPECT_LT(picture.mean(0, 320, 0, 320, 180), 100) << "the right eye is dark";
+}
+
+TEST_F(EndToEnd, BadPhotosFailAloneWithTheirReason) {
+    writeFile(in("empty.jpg"), std::string());
+    writeFile(in("text.png"), std::string("just words\n"));
+    writeFile(in("text.heic"), std::string("just words\n"));
+    const ProgramResult result = toSpatial({folder / "in"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(outputs().empty());
+    EXPECT_THAT(result.output, HasSubstr("Converted: 0, skipped: 0, failed: 3"));
+    for (const char *name : {"empty.jpg", "text.png", "text.heic"})
+        EXPECT_THAT(result.output, HasSubstr("\n  " + std::string(name) + ": Cannot open photo: " + name + "\n"));
+}
+
 TEST_F(EndToEnd, OptionsReachTheConversion) {
     drawClip(in("clip.mp4"));
     ASSERT_EQ(toSpatial({"--swap-left-right", "--no-copy-audio", in("clip.mp4")}).status, 0);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ProcessorError.h"
 
+#include "engine/SpatialPhotoError.h"
 #include "media/MediaError.h"
 
 #include <gtest/gtest.h>
@@ -21,13 +22,18 @@ TEST(ErrorText, MediaErrorHasTheLibrarysCodeAndWords) {
     EXPECT_EQ(errorText(error), "Error Domain=Media Code=-1094995529 \"Cannot open clip.mov: Invalid data found\"");
 }
 
+TEST(ErrorText, PhotoErrorHasItsCaseAndDescription) {
+    EXPECT_EQ(errorText(SpatialPhotoError::notASpatialPhoto("No stereo pair group found")),
+              "Error Domain=SpatialPhotoError Code=1 \"This is not a spatial photo: No stereo pair group found\"");
+}
+
 TEST(ErrorText, SystemErrorHasItsCode) {
     const std::system_error error(std::make_error_code(std::errc::permission_denied), "reading");
     EXPECT_EQ(errorText(error), "Error Domain=generic Code=13 \"reading: Permission denied\"");
 }
 
 TEST(ErrorText, OtherErrorsAreTheirDescription) {
-    EXPECT_EQ(errorText(std::runtime_error("No stereo pair group found")), "No stereo pair group found");
+    EXPECT_EQ(errorText(std::runtime_error("something else")), "something else");
     EXPECT_EQ(errorText(std::bad_alloc()), "There is not enough memory.");
     EXPECT_EQ(errorMessage(processorError("words")), "words");
 }
