@@ -137,8 +137,8 @@ INSTANTIATE_TEST_SUITE_P(Everywhere, Looks,
                          testing::Values(Conditions{"en", 100}, Conditions{"en", 125}, Conditions{"en", 150},
                                          Conditions{"en", 200}, Conditions{"ja", 100}, Conditions{"ja", 125},
                                          Conditions{"ja", 150}, Conditions{"ja", 200}),
-                         [](const auto &one) {
-                             return std::string(one.param.language) + std::to_string(one.param.textPercent);
+                         [](const auto &testInfo) {
+                             return std::string(testInfo.param.language) + std::to_string(testInfo.param.textPercent);
                          });
 
 } // namespace

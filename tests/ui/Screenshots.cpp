@@ -28,6 +28,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -71,12 +72,11 @@ public:
         window.shoot("drop-hover");
         QDragLeaveEvent leave;
         QCoreApplication::sendEvent(&input, &leave);
-        const ScratchFolder scratch;
-        window.form().openInput({scratch.file("Holiday in Kyoto 2026.mov"), scratch.file("寺.heic")});
-        control<DropFolderView>(window.form(), "outputDropView").acceptPaths({scratch.folder("Converted")});
+        window.form().openInput({"/home/hana/Videos/Holiday in Kyoto 2026.mov", "/home/hana/Videos/寺.heic"});
+        window.chooseOutput("/home/hana/Videos/Side by side");
         input.setFocus();
         window.shoot("filled");
-        window.form().openInput({scratch.file(std::string(180, 'n') + ".mov")});
+        window.form().openInput({"/home/hana/Videos/" + std::string(180, 'n') + ".mov"});
         window.shoot("filled-long-name");
     }
 
@@ -95,8 +95,9 @@ public:
         alert("alert-avi-start", {text("alert.avi.title"),
                                   text("alert.avi.noresize.message"),
                                   {text("alert.avi.enable.resize"), text("button.convert.anyway")}});
-        alert("alert-overwrite", overwriteQuestion({"arrival_sbs.mp4", "bridge_sbs.mp4", "橋_sbs.jpg",
-                                                    std::string(90, 'm') + "_sbs.mp4", "temple_sbs.mp4", "x", "y"}));
+        alert("alert-overwrite", overwriteQuestion({"arrival_sbs.mp4", "bridge_sbs.mp4", "寺_sbs.jpg"}));
+        alert("alert-overwrite-long", overwriteQuestion({"arrival_sbs.mp4", "橋_sbs.jpg",
+                                                         std::string(90, 'm') + "_sbs.mp4", "d", "e", "x", "y"}));
         alert("alert-quit", {text("alert.quit.title"),
                              text("alert.quit.message"),
                              {text("button.stop.quit"), text("button.continue")}});
@@ -152,7 +153,7 @@ private:
     class Window {
     public:
         Window(Photographer &photographer, const std::optional<FormServices> &services)
-            : photographer_(photographer), controller_(services.value_or(Stage().services())) {
+            : photographer_(photographer), controller_(withPanels(services.value_or(Stage().services()))) {
             installMainMenu(*window(), delegate_);
             const WindowSizes sizes =
                 windowSizes(PointScale::current(), photographer.screen_, window()->menuBar()->sizeHint().height());
@@ -164,6 +165,10 @@ private:
         QMainWindow *window() const { return controller_.window(); }
         MainViewController &form() const { return *controller_.form(); }
 
+        void chooseOutput(const fs::path &folder) const {
+            panels_->choice = {folder};
+            control<QPushButton>(form(), "outputSelectBtn").click();
+        }
         void scrollDown() const {
             auto *bar = control<QScrollArea>(form(), "scrollView").verticalScrollBar();
             bar->setValue(bar->maximum());
@@ -196,7 +201,13 @@ private:
         }
 
     private:
+        FormServices withPanels(FormServices services) const {
+            services.panels = panels_;
+            return services;
+        }
+
         Photographer &photographer_;
+        std::shared_ptr<ScriptedPanels> panels_ = std::make_shared<ScriptedPanels>();
         AppDelegate delegate_;
         MainWindowController controller_;
     };
