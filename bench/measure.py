@@ -84,7 +84,8 @@ def psnr(first, second, filters="[0:v][1:v]"):
 
 
 class Report:
-    """Rows of measured values with the limit each is held to; finish() prints them and tells whether all are met."""
+    """Rows of measured values with the limit each is held to, shown as they come; finish() prints the table and tells
+    whether all are met."""
 
     def __init__(self, title):
         self.title = title
@@ -94,6 +95,7 @@ class Report:
         met = (at_most is None or value <= at_most) and (at_least is None or value >= at_least)
         limit = f"at most {at_most:g}" if at_most is not None else f"at least {at_least:g}" if at_least is not None else ""
         self.rows.append((what, f"{value:.3f} {unit}".strip(), limit, "" if not limit else "met" if met else "MISSED"))
+        print("  " + "  ".join(filter(None, self.rows[-1])), flush=True)
 
     def finish(self):
         """The exit status: 1 when a limit is missed."""

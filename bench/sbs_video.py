@@ -1,6 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Spatial video to side-by-side video: time against ffmpeg's own way, presets, stages, memory, inspection."""
+"""Spatial video to side-by-side video: time against ffmpeg's own way, presets, stages, memory, inspection.
+
+    sbs_video.py                everything, about half an hour
+    sbs_video.py speed | presets | memory
+"""
 import json
 import pathlib
 import subprocess
@@ -11,7 +15,8 @@ from measure import BATCH, Report, psnr, run, take_turns, tool
 
 STAGES = BATCH.parent.parent / "bench/lumetwin-stages"
 ROUNDS = 3
-SHIPPED = {"h264": ("libx264", "veryfast"), "hevc": ("libx265", "superfast")}
+SHIPPED = {"h264": ("libx264", "veryfast", []), "hevc": ("libx265", "superfast", ["-x265-params", "ref=2:log-level=none"])}
+MEDIUM = {"h264": [], "hevc": ["-x265-params", "log-level=none"]}
 FORMAT = {"h264": "mp4H264", "hevc": "mp4H265"}
 
 
@@ -31,6 +36,13 @@ def draw_sbs(target, seconds, eye=(1920, 1080)):
            "-c:v", "libx264", "-preset", "ultrafast", "-b:v", "60M", target)
 
 
+def draw_long_sbs(target, seconds):
+    """A small scene that begins anew every ten seconds: drawing must not take longer than what is measured."""
+    piece = target.with_name("piece.mp4")
+    draw_sbs(piece, 10, (256, 144))
+    ffmpeg("-stream_loop", "-1", "-i", piece, "-t", seconds, "-c", "copy", target)
+
+
 def batch(direction, source, folder, *words):
     return run(BATCH, "--direction", direction, "--output", folder, *words, source)
 
@@ -40,14 +52,13 @@ def stage(*words):
 
 
 def against_ffmpeg(report, clip, folder, codec):
-    library, preset = SHIPPED[codec]
+    library, preset, options = SHIPPED[codec]
     rate = int(30 * 3840 * 1080 * 0.15 * 0.75)
-    quiet = ["-x265-params", "log-level=none"] if codec == "hevc" else []
     costs = take_turns(
         ROUNDS,
         ours=lambda: batch("spatialToSBS", clip, folder, "--sbs-output-format", FORMAT[codec]),
         theirs=lambda: ffmpeg("-i", clip, "-filter_complex", "[0:v:vpos:left][0:v:vpos:right]hstack", "-c:v", library,
-                              "-preset", preset, *quiet, "-b:v", rate, folder / "theirs.mp4"))
+                              "-preset", preset, *options, "-b:v", rate, folder / "theirs.mp4"))
     report.add(f"{codec}: whole conversion, wall, against ffmpeg", costs["ours"].wall / costs["theirs"].wall, at_most=1.0)
     report.add(f"{codec}: whole conversion, CPU, against ffmpeg", costs["ours"].cpu / costs["theirs"].cpu, at_most=1.0)
     return costs["ours"]
@@ -55,18 +66,34 @@ def against_ffmpeg(report, clip, folder, codec):
 
 def presets(report, source, folder, codec):
     """The encoder alone on raw frames, the shipped preset against medium; luma PSNR over the frame, which holds both eyes."""
-    library, shipped = SHIPPED[codec]
+    library, shipped, options = SHIPPED[codec]
     rate = int(30 * 3840 * 1080 * 0.15 * 0.75)
-    quiet = ["-x265-params", "log-level=none"] if codec == "hevc" else []
     target = {preset: folder / f"{preset}.mp4" for preset in (shipped, "medium")}
-    costs = take_turns(1, **{preset: (lambda preset=preset: ffmpeg("-i", source, "-c:v", library, "-preset", preset, *quiet,
-                                                                  "-b:v", rate, target[preset])) for preset in target})
+    extra = {shipped: options, "medium": MEDIUM[codec]}
+    costs = take_turns(1, **{preset: (lambda preset=preset: ffmpeg("-i", source, "-c:v", library, "-preset", preset,
+                                                                  *extra[preset], "-b:v", rate, target[preset]))
+                             for preset in target})
     report.add(f"{codec}: time of {shipped} against medium (CPU)", costs[shipped].cpu / costs["medium"].cpu, at_most=0.5)
     report.add(f"{codec}: luma PSNR lost against medium", psnr(target["medium"], source) - psnr(target[shipped], source),
                at_most=0.3, unit="dB")
 
 
+def long_and_many(report, folder, clip):
+    """Memory of a long film, and the inspection of a thousand."""
+    long = folder / "long.mp4"
+    draw_long_sbs(long, 680)
+    batch("sbsToSpatial", long, folder)
+    resident = stage("memory", "sbs", folder / "long_spatial.mov", folder / "long_sbs.mp4")
+    report.add("resident memory at frame 20,000 against frame 2,000", resident["20000"] / resident["2000"], at_most=1.05)
+    many = [folder / f"{index}.mov" for index in range(1000)]
+    for copy in many:
+        copy.hardlink_to(clip)
+    stage("inspect", *many)
+    report.add("isSpatialVideo over 1,000 files", stage("inspect", *many)["wall"], at_most=1.0, unit="s")
+
+
 def main():
+    wanted = sys.argv[1:] or ["speed", "presets", "memory"]
     report = Report("Spatial video to side-by-side video (1920 × 1080 an eye, 30 fps, 20 s)")
     with tempfile.TemporaryDirectory(prefix="lumetwin-bench-") as name:
         folder = pathlib.Path(name)
@@ -74,31 +101,22 @@ def main():
         draw_sbs(sbs, 20)
         batch("sbsToSpatial", sbs, folder)
         clip = folder / "clip_spatial.mov"
-        whole = against_ffmpeg(report, clip, folder, "h264")
-        against_ffmpeg(report, clip, folder, "hevc")
-
-        stages = {name: stage(name, clip)["cpu"] for name in ("decode", "compose", "encode")}
-        for name, cpu in stages.items():
-            report.add(f"h264: {name} alone, CPU", cpu, unit="s")
-        report.add("h264: whole, wall, against half the stages' CPU", whole.wall / (sum(stages.values()) / 2), at_most=1.08)
-
-        raw = folder / "raw.y4m"
-        ffmpeg("-i", sbs, "-t", 8, "-pix_fmt", "yuv420p", raw)
-        for codec in SHIPPED:
-            presets(report, raw, folder, codec)
-        raw.unlink()
-
-        long = folder / "long.mp4"
-        draw_sbs(long, 680, (256, 144))
-        batch("sbsToSpatial", long, folder)
-        resident = stage("memory", "sbs", folder / "long_spatial.mov", folder / "long_sbs.mp4")
-        report.add("resident memory at frame 20,000 against frame 2,000", resident["20000"] / resident["2000"], at_most=1.05)
-
-        many = [folder / f"{index}.mov" for index in range(1000)]
-        for copy in many:
-            copy.hardlink_to(clip)
-        stage("inspect", *many)
-        report.add("isSpatialVideo over 1,000 files", stage("inspect", *many)["wall"], at_most=1.0, unit="s")
+        if "speed" in wanted:
+            whole = against_ffmpeg(report, clip, folder, "h264")
+            against_ffmpeg(report, clip, folder, "hevc")
+            stages = {name: stage(name, clip)["cpu"] for name in ("decode", "compose", "encode")}
+            for name, cpu in stages.items():
+                report.add(f"h264: {name} alone, CPU", cpu, unit="s")
+            report.add("h264: whole, wall, against half the stages' CPU", whole.wall / (sum(stages.values()) / 2),
+                       at_most=1.08)
+        if "presets" in wanted:
+            raw = folder / "raw.y4m"
+            ffmpeg("-i", sbs, "-pix_fmt", "yuv420p", raw)
+            for codec in SHIPPED:
+                presets(report, raw, folder, codec)
+            raw.unlink()
+        if "memory" in wanted:
+            long_and_many(report, folder, clip)
     return report.finish()
 
 

@@ -14,7 +14,7 @@ import sys
 import tempfile
 
 from measure import BATCH, Report, psnr, run, take_turns, together, tool
-from sbs_video import draw_sbs, ffmpeg
+from sbs_video import draw_long_sbs, draw_sbs, ffmpeg
 
 BUILD = BATCH.parent.parent / "bench"
 STAGES = BUILD / "lumetwin-stages"
@@ -149,7 +149,7 @@ def presets(report, clip, folder, seconds=6):
 
 def memory(report, folder):
     long = folder / "long.mp4"
-    draw_sbs(long, 680, (256, 144))
+    draw_long_sbs(long, 680)
     resident = json.loads(subprocess.run([str(STAGES), "memory", "spatial", str(long), str(folder / "long.mov")], check=True,
                                          capture_output=True, text=True).stdout)
     report.add("resident memory at frame 20,000 against frame 2,000", resident["20000"] / resident["2000"], at_most=1.05)
