@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/BoundedQueue.h"
+#include "media/ffmpeg/AccessUnitGuard.h"
 #include "media/ffmpeg/MovieFileState.h"
 #include "media/ffmpeg/Pictures.h"
 
@@ -67,6 +68,7 @@ struct FrameReader::State {
     ffmpeg::Cropping cropping;
     ffmpeg::Codec decoder;
     ffmpeg::Packet packet = ffmpeg::makePacket();
+    std::optional<ffmpeg::AccessUnitGuard> guard; ///< where two views are decoded
     ffmpeg::PictureImporter importer;
     bool packetWaits = false;
     std::int64_t packetsRead = 0;
@@ -93,8 +95,15 @@ struct FrameReader::State {
         decoder->thread_count = 0;
         decoder->max_pixels = largestFrame;
         if (bothViews && decoder->codec_id == AV_CODEC_ID_HEVC)
-            check(av_opt_set(decoder->priv_data, "view_ids", "-1", 0), file, "Cannot decode");
+            askForBothViews();
         check(avcodec_open2(decoder.get(), decoder->codec, nullptr), file, "Cannot decode");
+    }
+
+    void askForBothViews() {
+        check(av_opt_set(decoder->priv_data, "view_ids", "-1", 0), file, "Cannot decode");
+        guard.emplace(std::span(decoder->extradata, static_cast<std::size_t>(decoder->extradata_size)));
+        if (!guard->consistent())
+            throw MediaError(file, "Cannot decode", AVERROR_INVALIDDATA, "its parameter sets contradict each other");
     }
 
     void readFirstPacket() {
@@ -119,8 +128,21 @@ struct FrameReader::State {
             if (packet->flags & AV_PKT_FLAG_CORRUPT)
                 damaged = true;
             ++packetsRead;
-            return true;
+            if (!guard || isEncrypted(*packet) || guardPacket())
+                return true;
         }
+    }
+
+    /// Leaves in the packet what the decoder of two views survives; false when that is nothing.
+    bool guardPacket() {
+        check(av_packet_make_writable(packet.get()), file, "Cannot decode");
+        const auto size = static_cast<std::size_t>(packet->size);
+        const std::size_t kept = guard->keep({packet->data, size});
+        if (guard->damaged())
+            damaged = true;
+        if (kept < size)
+            av_shrink_packet(packet.get(), static_cast<int>(kept));
+        return kept > 0;
     }
 
     /// Decodes until the queue is closed or the track ends.
