@@ -26,7 +26,7 @@ protected:
                 raw.insert(raw.end(), from.data + y * from.stride,
                            from.data + y * from.stride + planes.planeWidth(plane));
             }
-        writeBytes(file("in.yuv"), raw);
+        writeFile(file("in.yuv"), raw);
         std::vector<std::string> command{stackProgram("x265"),
                                          "--input",
                                          file("in.yuv").string(),
@@ -54,7 +54,7 @@ protected:
         image.height = image.tileHeight = static_cast<std::uint32_t>(raster.height);
         std::vector<media::heif::Bytes> sets;
         std::vector<media::heif::Bytes> slices;
-        for (const media::heif::Bytes &unit : unitsOf(bytesOf(file("out.hevc"))))
+        for (const media::heif::Bytes &unit : unitsOf(readFile(file("out.hevc"))))
             (unit[0] >> 1 < 32 ? slices : sets).push_back(unit);
         sets.resize(3); // without messages
         image.configuration = media::heif::hevcConfiguration(sets);
@@ -110,7 +110,7 @@ TEST_F(HeifReading, rotationIsPartOfThePicture) {
     fill(picture, 0, 0, 30, 20, {220, 40, 40}); // top left
     media::writeImage(file("in.heic"), media::ImageKind::heif, {pictureOf(picture), {}}, 1);
     // The list of bit depths lends its place to a rotation by 90 degrees anticlockwise.
-    const std::size_t place = placeOfBox(bytesOf(file("in.heic")), "pixi");
+    const std::size_t place = placeOfBox(readFile(file("in.heic")), "pixi");
     overwrite(file("in.heic"), place + 4, {'i', 'r', 'o', 't', 1});
     const Raster turned = readWithOurs(file("in.heic"));
     ASSERT_EQ(turned.width, 64);
@@ -131,14 +131,14 @@ TEST_F(HeifReading, profilesAndMetadataOfTheFirstImage) {
 
 TEST_F(HeifReading, changedBytesNeverBringTheProgramDown) {
     writeSpatialPhoto(file("whole.heic"), drawn(96, 64), drawn(96, 64, 2));
-    const std::vector<std::uint8_t> whole = bytesOf(file("whole.heic"));
+    const std::vector<std::uint8_t> whole = readFile(file("whole.heic"));
     std::mt19937 random(11);
     for (int round = 0; round < 300; ++round) {
         std::vector<std::uint8_t> bytes = whole;
         for (int change = 0; change < 3; ++change) // headers are hit as often as samples
             bytes[random() % (round % 2 == 0 ? std::min<std::size_t>(bytes.size(), 1500) : bytes.size())] =
                 static_cast<std::uint8_t>(random());
-        writeBytes(file("changed.heic"), bytes);
+        writeFile(file("changed.heic"), bytes);
         try {
             media::readImage(file("changed.heic"));
             for (const media::HeifImage &image : media::readHeifFile(file("changed.heic")).images)

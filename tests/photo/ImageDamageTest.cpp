@@ -54,7 +54,7 @@ void bigEndian(std::vector<std::uint8_t> &bytes, std::size_t at, std::uint32_t v
 /// A small PNG whose header claims another size.
 std::vector<std::uint8_t> pngClaiming(const std::filesystem::path &small, std::uint32_t width, std::uint32_t height) {
     writeWithMagick(drawn(8, 8), small);
-    std::vector<std::uint8_t> bytes = bytesOf(small);
+    std::vector<std::uint8_t> bytes = readFile(small);
     bigEndian(bytes, 16, width, 4);
     bigEndian(bytes, 20, height, 4);
     bigEndian(bytes, 29, crcOf(bytes, 12, 29), 4);
@@ -63,7 +63,7 @@ std::vector<std::uint8_t> pngClaiming(const std::filesystem::path &small, std::u
 
 TEST_F(ImageDamage, emptyFilesAreNoImages) {
     for (const char *name : {"a.jpg", "a.png", "a.tiff", "a.heic"}) {
-        writeBytes(file(name), {});
+        writeFile(file(name), Bytes());
         EXPECT_EQ(media::imageKind(file(name)), std::nullopt);
         EXPECT_NE(failure(file(name)).find("not an image"), std::string::npos);
     }
@@ -75,34 +75,34 @@ TEST_F(ImageDamage, missingFilesSayWhy) {
 
 TEST_F(ImageDamage, giantHeadersAreRefusedBeforeMemoryIsTaken) {
     const long before = peakKilobytes();
-    writeBytes(file("giant.png"), pngClaiming(file("small.png"), 60000, 60000));
+    writeFile(file("giant.png"), pngClaiming(file("small.png"), 60000, 60000));
     EXPECT_NE(failure(file("giant.png")).find("too large"), std::string::npos);
 
     writeWithMagick(drawn(8, 8), file("giant.jpg"));
-    std::vector<std::uint8_t> jpeg = bytesOf(file("giant.jpg"));
+    std::vector<std::uint8_t> jpeg = readFile(file("giant.jpg"));
     std::size_t frame = 2;
     while (jpeg[frame + 1] != 0xC0)
         frame += 2 + jpeg[frame + 2] * 256u + jpeg[frame + 3];
     bigEndian(jpeg, frame + 5, 60000, 2);
     bigEndian(jpeg, frame + 7, 60000, 2);
-    writeBytes(file("giant.jpg"), jpeg);
+    writeFile(file("giant.jpg"), jpeg);
     EXPECT_NE(failure(file("giant.jpg")).find("too large"), std::string::npos);
 
     writeWithMagick(drawn(8, 8), file("giant.tiff"), {"-define", "tiff:endian=msb", "-compress", "None"});
-    std::vector<std::uint8_t> tiff = bytesOf(file("giant.tiff"));
+    std::vector<std::uint8_t> tiff = readFile(file("giant.tiff"));
     const std::size_t directory =
         (std::size_t{tiff[4]} << 24) | (std::size_t{tiff[5]} << 16) | (std::size_t{tiff[6]} << 8) | tiff[7];
     for (std::size_t entry = directory + 2; entry + 12 <= tiff.size(); entry += 12)
         if (tiff[entry] == 1 && (tiff[entry + 1] == 0 || tiff[entry + 1] == 1)) // width, height
             bigEndian(tiff, entry + 8, 60000, tiff[entry + 3] == 3 ? 2 : 4);
-    writeBytes(file("giant.tiff"), tiff);
+    writeFile(file("giant.tiff"), tiff);
     EXPECT_NE(failure(file("giant.tiff")).find("too large"), std::string::npos);
     EXPECT_LT(peakKilobytes() - before, 64 * 1024);
 }
 
 TEST_F(ImageDamage, aHeaderThatPromisesMoreThanTheFileHoldsTakesNoMemory) {
     const long before = peakKilobytes();
-    writeBytes(file("bomb.png"), pngClaiming(file("small.png"), 16000, 16000));
+    writeFile(file("bomb.png"), pngClaiming(file("small.png"), 16000, 16000));
     EXPECT_NE(failure(file("bomb.png")), "");
     EXPECT_LT(peakKilobytes() - before, 64 * 1024);
 }
@@ -117,11 +117,11 @@ TEST_F(ImageDamage, truncatedFilesAreErrorsAtEveryLength) {
                                         {"a.tiff", {"-compress", "LZW"}},
                                         {"tiles.tiff", {"-define", "tiff:tile-geometry=64x48", "-compress", "Zip"}}}) {
         writeWithMagick(picture, file(name), options);
-        const std::vector<std::uint8_t> whole = bytesOf(file(name));
+        const std::vector<std::uint8_t> whole = readFile(file(name));
         const std::string cutName = "cut-" + name;
         for (std::size_t part = 0; part < 40; ++part) {
             const std::size_t length = whole.size() * part / 42;
-            writeBytes(file(cutName), {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
+            writeFile(file(cutName), Bytes{whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
             EXPECT_NE(failure(file(cutName)), "") << name << " cut to " << length << " of " << whole.size();
         }
     }
@@ -140,12 +140,12 @@ TEST_F(ImageDamage, changedBytesNeverBringTheProgramDown) {
         writeWithMagick(picture, file(name), options);
         output({"exiftool", "-q", "-overwrite_original", "-Make=x", "-ExposureTime=0.01", "-GPSLatitude=1",
                 file(name).string()});
-        const std::vector<std::uint8_t> whole = bytesOf(file(name));
+        const std::vector<std::uint8_t> whole = readFile(file(name));
         for (int round = 0; round < 150; ++round) {
             std::vector<std::uint8_t> bytes = whole;
             for (int change = 0; change < 3; ++change)
                 bytes[random() % bytes.size()] = static_cast<std::uint8_t>(random());
-            writeBytes(file("changed-" + name), bytes);
+            writeFile(file("changed-" + name), bytes);
             failure(file("changed-" + name));
         }
     }
@@ -154,7 +154,7 @@ TEST_F(ImageDamage, changedBytesNeverBringTheProgramDown) {
 TEST_F(ImageDamage, tiffTilesLargerThanAnyPictureAreRefused) {
     writeWithMagick(drawn(64, 48), file("a.tiff"),
                     {"-define", "tiff:endian=msb", "-define", "tiff:tile-geometry=32x32", "-compress", "None"});
-    std::vector<std::uint8_t> tiff = bytesOf(file("a.tiff"));
+    std::vector<std::uint8_t> tiff = readFile(file("a.tiff"));
     const std::size_t directory =
         (std::size_t{tiff[4]} << 24) | (std::size_t{tiff[5]} << 16) | (std::size_t{tiff[6]} << 8) | tiff[7];
     const std::size_t count = tiff[directory] * 256u + tiff[directory + 1];
@@ -168,7 +168,7 @@ TEST_F(ImageDamage, tiffTilesLargerThanAnyPictureAreRefused) {
         }
     }
     ASSERT_EQ(changed, 2);
-    writeBytes(file("a.tiff"), tiff);
+    writeFile(file("a.tiff"), tiff);
     EXPECT_NE(failure(file("a.tiff")), "");
 }
 

@@ -100,10 +100,10 @@ TEST_F(ImageWriting, greyStaysGrey) {
 }
 
 TEST_F(ImageWriting, aFailingWriteLeavesWhatWasThere) {
-    writeBytes(file("a.jpg"), {1, 2, 3});
+    writeFile(file("a.jpg"), Bytes{1, 2, 3});
     media::Picture large = media::makePicture(65535, 1, {media::ColourModel::grey, 8, 0, 0}, {});
     EXPECT_THROW(write("a.jpg", ImageKind::jpeg, large), media::MediaError); // JPEG ends at 65500
-    EXPECT_EQ(bytesOf(file("a.jpg")), (std::vector<std::uint8_t>{1, 2, 3}));
+    EXPECT_EQ(readFile(file("a.jpg")), (std::vector<std::uint8_t>{1, 2, 3}));
 }
 
 TEST_F(ImageWriting, aFolderThatIsNotThereIsNamed) {

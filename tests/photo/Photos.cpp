@@ -66,18 +66,11 @@ void fill(Raster &picture, int x, int y, int width, int height, std::array<int, 
                 picture.at(column, row)[channel] = static_cast<std::uint8_t>(colour[channel]);
 }
 
-std::string output(const std::vector<std::string> &command) {
-    const ProgramResult result = runProgram(command);
-    if (result.status != 0)
-        throw std::runtime_error(command.front() + " failed: " + result.errors);
-    return result.output;
-}
-
 void writeWithMagick(const Raster &picture, const std::filesystem::path &file,
                      const std::vector<std::string> &options) {
     const TemporaryFolder folder;
     const std::filesystem::path raw = folder.path() / "raw.rgb";
-    writeBytes(raw, picture.samples);
+    writeFile(raw, picture.samples);
     std::vector<std::string> command{"convert", "-size", sizeOf(picture), "-depth", "8", "rgb:" + raw.string()};
     command.insert(command.end(), options.begin(), options.end());
     command.push_back(file.string());
@@ -93,7 +86,7 @@ Raster readWithMagick(const std::filesystem::path &file, const std::vector<std::
     const std::string size = output(command);
     const std::size_t space = size.find(' ');
     Raster picture(std::stoi(size.substr(0, space)), std::stoi(size.substr(space)));
-    std::vector<std::uint8_t> samples = bytesOf(raw);
+    std::vector<std::uint8_t> samples = readFile(raw);
     if (samples.size() != picture.samples.size())
         throw std::runtime_error("unexpected size of " + file.string());
     picture.samples = std::move(samples);
@@ -145,26 +138,6 @@ int largestDifference(const Raster &one, const Raster &other) {
     for (std::size_t i = 0; i < std::min(one.samples.size(), other.samples.size()); ++i)
         largest = std::max(largest, std::abs(one.samples[i] - other.samples[i]));
     return largest;
-}
-
-std::vector<std::uint8_t> bytesOf(const std::filesystem::path &file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void writeBytes(const std::filesystem::path &file, const std::vector<std::uint8_t> &bytes) {
-    std::ofstream stream(file, std::ios::binary);
-    stream.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    if (!stream)
-        throw std::runtime_error("cannot write " + file.string());
-}
-
-void overwrite(const std::filesystem::path &file, std::size_t place, const std::vector<std::uint8_t> &bytes) {
-    std::vector<std::uint8_t> content = bytesOf(file);
-    if (place + bytes.size() > content.size())
-        throw std::out_of_range("overwrite");
-    std::copy(bytes.begin(), bytes.end(), content.begin() + static_cast<std::ptrdiff_t>(place));
-    writeBytes(file, content);
 }
 
 } // namespace lumetwin::test

@@ -49,12 +49,4 @@ media::Picture pictureOf(const Raster &raster);
 double psnr(const Raster &one, const Raster &other);
 int largestDifference(const Raster &one, const Raster &other);
 
-/// Runs a program that must succeed; its standard output.
-std::string output(const std::vector<std::string> &command);
-
-std::vector<std::uint8_t> bytesOf(const std::filesystem::path &file);
-void writeBytes(const std::filesystem::path &file, const std::vector<std::uint8_t> &bytes);
-/// Puts bytes over those at a place.
-void overwrite(const std::filesystem::path &file, std::size_t place, const std::vector<std::uint8_t> &bytes);
-
 } // namespace lumetwin::test

@@ -210,6 +210,41 @@ TEST_F(SBSToSpatial, resizingFitsEachHalf) {
     }
 }
 
+TEST_F(SBSToSpatial, croppingKeepsTheMiddleAndStretchingTheWhole) {
+    settings_.enableResize = true;
+    settings_.resizeWidth = 108;
+    settings_.resizeHeight = 108;
+    Raster source(384, 108); // each half has a red border of 30 columns on either side
+    fill(source, 0, 0, 384, 108, {60, 60, 200});
+    for (const int x : {0, 162, 192, 354})
+        fill(source, x, 0, 30, 108, {200, 60, 60});
+    settings_.resizeMode = ResizeMode::cropFill; // 42 columns fall away on either side
+    for (const Raster &eye : convert(source))
+        for (const int x : {1, 106})
+            EXPECT_NEAR(eye.at(x, 54)[2], 200, 10) << x;
+    settings_.resizeMode = ResizeMode::stretch; // 30 columns become 16.9
+    for (const Raster &eye : convert(source))
+        for (const int x : {1, 12, 95, 106})
+            EXPECT_NEAR(eye.at(x, 54)[0], 200, 10) << x;
+}
+
+TEST_F(SBSToSpatial, anImpossibleEyeIsAnError) {
+    writeWithMagick(drawn(64, 32), file("in.png"));
+    settings_.enableResize = true;
+    for (const std::int64_t width : {std::int64_t{0}, std::int64_t{-4}, std::int64_t{70000}, std::int64_t{1} << 40}) {
+        settings_.resizeWidth = width;
+        EXPECT_EQ(failure("in.png"), "Failed to render eye images") << width;
+        EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
+    }
+}
+
+TEST_F(SBSToSpatial, aFullDiskIsAnErrorOfTheFinish) {
+    writeWithMagick(drawn(64, 32), file("in.png"));
+    std::filesystem::create_symlink("/dev/full", file("out.heic.partial"));
+    EXPECT_EQ(failure("in.png"), "Failed to write spatial photo: out.heic");
+    EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
+}
+
 TEST_F(SBSToSpatial, halfWidthChangesNothing) {
     const Raster source = sideBySide(drawn(64, 48, 1), drawn(64, 48, 2));
     const auto plain = convert(source);
@@ -249,9 +284,9 @@ TEST_F(SBSToSpatial, eyesBeyondOnePictureBecomeGrids) {
 
 TEST_F(SBSToSpatial, unreadableSourcesCannotBeOpened) {
     EXPECT_EQ(failure("none.jpg"), "Cannot open photo: none.jpg");
-    writeBytes(file("empty.jpg"), {});
+    writeFile(file("empty.jpg"), Bytes());
     EXPECT_EQ(failure("empty.jpg"), "Cannot open photo: empty.jpg");
-    writeBytes(file("text.png"), {'a', 'b'});
+    writeFile(file("text.png"), Bytes{'a', 'b'});
     EXPECT_EQ(failure("text.png"), "Cannot open photo: text.png");
     EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
 }
@@ -311,7 +346,7 @@ TEST_F(PhotoInspection, tellsSpatialPhotosByTheirGroup) {
 TEST_F(PhotoInspection, ordinaryFilesAreNotSpatial) {
     media::writeImage(file("one.heic"), media::ImageKind::heif, {pictureOf(drawn(64, 64)), {}}, 1);
     writeWithMagick(drawn(64, 64), file("a.jpg"));
-    writeBytes(file("text.heic"), {'n', 'o'});
+    writeFile(file("text.heic"), Bytes{'n', 'o'});
     for (const char *name : {"one.heic", "a.jpg", "text.heic", "none.heic"}) {
         EXPECT_FALSE(isSpatialPhoto(file(name))) << name;
         const StereoValues values = photoStereoValues(file(name));

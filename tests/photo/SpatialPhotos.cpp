@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/photo/SpatialPhotos.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <stdexcept>
@@ -49,20 +48,8 @@ std::string heifInfo(const std::filesystem::path &file) {
            output({stackProgram("heif-info"), file.string()});
 }
 
-std::size_t placeOfBox(const std::vector<std::uint8_t> &bytes, const std::string &type) {
-    const auto found = std::search(bytes.begin(), bytes.end(), type.begin(), type.end());
-    if (found == bytes.end())
-        throw std::runtime_error("there is no box " + type);
-    return static_cast<std::size_t>(found - bytes.begin()) - 4;
-}
-
-void renameBox(const std::filesystem::path &file, const std::string &type, const std::string &other) {
-    const std::size_t place = placeOfBox(bytesOf(file), type);
-    overwrite(file, place + 4, {other.begin(), other.end()});
-}
-
 std::vector<std::uint32_t> stereoGroup(const std::filesystem::path &file) {
-    const std::vector<std::uint8_t> bytes = bytesOf(file);
+    const std::vector<std::uint8_t> bytes = readFile(file);
     const std::size_t place = placeOfBox(bytes, "ster");
     std::vector<std::uint32_t> ids;
     for (std::uint32_t i = 0; i < numberAt(bytes, place + 16); ++i)
@@ -71,7 +58,7 @@ std::vector<std::uint32_t> stereoGroup(const std::filesystem::path &file) {
 }
 
 void setStereoGroup(const std::filesystem::path &file, const std::vector<std::uint32_t> &ids) {
-    std::vector<std::uint8_t> bytes = bytesOf(file);
+    std::vector<std::uint8_t> bytes = readFile(file);
     const std::size_t place = placeOfBox(bytes, "ster");
     const std::size_t room = (numberAt(bytes, place) - idsInGroup) / 4;
     if (ids.size() > room) { // another box of the list lends its place: the group moves to the file's end of the list
@@ -80,7 +67,7 @@ void setStereoGroup(const std::filesystem::path &file, const std::vector<std::ui
     putNumber(bytes, place + 16, static_cast<std::uint32_t>(ids.size()));
     for (std::size_t i = 0; i < ids.size(); ++i)
         putNumber(bytes, place + idsInGroup + 4 * i, ids[i]);
-    writeBytes(file, bytes);
+    writeFile(file, bytes);
 }
 
 } // namespace lumetwin::test

@@ -3,6 +3,7 @@
 
 #include "media/SpatialPhoto.h"
 #include "tests/photo/Photos.h"
+#include "tests/support/BoxEdits.h"
 
 namespace lumetwin::test {
 
@@ -17,10 +18,6 @@ std::vector<Raster> decodedByJudge(const std::filesystem::path &file);
 /// What the stack's heif-info says.
 std::string heifInfo(const std::filesystem::path &file);
 
-/// Where a box of the type begins in a file's bytes (at its size field).
-std::size_t placeOfBox(const std::vector<std::uint8_t> &bytes, const std::string &type);
-/// Gives the first box of a type another type of four characters.
-void renameBox(const std::filesystem::path &file, const std::string &type, const std::string &other);
 /// Replaces the ids of a file's first stereo group.
 void setStereoGroup(const std::filesystem::path &file, const std::vector<std::uint32_t> &ids);
 /// The ids of a file's first stereo group.

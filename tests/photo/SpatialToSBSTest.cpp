@@ -281,16 +281,37 @@ TEST_F(SpatialToSBS, eyesOfDifferentSizeAreAnError) {
 
 TEST_F(SpatialToSBS, filesThatAreNoImagesCannotBeOpened) {
     EXPECT_EQ(failure(), "Could not open the file: in.heic");
-    writeBytes(file("in.heic"), {1, 2, 3});
+    writeFile(file("in.heic"), Bytes{1, 2, 3});
     EXPECT_EQ(failure(), "Could not open the file: in.heic");
+}
+
+TEST_F(SpatialToSBS, eyesThatCannotBeDecodedAreAnError) {
+    writeMarkers(64, 64);
+    Bytes bytes = readFile(file("in.heic"));
+    const std::size_t data = placeOfBox(bytes, "mdat") + 8;
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(data), bytes.end(), std::uint8_t{0xFF});
+    writeFile(file("in.heic"), bytes);
+    for (const char *output : {"out.png", "out.jpg"})
+        EXPECT_EQ(failure(output), "Failed to retrieve left and right images.");
+    EXPECT_FALSE(std::filesystem::exists(file("out.jpg")));
+}
+
+TEST_F(SpatialToSBS, aFullDiskIsAnErrorOfTheWriting) {
+    writeMarkers(64, 64);
+    for (const char *name : {"out.jpg", "out.png", "out.tiff", "out.heic"}) {
+        // /dev/full takes nothing.
+        std::filesystem::create_symlink("/dev/full", file(std::string(name) + ".partial"));
+        EXPECT_EQ(failure(name), std::string("Failed to write image: ") + name);
+        EXPECT_FALSE(std::filesystem::exists(file(name)));
+    }
 }
 
 TEST_F(SpatialToSBS, truncatedPhotosAreErrorsAtEveryLength) {
     writeSpatialPhoto(file("whole.heic"), drawn(120, 80), drawn(120, 80, 3));
-    const std::vector<std::uint8_t> whole = bytesOf(file("whole.heic"));
+    const std::vector<std::uint8_t> whole = readFile(file("whole.heic"));
     for (std::size_t part = 0; part < 60; ++part) {
-        writeBytes(file("in.heic"),
-                   {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * part / 60)});
+        writeFile(file("in.heic"),
+                  Bytes{whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * part / 60)});
         EXPECT_NE(failure(), "") << part;
         EXPECT_FALSE(std::filesystem::exists(file("out.png")));
     }

@@ -88,6 +88,7 @@ NalUnit nalUnit(const BoxFile::Bytes &bytes, std::size_t at, std::size_t size) {
     NalUnit unit;
     unit.type = bytes[at] >> 1 & 0x3F;
     unit.layer = (bytes[at] & 1) << 5 | bytes[at + 1] >> 3;
+    unit.place = at;
     unit.bytes.assign(bytes.begin() + static_cast<std::ptrdiff_t>(at),
                       bytes.begin() + static_cast<std::ptrdiff_t>(at + size));
     return unit;

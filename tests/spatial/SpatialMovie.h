@@ -41,6 +41,7 @@ std::uint32_t number32(const BoxFile::Bytes &bytes, std::size_t at);
 struct NalUnit {
     int type = 0;
     int layer = 0;
+    std::size_t place = 0; ///< of its first byte, in what it was read from
     BoxFile::Bytes bytes;
     bool isPicture() const { return type < 32; }
     bool isRandomAccess() const { return type >= 16 && type <= 21; }

@@ -5,7 +5,8 @@
 
 #include "engine/Inspection.h"
 #include "engine/SpatialVideoToSBS.h"
-#include "tests/spatial/SideBySide.h"
+#include "tests/support/Clips.h"
+#include "tests/support/Conversions.h"
 #include "tests/support/TestMedia.h"
 
 #include <gmock/gmock.h>
@@ -49,7 +50,7 @@ std::vector<std::pair<int, int>> kinds(const std::vector<test::NalUnit> &units) 
 
 TEST(SpatialMovie, hasTheSampleEntryOfPlatformWrittenMovies) {
     const TemporaryFolder folder;
-    test::convert({}, test::draw(folder / "in.mp4", tagged()), folder / "out.mov");
+    test::toSpatial({}, test::draw(folder / "in.mp4", tagged()), folder / "out.mov");
     const BoxFile movie(folder / "out.mov");
     EXPECT_THAT(movie.children(""), ElementsAre("ftyp", "wide", "mdat", "moov"));
     EXPECT_EQ(movie.payload("ftyp").at(0), 'q');
@@ -67,7 +68,7 @@ TEST(SpatialMovie, hasTheSampleEntryOfPlatformWrittenMovies) {
 TEST(SpatialMovie, holdsTheStereoValuesInTheirUnits) {
     const TemporaryFolder folder;
     ConversionSettings settings;
-    test::convert(withValues(settings, 90.0004, -1.234, 63.5), test::draw(folder / "in.mp4"), folder / "out.mov");
+    test::toSpatial(withValues(settings, 90.0004, -1.234, 63.5), test::draw(folder / "in.mp4"), folder / "out.mov");
     const BoxFile movie(folder / "out.mov");
     EXPECT_THAT(movie.payload(in("vexu/eyes/stri")), ElementsAre(0, 0, 0, 0, 3));
     EXPECT_THAT(movie.payload(in("vexu/eyes/hero")), ElementsAre(0, 0, 0, 0, 1));
@@ -85,7 +86,7 @@ TEST(SpatialMovie, holdsTheStereoValuesInTheirUnits) {
 TEST(SpatialMovie, hasABoxAlsoForAValueOfZero) {
     const TemporaryFolder folder;
     ConversionSettings settings;
-    test::convert(withValues(settings, 0, 0, 0), test::draw(folder / "in.mp4"), folder / "out.mov");
+    test::toSpatial(withValues(settings, 0, 0, 0), test::draw(folder / "in.mp4"), folder / "out.mov");
     const BoxFile movie(folder / "out.mov");
     EXPECT_THAT(movie.payload(in("vexu/eyes/cams/blin")), ElementsAre(0, 0, 0, 0, 0, 0, 0, 0));
     EXPECT_THAT(movie.payload(in("vexu/eyes/cmfy/dadj")), ElementsAre(0, 0, 0, 0, 0, 0, 0, 0));
@@ -95,13 +96,13 @@ TEST(SpatialMovie, hasABoxAlsoForAValueOfZero) {
 
 TEST(SpatialMovie, leavesTheProjectionOutForSystemsThatDoNotKnowIt) {
     const TemporaryFolder folder;
-    test::convert({}, test::draw(folder / "in.mp4"), folder / "out.mov", {14, 4, 0});
+    test::toSpatial({}, test::draw(folder / "in.mp4"), folder / "out.mov", {14, 4, 0});
     EXPECT_THAT(BoxFile(folder / "out.mov").children(in("vexu")), ElementsAre("eyes"));
 }
 
 TEST(SpatialMovie, keepsParameterSetsOfEachLayerInTheirRecord) {
     const TemporaryFolder folder;
-    test::convert({}, test::draw(folder / "in.mp4"), folder / "out.mov");
+    test::toSpatial({}, test::draw(folder / "in.mp4"), folder / "out.mov");
     const BoxFile movie(folder / "out.mov");
     const auto base = test::configuration(movie.payload(in("hvcC")), 22);
     EXPECT_EQ(kinds(base.units), (std::vector<std::pair<int, int>>{{32, 0}, {33, 0}, {34, 0}, {39, 0}}));
@@ -119,7 +120,7 @@ TEST(SpatialMovie, countsInSixHundredthsFromZero) {
     test::Clip clip;
     clip.frames = 70;
     clip.rate = "25";
-    test::convert({}, test::draw(folder / "in.mp4", clip), folder / "out.mov");
+    test::toSpatial({}, test::draw(folder / "in.mp4", clip), folder / "out.mov");
     const BoxFile movie(folder / "out.mov");
     EXPECT_EQ(test::number32(movie.payload("moov/trak/mdia/mdhd"), 12), 600U);
     EXPECT_EQ(test::number32(movie.payload("moov/mvhd"), 16), 70U * 24);
@@ -142,7 +143,7 @@ TEST(SpatialMovie, countsInSixHundredthsFromZero) {
 TEST(SpatialMovie, isReadByAnOutsideProgram) {
     const TemporaryFolder folder;
     ConversionSettings settings;
-    test::convert(withValues(settings, 63.4, 2, 19.24), test::draw(folder / "in.mp4"), folder / "out.mov");
+    test::toSpatial(withValues(settings, 63.4, 2, 19.24), test::draw(folder / "in.mp4"), folder / "out.mov");
     const std::string facts =
         test::ffprobe(folder / "out.mov",
                       "stream=codec_tag_string,profile,width,height,view_ids_available,view_pos_available,field_order,"
@@ -159,7 +160,7 @@ TEST(SpatialMovie, isReadByAnOutsideProgram) {
 
 TEST(SpatialMovie, isReadByMediainfo) {
     const TemporaryFolder folder;
-    test::convert({}, test::draw(folder / "in.mp4"), folder / "out.mov");
+    test::toSpatial({}, test::draw(folder / "in.mp4"), folder / "out.mov");
     const auto report = test::runProgram({"mediainfo", (folder / "out.mov").string()});
     if (report.status == 127)
         GTEST_SKIP() << "mediainfo is not installed";
@@ -172,7 +173,7 @@ TEST(SpatialMovie, hasTheStructureOfThePlatformsSample) {
     if (!samples)
         GTEST_SKIP() << "no sample media";
     const TemporaryFolder folder;
-    test::convert({}, test::draw(folder / "in.mp4", tagged()), folder / "out.mov");
+    test::toSpatial({}, test::draw(folder / "in.mp4", tagged()), folder / "out.mov");
     const BoxFile ours(folder / "out.mov");
     const BoxFile theirs(*samples / "spatial-video" / "water_180_mvhevc_5frames.mov");
     for (const std::string path : {"", "moov/trak/mdia", "moov/trak/tapt", "moov/trak/mdia/minf"})
@@ -193,7 +194,7 @@ TEST(SpatialMovie, hasTheStructureOfThePlatformsSample) {
 
 TEST(SpatialMovie, givesBothEyesBackOnTheirSides) {
     const TemporaryFolder folder;
-    test::convert({}, test::draw(folder / "in.mp4"), folder / "spatial.mov");
+    test::toSpatial({}, test::draw(folder / "in.mp4"), folder / "spatial.mov");
     convertSpatialVideoToSBS({}, folder / "spatial.mov", folder / "back.mp4", {});
     const auto frames = test::decodeLuma(folder / "back.mp4");
     EXPECT_EQ(frames.width, 384);

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <limits>
@@ -11,6 +13,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,6 +29,26 @@ TemporaryFolder::TemporaryFolder() {
 TemporaryFolder::~TemporaryFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
+}
+
+namespace {
+
+void limitFiles(rlim_t bytes, void (*onExcess)(int)) {
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = std::min(bytes, limit.rlim_max);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, onExcess);
+}
+
+} // namespace
+
+FileSizeLimit::FileSizeLimit(std::uint64_t bytes) {
+    limitFiles(bytes, SIG_IGN);
+}
+
+FileSizeLimit::~FileSizeLimit() {
+    limitFiles(RLIM_INFINITY, SIG_DFL);
 }
 
 namespace {
@@ -70,16 +93,33 @@ ProgramResult runProgram(const std::vector<std::string> &command) {
     return result;
 }
 
+std::string output(const std::vector<std::string> &command) {
+    const ProgramResult result = runProgram(command);
+    if (result.status != 0)
+        throw std::runtime_error(command.front() + " failed: " + result.errors);
+    return result.output;
+}
+
 std::string stackProgram(const std::string &name) {
     return std::string(LUMETWIN_STACK) + "/bin/" + name;
 }
 
-void ffmpeg(const std::vector<std::string> &arguments) {
-    std::vector<std::string> command{stackProgram("ffmpeg"), "-nostdin", "-y", "-v", "error"};
+namespace {
+
+void runFfmpeg(const std::string &program, const std::vector<std::string> &arguments) {
+    std::vector<std::string> command{program, "-nostdin", "-y", "-v", "error"};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    const ProgramResult result = runProgram(command);
-    if (result.status != 0)
-        throw std::runtime_error("ffmpeg: " + result.errors);
+    output(command);
+}
+
+} // namespace
+
+void ffmpeg(const std::vector<std::string> &arguments) {
+    runFfmpeg(stackProgram("ffmpeg"), arguments);
+}
+
+void systemFfmpeg(const std::vector<std::string> &arguments) {
+    runFfmpeg("ffmpeg", arguments);
 }
 
 std::string ffprobe(const std::filesystem::path &file, const std::string &entries,
@@ -182,18 +222,20 @@ std::optional<std::filesystem::path> sampleMedia() {
     return std::filesystem::weakly_canonical(folder);
 }
 
-std::vector<std::uint8_t> readFile(const std::filesystem::path &file) {
+Bytes readFile(const std::filesystem::path &file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-void writeFile(const std::filesystem::path &file, const std::vector<std::uint8_t> &bytes) {
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+void writeFile(const std::filesystem::path &file, const Bytes &bytes) {
+    writeFile(file, std::string(bytes.begin(), bytes.end()));
 }
 
 void writeFile(const std::filesystem::path &file, const std::string &text) {
-    std::ofstream(file, std::ios::binary) << text;
+    std::ofstream stream(file, std::ios::binary);
+    stream << text;
+    if (!stream.flush())
+        throw std::runtime_error("cannot write " + file.string());
 }
 
 } // namespace lumetwin::test

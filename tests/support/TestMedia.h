@@ -23,6 +23,15 @@ private:
     std::filesystem::path path_;
 };
 
+/// While it lives, this process cannot write files beyond a size: what a disk does that fills up meanwhile.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(std::uint64_t bytes);
+    ~FileSizeLimit();
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+};
+
 struct ProgramResult {
     int status = -1;    ///< exit status
     std::string output; ///< standard output
@@ -32,11 +41,17 @@ struct ProgramResult {
 /// Runs a program with arguments, no shell in between.
 ProgramResult runProgram(const std::vector<std::string> &command);
 
+/// Runs a program that must succeed; its standard output.
+std::string output(const std::vector<std::string> &command);
+
 /// A program of the media stack: "ffmpeg", "ffprobe", "x265", "heif-info", "heif-dec".
 std::string stackProgram(const std::string &name);
 
 /// Runs the stack's ffmpeg with the given arguments ("-y -v error" come before); fails the test when it fails.
 void ffmpeg(const std::vector<std::string> &arguments);
+
+/// The same with the distribution's ffmpeg, which has encoders that the stack does without.
+void systemFfmpeg(const std::vector<std::string> &arguments);
 
 /// What the stack's ffprobe says: `-show_entries ENTRIES -of default` lines "key=value".
 std::string ffprobe(const std::filesystem::path &file, const std::string &entries,
@@ -60,9 +75,11 @@ double psnr(const std::vector<std::uint8_t> &first, const std::vector<std::uint8
 /// The folder of real sample media, where it is present.
 std::optional<std::filesystem::path> sampleMedia();
 
+using Bytes = std::vector<std::uint8_t>;
+
 /// A file's bytes.
-std::vector<std::uint8_t> readFile(const std::filesystem::path &file);
-void writeFile(const std::filesystem::path &file, const std::vector<std::uint8_t> &bytes);
+Bytes readFile(const std::filesystem::path &file);
+void writeFile(const std::filesystem::path &file, const Bytes &bytes);
 void writeFile(const std::filesystem::path &file, const std::string &text);
 
 } // namespace lumetwin::test

@@ -117,7 +117,8 @@ TEST_F(EndToEnd, PhotoThereAndBackKeepsTheEyesOnTheirSides) {
     EXPECT_THAT(words, HasSubstr("  Baseline: 64.000 mm\n  Disparity adjustment: 3.00%\n"));
     const ProgramResult back = batch({"--output", folder / "back", "--sbs-photo-output-format", "png", folder / "out"});
     ASSERT_EQ(back.status, 0) << back.output;
-    const LumaFrames picture = decodeLuma(folder / "back/photo_spatial_sbs.png");
+    systemFfmpeg({"-i", folder / "back/photo_spatial_sbs.png", "-pix_fmt", "yuv444p", folder / "back/photo.y4m"});
+    const LumaFrames picture = decodeLuma(folder / "back/photo.y4m");
     EXPECT_EQ(picture.width, 640);
     EXPECT_EQ(picture.height, 180);
     EXPECT_GT(picture.mean(0, 0, 0, 320, 180), 150) << "the left eye is bright";
@@ -183,6 +184,35 @@ TEST_F(EndToEnd, BadInputsAreNotSpatial) {
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, HasSubstr("Converted: 0, skipped: 2, failed: 0"));
     EXPECT_TRUE(outputs().empty());
+}
+
+TEST_F(EndToEnd, WordsNamedLikeVideosAreNotSpatialAndFailAsSideBySide) {
+    const std::vector<std::string> names{"clip.avi", "clip.hevc", "clip.m4v", "clip.mkv", "clip.mov", "clip.mp4"};
+    for (const std::string &name : names)
+        writeFile(in(name), std::string("just words, not a movie, whatever the name of the file says\n"));
+    const ProgramResult skipped = batch({"--output", folder / "out", folder / "in"});
+    EXPECT_EQ(skipped.status, 0);
+    EXPECT_THAT(skipped.output, HasSubstr("Converted: 0, skipped: 6, failed: 0"));
+    const ProgramResult failed = toSpatial({folder / "in"});
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_THAT(failed.output, HasSubstr("Converted: 0, skipped: 0, failed: 6"));
+    for (const std::string &name : names)
+        EXPECT_THAT(failed.output, HasSubstr("\n  " + name + ": Cannot open " + name + ": "));
+    EXPECT_TRUE(outputs().empty());
+}
+
+TEST_F(EndToEnd, EncryptedSpatialVideoFailsAlone) {
+    drawClip(in("clip.mp4"));
+    ASSERT_EQ(toSpatial({in("clip.mp4")}).status, 0);
+    ffmpeg({"-i", out("clip_spatial.mov"), "-c", "copy", "-strict", "unofficial", "-encryption_scheme", "cenc-aes-ctr",
+            "-encryption_key", "00112233445566778899aabbccddeeff", "-encryption_kid",
+            "112233445566778899aabbccddeeff00", (folder / "a_secret.mp4").string()});
+    const ProgramResult result = batch({"--output", folder / "back", folder / "a_secret.mp4", out("clip_spatial.mov")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr("Converted: 1, skipped: 0, failed: 1"));
+    EXPECT_THAT(result.output, HasSubstr("  a_secret.mp4: Cannot decode a_secret.mp4: the movie is encrypted\n"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "back/a_secret_sbs.mp4"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "back/clip_spatial_sbs.mp4"));
 }
 
 TEST_F(EndToEnd, DamagedDataIsConvertedAsFarAsItGoesWithAWarning) {

@@ -138,6 +138,17 @@ TEST_F(ProcessAll, EveryVideoExtensionIsAVideo) {
                             "videoToSpatial clip.mkv clip_spatial.mov"));
 }
 
+TEST_F(ProcessAll, EveryFileIsAnnouncedWhateverBecomesOfIt) {
+    spatial("a.mov");
+    file("b.mov");
+    spatial("c.mov");
+    onConvert("c.mov", [](const ConversionControl *) { throw std::runtime_error("no luck"); });
+    useFolder();
+    run();
+    EXPECT_THAT(progress, ElementsAre(Progress{0, 3, "a.mov"}, Progress{1, 3, "b.mov"}, Progress{2, 3, "c.mov"}));
+    EXPECT_THAT(completions, ElementsAre(Completion{false, "Converted: 1, failed: 1"}));
+}
+
 TEST_F(ProcessAll, FrameProgressAndWarningsPass) {
     spatial("v.mov");
     onConvert("v.mov", [](const ConversionControl *control) {

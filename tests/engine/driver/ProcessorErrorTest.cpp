@@ -27,6 +27,23 @@ TEST(ErrorText, PhotoErrorHasItsCaseAndDescription) {
               "Error Domain=SpatialPhotoError Code=1 \"This is not a spatial photo: No stereo pair group found\"");
 }
 
+TEST(SpatialPhotoErrors, haveTheirCasesAndDescriptions) {
+    const std::vector<std::pair<SpatialPhotoError, std::string>> cases{
+        {SpatialPhotoError::cannotOpenFile("/in/a.heic"), "Could not open the file: a.heic"},
+        {SpatialPhotoError::notASpatialPhoto("No stereo pair group found"),
+         "This is not a spatial photo: No stereo pair group found"},
+        {SpatialPhotoError::cannotCreateDestination("/out/a.heic"), "Could not create the output destination: a.heic"},
+        {SpatialPhotoError::finalizationFailed("/out/a.heic"), "Failed to write spatial photo: a.heic"},
+        {SpatialPhotoError::imageExtractionFailed(), "Failed to retrieve left and right images."},
+        {SpatialPhotoError::invalidImage(), "Could not convert NSImage to CGImage"},
+    };
+    for (std::size_t index = 0; index < cases.size(); ++index) {
+        EXPECT_EQ(cases[index].first.what(), cases[index].second);
+        EXPECT_EQ(errorText(cases[index].first),
+                  "Error Domain=SpatialPhotoError Code=" + std::to_string(index) + " \"" + cases[index].second + "\"");
+    }
+}
+
 TEST(ErrorText, SystemErrorHasItsCode) {
     const std::system_error error(std::make_error_code(std::errc::permission_denied), "reading");
     EXPECT_EQ(errorText(error), "Error Domain=generic Code=13 \"reading: Permission denied\"");

@@ -4,89 +4,31 @@
 #include "engine/ProcessorError.h"
 #include "engine/VideoConversion.h"
 #include "media/MediaError.h"
-#include "media/MovieWriter.h"
+#include "tests/support/Clips.h"
+#include "tests/support/Conversions.h"
 #include "tests/support/TestMedia.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstring>
 
 namespace lumetwin {
 namespace {
 
-using media::Picture;
+using test::drawStereo;
+using test::expectHalves;
 using test::ffmpeg;
+using test::leftLuma;
+using test::rightLuma;
 using test::TemporaryFolder;
+using test::toSBS;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// An eye whose luma says which one it is, with a bright mark in its upper left quarter.
-Picture eyePicture(int width, int height, int luma) {
-    Picture picture = media::makePicture(width, height, media::yuv420);
-    for (int plane = 0; plane < 3; ++plane)
-        for (int row = 0; row < picture.planeHeight(plane); ++row)
-            std::memset(picture.planes[plane].data + row * picture.planes[plane].stride, plane == 0 ? luma : 128,
-                        static_cast<std::size_t>(picture.planeWidth(plane)));
-    for (int row = 0; row < height / 4; ++row)
-        std::memset(picture.planes[0].data + row * picture.planes[0].stride, 220, static_cast<std::size_t>(width / 4));
-    return picture;
-}
-
-constexpr int leftLuma = 60;
-constexpr int rightLuma = 150;
-
-std::filesystem::path drawSpatial(const std::filesystem::path &file, int width, int height, int frames,
-                                  double rate = 30) {
-    media::MovieWriter writer(file, media::Container::quickTime, {});
-    media::StereoVideoEncoding encoding;
-    encoding.width = width;
-    encoding.height = height;
-    encoding.averageBitRate = 2'000'000;
-    encoding.frameRate = rate;
-    encoding.colour = {1, 1, 1, media::ColourRange::limited, media::ChromaLocation::left};
-    encoding.baseline = 64000;
-    writer.addVideo(encoding);
-    writer.start(600);
-    const auto duration = static_cast<std::int64_t>(600 / rate);
-    for (int frame = 0; frame < frames; ++frame)
-        writer.append(eyePicture(width, height, leftLuma), eyePicture(width, height, rightLuma), frame * duration,
-                      duration);
-    writer.finishVideo();
-    writer.finish();
-    return file;
-}
-
-struct Conversion {
-    std::vector<std::pair<std::int64_t, std::int64_t>> progress;
-    std::vector<std::string> warnings;
-};
-
-Conversion convert(const ConversionSettings &settings, const std::filesystem::path &input,
-                   const std::filesystem::path &output) {
-    Conversion run;
-    ConversionControl control;
-    control.onFrameProgress = [&](std::int64_t frame, std::int64_t total) { run.progress.emplace_back(frame, total); };
-    control.onWarning = [&](const std::string &line) { run.warnings.push_back(line); };
-    convertSpatialVideoToSBS(settings, input, output, control);
-    return run;
-}
-
-void expectEyes(const std::filesystem::path &file, int width, int height, int left, int right) {
-    const auto decoded = test::decodeLuma(file);
-    ASSERT_FALSE(decoded.frames.empty());
-    ASSERT_EQ(decoded.width, width);
-    ASSERT_EQ(decoded.height, height);
-    const int eye = width / 2;
-    EXPECT_NEAR(decoded.mean(0, eye / 2, height / 2, eye / 4, height / 4), left, 4);
-    EXPECT_NEAR(decoded.mean(0, eye + eye / 2, height / 2, eye / 4, height / 4), right, 4);
-    EXPECT_NEAR(decoded.mean(0, 2, 2, eye / 8, height / 8), 220, 6);
-}
-
 TEST(SpatialVideoToSBS, putsTheLeftEyeOnTheLeftInEveryFormat) {
     const TemporaryFolder folder;
-    const auto input = drawSpatial(folder / "in.mov", 192, 108, 20);
+    const auto input = drawStereo(folder / "in.mov", {192, 108, 20});
     ConversionSettings settings;
     for (const auto &[format, name, codec, container] :
          std::vector<std::tuple<SBSOutputFormat, std::string, std::string, std::string>>{
@@ -94,8 +36,8 @@ TEST(SpatialVideoToSBS, putsTheLeftEyeOnTheLeftInEveryFormat) {
              {SBSOutputFormat::mp4H265, "b.mp4", "hevc", "isom"},
              {SBSOutputFormat::movHEVC, "c.mov", "hevc", "qt  "}}) {
         settings.sbsOutputFormat = format;
-        convert(settings, input, folder / name);
-        expectEyes(folder / name, 384, 108, leftLuma, rightLuma);
+        toSBS(settings, input, folder / name);
+        expectHalves(folder / name, 384, 108, leftLuma, rightLuma);
         EXPECT_EQ(test::decodeLuma(folder / name).frames.size(), 20u);
         EXPECT_THAT(test::ffprobe(folder / name, "stream=codec_name"), HasSubstr("codec_name=" + codec));
         EXPECT_THAT(test::ffprobe(folder / name, "format_tags=major_brand"), HasSubstr("=" + container));
@@ -106,13 +48,13 @@ TEST(SpatialVideoToSBS, exchangesTheEyes) {
     const TemporaryFolder folder;
     ConversionSettings settings;
     settings.swapLeftRight = true;
-    convert(settings, drawSpatial(folder / "in.mov", 192, 108, 3), folder / "out.mp4");
-    expectEyes(folder / "out.mp4", 384, 108, rightLuma, leftLuma);
+    toSBS(settings, drawStereo(folder / "in.mov", {192, 108, 3}), folder / "out.mp4");
+    expectHalves(folder / "out.mp4", 384, 108, rightLuma, leftLuma);
 }
 
 TEST(SpatialVideoToSBS, resizesInEveryMode) {
     const TemporaryFolder folder;
-    const auto input = drawSpatial(folder / "in.mov", 192, 108, 2);
+    const auto input = drawStereo(folder / "in.mov", {192, 108, 2});
     for (const bool halfWidth : {false, true})
         for (const ResizeMode mode : allResizeModes) {
             ConversionSettings settings;
@@ -121,7 +63,7 @@ TEST(SpatialVideoToSBS, resizesInEveryMode) {
             settings.resizeWidth = 160;
             settings.resizeHeight = 160;
             settings.resizeMode = mode;
-            convert(settings, input, folder / "out.mp4");
+            toSBS(settings, input, folder / "out.mp4");
             const auto decoded = test::decodeLuma(folder / "out.mp4");
             const int width = halfWidth ? 160 : 320;
             ASSERT_EQ(decoded.width, width);
@@ -137,12 +79,12 @@ TEST(SpatialVideoToSBS, resizesInEveryMode) {
 
 TEST(SpatialVideoToSBS, ignoresTheModeWithoutResizing) {
     const TemporaryFolder folder;
-    const auto input = drawSpatial(folder / "in.mov", 192, 108, 2);
+    const auto input = drawStereo(folder / "in.mov", {192, 108, 2});
     std::vector<std::vector<std::uint8_t>> frames;
     for (const ResizeMode mode : allResizeModes) {
         ConversionSettings settings;
         settings.resizeMode = mode;
-        convert(settings, input, folder / "out.mp4");
+        toSBS(settings, input, folder / "out.mp4");
         frames.push_back(test::decodeLuma(folder / "out.mp4").frames.at(0));
     }
     EXPECT_EQ(frames[0], frames[1]);
@@ -154,7 +96,7 @@ TEST(SpatialVideoToSBS, leavesTheLastColumnOfAnOddFrameBlack) {
     ConversionSettings settings;
     settings.halfWidth = true;
     settings.compressionQuality = 1;
-    convert(settings, drawSpatial(folder / "in.mov", 193, 108, 2), folder / "out.mp4");
+    toSBS(settings, drawStereo(folder / "in.mov", {193, 108, 2}), folder / "out.mp4");
     const auto decoded = test::decodeLuma(folder / "out.mp4");
     ASSERT_EQ(decoded.width, 193);
     EXPECT_NEAR(decoded.mean(0, 40, 50, 40, 40), leftLuma, 4);
@@ -167,7 +109,7 @@ TEST(SpatialVideoToSBS, showsAnOddEyeWhole) {
     const TemporaryFolder folder;
     ConversionSettings settings;
     settings.compressionQuality = 1;
-    convert(settings, drawSpatial(folder / "in.mov", 193, 107, 2), folder / "out.mp4");
+    toSBS(settings, drawStereo(folder / "in.mov", {193, 107, 2}), folder / "out.mp4");
     const auto decoded = test::decodeLuma(folder / "out.mp4");
     EXPECT_EQ(decoded.width, 386);
     EXPECT_EQ(decoded.height, 107);
@@ -178,25 +120,28 @@ TEST(SpatialVideoToSBS, showsAnOddEyeWhole) {
 TEST(SpatialVideoToSBS, showsOneViewToBothEyes) {
     const TemporaryFolder folder;
     ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=192x108:r=30:d=0.2", "-c:v", "libx264", (folder / "flat.mp4").string()});
-    convert(ConversionSettings(), folder / "flat.mp4", folder / "out.mp4");
+    toSBS({}, folder / "flat.mp4", folder / "out.mp4");
     const auto decoded = test::decodeLuma(folder / "out.mp4");
     ASSERT_EQ(decoded.frames.size(), 6u);
-    std::vector<std::uint8_t> left;
-    std::vector<std::uint8_t> right;
-    for (int row = 0; row < 108; ++row) {
-        const auto begin = decoded.frames[3].begin() + row * 384;
-        left.insert(left.end(), begin, begin + 192);
-        right.insert(right.end(), begin + 192, begin + 384);
-    }
+    const auto [left, right] = test::halves(decoded, 3);
     EXPECT_GT(test::psnr(left, right), 35);
 }
 
 TEST(SpatialVideoToSBS, reportsEveryEighthFrame) {
     const TemporaryFolder folder;
-    const Conversion run =
-        convert(ConversionSettings(), drawSpatial(folder / "in.mov", 128, 96, 25), folder / "out.mp4");
+    const test::Conversion run = toSBS({}, drawStereo(folder / "in.mov", {128, 96, 25}), folder / "out.mp4");
     EXPECT_THAT(run.progress, ElementsAre(std::pair(0, 25), std::pair(8, 25), std::pair(16, 25), std::pair(24, 25)));
     EXPECT_TRUE(run.warnings.empty());
+}
+
+TEST(SpatialVideoToSBS, reportsTenSecondsFromTheFirstFrameToTheLastEighth) {
+    const TemporaryFolder folder;
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=10", "-c:v", "libx264", "-preset", "ultrafast",
+            (folder / "in.mp4").string()});
+    std::vector<std::pair<std::int64_t, std::int64_t>> expected;
+    for (std::int64_t frame = 0; frame <= 296; frame += 8)
+        expected.emplace_back(frame, 300);
+    EXPECT_EQ(toSBS({}, folder / "in.mp4", folder / "out.mp4").progress, expected);
 }
 
 TEST(SpatialVideoToSBS, rebuildsAConstantRate) {
@@ -205,7 +150,7 @@ TEST(SpatialVideoToSBS, rebuildsAConstantRate) {
          std::vector<std::pair<std::string, int>>{{"24", 25}, {"30000/1001", 20}, {"60", 10}, {"25", 24}}) {
         ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=" + rate + ":d=0.5", "-c:v", "libx264",
                 (folder / "in.mp4").string()});
-        convert(ConversionSettings(), folder / "in.mp4", folder / "out.mp4");
+        toSBS({}, folder / "in.mp4", folder / "out.mp4");
         const std::string times = test::ffprobe(folder / "out.mp4", "packet=pts", {"-read_intervals", "%+#40"});
         EXPECT_THAT(times, HasSubstr("pts=0\n"));
         EXPECT_THAT(times, HasSubstr("pts=" + std::to_string(step) + "\n")) << rate;
@@ -217,7 +162,7 @@ TEST(SpatialVideoToSBS, doesNotKeepTheSourcesGaps) {
     const TemporaryFolder folder;
     ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=2", "-vf", "select='not(between(n,10,40))'", "-fps_mode",
             "vfr", "-c:v", "libx264", (folder / "in.mp4").string()});
-    convert(ConversionSettings(), folder / "in.mp4", folder / "out.mp4");
+    toSBS({}, folder / "in.mp4", folder / "out.mp4");
     EXPECT_EQ(test::decodeLuma(folder / "out.mp4").frames.size(), 29u);
 }
 
@@ -235,10 +180,10 @@ TEST(SpatialVideoToSBS, asksForTheAverageBitRateOfTheRule) {
     for (const SBSOutputFormat format : allSBSOutputFormats) {
         settings.sbsOutputFormat = format;
         settings.compressionQuality = 0.5;
-        convert(settings, folder / "in.mp4", folder / "out.mp4");
+        toSBS(settings, folder / "in.mp4", folder / "out.mp4");
         EXPECT_TRUE(wasAskedFor(folder / "out.mp4", 1036)); // 30 × 1280 × 360 × 0.15 × 0.5 = 1,036,800
         settings.compressionQuality = 0.01;
-        convert(settings, folder / "in.mp4", folder / "out.mp4");
+        toSBS(settings, folder / "in.mp4", folder / "out.mp4");
         EXPECT_TRUE(wasAskedFor(folder / "out.mp4", 1000));
     }
 }
@@ -269,45 +214,15 @@ TEST(VideoTiming, truncatesTheFrameDuration) {
 TEST(SpatialVideoToSBS, replacesAnExistingOutput) {
     const TemporaryFolder folder;
     test::writeFile(folder / "out.mp4", std::string("an older file"));
-    convert(ConversionSettings(), drawSpatial(folder / "in.mov", 128, 96, 2), folder / "out.mp4");
-    expectEyes(folder / "out.mp4", 256, 96, leftLuma, rightLuma);
+    toSBS({}, drawStereo(folder / "in.mov", {128, 96, 2}), folder / "out.mp4");
+    expectHalves(folder / "out.mp4", 256, 96, leftLuma, rightLuma);
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4.partial"));
-}
-
-TEST(SpatialVideoToSBS, copiesTheSoundInStep) {
-    const TemporaryFolder folder;
-    for (const auto &[layout, channels] :
-         std::vector<std::pair<std::string, int>>{{"mono", 1}, {"stereo", 2}, {"5.1", 2}}) {
-        ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=2", "-f", "lavfi", "-i", "sine=d=2:r=48000", "-af",
-                "aformat=channel_layouts=" + layout, "-c:v", "libx264", "-c:a", "aac", (folder / "in.mp4").string()});
-        convert(ConversionSettings(), folder / "in.mp4", folder / "out.mp4");
-        const std::string facts = test::ffprobe(
-            folder / "out.mp4", "stream=codec_name,channels,sample_rate,duration,start_pts", {"-select_streams", "a"});
-        EXPECT_THAT(facts, HasSubstr("codec_name=aac"));
-        EXPECT_THAT(facts, HasSubstr("channels=" + std::to_string(channels)));
-        EXPECT_THAT(facts, HasSubstr("sample_rate=48000"));
-        EXPECT_THAT(facts, HasSubstr("start_pts=0"));
-    }
-}
-
-TEST(SpatialVideoToSBS, writesNoSoundWhereThereIsNoneOrNoneIsWanted) {
-    const TemporaryFolder folder;
-    const auto silent = drawSpatial(folder / "in.mov", 128, 96, 3);
-    convert(ConversionSettings(), silent, folder / "out.mp4");
-    EXPECT_EQ(test::ffprobe(folder / "out.mp4", "stream=codec_name", {"-select_streams", "a"}), "");
-
-    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=30:d=0.5", "-f", "lavfi", "-i", "sine=d=0.5", "-c:v", "libx264",
-            "-c:a", "aac", (folder / "loud.mp4").string()});
-    ConversionSettings settings;
-    settings.copyAudio = false;
-    convert(settings, folder / "loud.mp4", folder / "out.mp4");
-    EXPECT_EQ(test::ffprobe(folder / "out.mp4", "stream=codec_name", {"-select_streams", "a"}), "");
 }
 
 TEST(SpatialVideoToSBS, failsWithoutAVideoTrack) {
     const TemporaryFolder folder;
     ffmpeg({"-f", "lavfi", "-i", "sine=d=0.5", "-c:a", "aac", (folder / "sound.mp4").string()});
-    EXPECT_THROW(convert(ConversionSettings(), folder / "sound.mp4", folder / "out.mp4"), ProcessorError);
+    EXPECT_THROW(toSBS({}, folder / "sound.mp4", folder / "out.mp4"), ProcessorError);
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4"));
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4.partial"));
 }
@@ -319,7 +234,7 @@ TEST(SpatialVideoToSBS, convertsADamagedMovieAsFarAsItGoesAndSaysSo) {
     auto bytes = test::readFile(folder / "in.mp4");
     bytes.resize(bytes.size() * 7 / 10);
     test::writeFile(folder / "in.mp4", bytes);
-    const Conversion run = convert(ConversionSettings(), folder / "in.mp4", folder / "out.mp4");
+    const test::Conversion run = toSBS({}, folder / "in.mp4", folder / "out.mp4");
     const auto written = test::decodeLuma(folder / "out.mp4").frames.size();
     EXPECT_GT(written, 10u);
     EXPECT_LT(written, 50u);
@@ -335,8 +250,74 @@ TEST(SpatialVideoToSBS, failsWhenNotOneFrameCanBeRead) {
     const std::string_view text(reinterpret_cast<const char *>(bytes.data()), bytes.size());
     bytes.resize(text.find("mdat") + 4);
     test::writeFile(folder / "in.mp4", bytes);
-    EXPECT_THROW(convert(ConversionSettings(), folder / "in.mp4", folder / "out.mp4"), media::MediaError);
+    EXPECT_THROW(toSBS({}, folder / "in.mp4", folder / "out.mp4"), media::MediaError);
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4"));
+}
+
+/// The error of a conversion, after which there is no output.
+std::string failure(const std::filesystem::path &input, const std::filesystem::path &output) {
+    try {
+        toSBS({}, input, output);
+    } catch (const media::MediaError &error) {
+        EXPECT_FALSE(std::filesystem::is_regular_file(output));
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST(SpatialVideoToSBS, failsWhereTheSourceCannotBeRead) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(failure(folder / "absent.mov", folder / "out.mp4"), "Cannot open absent.mov: No such file or directory");
+    test::writeFile(folder / "text.mov", std::string("no movie"));
+    EXPECT_EQ(failure(folder / "text.mov", folder / "out.mp4"),
+              "Cannot open text.mov: Invalid data found when processing input");
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4.partial"));
+}
+
+TEST(SpatialVideoToSBS, failsWhereTheOutputCannotBeCreated) {
+    const TemporaryFolder folder;
+    const auto input = drawStereo(folder / "in.mov");
+    EXPECT_EQ(failure(input, folder / "absent/out.mp4"), "Cannot write out.mp4: No such file or directory");
+}
+
+TEST(SpatialVideoToSBS, failsWhereTheOldOutputCannotBeReplaced) {
+    const TemporaryFolder folder;
+    const auto input = drawStereo(folder / "in.mov");
+    std::filesystem::create_directories(folder / "out.mp4/something");
+    EXPECT_EQ(failure(input, folder / "out.mp4"), "Cannot write out.mp4: Is a directory");
+    EXPECT_TRUE(std::filesystem::exists(folder / "out.mp4/something")) << "nothing of the user's is removed";
+}
+
+TEST(SpatialVideoToSBS, keepsThePartialFileOfAWriterThatFails) {
+    const TemporaryFolder folder;
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x240:r=30:d=3,noise=alls=20:allf=t", "-c:v", "libx264",
+            (folder / "in.mp4").string()});
+    const test::FileSizeLimit limit(65536);
+    EXPECT_EQ(failure(folder / "in.mp4", folder / "out.mp4"), "Cannot write out.mp4: File too large");
+    EXPECT_EQ(std::filesystem::file_size(folder / "out.mp4.partial"), 65536U);
+}
+
+TEST(SpatialVideoToSBS, leavesNothingOfAMovieThatWasNeverBegun) {
+    const TemporaryFolder folder;
+    const auto input = drawStereo(folder / "in.mov");
+    // /dev/full takes nothing: what a full disk does at the first write.
+    std::filesystem::create_symlink("/dev/full", folder / "out.mp4.partial");
+    EXPECT_EQ(failure(input, folder / "out.mp4"), "Cannot write out.mp4: No space left on device");
+    EXPECT_FALSE(std::filesystem::is_symlink(folder / "out.mp4.partial"));
+}
+
+TEST(SpatialVideoToSBS, refusesResizeTargetsThatCannotBeCoded) {
+    const TemporaryFolder folder;
+    const auto input = drawStereo(folder / "in.mov");
+    ConversionSettings settings;
+    settings.enableResize = true;
+    for (const auto &[width, height] : std::vector<std::pair<std::int64_t, std::int64_t>>{
+             {0, 100}, {-4, 100}, {100, 70000}, {9000, 100}, {std::int64_t{1} << 33, 2}}) {
+        settings.resizeWidth = width;
+        settings.resizeHeight = height;
+        EXPECT_THROW(toSBS(settings, input, folder / "out.mp4"), media::MediaError) << width << " x " << height;
+        EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4.partial"));
+    }
 }
 
 TEST(SpatialVideoToSBS, stopsBetweenFramesWhenCancelled) {
@@ -359,9 +340,9 @@ TEST(SpatialVideoToSBS, stopsBetweenFramesWhenCancelled) {
 
 TEST(SpatialVideoToSBS, decodesOneViewOnSystemsBeforeStereoMovies) {
     const TemporaryFolder folder;
-    convertSpatialVideoToSBS(ConversionSettings(), drawSpatial(folder / "in.mov", 192, 108, 2), folder / "out.mp4", {},
+    convertSpatialVideoToSBS(ConversionSettings(), drawStereo(folder / "in.mov", {192, 108, 2}), folder / "out.mp4", {},
                              SystemVersion{13, 9, 0});
-    expectEyes(folder / "out.mp4", 384, 108, leftLuma, leftLuma);
+    expectHalves(folder / "out.mp4", 384, 108, leftLuma, leftLuma);
 }
 
 TEST(SpatialVideoToSBS, matchesAnIndependentDecodeOfThePlatformsSample) {
@@ -372,19 +353,14 @@ TEST(SpatialVideoToSBS, matchesAnIndependentDecodeOfThePlatformsSample) {
     const auto input = *samples / "spatial-video" / "water_180_mvhevc_5frames.mov";
     ConversionSettings settings;
     settings.compressionQuality = 1;
-    convert(settings, input, folder / "out.mp4");
+    toSBS(settings, input, folder / "out.mp4");
     const auto out = test::decodeLuma(folder / "out.mp4");
     const auto left = test::decodeLuma(input, "0:v:0:vpos:left");
     const auto right = test::decodeLuma(input, "0:v:0:vpos:right");
     ASSERT_EQ(out.frames.size(), 5u);
     ASSERT_EQ(out.width, 2 * 1934);
     for (std::size_t frame = 0; frame < 5; ++frame) {
-        std::vector<std::uint8_t> halves[2];
-        for (int row = 0; row < out.height; ++row) {
-            const auto begin = out.frames[frame].begin() + static_cast<std::ptrdiff_t>(row) * out.width;
-            halves[0].insert(halves[0].end(), begin, begin + 1934);
-            halves[1].insert(halves[1].end(), begin + 1934, begin + 3868);
-        }
+        const auto halves = test::halves(out, frame);
         EXPECT_GT(test::psnr(halves[0], left.frames[frame]), 40);
         EXPECT_GT(test::psnr(halves[1], right.frames[frame]), 40);
         EXPECT_LT(test::psnr(halves[0], right.frames[frame]), test::psnr(halves[0], left.frames[frame]) - 3);

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/SBSVideoToSpatial.h"
-
-#include <cstdint>
 #include <filesystem>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace lumetwin::test {
@@ -27,21 +23,26 @@ struct Clip {
     std::vector<std::string> video{"-c:v", "libx264", "-qp", "6"};
     std::string sound; ///< an audio source of the drawing program, such as "sine=d=1"; none while empty
     std::vector<std::string> audio{"-c:a", "aac"};
+    bool everyEncoder = false; ///< drawn by the distribution's ffmpeg instead of the stack's
 };
 
 /// Draws the clip: grey halves of their own luma, each with a bright mark; an odd last column is white.
 std::filesystem::path draw(const std::filesystem::path &file, const Clip &clip = {});
 
-struct Conversion {
-    std::vector<std::pair<std::int64_t, std::int64_t>> progress;
-    std::vector<std::string> warnings;
+/// Two views, the left one in layer 0, each as draw() would draw its half.
+struct StereoClip {
+    int width = 192; ///< of one eye
+    int height = 96;
+    int frames = 3;
+    double rate = 30;
 };
 
-/// Converts and keeps what was reported.
-Conversion convert(const ConversionSettings &settings, const std::filesystem::path &input,
-                   const std::filesystem::path &output, SystemVersion system = SystemVersion::current());
+/// Writes the clip as a spatial movie.
+std::filesystem::path drawStereo(const std::filesystem::path &file, const StereoClip &clip = {});
 
-/// Fails the test unless each view has the size and shows its luma and its mark in every frame.
-void expectViews(const std::filesystem::path &movie, int width, int height, int left = leftLuma, int right = rightLuma);
+/// The movie's samples as they are in another file, written by the stack's ffmpeg with more options; its headers are
+/// there once.
+std::filesystem::path remuxed(const std::filesystem::path &movie, const std::filesystem::path &copy,
+                              const std::vector<std::string> &options = {});
 
 } // namespace lumetwin::test

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tests/support/TestMedia.h"
+
+#include <string>
+
+namespace lumetwin::test {
+
+/// Puts bytes over those at a place of a file.
+void overwrite(const std::filesystem::path &file, std::size_t place, const Bytes &bytes);
+
+/// Where a box of the type begins in a file's bytes (at its size field): the first four characters that match.
+std::size_t placeOfBox(const Bytes &bytes, const std::string &type);
+
+/// Gives the first box of a type another type of four characters.
+void renameBox(const std::filesystem::path &file, const std::string &type, const std::string &other);
+
+} // namespace lumetwin::test
