@@ -35,7 +35,10 @@ struct VideoInfo {
     double duration = 0; ///< seconds
 };
 
-/// Throws ProcessorError with "error.no.video.track" when there is no video.
+/// The facts of a track of a movie of that duration (seconds).
+VideoInfo videoInfo(const media::VideoTrack &track, double duration);
+
+/// Those of a movie's first video track. Throws ProcessorError with "error.no.video.track" when there is no video.
 VideoInfo loadVideoInfo(const media::MovieFile &movie);
 
 } // namespace lumetwin

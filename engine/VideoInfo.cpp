@@ -5,17 +5,21 @@
 
 namespace lumetwin {
 
+VideoInfo videoInfo(const media::VideoTrack &track, double duration) {
+    VideoInfo info;
+    info.track = track;
+    info.width = static_cast<std::int64_t>(track.naturalWidth);
+    info.height = static_cast<std::int64_t>(track.naturalHeight);
+    info.fps = track.nominalFrameRate;
+    info.duration = duration;
+    return info;
+}
+
 VideoInfo loadVideoInfo(const media::MovieFile &movie) {
     const std::optional<media::VideoTrack> track = movie.videoTrack();
     if (!track)
         throw processorError(text("error.no.video.track"));
-    VideoInfo info;
-    info.track = *track;
-    info.width = static_cast<std::int64_t>(track->naturalWidth);
-    info.height = static_cast<std::int64_t>(track->naturalHeight);
-    info.fps = track->nominalFrameRate;
-    info.duration = movie.duration();
-    return info;
+    return videoInfo(*track, movie.duration());
 }
 
 } // namespace lumetwin

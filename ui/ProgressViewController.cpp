@@ -69,7 +69,9 @@ QLabel *ProgressViewController::addLabel(const char *name, QLabel *label, const 
     label->setObjectName(QLatin1String(name));
     label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignCenter);
-    setTextColour(label, colour);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    label->setPalette(palette);
     return label;
 }
 
