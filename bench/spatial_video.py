@@ -53,7 +53,7 @@ def rates(report, clip, folder):
     for quality in QUALITIES:
         batch(clip, folder, "--compression-quality", quality)
         found = subprocess.run([tool("ffprobe"), "-v", "error", "-select_streams", "v:0", "-show_entries", "stream=bit_rate",
-                                "-of", "csv=p=0", str(folder / f"{clip.stem}_spatial.mov")],
+                                "-of", "default=nk=1:nw=1", str(folder / f"{clip.stem}_spatial.mov")],
                                capture_output=True, text=True, check=True).stdout
         share = float(found) / rule(quality)
         print(f"  quality {quality}: {float(found):.0f} of {rule(quality)} bit/s, {share:.4f}")

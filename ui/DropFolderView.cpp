@@ -41,12 +41,6 @@ const QColor dashes = colour(0.3, 0.35, 0.5, 0.8);
 const QColor placeholderText = white(0.5);
 const QColor contentText = colour(0.4, 0.8, 0.4);
 
-void setTextColour(QWidget *label, const QColor &colour) {
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    label->setPalette(palette);
-}
-
 } // namespace
 
 QString iconOfFiles(const std::vector<fs::path> &files) {

@@ -40,12 +40,6 @@ private:
     PointScale scale_;
 };
 
-void setTextColour(QWidget *widget, const QColor &colour) {
-    QPalette palette = widget->palette();
-    palette.setColor(QPalette::WindowText, colour);
-    widget->setPalette(palette);
-}
-
 } // namespace
 
 void MainViewController::applyFonts() {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/Palettes.h"
 
+#include <QWidget>
+
 #include <algorithm>
 #include <cmath>
 
@@ -73,8 +75,21 @@ QColor separatorColour(const QPalette &palette) {
     return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), isDark(palette) ? 0.22 : 0.18);
 }
 
+QColor indicatorEdgeColour(const QPalette &palette) {
+    return mixed(sectionColour(palette), palette.color(QPalette::WindowText), 0.5);
+}
+
 QColor warningColour(const QPalette &palette) {
     return readableOn(sectionColour(palette), colour(1, 0.58, 0));
+}
+
+void setTextColour(QWidget *widget, const QColor &colour) {
+    QColor faded = colour;
+    faded.setAlphaF(colour.alphaF() / 2);
+    QPalette palette = widget->palette();
+    palette.setColor(QPalette::WindowText, colour);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, faded);
+    widget->setPalette(palette);
 }
 
 } // namespace lumetwin

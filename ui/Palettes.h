@@ -4,6 +4,8 @@
 #include <QColor>
 #include <QPalette>
 
+class QWidget;
+
 namespace lumetwin {
 
 /// A colour of red, green, blue and alpha in 0...1.
@@ -25,7 +27,12 @@ QColor sectionColour(const QPalette &palette);
 QColor accentTextColour(const QPalette &palette);
 QColor secondaryTextColour(const QPalette &palette);
 QColor separatorColour(const QPalette &palette);
+/// The edge of a check box or radio button on a section.
+QColor indicatorEdgeColour(const QPalette &palette);
 /// Orange that can be read on a section.
 QColor warningColour(const QPalette &palette);
+
+/// Gives a label's text a colour of its own; out of use it fades as other text does.
+void setTextColour(QWidget *widget, const QColor &colour);
 
 } // namespace lumetwin

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/ScaledStyle.h"
 
+#include "ui/Palettes.h"
 #include "ui/Points.h"
+
+#include <QPainter>
+#include <QStyleOption>
 
 namespace lumetwin {
 
@@ -23,6 +27,24 @@ int ScaledStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, con
     default:
         return usual;
     }
+}
+
+void ScaledStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                                const QWidget *widget) const {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const bool box = element == PE_IndicatorCheckBox;
+    if ((!box && element != PE_IndicatorRadioButton) || !isDark(option->palette) || (option->state & State_HasFocus))
+        return;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(indicatorEdgeColour(option->palette));
+    painter->setBrush(Qt::NoBrush);
+    const QRectF edge = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    if (box)
+        painter->drawRoundedRect(edge, 2, 2);
+    else
+        painter->drawEllipse(edge);
+    painter->restore();
 }
 
 } // namespace lumetwin

@@ -77,6 +77,13 @@ TEST_F(MainForm, StartsWithTheDefaultsOfTheSettings) {
     EXPECT_EQ(find<QPushButton>("startButton").text(), QStringLiteral("▶  Start Conversion"));
 }
 
+TEST_F(MainForm, EveryTextFadesWhileTheFormIsOutOfUse) {
+    for (const QLabel *label : form.findChildren<QLabel *>())
+        EXPECT_NE(label->palette().color(QPalette::Disabled, QPalette::WindowText),
+                  label->palette().color(QPalette::Active, QPalette::WindowText))
+            << label->objectName().toStdString() << ": " << label->text().toStdString();
+}
+
 TEST_F(MainForm, MenusHoldTheFormatsInOrder) {
     const auto items = [](QComboBox &popup) {
         QStringList list;

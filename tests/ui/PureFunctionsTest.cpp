@@ -135,6 +135,7 @@ TEST(Palettes, AccentAndWarningsAreReadable) {
             EXPECT_GE(contrast(accentTextColour(palette), sectionColour(palette)), 4.5);
             EXPECT_GE(contrast(warningColour(palette), sectionColour(palette)), 4.5);
             EXPECT_GE(contrast(secondaryTextColour(palette), sectionColour(palette)), 4.5);
+            EXPECT_GE(contrast(indicatorEdgeColour(palette), sectionColour(palette)), 3);
         }
 }
 
