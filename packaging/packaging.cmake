@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Packages: cpack -G DEB in the build folder makes a .deb whose dependencies dpkg-shlibdeps computes.
+# Packages: cpack -G DEB in the folder of a release build makes a .deb for the Debian release that it was built on.
+# dpkg-shlibdeps computes the libraries that it depends on.
 set(CPACK_PACKAGE_NAME lumetwin)
 set(CPACK_PACKAGE_VENDOR "Lumetwin developers")
 set(CPACK_PACKAGE_CONTACT "Lumetwin developers <dev@lumetwin.example>")
+set(CPACK_PACKAGE_HOMEPAGE_URL "https://${LUMETWIN_HELP_HOST}/mac/lumetw/index_en.html")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "convert stereoscopic media between spatial and side-by-side")
 set(CPACK_PACKAGE_DESCRIPTION
 "Lumetwin converts stereoscopic videos and photos in batches, from spatial
@@ -11,14 +13,25 @@ This package holds the window and lumetwin-batch for scripts.")
 set(CPACK_RESOURCE_FILE_LICENSE "${CMAKE_SOURCE_DIR}/LICENSE")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_GENERATOR DEB)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Plugins are loaded by name, which shlibdeps does not see.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins")
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+# Puts documents and manual pages as Debian wants them.
+set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/debian/arrange.cmake")
+
+# What is loaded by name, which dpkg-shlibdeps does not see. X11, the frame of the icon theme and the pictures in the
+# window (emoji) are needed. Wayland (without it the window goes through XWayland), Qt's own texts and a font for
+# Japanese, and what opens web pages, are what a usual desktop wants. The program's icon needs no plugin: Qt's SVG
+# library, which is linked, draws it.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, hicolor-icon-theme, fonts-noto-color-emoji")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
-    "qt6-wayland, qt6-translations-l10n, fonts-noto-color-emoji, fonts-noto-cjk, hicolor-icon-theme")
+    "qt6-wayland, qt6-translations-l10n, fonts-noto-cjk | fonts-japanese-gothic, xdg-utils")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-gtk-platformtheme")
 
 include(CPack)

@@ -1,0 +1,95 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The .deb that cpack makes: its control data, and its documents as the Debian policy wants them."""
+import gzip
+import pathlib
+import re
+import tempfile
+import unittest
+
+from packaging import BUILD, CMAKE, ID, main, read, run
+
+
+class DebianPackage(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.scratch = tempfile.TemporaryDirectory()
+        folder = pathlib.Path(cls.scratch.name)
+        # Packing hard is left out: it takes the time of all the rest.
+        result = run(CMAKE.with_name("cpack"), "-G", "DEB", "-B", folder, "-D", "CPACK_DEBIAN_COMPRESSION_TYPE=none",
+                     "--config", BUILD / "CPackConfig.cmake")
+        packages = list(folder.glob("*.deb"))
+        if result.returncode or len(packages) != 1:
+            raise RuntimeError(result.stdout + result.stderr)
+        cls.package = packages[0]
+        cls.tree = folder / "tree"
+        run("dpkg-deb", "-x", cls.package, cls.tree, check=True)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.scratch.cleanup()
+
+    def field(self, name):
+        return run("dpkg-deb", "-f", self.package, name).stdout.strip()
+
+    def unpacked(self, path):
+        return gzip.decompress((self.tree / path).read_bytes()).decode()
+
+    def test_version_is_the_projects_and_the_changelogs(self):
+        version = re.search(r"VERSION (\S+) LANGUAGES", read("CMakeLists.txt"))[1]
+        self.assertEqual(self.field("Version"), f"{version}-1")
+        self.assertTrue(read("packaging/debian/changelog").startswith(f"lumetwin ({version}-1) "))
+        self.assertEqual(self.package.name, f"lumetwin_{version}-1_{self.field('Architecture')}.deb")
+
+    def test_dependencies_are_computed(self):
+        depends = self.field("Depends")
+        for library in ("libc6", "libqt6widgets6", "libqt6svg6", "libx264-", "libdav1d", "libzimg", "libtiff"):
+            self.assertIn(library, depends)
+        # From the private stack, linked in.
+        for library in ("libavcodec", "libx265", "libheif"):
+            self.assertNotIn(library, depends)
+
+    def test_what_is_loaded_by_name_is_asked_for(self):
+        for package in ("qt6-qpa-plugins", "fonts-noto-color-emoji", "hicolor-icon-theme"):
+            self.assertIn(package, self.field("Depends"))
+        for package in ("qt6-wayland", "qt6-translations-l10n", "fonts-noto-cjk", "xdg-utils"):
+            self.assertIn(package, self.field("Recommends"))
+
+    def test_files_are_the_expected_ones(self):
+        files = {str(file.relative_to(self.tree)) for file in self.tree.rglob("*") if not file.is_dir()}
+        self.assertEqual(files, {
+            "usr/bin/lumetwin", "usr/bin/lumetwin-batch",
+            f"usr/share/applications/{ID}.desktop",
+            "usr/share/doc/lumetwin/README.md", "usr/share/doc/lumetwin/changelog.Debian.gz",
+            "usr/share/doc/lumetwin/changelog.gz", "usr/share/doc/lumetwin/copyright",
+            f"usr/share/icons/hicolor/scalable/apps/{ID}.svg",
+            f"usr/share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
+            "usr/share/lintian/overrides/lumetwin",
+            "usr/share/man/man1/lumetwin-batch.1.gz", "usr/share/man/man1/lumetwin.1.gz",
+            f"usr/share/metainfo/{ID}.metainfo.xml",
+        })
+
+    def test_folders_are_open_to_all(self):
+        for file in self.tree.rglob("*"):
+            if file.is_dir():
+                self.assertEqual(oct(file.stat().st_mode & 0o777), oct(0o755), file)
+
+    def test_documents_say_what_they_should(self):
+        documents = "usr/share/doc/lumetwin"
+        self.assertEqual(self.unpacked(f"{documents}/changelog.gz"), read("CHANGELOG.md"))
+        self.assertEqual(self.unpacked(f"{documents}/changelog.Debian.gz"), read("packaging/debian/changelog"))
+        licence = (self.tree / documents / "copyright").read_text("utf-8")
+        self.assertIn("/usr/share/common-licenses/GPL-3", licence)
+        for part in ("FFmpeg", "x265", "libheif"):
+            self.assertIn(part, licence)
+        for page in ("lumetwin", "lumetwin-batch"):
+            self.assertEqual(self.unpacked(f"usr/share/man/man1/{page}.1.gz"), read(f"resources/man/{page}.1"))
+
+    def test_programs_are_stripped(self):
+        for program in ("lumetwin", "lumetwin-batch"):
+            sections = run("readelf", "-S", "-W", self.tree / "usr/bin" / program).stdout
+            self.assertIn(".text", sections)
+            self.assertNotIn(".symtab", sections)
+
+
+if __name__ == "__main__":
+    main("dpkg-deb", "dpkg-shlibdeps", "readelf")

@@ -1,0 +1,57 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""cmake --install makes exactly the tree of a native program, and what it installs starts."""
+import os
+import tempfile
+import unittest
+import pathlib
+
+from packaging import BUILD, CMAKE, ID, main, run
+
+TREE = {
+    "bin/lumetwin", "bin/lumetwin-batch",
+    f"share/applications/{ID}.desktop",
+    "share/doc/lumetwin/CHANGELOG.md", "share/doc/lumetwin/LICENSE", "share/doc/lumetwin/README.md",
+    f"share/icons/hicolor/scalable/apps/{ID}.svg", f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
+    "share/man/man1/lumetwin-batch.1", "share/man/man1/lumetwin.1",
+    f"share/metainfo/{ID}.metainfo.xml",
+}
+
+
+class InstalledTree(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.scratch = tempfile.TemporaryDirectory()
+        cls.prefix = pathlib.Path(cls.scratch.name, "usr")
+        result = run(CMAKE, "--install", BUILD, "--prefix", cls.prefix)
+        if result.returncode:
+            raise RuntimeError(result.stdout + result.stderr)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.scratch.cleanup()
+
+    def test_files_are_the_expected_ones(self):
+        files = {str(file.relative_to(self.prefix)) for file in self.prefix.rglob("*") if not file.is_dir()}
+        self.assertEqual(files, TREE)
+
+    def test_only_programs_may_be_executed(self):
+        for file in self.prefix.rglob("*"):
+            if file.is_file():
+                wanted = 0o755 if file.parent.name == "bin" else 0o644
+                self.assertEqual(oct(file.stat().st_mode & 0o777), oct(wanted), file)
+
+    def test_nothing_points_back_to_the_build(self):
+        for program in ("lumetwin", "lumetwin-batch"):
+            dynamic = run("readelf", "-d", self.prefix / "bin" / program).stdout
+            self.assertIn("NEEDED", dynamic)
+            self.assertNotRegex(dynamic, "RUNPATH|RPATH")
+            self.assertRegex(dynamic, "BIND_NOW|FLAGS_1.*NOW")
+
+    def test_installed_program_for_scripts_starts(self):
+        result = run(self.prefix / "bin/lumetwin-batch", "--help", env=dict(os.environ, LC_ALL="C.UTF-8"))
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        self.assertTrue(result.stdout.startswith("Usage: lumetwin-batch"))
+
+
+if __name__ == "__main__":
+    main("readelf")
