@@ -120,6 +120,7 @@ public:
         sheet.updateProgress(1, 4,
                              "Holiday in Kyoto 2026, a name that is rather longer than the line has room for.mov");
         window.shoot("sheet-file-begins");
+        sheet.updateProgress(1, 4, "Holiday in Kyoto 2026.mov");
         sheet.updateFrameProgress(832, 1800);
         *sheet.startTime -= std::chrono::seconds(83);
         sheet.updateElapsedTime();
