@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Runs a Python program on a small desktop of its own: X server, window manager, session bus.
 set -eu
-for tool in xvfb-run dbus-run-session openbox xdotool; do
+for tool in xvfb-run dbus-run-session openbox xdotool xev; do
     command -v "$tool" >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
 done
 python=/usr/bin/python3 # the distribution's, which has its bindings

@@ -39,8 +39,8 @@ def everything_below(thing):
 class Program:
     """A running program and its windows."""
 
-    def __init__(self, *command):
-        self.process = subprocess.Popen([str(word) for word in command])
+    def __init__(self, *command, errors=None):
+        self.process = subprocess.Popen([str(word) for word in command], stderr=errors)
         self.root = wait_for("the program on the accessibility bus", self._find)
 
     def _find(self):

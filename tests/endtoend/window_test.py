@@ -140,12 +140,16 @@ def stop_and_close(scene):
     assert scene.names() == ["clip_spatial.mov"], scene.names()
 
 
-def main():
+def options_of():
     parser = argparse.ArgumentParser()
     parser.add_argument("--language", required=True)
     for name in ("program", "batch", "stack", "texts"):
         parser.add_argument(f"--{name}", type=pathlib.Path, required=True)
-    options = parser.parse_args()
+    return parser.parse_args()
+
+
+def main():
+    options = options_of()
     with tempfile.TemporaryDirectory(prefix="lumetwin-test-") as name:
         scene = Scene(options, pathlib.Path(name))
         try:

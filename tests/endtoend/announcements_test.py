@@ -1,0 +1,67 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What a screen reader hears by itself: drop targets that were filled, bars that move."""
+import pathlib
+import tempfile
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+from screen_reader import wait_for
+from window_test import Scene, options_of
+
+
+class Listener:
+    """The announcements of all programs: (what, name of the control)."""
+
+    def __init__(self, *events):
+        self.heard = []
+        self.listener = Atspi.EventListener.new(self.hear)
+        for event in events:
+            self.listener.register(event)
+
+    def hear(self, event):
+        try:
+            value = event.source.get_value_iface()
+            self.heard.append((event.type.rpartition(":")[2], event.source.get_name(), event.source.get_description(),
+                               Atspi.Value.get_current_value(value) if value else None))
+        except GLib.Error:
+            pass  # it went away in the meantime
+
+    def wait(self, what, condition):
+        def heard():
+            while GLib.MainContext.default().iteration(False):
+                pass
+            return [one for one in self.heard if condition(*one)]
+        return wait_for(what, heard)
+
+
+def convert(scene):
+    listener = Listener("object:property-change:accessible-value", "object:property-change:accessible-description")
+    program = scene.start(scene.clip)
+    program.press("radio button", scene["direction.sbs.to.spatial"])
+    scene.choose_output(program)
+    listener.wait("the filled output", lambda what, name, described, value: what == "accessible-description"
+                  and name == scene["section.output.folder"] and described == scene.output.name)
+    program.press("push button", scene["button.start.conversion"])
+    for bar in ("spoken.file.progress", "spoken.overall.progress"):
+        listener.wait(bar, lambda what, name, described, value: what == "accessible-value"
+                      and name == scene[bar] and value)
+    scene.see_end(program, scene["alert.conversion.success"])
+    program.process.kill()
+    program.process.wait()
+
+
+def main():
+    with tempfile.TemporaryDirectory(prefix="lumetwin-test-") as name:
+        scene = Scene(options_of(), pathlib.Path(name))
+        try:
+            convert(scene)
+        except AssertionError:
+            scene.program.describe()
+            raise
+
+
+if __name__ == "__main__":
+    main()

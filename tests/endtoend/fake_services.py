@@ -1,0 +1,85 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""A desktop's services on the session bus, acted: each call and signal becomes a line of JSON on standard output."""
+import json
+import os
+
+import gi
+
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio, GLib  # noqa: E402
+
+REQUEST = "/org/freedesktop/portal/desktop/request/lumetwin"
+SERVICES = [
+    # name, path, interface, methods: name, arguments, answer
+    ("org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
+     [("Inhibit", "ssss", "h")]),
+    ("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Inhibit",
+     [("Inhibit", "sua{sv}", "o")]),
+    ("org.freedesktop.portal.Desktop", REQUEST, "org.freedesktop.portal.Request", [("Close", "", "")]),
+    ("org.freedesktop.Notifications", "/org/freedesktop/Notifications", "org.freedesktop.Notifications",
+     [("Notify", "susssasa{sv}i", "u")]),
+    ("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1", "org.freedesktop.FileManager1",
+     [("ShowItems", "ass", "")]),
+]
+
+
+def arguments(signature, direction):
+    types = []
+    rest = signature
+    while rest:
+        length = next(n for n in range(1, len(rest) + 1) if GLib.VariantType.string_is_valid(rest[:n]))
+        types.append(f'<arg type="{rest[:length]}" direction="{direction}"/>')
+        rest = rest[length:]
+    return "".join(types)
+
+
+def description(interface, methods):
+    body = "".join(f'<method name="{name}">{arguments(taken, "in")}{arguments(given, "out")}</method>'
+                   for name, taken, given in methods)
+    return Gio.DBusNodeInfo.new_for_xml(f'<node><interface name="{interface}">{body}</interface></node>').interfaces[0]
+
+
+def tell(*what):
+    print(json.dumps(what), flush=True)
+
+
+def lock(invocation):
+    """logind's lock lasts until the last copy of its descriptor is closed."""
+    reading, writing = os.pipe()
+
+    def released(_descriptor, _condition):
+        tell("org.freedesktop.login1.Manager", "released")
+        return False
+
+    GLib.unix_fd_add_full(GLib.PRIORITY_DEFAULT, reading, GLib.IOCondition.HUP, released)
+    descriptors = Gio.UnixFDList.new_from_array([writing])  # takes the descriptor over
+    invocation.return_value_with_unix_fd_list(GLib.Variant("(h)", (0,)), descriptors)
+
+
+def called(_bus, _sender, _path, interface, method, values, invocation, *_):
+    tell(interface, method, values.unpack())
+    if interface.endswith("login1.Manager"):
+        lock(invocation)
+    elif interface.endswith("portal.Inhibit"):
+        invocation.return_value(GLib.Variant("(o)", (REQUEST,)))
+    elif method == "Notify":
+        invocation.return_value(GLib.Variant("(u)", (1,)))
+    else:
+        invocation.return_value(None)
+
+
+def main():
+    bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+    for name, path, interface, methods in SERVICES:
+        bus.register_object(path, description(interface, methods), called, None, None)
+    bus.signal_subscribe(None, "com.canonical.Unity.LauncherEntry", "Update", None, None, Gio.DBusSignalFlags.NONE,
+                         lambda _bus, _sender, _path, interface, signal, values: tell(interface, signal, values.unpack()))
+    for name in {service[0] for service in SERVICES}:
+        bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+                      GLib.Variant("(su)", (name, 0)), None, Gio.DBusCallFlags.NONE, -1, None)
+    tell("ready")
+    GLib.MainLoop().run()
+
+
+if __name__ == "__main__":
+    main()
