@@ -39,7 +39,7 @@ def draw_sbs(target, seconds, eye=(1920, 1080)):
 def draw_long_sbs(target, seconds):
     """A small scene that begins anew every ten seconds: drawing must not take longer than what is measured."""
     piece = target.with_name("piece.mp4")
-    draw_sbs(piece, 10, (256, 144))
+    draw_sbs(piece, 10, (640, 360))
     ffmpeg("-stream_loop", "-1", "-i", piece, "-t", seconds, "-c", "copy", target)
 
 

@@ -81,6 +81,8 @@ std::optional<HeifPayload> ItemPayloads::resolved(const Item &item, int depth) {
             return std::nullopt;
         count(payload.extents.size() - before);
     }
+    if (payload.extents.empty()) // each extent begins at the end of what it counts in
+        return std::nullopt;
     return payload;
 }
 
