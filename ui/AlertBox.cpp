@@ -3,12 +3,16 @@
 
 #include "ui/AlertPresenter.h"
 #include "ui/Localized.h"
+#include "ui/Points.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScreen>
+
+#include <algorithm>
 
 namespace lumetwin {
 
@@ -18,6 +22,20 @@ namespace {
 QString breakable(const std::string &text) {
     static const QRegularExpression run(QStringLiteral("([^\\s\\x{200b}]{24})"));
     return toQString(text).replace(run, QStringLiteral("\\1\u200b"));
+}
+
+/// The message box breaks lines at a width that knows nothing of the user's font, and what is written large becomes a
+/// narrow column: a label gets the width of its longest line, up to a line that reads well, and never less than what
+/// cannot be broken.
+void giveRoom(QLabel *label) {
+    constexpr double readable = 360; // points
+    const int longest = label->fontMetrics().size(0, label->text()).width() + 2 * label->margin() + 2;
+    const int most = std::min(PointScale::current().horizontal(readable), label->screen()->availableSize().width() / 2);
+    const bool wraps = label->wordWrap();
+    label->setWordWrap(true);
+    const int unbreakable = label->minimumSizeHint().width();
+    label->setWordWrap(wraps);
+    label->setMinimumWidth(std::max(std::min(longest, most), unbreakable));
 }
 
 } // namespace
@@ -40,9 +58,12 @@ AlertBox::AlertBox(const Alert &alert, QWidget *parent) : QMessageBox(parent) {
         QFont bold = label->font();
         bold.setBold(true);
         label->setFont(bold);
+        giveRoom(label);
     }
-    if (auto *label = findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel")))
+    if (auto *label = findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"))) {
         label->setTextFormat(Qt::PlainText);
+        giveRoom(label);
+    }
 }
 
 void AlertBox::addButtons(const Alert &alert) {

@@ -23,6 +23,9 @@ int ScaledStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, con
     case PM_SliderThickness:
     case PM_SliderLength:
     case PM_SliderControlThickness:
+    case PM_ButtonMargin:
+    case PM_LayoutHorizontalSpacing:
+    case PM_LayoutVerticalSpacing:
         return PointScale::current().vertical(usual);
     default:
         return usual;
@@ -33,7 +36,10 @@ void ScaledStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *op
                                 const QWidget *widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool box = element == PE_IndicatorCheckBox;
-    if ((!box && element != PE_IndicatorRadioButton) || !isDark(option->palette) || (option->state & State_HasFocus))
+    if ((!box && element != PE_IndicatorRadioButton) || !isDark(option->palette))
+        return;
+    // The style marks the box that the keyboard has reached by its edge, but no radio button.
+    if (box && (option->state & State_HasFocus) && (option->state & State_KeyboardFocusChange))
         return;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);

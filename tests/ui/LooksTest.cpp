@@ -4,17 +4,23 @@
 #include "support/Scripted.h"
 #include "ui/ElidedLabel.h"
 #include "ui/MainViewController.h"
+#include "ui/Palettes.h"
 #include "ui/Points.h"
+#include "ui/PreflightChecks.h"
 #include "ui/ProgressViewController.h"
 #include "ui/ScaledStyle.h"
+#include "ui/SpatialCheck.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QRadioButton>
+#include <QScreen>
 #include <QStyle>
+#include <QStyleOptionButton>
 
 #include <gtest/gtest.h>
 
@@ -131,6 +137,57 @@ TEST_P(Looks, NothingInTheSheetIsCutOff) {
         EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width()) << nameOf(*label);
     sheet.stop();
     settle();
+}
+
+TEST_P(Looks, AlertsAreNoNarrowColumns) {
+    QWidget window;
+    window.show();
+    const Alert alert{text("alert.direction.spatial2sbs.title"),
+                      text("alert.direction.spatial2sbs.message"),
+                      {text("button.fix.direction"), text("button.convert.anyway.continue")}};
+    MessageBoxPresenter().present(alert, &window, [](int) {});
+    settle();
+    const auto &label = control<QLabel>(window, "qt_msgbox_informativelabel");
+    const int line = label.fontMetrics().horizontalAdvance(QString(45, QLatin1Char('n')));
+    EXPECT_GE(label.width(), std::min(line, window.screen()->availableSize().width() / 2) * 3 / 4);
+    EXPECT_GE(label.height(), label.heightForWidth(label.width())) << "and their text has room";
+}
+
+TEST_P(Looks, LongNamesInAlertsAreNotCutOff) {
+    QWidget window;
+    window.show();
+    const std::string name(90, 'm');
+    MessageBoxPresenter().present(overwriteQuestion({name + ".mov"}), &window, [](int) {});
+    Alert check = spatialCheckAlert(name, {});
+    check.informative += name;
+    MessageBoxPresenter().present(check, &window, [](int) {});
+    settle();
+    const QList<QLabel *> labels = window.findChildren<QLabel *>();
+    ASSERT_GE(labels.size(), 4);
+    for (QLabel *label : labels) {
+        label->setWordWrap(true);
+        const int unbreakable = QLabel(label->text(), label).minimumSizeHint().width();
+        EXPECT_GE(label->width(), std::min(unbreakable, label->fontMetrics().horizontalAdvance(QString(24, u'm'))))
+            << label->text().toStdString();
+    }
+}
+
+TEST(DarkLooks, ARadioButtonWithTheFocusKeepsItsEdge) {
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(45, 45, 48));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    dark.setColor(QPalette::Base, QColor(30, 30, 32));
+    ScaledStyle style;
+    QStyleOptionButton option;
+    option.palette = dark;
+    option.rect = QRect(0, 0, 20, 20);
+    option.state = QStyle::State_Enabled | QStyle::State_HasFocus | QStyle::State_Off;
+    QImage picture(20, 20, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(sectionColour(dark));
+    QPainter painter(&picture);
+    style.drawPrimitive(QStyle::PE_IndicatorRadioButton, &option, &painter, nullptr);
+    painter.end();
+    EXPECT_GE(contrast(picture.pixelColor(10, 0), sectionColour(dark)), 2.5);
 }
 
 INSTANTIATE_TEST_SUITE_P(Everywhere, Looks,
