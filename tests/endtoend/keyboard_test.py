@@ -1,0 +1,80 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""A whole conversion with nothing but the keyboard."""
+import pathlib
+import subprocess
+import tempfile
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
+
+from screen_reader import everything_below, has, wait_for
+from window_test import Scene, options_of, press_key
+
+MOST_STEPS = 40  # more than there are controls
+
+
+def focused(program):
+    """(role, name) of what has the focus; a group that hands its focus to a control within comes before that one."""
+    def look():
+        program.root.clear_cache()
+        found = None
+        for thing in everything_below(program.root):
+            if has(thing, Atspi.StateType.FOCUSED) and has(thing, Atspi.StateType.SHOWING):
+                found = thing.get_role_name(), thing.get_name()
+        return found
+    return wait_for("a focus", look)
+
+
+def walk_to(program, role, name):
+    """Presses the tabulator until that control has the focus."""
+    for _ in range(MOST_STEPS):
+        before = focused(program)
+        if before == (role, name):
+            return
+        press_key("Tab")
+        wait_for("the next focus", lambda: focused(program) != before)  # noqa: B023
+    raise AssertionError(f"the tabulator never reached {role} “{name}”")
+
+
+def type_words(words):
+    subprocess.run(["xdotool", "type", "--clearmodifiers", words], check=True)
+
+
+def convert(scene):
+    program = scene.start(scene.clip)
+    walk_to(program, "radio button", scene["direction.spatial.to.sbs"])
+    press_key("Down")
+    wait_for("the other direction", lambda: program.checked("radio button", scene["direction.sbs.to.spatial"]))
+    walk_to(program, "push button", scene["section.output.folder"])  # the drop target
+    press_key("space")
+    wait_for("the file dialog's field", lambda: focused(program)[0] == "text")
+    type_words(str(scene.output))
+    press_key("Return")
+    program.wait_text(str(scene.output))
+    walk_to(program, "push button", scene["button.start.conversion"])
+    press_key("space")
+    program.wait_text(scene["alert.conversion.success"])
+    wait_for("the alert's button", lambda: focused(program) == ("push button", "OK"))
+    press_key("Return")
+    wait_for("the sheet's button", lambda: focused(program) == ("push button", scene["button.close"]))
+    press_key("Escape")
+    wait_for("the form", lambda: not program.find("progress bar", None))
+    assert scene.names() == ["clip_spatial.mov"], scene.names()
+    press_key("ctrl+q")
+    assert program.ended() == 0
+
+
+def main():
+    with tempfile.TemporaryDirectory(prefix="lumetwin-test-") as name:
+        scene = Scene(options_of(), pathlib.Path(name))
+        try:
+            convert(scene)
+        except AssertionError:
+            scene.program.describe()
+            raise
+
+
+if __name__ == "__main__":
+    main()
