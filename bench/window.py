@@ -1,0 +1,132 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""How soon the window is up, and how long it stops answering while a thousand videos are checked before a run.
+
+The window stands in an X server of its own. The time to the window runs from starting the program to the mapping of
+its window. The longest stop is the longest that the program's interface thread leaves a question of the accessibility
+bus unanswered, from the press on the start button to the alert that ends the check; the bus itself takes its time too,
+which the stops of a window at rest show.
+"""
+import argparse
+import ctypes
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+import measure
+
+PROGRAM = pathlib.Path(os.environ.get("LUMETWIN", measure.SOURCE / "build/release/app/lumetwin"))
+STARTS, ROUNDS, CANDIDATES = 9, 9, 1000
+PATIENCE = 60  # seconds
+TESTS = measure.SOURCE / "tests/endtoend"
+
+
+class Screen:
+    """The X server, as far as windows that are mapped."""
+
+    MAP_NOTIFY, SUBSTRUCTURE_NOTIFY = 19, 1 << 19  # X.h
+
+    def __init__(self):
+        self.x = ctypes.CDLL("libX11.so.6")
+        self.x.XOpenDisplay.restype = ctypes.c_void_p
+        self.x.XDefaultRootWindow.restype = ctypes.c_ulong
+        self.display = ctypes.c_void_p(self.x.XOpenDisplay(None))
+        root = ctypes.c_ulong(self.x.XDefaultRootWindow(self.display))
+        self.x.XSelectInput(self.display, root, ctypes.c_long(self.SUBSTRUCTURE_NOTIFY))
+        self.x.XSync(self.display, 1)
+
+    def wait_for_window(self):
+        event = (ctypes.c_long * 24)()  # XEvent
+        while True:
+            self.x.XNextEvent(self.display, ctypes.byref(event))
+            if ctypes.cast(event, ctypes.POINTER(ctypes.c_int))[0] == self.MAP_NOTIFY:
+                return
+
+
+def time_to_window():
+    screen = Screen()
+    began = time.monotonic()
+    with subprocess.Popen([PROGRAM], stderr=subprocess.DEVNULL) as process:
+        screen.wait_for_window()
+        took = time.monotonic() - began
+        process.kill()
+    return took
+
+
+class Stopwatch:
+    """Asks the program one thing after the other and keeps the longest time that an answer took, in seconds."""
+
+    def __init__(self):
+        self.longest = 0
+
+    def ask(self, question, *arguments):
+        began = time.monotonic()
+        answer = question(*arguments)
+        self.longest = max(self.longest, time.monotonic() - began)
+        return answer
+
+    def windows(self, root):
+        each = [self.ask(root.get_child_at_index, i) for i in range(self.ask(root.get_child_count))]
+        return [self.ask(one.get_name) for one in each if one]
+
+
+def watch(root, ended):
+    """The longest stop until the names of the program's windows are such that it ended."""
+    stopwatch, limit = Stopwatch(), time.monotonic() + PATIENCE
+    while not ended(stopwatch.windows(root)):
+        if time.monotonic() > limit:
+            raise SystemExit("the window never came to where it was awaited")
+    return stopwatch.longest
+
+
+def stops(folder):
+    """Seconds: the longest stops of the quiet window, and those during the check, by rounds."""
+    from window_test import Scene
+    from gi.repository import Atspi
+    options = argparse.Namespace(language="en", program=PROGRAM, batch=measure.BATCH, stack=measure.stack(),
+                                 texts=measure.SOURCE / "resources/text")
+    scene = Scene(options, folder)
+    (folder / "in").mkdir()
+    for number in range(CANDIDATES):
+        os.link(scene.clip, folder / f"in/clip{number:04}.mp4")
+    program = scene.start(folder / "in")
+    scene.choose_output(program)
+    program.root.set_cache_mask(Atspi.Cache.NONE)
+    title = scene["alert.direction.spatial2sbs.title"]
+    quiet, busy = [], []
+    for _ in range(ROUNDS):
+        end = time.monotonic() + 1
+        quiet.append(watch(program.root, lambda names: time.monotonic() > end))  # noqa: B023
+        program.press("push button", scene["button.start.conversion"])
+        busy.append(watch(program.root, lambda names: title in names))
+        program.press("push button", scene["button.fix.direction"])
+        watch(program.root, lambda names: title not in names)
+    program.process.kill()
+    program.process.wait()
+    return quiet, busy
+
+
+def in_milliseconds(times):
+    return f"{statistics.median(times) * 1000:6.0f} ms (median of {len(times)}, longest {max(times) * 1000:.0f})"
+
+
+def main():
+    if os.environ.get("LUMETWIN_BENCH_DESKTOP") != "1":
+        os.environ["LUMETWIN_BENCH_DESKTOP"] = "1"
+        os.environ["LUMETWIN_CACHE"] = str(measure.stack().parent)  # the desktop has a home of its own
+        os.execv(TESTS / "desktop.sh", [str(TESTS / "desktop.sh"), str(pathlib.Path(__file__).resolve())])
+    sys.path.insert(0, str(TESTS))
+    time_to_window()  # what follows is not read from the disk
+    times = [time_to_window() for _ in range(STARTS)]
+    with tempfile.TemporaryDirectory(prefix="lumetwin-bench-") as folder:
+        quiet, busy = stops(pathlib.Path(folder))
+    print(f"window up                  {in_milliseconds(times)}  limit 500")
+    print(f"longest stop, at rest      {in_milliseconds(quiet)}")
+    print(f"longest stop, {CANDIDATES} videos  {in_milliseconds(busy)}  limit 50")
+
+
+if __name__ == "__main__":
+    main()
