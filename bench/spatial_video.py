@@ -19,7 +19,7 @@ from sbs_video import draw_long_sbs, draw_sbs, ffmpeg
 BUILD = BATCH.parent.parent / "bench"
 STAGES = BUILD / "lumetwin-stages"
 TWO_VIEWS = BUILD / "lumetwin-two-views"
-SHIPPED = "veryfast"
+SHIPPED = "superfast"
 CANDIDATES = ("ultrafast", "superfast", "veryfast", "faster", "medium")
 QUALITIES = (0.25, 0.5, 0.75, 1.0)
 ROUNDS = 3
