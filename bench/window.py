@@ -40,10 +40,15 @@ class Screen:
 
     def wait_for_window(self):
         event = (ctypes.c_long * 24)()  # XEvent
-        while True:
+        end = time.monotonic() + PATIENCE
+        while time.monotonic() < end:
+            if not self.x.XPending(self.display):
+                time.sleep(0.0005)
+                continue
             self.x.XNextEvent(self.display, ctypes.byref(event))
             if ctypes.cast(event, ctypes.POINTER(ctypes.c_int))[0] == self.MAP_NOTIFY:
                 return
+        raise SystemExit("no window came up")
 
 
 def time_to_window():

@@ -13,7 +13,7 @@
 namespace lumetwin::media::x265 {
 
 /// The fastest of the encoder's presets that needs at least a fifth fewer bits than two independent streams;
-/// bench/spatial-video prints the table.
+/// bench/spatial_video.py prints the table.
 inline constexpr const char *shippedPreset = "superfast";
 
 /// What a two-view stream is to be. Sizes are even; smaller pictures than the encoder codes safely are padded inside

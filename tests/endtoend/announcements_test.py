@@ -1,7 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What a screen reader hears by itself: drop targets that were filled, bars that move."""
-import pathlib
-import tempfile
 
 import gi
 
@@ -9,7 +7,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 from screen_reader import wait_for
-from window_test import Scene, options_of
+from window_test import play
 
 
 class Listener:
@@ -53,15 +51,5 @@ def convert(scene):
     program.process.wait()
 
 
-def main():
-    with tempfile.TemporaryDirectory(prefix="lumetwin-test-") as name:
-        scene = Scene(options_of(), pathlib.Path(name))
-        try:
-            convert(scene)
-        except AssertionError:
-            scene.program.describe()
-            raise
-
-
 if __name__ == "__main__":
-    main()
+    play(convert)

@@ -1,8 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A whole conversion with nothing but the keyboard."""
-import pathlib
 import subprocess
-import tempfile
 
 import gi
 
@@ -10,7 +8,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from screen_reader import everything_below, has, wait_for
-from window_test import Scene, options_of, press_key
+from window_test import play, press_key
 
 MOST_STEPS = 40  # more than there are controls
 
@@ -66,15 +64,5 @@ def convert(scene):
     assert program.ended() == 0
 
 
-def main():
-    with tempfile.TemporaryDirectory(prefix="lumetwin-test-") as name:
-        scene = Scene(options_of(), pathlib.Path(name))
-        try:
-            convert(scene)
-        except AssertionError:
-            scene.program.describe()
-            raise
-
-
 if __name__ == "__main__":
-    main()
+    play(convert)

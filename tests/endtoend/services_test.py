@@ -5,10 +5,9 @@ import os
 import pathlib
 import subprocess
 import sys
-import tempfile
 
 from screen_reader import Program, wait_for
-from window_test import Scene, options_of
+from window_test import play
 
 LOGIND = "org.freedesktop.login1.Manager"
 LAUNCHER = "com.canonical.Unity.LauncherEntry"
@@ -114,16 +113,5 @@ def without_services(scene):
     assert "DBus" not in said and "login1" not in said and "portal" not in said, said
 
 
-def main():
-    with tempfile.TemporaryDirectory(prefix="lumetwin-test-") as name:
-        scene = Scene(options_of(), pathlib.Path(name))
-        try:
-            with_services(scene)
-            without_services(scene)
-        except AssertionError:
-            scene.program.describe()
-            raise
-
-
 if __name__ == "__main__":
-    main()
+    play(with_services, without_services)

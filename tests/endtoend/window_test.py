@@ -24,6 +24,7 @@ class Scene:
     def __init__(self, options, folder):
         self.options = options
         self.folder = folder
+        self.program = None
         self.texts = read_texts(options.texts, options.language)
         self.output = folder / "out"
         self.output.mkdir()
@@ -148,18 +149,19 @@ def options_of():
     return parser.parse_args()
 
 
-def main():
+def play(*acts):
+    """Each act with the same scene; what the window shows is told when one fails."""
     options = options_of()
     with tempfile.TemporaryDirectory(prefix="lumetwin-test-") as name:
         scene = Scene(options, pathlib.Path(name))
         try:
-            convert_there_and_back(scene)
-            stop_and_close(scene)
+            for act in acts:
+                act(scene)
         except AssertionError:
-            scene.program.describe()
+            if scene.program:
+                scene.program.describe()
             raise
-    print("both ways, replacing, stopping and closing: as they should be")
 
 
 if __name__ == "__main__":
-    main()
+    play(convert_there_and_back, stop_and_close)
