@@ -64,6 +64,12 @@ DroppedInput classifyDrop(const std::vector<fs::path> &dropped) {
     return {std::nullopt, mediaAmong(dropped)};
 }
 
+DroppedInput classifyChoice(const std::vector<fs::path> &chosen) {
+    if (chosen.size() == 1 && !isFolder(chosen.front()))
+        return {std::nullopt, chosen};
+    return classifyDrop(chosen);
+}
+
 std::vector<fs::path> localFiles(const QByteArray &uriList) {
     std::vector<fs::path> files;
     for (const QByteArray &line : uriList.split('\n'))

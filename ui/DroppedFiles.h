@@ -11,7 +11,7 @@ class QMimeData;
 
 namespace lumetwin {
 
-/// What a drop is taken as: one folder, or media files sorted by name. Neither: nothing usable.
+/// What a drop or a choice is taken as: one folder, or media files sorted by name. Neither: nothing usable.
 struct DroppedInput {
     std::optional<std::filesystem::path> folder;
     std::vector<std::filesystem::path> files;
@@ -25,6 +25,9 @@ std::vector<std::filesystem::path> mediaAmong(const std::vector<std::filesystem:
 
 /// Exactly one folder is taken as it is; everything else as the media among it.
 DroppedInput classifyDrop(const std::vector<std::filesystem::path> &dropped);
+
+/// The same for what was chosen in a panel, where a single file is taken whatever it is.
+DroppedInput classifyChoice(const std::vector<std::filesystem::path> &chosen);
 
 /// The local files of a text/uri-list (RFC 2483), with the bytes of their names as they are in the file system.
 std::vector<std::filesystem::path> localFiles(const QByteArray &uriList);

@@ -185,10 +185,6 @@ void MainViewController::changeEvent(QEvent *event) {
     }
 }
 
-QWidget *MainViewController::documentHolder() const {
-    return scrollView;
-}
-
 bool MainViewController::eventFilter(QObject *watched, QEvent *event) {
     auto *control = qobject_cast<QWidget *>(watched);
     if (control && event->type() == QEvent::FocusIn)

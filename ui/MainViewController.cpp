@@ -1,34 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the form's controls do.
+// How the form keeps the settings in step with its controls, and starts batches.
 #include "ui/MainViewController.h"
 
-#include "engine/InputList.h"
+#include "ui/BatchPresentation.h"
 #include "ui/ColouredButton.h"
-#include "ui/DropFolderView.h"
-#include "ui/DroppedFiles.h"
-#include "ui/ElidedLabel.h"
+#include "ui/FormValues.h"
 #include "ui/Localized.h"
-#include "ui/NumberParsing.h"
-#include "ui/Palettes.h"
-#include "ui/PreflightChecks.h"
 #include "ui/PreflightSequence.h"
-#include "ui/ProgressViewController.h"
 #include "ui/ResizePreview.h"
-#include "ui/SheetOverlay.h"
-#include "ui/SpatialCheck.h"
 #include "ui/ValueSlider.h"
 
 #include <QCheckBox>
-#include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QSignalBlocker>
 
-#include <system_error>
-
 namespace lumetwin {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -36,32 +25,15 @@ namespace {
 void takeFromSlider(double value, const StereoRange &range, double &setting, QLineEdit *field) {
     setting = value;
     const QSignalBlocker quiet(field);
-    field->setText(QString::number(value, 'f', range.decimals));
+    field->setText(fieldText(range, value));
 }
 
-/// Editing a field: a number in the range goes into the setting and moves the slider; anything else does nothing.
+/// Editing a field: what it stands for goes into the setting and moves the slider; anything else does nothing.
 void takeFromField(const QLineEdit *field, const StereoRange &range, double &setting, ValueSlider *slider) {
-    const auto value = parseDecimal(field->text());
-    if (!value || !range.accepts(*value))
-        return;
-    setting = *value;
-    slider->setDoubleValue(*value);
-}
-
-void takeSize(const QLineEdit *field, std::int64_t &setting) {
-    if (const auto size = parseInteger(field->text()); size && *size >= 1)
-        setting = *size;
-}
-
-void commitNumber(const QLineEdit *field, const StereoRange &range, double &setting) {
-    if (const auto value = parseDecimal(field->text()); value && range.accepts(*value))
+    if (const auto value = fieldValue(range, field->text())) {
         setting = *value;
-}
-
-/// The percentage, truncated; a decimal such as 0.29 counts as what it says although its binary form lies below.
-QString qualityText(double quality) {
-    constexpr double binaryError = 1e-9;
-    return QString::number(static_cast<int>(quality * 100 + binaryError)) + QLatin1Char('%');
+        slider->setDoubleValue(*value);
+    }
 }
 
 } // namespace
@@ -72,13 +44,15 @@ MainViewController::MainViewController(FormServices services, QWidget *parent)
     applyFonts();
     applyColours();
     layoutOptionsArea();
+    batch_ = std::make_unique<BatchPresentation>(scrollView, services_);
+    connect(batch_.get(), &BatchPresentation::batchStarted, this, &MainViewController::batchStarted);
+    connect(batch_.get(), &BatchPresentation::batchProgressed, this, &MainViewController::batchProgressed);
+    connect(batch_.get(), &BatchPresentation::batchFinished, this, &MainViewController::batchFinished);
+    connect(batch_.get(), &BatchPresentation::batchEnded, this, &MainViewController::batchEnded);
+    connect(batch_.get(), &BatchPresentation::stateChanged, this, &MainViewController::updateUse);
 }
 
-MainViewController::~MainViewController() {
-    // A batch that still runs must not go on without anybody to see it.
-    if (sheet_ && isConverting())
-        sheet_->runningProcessor()->cancelRequested = true;
-}
+MainViewController::~MainViewController() = default;
 
 void MainViewController::directionChanged(QAbstractButton *sender) {
     const bool toSBS = sender == spatialToSBSButton;
@@ -151,8 +125,7 @@ void MainViewController::enableResizeChanged(bool checked) {
 }
 
 void MainViewController::resizeDimChanged() {
-    takeSize(resizeWidthField, settings->resizeWidth);
-    takeSize(resizeHeightField, settings->resizeHeight);
+    takeSizes();
     updateResizePreview();
 }
 
@@ -165,15 +138,21 @@ void MainViewController::updateResizePreview() {
         resizeWarningLabel->setText(toQString(resizePreview(*settings)));
 }
 
+void MainViewController::takeSizes() {
+    settings->resizeWidth = eyeSize(resizeWidthField->text()).value_or(settings->resizeWidth);
+    settings->resizeHeight = eyeSize(resizeHeightField->text()).value_or(settings->resizeHeight);
+}
+
 void MainViewController::commitFields() {
     settings->enableResize = enableResizeCheck->isChecked();
-    if (settings->enableResize) {
-        takeSize(resizeWidthField, settings->resizeWidth);
-        takeSize(resizeHeightField, settings->resizeHeight);
-    }
-    commitNumber(fovField, fovRange, settings->horizontalFOV);
-    commitNumber(disparityField, disparityRange, settings->disparityAdjustment);
-    commitNumber(baselineField, baselineRange, settings->stereoBaseline);
+    if (settings->enableResize)
+        takeSizes();
+    const auto commit = [](const QLineEdit *field, const StereoRange &range, double &setting) {
+        setting = fieldValue(range, field->text()).value_or(setting);
+    };
+    commit(fovField, fovRange, settings->horizontalFOV);
+    commit(disparityField, disparityRange, settings->disparityAdjustment);
+    commit(baselineField, baselineRange, settings->stereoBaseline);
 }
 
 void MainViewController::turnOnResize() {
@@ -185,141 +164,33 @@ void MainViewController::turnOnResize() {
     resizeWidthField->selectAll();
 }
 
-void MainViewController::setInputFolder(const fs::path &folder) {
-    settings->inputFolderURL = folder;
-    settings->inputFiles.reset();
-    showPath(inputPathLabel, shownPath(folder));
-}
-
-void MainViewController::setInputFiles(const std::vector<fs::path> &files) {
-    settings->inputFiles = files;
-    settings->inputFolderURL.reset();
-    showPath(inputPathLabel, files.size() == 1 ? shownPath(files.front())
-                                               : toQString(filesSelected(static_cast<std::int64_t>(files.size()))));
-}
-
-void MainViewController::setOutputFolder(const fs::path &folder) {
-    settings->outputFolderURL = folder;
-    showPath(outputPathLabel, shownPath(folder));
-}
-
-void MainViewController::showPath(ElidedLabel *label, const QString &path) {
-    label->setText(path);
-    label->setProperty("secondary", false);
-    applyColours();
-}
-
-bool MainViewController::openInput(const std::vector<fs::path> &paths) {
-    return inputDropView->acceptPaths(paths);
-}
-
-void MainViewController::selectInputFolder() {
-    services_.panels->chooseInput(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
-        if (form)
-            form->inputChosen(paths);
-    });
-}
-
-void MainViewController::inputChosen(const std::vector<fs::path> &paths) {
-    std::error_code ignored;
-    if (paths.size() == 1 && fs::is_directory(paths.front(), ignored)) {
-        setInputFolder(paths.front());
-        inputDropView->showFolder(paths.front());
-        return warnOfAVI();
-    }
-    // A single chosen file is taken whatever it is; of several, the media.
-    const std::vector<fs::path> files = paths.size() == 1 ? paths : mediaAmong(paths);
-    if (files.empty())
-        return;
-    setInputFiles(files);
-    inputDropView->showFiles(files);
-    warnOfAVI();
-}
-
-void MainViewController::selectOutputFolder() {
-    services_.panels->chooseOutputFolder(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
-        if (!form || paths.empty())
-            return;
-        form->setOutputFolder(paths.front());
-        form->outputDropView->showFolder(paths.front());
-    });
-}
-
-void MainViewController::warnOfAVI() {
-    if (settings->enableResize || !holdsAVI(inputEntries(*settings)))
-        return;
-    const Alert alert{
-        text("alert.avi.title"), text("alert.avi.message"), {text("alert.avi.enable.resize"), text("button.continue")}};
-    services_.alerts->present(alert, this, [this](int button) {
-        if (button == 0)
-            turnOnResize();
-    });
-}
-
-void MainViewController::checkSpatialMedia() {
-    services_.panels->chooseFileToCheck(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
-        if (form && !paths.empty())
-            checkSpatialFile(paths.front(), form, form->settings, form->services_);
-    });
-}
-
 void MainViewController::startConversion() {
-    if (preflight_ || sheet_ || batchRuns_)
+    if (preflight_ || batch_->state() != BatchPresentation::State::idle)
         return;
     preflight_ = new PreflightSequence(*this, services_);
     preflight_->start();
 }
 
-bool MainViewController::isConverting() const {
-    return sheet_ && sheet_->state() == ProgressViewController::State::running;
-}
-
 void MainViewController::presentProgressSheet() {
-    const QPointer<MainViewController> weak(this);
-    ProgressViewController::Services services{services_.alerts.get(), services_.runBatch,
-                                              [weak] {
-                                                  if (weak)
-                                                      weak->runEnded();
-                                              },
-                                              services_.showInFolder};
-    sheet_ = new ProgressViewController(settings, services);
-    connect(sheet_, &ProgressViewController::dismissed, this, &MainViewController::dismissSheet);
-    connect(sheet_, &ProgressViewController::batchProgressed, this, &MainViewController::batchProgressed);
-    connect(sheet_, &ProgressViewController::batchFinished, this, [this](bool success, const QString &message) {
-        emit batchFinished(success, message);
-        emit batchEnded();
-    });
-    batchRuns_ = true;
-    emit batchStarted();
-    sheet_->viewDidLoad();
-    overlay_ = new SheetOverlay(documentHolder(), sheet_);
-    updateUse();
+    batch_->present(settings);
 }
 
-void MainViewController::dismissSheet() {
-    if (!sheet_)
-        return;
-    if (sheet_->isCancelled())
-        emit batchEnded();
-    sheet_ = nullptr;
-    overlay_->hide();
-    overlay_->deleteLater();
-    updateUse();
+ProgressViewController *MainViewController::progressSheet() const {
+    return batch_->sheet();
 }
 
-void MainViewController::runEnded() {
-    batchRuns_ = false;
-    updateUse();
+bool MainViewController::isConverting() const {
+    return batch_->isConverting();
 }
 
 /// The form is out of use while a sheet covers it, and until a stopped batch, which reads the settings, has ended.
 void MainViewController::updateUse() {
-    const bool usable = !sheet_ && !batchRuns_;
-    const bool stopping = !sheet_ && batchRuns_;
+    const bool usable = batch_->state() == BatchPresentation::State::idle;
+    const bool stopping = batch_->state() == BatchPresentation::State::stopping;
     const QString title = toQString(text(stopping ? "button.stopping" : "button.start.conversion"));
     startButton->setText(stopping ? title : QStringLiteral("▶  ") + title);
     startButton->setAccessibleName(title);
-    documentHolder()->setEnabled(usable);
+    scrollView->setEnabled(usable);
     if (usable)
         startButton->setFocus();
 }

@@ -21,13 +21,13 @@ class QScrollArea;
 
 namespace lumetwin {
 
+class BatchPresentation;
 class ColouredButton;
 class DropFolderView;
 class ElidedLabel;
 class PreflightSequence;
 class ProgressViewController;
 class SectionView;
-class SheetOverlay;
 class ValueSlider;
 
 /// The form of the main window. It keeps every field of its settings record in step with a control, runs the checks
@@ -75,7 +75,7 @@ public:
     void presentProgressSheet();
 
     /// The sheet of the current run; none between runs.
-    ProgressViewController *progressSheet() const { return sheet_; }
+    ProgressViewController *progressSheet() const;
     /// Whether a batch runs that has not been stopped.
     bool isConverting() const;
 
@@ -116,17 +116,15 @@ private:
     void layoutCommon();
     void layoutOptionsArea();
     void showPath(ElidedLabel *label, const QString &path);
-    QWidget *documentHolder() const;
 
     // State
+    void takeSizes();
     void updateResizePreview();
     void setInputFolder(const std::filesystem::path &folder);
     void setInputFiles(const std::vector<std::filesystem::path> &files);
     void inputChosen(const std::vector<std::filesystem::path> &paths);
     void setOutputFolder(const std::filesystem::path &folder);
     void warnOfAVI();
-    void dismissSheet();
-    void runEnded();
     void updateUse();
 
     FormServices services_;
@@ -186,9 +184,7 @@ private:
     QLabel *lblResizeMode = nullptr;
 
     QPointer<PreflightSequence> preflight_;
-    ProgressViewController *sheet_ = nullptr;
-    QPointer<SheetOverlay> overlay_;
-    bool batchRuns_ = false; ///< its thread has not ended yet
+    std::unique_ptr<BatchPresentation> batch_;
 };
 
 } // namespace lumetwin

@@ -3,10 +3,12 @@
 #include "app/Language.h"
 #include "app/WindowSizes.h"
 #include "engine/Texts.h"
+#include "ui/FormValues.h"
 #include "ui/MainFormFrames.h"
 #include "ui/NumberParsing.h"
 #include "ui/Palettes.h"
 #include "ui/Points.h"
+#include "ui/ProgressTexts.h"
 #include "ui/ResizePreview.h"
 
 #include <QApplication>
@@ -34,6 +36,46 @@ TEST(NumberParsing, TakesWholeIntegers) {
     EXPECT_EQ(parseInteger(QStringLiteral("9223372036854775807")), std::numeric_limits<std::int64_t>::max());
     for (const char *text : {"", "9223372036854775808", "19 20", "1920.0", "1e3", "+-1", "px", "١٩"})
         EXPECT_FALSE(parseInteger(QString::fromUtf8(text))) << text;
+}
+
+TEST(FormValues, AreTakenInTheirRange) {
+    EXPECT_EQ(fieldValue(fovRange, QStringLiteral("180")), 180.0);
+    EXPECT_EQ(fieldValue(disparityRange, QStringLiteral("-100")), -100.0);
+    EXPECT_EQ(fieldValue(baselineRange, QStringLiteral("1")), 1.0);
+    for (const char *text : {"9.9", "180.1", "wide", ""})
+        EXPECT_FALSE(fieldValue(fovRange, QString::fromUtf8(text))) << text;
+    EXPECT_EQ(eyeSize(QStringLiteral("1")), 1);
+    for (const char *text : {"0", "-5", "12.5", ""})
+        EXPECT_FALSE(eyeSize(QString::fromUtf8(text))) << text;
+}
+
+TEST(FormValues, AreShownWithTheirDecimals) {
+    EXPECT_EQ(fieldText(fovRange, 90.26), QStringLiteral("90.3"));
+    EXPECT_EQ(fieldText(disparityRange, -12.5), QStringLiteral("-12.50"));
+    EXPECT_EQ(qualityText(0.756), QStringLiteral("75%"));
+    EXPECT_EQ(qualityText(0.29), QStringLiteral("29%"));
+    EXPECT_EQ(qualityText(1), QStringLiteral("100%"));
+}
+
+TEST(ProgressTexts, CountFilesAndFrames) {
+    EXPECT_EQ(fractionOf(0, 0), 0);
+    EXPECT_EQ(fractionOf(120, 100), 1.2);
+    EXPECT_EQ(batchFraction(1, 4, 0.5), 0.375);
+    EXPECT_EQ(batchFraction(1, 4, 1.2), 0.5) << "more frames than announced fill one file";
+    EXPECT_EQ(filesText(2, 3), format("progress.files.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
+    EXPECT_EQ(framesText(16, 0), format("progress.frame.processed.format", std::int64_t(16)));
+    EXPECT_EQ(framesText(2, 3), format("progress.frame.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
+}
+
+TEST(ProgressTexts, TellTheTimeInMinutes) {
+    EXPECT_NE(elapsedText(std::chrono::milliseconds(59999)).find("0:59"), std::string::npos);
+    EXPECT_NE(elapsedText(std::chrono::seconds(3725)).find("62:05"), std::string::npos);
+}
+
+TEST(ProgressTexts, OfferTheOutputsOnlyWhereThereAreSome) {
+    EXPECT_EQ(resultAlert(true, "done", "", true).sideButton, text("button.show.in.folder"));
+    EXPECT_TRUE(resultAlert(true, "done", "", false).sideButton.empty());
+    EXPECT_EQ(resultAlert(false, "done", "a.mov: broken\n", false).details, "a.mov: broken\n");
 }
 
 TEST(MainFormFrames, StandWhereTheyShouldWithoutResizing) {

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The looks of the progress sheet: its widgets, where they stand, its colours.
+#include "ui/BarIndicator.h"
+#include "ui/ColouredButton.h"
+#include "ui/ElidedLabel.h"
+#include "ui/Localized.h"
+#include "ui/Palettes.h"
+#include "ui/ProgressViewController.h"
+
+#include <QEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace lumetwin {
+
+namespace {
+
+constexpr double sheetWidth = 560; // points
+constexpr double sheetHeight = 340;
+constexpr double sheetRadius = 14;
+
+const QColor sheetGround = colour(0.08, 0.09, 0.12);
+const QColor stopRed = colour(0.7, 0.15, 0.15);
+const QColor closeGreen = colour(0.15, 0.5, 0.25);
+const QColor barBlue = colour(0.25, 0.55, 1.0);
+const QColor barGreen = colour(0.3, 0.75, 0.5);
+
+QString buttonTitle(const char *symbol, const std::string &title) {
+    return QString::fromUtf8(symbol) + QStringLiteral("  ") + toQString(title);
+}
+
+} // namespace
+
+void ProgressViewController::loadView() {
+    setObjectName(QStringLiteral("progressSheet"));
+    setAccessibleName(toQString(text("progress.title")));
+}
+
+QLabel *ProgressViewController::addLabel(const char *name, QLabel *label, const QColor &colour) {
+    label->setObjectName(QLatin1String(name));
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(Qt::AlignCenter);
+    setTextColour(label, colour);
+    return label;
+}
+
+void ProgressViewController::buildInterface() {
+    const auto label = [this](const char *name, const std::string &text, const QColor &colour) {
+        return addLabel(name, new ElidedLabel(toQString(text), this), colour);
+    };
+    cancelButton = new ColouredButton(buttonTitle("⏹", text("button.cancel")), 8, this);
+    cancelButton->setObjectName(QStringLiteral("cancelButton"));
+    cancelButton->setAccessibleName(toQString(text("button.cancel")));
+    cancelButton->setColour(stopRed);
+    connect(cancelButton, &QPushButton::clicked, this, &ProgressViewController::buttonPressed);
+    elapsedLabel = label("elapsedLabel", text("progress.elapsed.initial"), white(0.5));
+    fileCountLabel = label("fileCountLabel", "0 / 0", colour(0.5, 0.75, 1.0));
+    overallProgress = new BarIndicator(barBlue, this);
+    overallProgress->setObjectName(QStringLiteral("overallProgress"));
+    overallProgress->setAccessibleName(toQString(text("spoken.overall.progress")));
+    overallLabel = label("overallLabel", text("progress.files.initial"), white(0.55));
+    fileProgressBar = new BarIndicator(barGreen, this);
+    fileProgressBar->setObjectName(QStringLiteral("fileProgressBar"));
+    fileProgressBar->setAccessibleName(toQString(text("spoken.file.progress")));
+    fileProgressBar->setIndeterminate(true);
+    fileProgressLabel = label("fileProgressLabel", text("progress.frame.initial"), colour(0.4, 0.85, 0.6));
+    fileNameLabel = static_cast<ElidedLabel *>(label("fileNameLabel", text("progress.preparing"), white(0.8)));
+    statusLabel = label("statusLabel", text("progress.starting"), white(0.45));
+    titleLabel = label("titleLabel", text("progress.title"), white(1));
+    setFocusProxy(cancelButton);
+    layoutWidgets();
+}
+
+void ProgressViewController::fitInto(QSize room) {
+    const PointScale usual = PointScale::current();
+    scale_ = {std::min(usual.x, room.width() / sheetWidth), std::min(usual.y, room.height() / sheetHeight)};
+    if (titleLabel)
+        layoutWidgets();
+}
+
+void ProgressViewController::layoutWidgets() {
+    const PointScale &scale = scale_;
+    setFixedSize(scale.horizontal(sheetWidth), scale.vertical(sheetHeight));
+    const auto place = [&](QWidget *widget, const PointFrame &frame, double size,
+                           QFont::Weight weight = QFont::Normal) {
+        widget->setFont(scale.font(size, weight));
+        widget->setGeometry(scale.toQt(frame, sheetHeight));
+    };
+    place(cancelButton, {200, 24, 160, 38}, 14, QFont::DemiBold);
+    place(elapsedLabel, {40, 76, 480, 18}, 11);
+    place(fileCountLabel, {40, 102, 480, 20}, 12);
+    place(overallProgress, {40, 128, 480, 14}, 11);
+    place(overallLabel, {40, 148, 480, 18}, 11);
+    place(fileProgressBar, {40, 176, 480, 12}, 11);
+    place(fileProgressLabel, {40, 194, 480, 18}, 11);
+    place(fileNameLabel, {40, 220, 480, 20}, 12);
+    place(statusLabel, {40, 250, 480, 18}, 11);
+    place(titleLabel, {40, 278, 480, 26}, 16, QFont::Bold);
+}
+
+void ProgressViewController::turnIntoCloseButton() {
+    cancelButton->setText(buttonTitle("✓", text("button.close")));
+    cancelButton->setAccessibleName(toQString(text("button.close")));
+    cancelButton->setColour(closeGreen);
+    cancelButton->setFocus();
+}
+
+void ProgressViewController::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && titleLabel)
+        fitInto(parentWidget() ? parentWidget()->size() : size());
+}
+
+void ProgressViewController::paintEvent(QPaintEvent *) {
+    const double radius = sheetRadius * scale_.y;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(sheetGround);
+    painter.drawRoundedRect(rect(), radius, radius);
+}
+
+} // namespace lumetwin
