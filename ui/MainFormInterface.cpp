@@ -104,6 +104,7 @@ void MainViewController::buildInput() {
     };
     inputDropView->onActivated = [this] { selectInputFolder(); };
     inputSelectBtn = named(new QPushButton(local("button.select"), inputSection), "inputSelectBtn");
+    inputSelectBtn->setAccessibleDescription(inputSection->titleLabel->text());
     connect(inputSelectBtn, &QPushButton::clicked, this, &MainViewController::selectInputFolder);
     checkSpatialBtn = named(new QPushButton(local("button.check.spatial"), inputSection), "checkSpatialBtn");
     connect(checkSpatialBtn, &QPushButton::clicked, this, &MainViewController::checkSpatialMedia);
@@ -119,16 +120,16 @@ void MainViewController::buildOutput() {
     outputDropView->onFolderDropped = [this](const auto &folder) { setOutputFolder(folder); };
     outputDropView->onActivated = [this] { selectOutputFolder(); };
     outputSelectBtn = named(new QPushButton(local("button.select.folder"), outputSection), "outputSelectBtn");
+    outputSelectBtn->setAccessibleDescription(outputSection->titleLabel->text());
     connect(outputSelectBtn, &QPushButton::clicked, this, &MainViewController::selectOutputFolder);
     outputPathLabel = named(new ElidedLabel(local("label.not.selected"), outputSection), "outputPathLabel");
     outputPathLabel->setProperty("secondary", true);
 }
 
-QLineEdit *MainViewController::numberField(const char *name, const QString &start, const QString &accessibleName,
-                                           QWidget *parent) {
-    auto *field = named(new QLineEdit(start, parent), name);
+QLineEdit *MainViewController::numberField(const char *name, const QString &start, QLabel *caption) {
+    auto *field = named(new QLineEdit(start, caption->parentWidget()), name);
     field->setAlignment(Qt::AlignRight);
-    field->setAccessibleName(accessibleName);
+    describe(caption, field);
     return field;
 }
 
@@ -139,20 +140,15 @@ void MainViewController::buildSpatialOptions() {
         made->setAccessibleName(caption->text());
         return made;
     };
-    const auto field = [this](const char *name, const QString &start, QLabel *caption) {
-        auto *made = numberField(name, start, caption->text(), spatialOptionsView);
-        describe(caption, made);
-        return made;
-    };
     QWidget *view = spatialOptionsView;
     fovSlider = slider("fovSlider", fovRange, caption(lblFOV, text("option.fov"), view));
-    fovField = field("fovField", QStringLiteral("63.4"), lblFOV);
+    fovField = numberField("fovField", QStringLiteral("63.4"), lblFOV);
     caption(lblFovUnit, "°", view, true);
     disparitySlider = slider("disparitySlider", disparityRange, caption(lblDisparity, text("option.disparity"), view));
-    disparityField = field("disparityField", QStringLiteral("2.00"), lblDisparity);
+    disparityField = numberField("disparityField", QStringLiteral("2.00"), lblDisparity);
     caption(lblDispUnit, "%", view, true);
     baselineSlider = slider("baselineSlider", baselineRange, caption(lblBaseline, text("option.baseline"), view));
-    baselineField = field("baselineField", QStringLiteral("19.24"), lblBaseline);
+    baselineField = numberField("baselineField", QStringLiteral("19.24"), lblBaseline);
     caption(lblBaseUnit, "mm", view, true);
     connect(fovSlider, &ValueSlider::moved, this, &MainViewController::fovSliderChanged);
     connect(disparitySlider, &ValueSlider::moved, this, &MainViewController::disparitySliderChanged);
@@ -199,11 +195,11 @@ void MainViewController::buildCommonOptions() {
     connect(copyAudioCheck, &QCheckBox::toggled, this, &MainViewController::copyAudioChanged);
     enableResizeCheck = named(new QCheckBox(local("option.enable.resize"), view), "enableResizeCheck");
     connect(enableResizeCheck, &QCheckBox::toggled, this, &MainViewController::enableResizeChanged);
-    caption(lblEyeW, text("resize.eye.width"), view);
-    resizeWidthField = numberField("resizeWidthField", QStringLiteral("1920"), lblEyeW->text(), view);
+    resizeWidthField =
+        numberField("resizeWidthField", QStringLiteral("1920"), caption(lblEyeW, text("resize.eye.width"), view));
     caption(lblCross, "×", view, true);
-    caption(lblEyeH, text("resize.eye.height"), view);
-    resizeHeightField = numberField("resizeHeightField", QStringLiteral("1080"), lblEyeH->text(), view);
+    resizeHeightField =
+        numberField("resizeHeightField", QStringLiteral("1080"), caption(lblEyeH, text("resize.eye.height"), view));
     caption(lblPx, "px", view, true);
     for (QLineEdit *field : {resizeWidthField, resizeHeightField}) {
         connect(field, &QLineEdit::textChanged, this, &MainViewController::resizeDimChanged);

@@ -105,7 +105,7 @@ private:
     void buildStartButton();
     void setTabOrders();
     QLabel *caption(QLabel *&label, const std::string &text, QWidget *parent, bool unit = false);
-    QLineEdit *numberField(const char *name, const QString &start, const QString &accessibleName, QWidget *parent);
+    QLineEdit *numberField(const char *name, const QString &start, QLabel *caption);
 
     // Looks and layout
     void applyColours();

@@ -351,19 +351,6 @@ TEST_F(MainForm, AVIWithoutResizingIsWarnedOfAtOnce) {
     EXPECT_EQ(stage.alerts->shown.size(), 2U) << "with resizing on there is nothing to warn of";
 }
 
-TEST_F(MainForm, EveryControlHasAnAccessibleName) {
-    find<QCheckBox>("enableResizeCheck").click();
-    for (const char *direction : {"spatialToSBSButton", "sbsToSpatialButton"}) {
-        find<QRadioButton>(direction).click();
-        for (QWidget *widget : form.findChildren<QWidget *>())
-            if (widget->isVisible() && widget->focusPolicy() != Qt::NoFocus) {
-                const auto *interface = QAccessible::queryAccessibleInterface(widget);
-                EXPECT_FALSE(interface->text(QAccessible::Name).isEmpty())
-                    << widget->metaObject()->className() << " " << widget->objectName().toStdString();
-            }
-    }
-}
-
 TEST_F(MainForm, SlidersTellTheirRealValue) {
     auto *interface = QAccessible::queryAccessibleInterface(&slider("fovSlider"));
     ASSERT_TRUE(interface->valueInterface());
@@ -371,24 +358,6 @@ TEST_F(MainForm, SlidersTellTheirRealValue) {
     EXPECT_EQ(interface->valueInterface()->maximumValue().toDouble(), 180);
     interface->valueInterface()->setCurrentValue(90.0);
     EXPECT_EQ(settings.horizontalFOV, 90);
-}
-
-TEST_F(MainForm, TabFollowsTheEye) {
-    find<QCheckBox>("enableResizeCheck").click();
-    find<QRadioButton>("spatialToSBSButton").setFocus();
-    QPoint before(0, -1);
-    int stops = 0;
-    for (QWidget *start = form.focusWidget(); stops < 40; ++stops) {
-        const QPoint place = form.focusWidget()->mapTo(&form, QPoint());
-        EXPECT_TRUE(place.y() > before.y() - 8 || place.x() > before.x())
-            << form.focusWidget()->objectName().toStdString();
-        before = place;
-        QTest::keyClick(form.focusWidget(), Qt::Key_Tab);
-        settle();
-        if (form.focusWidget() == start)
-            break;
-    }
-    EXPECT_EQ(stops, 16) << "every control of this direction is reached once";
 }
 
 TEST_F(MainForm, WheelScrollsTheFormAndChangesNoMenu) {
