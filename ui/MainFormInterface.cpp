@@ -177,8 +177,9 @@ void MainViewController::buildSBSOptions() {
     photoFormatPopup = popup("photoFormatPopup", allSBSPhotoOutputFormats,
                              caption(lblPhotoFmt, text("option.photo.output.format"), view));
     connect(photoFormatPopup, &QComboBox::currentIndexChanged, this, &MainViewController::photoFormatChanged);
+    caption(lblQuality, text("option.quality"), view);
     compressionSlider = named(new ValueSlider(qualityRange, view), "compressionSlider");
-    describe(caption(lblQuality, text("option.quality"), view), compressionSlider);
+    describe(lblQuality, compressionSlider);
     connect(compressionSlider, &ValueSlider::moved, this, &MainViewController::compressionChanged);
     compressionLabel = named(new QLabel(QStringLiteral("75%"), view), "compressionLabel");
     halfWidthCheck = named(new QCheckBox(local("option.half.width"), view), "halfWidthCheck");
@@ -205,12 +206,13 @@ void MainViewController::buildCommonOptions() {
         connect(field, &QLineEdit::textChanged, this, &MainViewController::resizeDimChanged);
         connect(field, &QLineEdit::editingFinished, this, &MainViewController::resizeDimChanged);
     }
+    caption(lblResizeMode, text("resize.mode.label"), view);
     resizeModePopup = named(new QComboBox(view), "resizeModePopup");
     resizeModePopup->addItem(toQString(text("resize.mode.stretch", "Stretch to output size (ignore aspect ratio)")));
     resizeModePopup->addItem(toQString(text("resize.mode.cropFill", "Preserve aspect ratio (center crop)")));
     resizeModePopup->addItem(toQString(text("resize.mode.letterbox", "Preserve aspect ratio (letterbox)")));
     resizeModePopup->setCurrentIndex(rawValue(ResizeMode::letterbox));
-    describe(caption(lblResizeMode, text("resize.mode.label"), view), resizeModePopup);
+    describe(lblResizeMode, resizeModePopup);
     connect(resizeModePopup, &QComboBox::currentIndexChanged, this, &MainViewController::resizeModeChanged);
     resizeWarningLabel = named(new QLabel(view), "resizeWarningLabel");
     resizeWarningLabel->setWordWrap(true);

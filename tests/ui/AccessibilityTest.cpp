@@ -143,7 +143,7 @@ void expectNamesAndValues(const Things &controls) {
 
 /// Top to bottom, left to right.
 bool readsAfter(const QRect &later, const QRect &earlier) {
-    return sameRow(later, earlier) ? later.left() > earlier.right() : later.top() > earlier.bottom();
+    return sameRow(later, earlier) ? later.left() > earlier.right() : later.center().y() > earlier.bottom();
 }
 
 class Reading : public testing::TestWithParam<const char *> {
@@ -264,6 +264,20 @@ TEST_P(Reading, TheTabulatorFollowsTheEyeAndReachesEverything) {
         std::vector<QWidget *> back = round(Qt::Key_Backtab);
         std::reverse(back.begin() + 1, back.end());
         EXPECT_EQ(back, stops) << "and the other way round";
+    });
+}
+
+TEST_P(Reading, TheTreeReadsAsTheEyeDoes) {
+    inEachState([this] {
+        Things leaves = shownBelow(accessible(find<QWidget>("documentView")));
+        std::erase_if(leaves, [](const QAccessibleInterface *thing) {
+            return !shownBelow(*thing).empty() || !thing->object()->isWidgetType() ||
+                   qobject_cast<DropFolderView *>(thing->object()->parent());
+        });
+        for (std::size_t leaf = 1; leaf < leaves.size(); ++leaf)
+            EXPECT_TRUE(readsAfter(leaves[leaf]->rect(), leaves[leaf - 1]->rect()))
+                << nameOf(*leaves[leaf]) << " after " << nameOf(*leaves[leaf - 1]);
+        EXPECT_GT(leaves.size(), controlsBelow(*form).size()) << "labels are read as well";
     });
 }
 
