@@ -238,6 +238,14 @@ void MainViewController::setTabOrders() {
         setTabOrder(order[i - 1], order[i]);
     for (QWidget *control : order)
         control->installEventFilter(this);
+    updateTabStop();
+}
+
+/// The tabulator stops at the chosen direction, however it was chosen; the toolkit lets it stop at the button that had
+/// the focus last.
+void MainViewController::updateTabStop() {
+    for (QRadioButton *button : {spatialToSBSButton, sbsToSpatialButton})
+        button->setFocusPolicy(button->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 } // namespace lumetwin

@@ -59,6 +59,7 @@ void MainViewController::directionChanged(QAbstractButton *sender) {
     settings->direction = toSBS ? ConversionDirection::spatialToSBS : ConversionDirection::sbsToSpatial;
     spatialToSBSButton->setChecked(toSBS);
     sbsToSpatialButton->setChecked(!toSBS);
+    updateTabStop();
     layoutOptionsArea();
     updateResizePreview();
 }

@@ -104,6 +104,7 @@ private:
     void buildCommonOptions();
     void buildStartButton();
     void setTabOrders();
+    void updateTabStop();
     QLabel *caption(QLabel *&label, const std::string &text, QWidget *parent, bool unit = false);
     QLineEdit *numberField(const char *name, const QString &start, QLabel *caption);
 
