@@ -325,8 +325,7 @@ TEST_P(Reading, WhileTheSheetIsUpItsButtonIsAllThereIsToReach) {
     sheet.conversionFinished(true, "done");
     expectOnlyTheButton("button.close");
     sheet.closeTapped();
-    settle();
-    EXPECT_EQ(controlsBelow(*form).size(), 15U) << "and then the form is back";
+    EXPECT_TRUE(until([this] { return controlsBelow(*form).size() == 15; })) << "and then the form is back";
 }
 
 TEST_P(Reading, ProgressBarsHaveNamesAndValuesInEachOfTheirStates) {
