@@ -7,11 +7,17 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include <algorithm>
+#include <iterator>
+
 namespace lumetwin {
 
 namespace fs = std::filesystem;
 
 namespace {
+
+/// GTK offers a transfer under both names.
+constexpr const char *transferTypes[] = {"application/vnd.portal.filetransfer", "application/vnd.portal.files"};
 
 bool isFolder(const fs::path &path) {
     std::error_code ignored;
@@ -84,15 +90,17 @@ std::vector<fs::path> localFiles(const QMimeData &data) {
 }
 
 QByteArray portalTransferKey(const QMimeData &data) {
-    // GTK offers a transfer under both names.
-    for (const char *type : {"application/vnd.portal.filetransfer", "application/vnd.portal.files"})
+    for (const char *type : transferTypes)
         if (QByteArray key = data.data(QLatin1String(type)); !key.isEmpty())
             return key.endsWith('\0') ? key.chopped(1) : key;
     return {};
 }
 
 bool holdsFiles(const QMimeData &data) {
-    return !localFiles(data).empty() || !portalTransferKey(data).isEmpty();
+    // The key is not asked for yet: its answer may begin a transfer.
+    return !localFiles(data).empty() ||
+           std::any_of(std::begin(transferTypes), std::end(transferTypes),
+                       [&](const char *type) { return data.hasFormat(QLatin1String(type)); });
 }
 
 } // namespace lumetwin
