@@ -100,7 +100,7 @@ int aacSampleRate(double sourceRate);
 /// silence.
 class AudioReader {
 public:
-    /// Throws MediaError when the track cannot be decoded.
+    /// Throws MediaError when the track cannot be decoded or is encrypted; next() does where it is further on.
     AudioReader(const std::filesystem::path &file, const AudioTrack &track, int sampleRate, int channels,
                 double fromTime);
     ~AudioReader();

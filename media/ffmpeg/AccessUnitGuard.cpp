@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/AccessUnitGuard.h"
 
+#include "media/hevc/NalUnits.h"
+#include "media/hevc/SequenceParameterSet.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -9,33 +12,23 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
-// Types of NAL units (ITU-T H.265, table 7-1).
-constexpr int lastSlice = 31;
-constexpr int videoParameterSet = 32;
-constexpr int pictureParameterSet = 34;
-constexpr int delimiter = 35;
-constexpr int endOfSequence = 36;
-constexpr int endOfBitstream = 37;
-constexpr int prefixMessage = 39;
+using Bytes = hevc::NalBytes;
+namespace NalType = hevc::NalType;
 
 // Of the configuration record: bytes before the arrays of NAL units, and the byte that tells the size of lengths.
 constexpr std::size_t beforeArrays = 22;
 constexpr std::size_t lengthSizeByte = 21;
-// A header of two bytes and something behind it.
-constexpr std::size_t smallestUnit = 3;
-
-int typeOf(Bytes unit) {
-    return unit[0] >> 1 & 0x3F;
-}
-
-int layerOf(Bytes unit) {
-    return (unit[0] & 1) << 5 | unit[1] >> 3;
-}
+constexpr std::size_t smallestUnit = hevc::nalHeaderBytes + 1;
 
 bool isReservedSlice(int type) {
-    return (type >= 10 && type <= 15) || (type >= 22 && type <= lastSlice);
+    return (type >= 10 && type <= 15) || (type >= 22 && type <= NalType::lastPicture);
+}
+
+/// Whether a value is the first of its kind or equal to the first.
+bool isTheOnly(int value, std::optional<int> &first) {
+    if (!first)
+        first = value;
+    return *first == value;
 }
 
 std::size_t number(Bytes bytes, std::size_t at, int size) {
@@ -48,14 +41,17 @@ std::size_t number(Bytes bytes, std::size_t at, int size) {
 } // namespace
 
 AccessUnitGuard::AccessUnitGuard(Bytes configuration) {
+    configure(configuration);
+}
+
+void AccessUnitGuard::configure(Bytes configuration) {
     // A record begins with its version, NAL units behind start codes begin with zeros.
     if (configuration.size() > beforeArrays && configuration[0] == 1) {
         readRecord(configuration);
         return;
     }
     for (const Unit &unit : splitByStartCodes(configuration))
-        if (typeOf(configuration.subspan(unit.header)) == videoParameterSet)
-            consistent_ = knows(configuration.subspan(unit.header, unit.end - unit.header)) && consistent_;
+        consistent_ = agrees(configuration.subspan(unit.header, unit.end - unit.header)) && consistent_;
 }
 
 void AccessUnitGuard::readRecord(Bytes record) {
@@ -69,8 +65,8 @@ void AccessUnitGuard::readRecord(Bytes record) {
             if (size > record.size() - at)
                 return;
             const Bytes unit = record.subspan(at, size);
-            if (size >= smallestUnit && typeOf(unit) == videoParameterSet)
-                consistent_ = knows(unit) && consistent_;
+            if (size >= smallestUnit)
+                consistent_ = agrees(unit) && consistent_;
             at += size;
         }
     }
@@ -128,22 +124,22 @@ std::size_t AccessUnitGuard::keep(std::span<std::uint8_t> sample) {
 }
 
 bool AccessUnitGuard::takes(Bytes unit) {
-    const int type = typeOf(unit);
-    const int layer = layerOf(unit);
-    if (type <= lastSlice) {
+    const int type = hevc::nalType(unit);
+    const int layer = hevc::nalLayer(unit);
+    if (type <= NalType::lastPicture) {
         const bool taken = takesSlice(unit, type, layer);
         damaged_ = damaged_ || (!taken && layer <= 1);
         return taken;
     }
-    if (type >= videoParameterSet && type <= pictureParameterSet) {
-        const bool taken = takesParameterSet(unit, type, layer);
+    if (type >= NalType::video && type <= NalType::picture) {
+        const bool taken = takesParameterSet(unit, layer);
         damaged_ = damaged_ || (!taken && layer <= 1);
         return taken;
     }
-    if (type == endOfSequence || type == endOfBitstream)
+    if (type == NalType::endOfSequence || type == NalType::endOfBitstream)
         return true;
     // Messages behind the pictures are checksums; nobody needs them.
-    return (type == prefixMessage || type == delimiter) && stage_ != Stage::second;
+    return (type == NalType::prefixInformation || type == NalType::delimiter) && stage_ != Stage::second;
 }
 
 bool AccessUnitGuard::takesSlice(Bytes unit, int type, int layer) {
@@ -163,17 +159,19 @@ bool AccessUnitGuard::takesSlice(Bytes unit, int type, int layer) {
     return true;
 }
 
-bool AccessUnitGuard::takesParameterSet(Bytes unit, int type, int layer) {
+bool AccessUnitGuard::takesParameterSet(Bytes unit, int layer) {
     if (layer > 1 || stage_ == Stage::second || (stage_ == Stage::base && layer == 0))
         return false;
-    return type != videoParameterSet || knows(unit);
+    return agrees(unit);
 }
 
-bool AccessUnitGuard::knows(Bytes unit) {
-    const int id = unit[2] >> 4; // vps_video_parameter_set_id
-    if (!videoParameterSet_)
-        videoParameterSet_ = id;
-    return *videoParameterSet_ == id;
+bool AccessUnitGuard::agrees(Bytes unit) {
+    if (hevc::nalType(unit) == NalType::video)
+        return isTheOnly(unit[2] >> 4, videoParameterSet_); // vps_video_parameter_set_id
+    if (hevc::nalType(unit) != NalType::sequence)
+        return true;
+    const auto set = hevc::readSequenceParameterSet(unit);
+    return set && isTheOnly(set->smallestCodingBlock, smallestCodingBlock_);
 }
 
 } // namespace lumetwin::media::ffmpeg

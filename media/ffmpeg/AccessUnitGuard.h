@@ -19,8 +19,12 @@ public:
     /// codes. It tells how samples are split.
     explicit AccessUnitGuard(std::span<const std::uint8_t> configuration);
 
-    /// Whether the configuration names one video parameter set, as a stream of two views does. The decoder does not
-    /// survive layers that belong to different ones.
+    /// Takes over another configuration in mid-stream.
+    void configure(std::span<const std::uint8_t> configuration);
+
+    /// Whether the configurations name one video parameter set and one size of the smallest coding block, as a stream
+    /// of two views does. The decoder survives neither layers that belong to different sets nor a second view that
+    /// looks up motion in a finer grid than the first one's.
     bool consistent() const { return consistent_; }
 
     /// Moves what is kept of a sample to its beginning; returns its size.
@@ -43,11 +47,12 @@ private:
     static std::vector<Unit> splitByStartCodes(std::span<const std::uint8_t> sample);
     bool takes(std::span<const std::uint8_t> unit);
     bool takesSlice(std::span<const std::uint8_t> unit, int type, int layer);
-    bool takesParameterSet(std::span<const std::uint8_t> unit, int type, int layer);
-    bool knows(std::span<const std::uint8_t> videoParameterSet);
+    bool takesParameterSet(std::span<const std::uint8_t> unit, int layer);
+    bool agrees(std::span<const std::uint8_t> parameterSet);
 
     int lengthSize_ = 0; ///< bytes; 0: start codes
     std::optional<int> videoParameterSet_;
+    std::optional<int> smallestCodingBlock_; ///< luma samples on a side, as a power of two
     bool consistent_ = true;
     bool damaged_ = false;
     Stage stage_ = Stage::before;

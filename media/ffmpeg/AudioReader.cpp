@@ -60,6 +60,7 @@ struct AudioReader::State {
             if (static_cast<int>(index) != stream)
                 input->streams[index]->discard = AVDISCARD_ALL;
         check(avcodec_open2(decoder.get(), decoder->codec, nullptr), file, "Cannot decode the sound of");
+        sendPacket();
     }
 
     ~State() { av_channel_layout_uninit(&sourceLayout); }
@@ -103,6 +104,9 @@ struct AudioReader::State {
                 break;
             if (packet->stream_index != stream)
                 continue;
+            // Decoded as it stands it would be noise.
+            if (ffmpeg::isEncrypted(*packet))
+                throw MediaError(file, "Cannot decode the sound of", AVERROR(EACCES), "it is encrypted");
             avcodec_send_packet(decoder.get(), packet.get());
             return;
         }

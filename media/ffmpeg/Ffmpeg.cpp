@@ -34,6 +34,10 @@ Packet makePacket() {
     return packet;
 }
 
+bool isEncrypted(const AVPacket &packet) {
+    return av_packet_get_side_data(&packet, AV_PKT_DATA_ENCRYPTION_INFO, nullptr) != nullptr;
+}
+
 std::string words(int code) {
     char buffer[AV_ERROR_MAX_STRING_SIZE] = {};
     av_strerror(code, buffer, sizeof buffer);

@@ -44,6 +44,8 @@ using Scaler = std::unique_ptr<SwsContext, Deleter>;
 
 FramePointer makeFrame();
 Packet makePacket();
+/// Whether a packet's bytes are locked (common encryption, ISO/IEC 23001-7).
+bool isEncrypted(const AVPacket &packet);
 
 /// FFmpeg's words for an error code.
 std::string words(int code);

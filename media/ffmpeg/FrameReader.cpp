@@ -54,10 +54,6 @@ StereoView viewOrConvention(const AVFrame &frame, bool bothViews) {
     return viewId(frame) == 0 ? StereoView::left : StereoView::right;
 }
 
-bool isEncrypted(const AVPacket &packet) {
-    return av_packet_get_side_data(&packet, AV_PKT_DATA_ENCRYPTION_INFO, nullptr) != nullptr;
-}
-
 } // namespace
 
 struct FrameReader::State {
@@ -85,7 +81,7 @@ struct FrameReader::State {
           cropping(ffmpeg::cropping(*demuxer->streams[track.index]->codecpar)),
           decoder(ffmpeg::makeDecoder(file, *demuxer->streams[track.index])) {
         openDecoder();
-        readFirstPacket();
+        packetWaits = readPacket();
     }
 
     void openDecoder() {
@@ -102,17 +98,15 @@ struct FrameReader::State {
     void askForBothViews() {
         check(av_opt_set(decoder->priv_data, "view_ids", "-1", 0), file, "Cannot decode");
         guard.emplace(std::span(decoder->extradata, static_cast<std::size_t>(decoder->extradata_size)));
+        requireConsistency();
+    }
+
+    void requireConsistency() const {
         if (!guard->consistent())
             throw MediaError(file, "Cannot decode", AVERROR_INVALIDDATA, "its parameter sets contradict each other");
     }
 
-    void readFirstPacket() {
-        packetWaits = readPacket();
-        if (packetWaits && isEncrypted(*packet))
-            throw MediaError(file, "Cannot decode", AVERROR(EACCES), "the movie is encrypted");
-    }
-
-    /// The next packet of the track; false at the end, also where the file ends early.
+    /// The next packet of the track; false at the end, also where the file ends early. Throws where it is encrypted.
     bool readPacket() {
         for (;;) {
             av_packet_unref(packet.get());
@@ -128,13 +122,21 @@ struct FrameReader::State {
             if (packet->flags & AV_PKT_FLAG_CORRUPT)
                 damaged = true;
             ++packetsRead;
-            if (!guard || isEncrypted(*packet) || guardPacket())
+            // Whatever is in the clear at the beginning, a film without its rest serves nobody.
+            if (ffmpeg::isEncrypted(*packet))
+                throw MediaError(file, "Cannot decode", AVERROR(EACCES), "the movie is encrypted");
+            if (!guard || guardPacket())
                 return true;
         }
     }
 
     /// Leaves in the packet what the decoder of two views survives; false when that is nothing.
     bool guardPacket() {
+        std::size_t newSize = 0;
+        if (const auto *changed = av_packet_get_side_data(packet.get(), AV_PKT_DATA_NEW_EXTRADATA, &newSize)) {
+            guard->configure({changed, newSize});
+            requireConsistency();
+        }
         check(av_packet_make_writable(packet.get()), file, "Cannot decode");
         const auto size = static_cast<std::size_t>(packet->size);
         const std::size_t kept = guard->keep({packet->data, size});

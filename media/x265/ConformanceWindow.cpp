@@ -1,26 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/x265/ConformanceWindow.h"
 
+#include "media/hevc/BitReader.h"
+
 #include <algorithm>
 #include <bit>
 
 namespace lumetwin::media::x265 {
 
 namespace {
-
-std::vector<std::uint8_t> withoutEmulationPrevention(NalBytes unit) {
-    std::vector<std::uint8_t> bytes;
-    int zeros = 0;
-    for (const std::uint8_t byte : unit) {
-        if (zeros >= 2 && byte == 3) {
-            zeros = 0;
-            continue;
-        }
-        zeros = byte == 0 ? zeros + 1 : 0;
-        bytes.push_back(byte);
-    }
-    return bytes;
-}
 
 std::vector<std::uint8_t> withEmulationPrevention(const std::vector<std::uint8_t> &bytes) {
     std::vector<std::uint8_t> unit;
@@ -35,53 +23,6 @@ std::vector<std::uint8_t> withEmulationPrevention(const std::vector<std::uint8_t
     }
     return unit;
 }
-
-/// Reads bits; past the end it reads zeros and remembers.
-class BitReader {
-public:
-    explicit BitReader(const std::vector<std::uint8_t> &bytes) : bytes_(bytes) {}
-
-    std::uint32_t bits(int count) {
-        std::uint32_t value = 0;
-        for (; count > 0; --count)
-            value = value << 1 | bit();
-        return value;
-    }
-
-    std::uint32_t number() {
-        int zeros = 0;
-        while (bit() == 0)
-            if (++zeros > 31 || beyond_)
-                return beyond_ = true, 0;
-        return (1u << zeros) - 1 + bits(zeros);
-    }
-
-    /// Whether the next bits have the given value.
-    bool expect(int count, std::uint32_t value) { return bits(count) == value; }
-    bool expectNumber(std::uint32_t value) { return number() == value; }
-    void skip(int count) { moveTo(position_ + static_cast<std::size_t>(count)); }
-    void align() { moveTo((position_ + 7) / 8 * 8); }
-    std::size_t position() const { return position_; }
-    bool good() const { return !beyond_; }
-
-private:
-    std::uint32_t bit() {
-        if (position_ / 8 >= bytes_.size())
-            return beyond_ = true, 0;
-        const std::uint32_t value = bytes_[position_ / 8] >> (7 - position_ % 8) & 1u;
-        ++position_;
-        return value;
-    }
-
-    void moveTo(std::size_t position) {
-        beyond_ = beyond_ || position > bytes_.size() * 8;
-        position_ = std::min(position, bytes_.size() * 8);
-    }
-
-    const std::vector<std::uint8_t> &bytes_;
-    std::size_t position_ = 0;
-    bool beyond_ = false;
-};
 
 class BitWriter {
 public:
@@ -118,7 +59,7 @@ struct WindowPlace {
     std::uint32_t height;
 };
 
-std::optional<WindowPlace> windowOfSequence(BitReader &reader) {
+std::optional<WindowPlace> windowOfSequence(hevc::BitReader &reader) {
     reader.skip(headerBits + 4);
     if (!reader.expect(3, 0))
         return std::nullopt;
@@ -132,7 +73,7 @@ std::optional<WindowPlace> windowOfSequence(BitReader &reader) {
 }
 
 /// The base part of a video parameter set of two layers in one layer set, up to its extension.
-bool skipToExtension(BitReader &reader) {
+bool skipToExtension(hevc::BitReader &reader) {
     reader.skip(headerBits + 4 + 1 + 1);
     const bool twoLayers = reader.expect(6, 1) && reader.expect(3, 0);
     reader.skip(1 + 16 + profileBits + levelBits + 1);
@@ -145,7 +86,7 @@ bool skipToExtension(BitReader &reader) {
 }
 
 /// The extension's scalability part: one type, multiview.
-bool skipScalability(BitReader &reader) {
+bool skipScalability(hevc::BitReader &reader) {
     reader.skip(levelBits);
     if (!reader.expect(1, 0) || !reader.expect(16, 0x4000))
         return false;
@@ -158,7 +99,7 @@ bool skipScalability(BitReader &reader) {
     return reader.expect(1, 1); // layer 1 depends on layer 0
 }
 
-std::optional<WindowPlace> windowOfVideo(BitReader &reader) {
+std::optional<WindowPlace> windowOfVideo(hevc::BitReader &reader) {
     if (!skipToExtension(reader) || !skipScalability(reader) || !reader.expect(2, 0))
         return std::nullopt;
     reader.skip(1);
@@ -180,10 +121,9 @@ std::optional<WindowPlace> windowOfVideo(BitReader &reader) {
 
 } // namespace
 
-std::optional<std::vector<std::uint8_t>> withConformanceWindow(NalBytes unit, int width, int height) {
-    const std::vector<std::uint8_t> bytes = withoutEmulationPrevention(unit);
-    BitReader reader(bytes);
-    const auto place = nalType(unit) == NalType::video ? windowOfVideo(reader) : windowOfSequence(reader);
+std::optional<std::vector<std::uint8_t>> withConformanceWindow(hevc::NalBytes unit, int width, int height) {
+    hevc::BitReader reader(unit);
+    const auto place = hevc::nalType(unit) == hevc::NalType::video ? windowOfVideo(reader) : windowOfSequence(reader);
     const auto shownWidth = static_cast<std::uint32_t>(width);
     const auto shownHeight = static_cast<std::uint32_t>(height);
     if (!place || !reader.good() || place->width < shownWidth || place->height < shownHeight)
@@ -192,18 +132,23 @@ std::optional<std::vector<std::uint8_t>> withConformanceWindow(NalBytes unit, in
         for (int side = 0; side < 4; ++side)
             reader.number();
     BitWriter writer;
-    BitReader start(bytes);
+    hevc::BitReader start(unit);
     while (start.position() < place->position)
         writer.bit(start.bits(1));
     writer.bit(1);
     for (const std::uint32_t offset : {0u, (place->width - shownWidth) / 2, 0u, (place->height - shownHeight) / 2})
         writer.number(offset);
     // The rest up to and including the stop bit, which is the last one that is set.
-    std::size_t end = bytes.size() * 8;
-    while (end > reader.position() && !(bytes[(end - 1) / 8] >> (7 - (end - 1) % 8) & 1))
-        --end;
-    while (reader.position() < end)
-        writer.bit(reader.bits(1));
+    std::size_t pending = 0; // zeros that may turn out to be behind it
+    while (reader.position() < reader.size()) {
+        if (!reader.bits(1)) {
+            ++pending;
+            continue;
+        }
+        for (; pending > 0; --pending)
+            writer.bit(0);
+        writer.bit(1);
+    }
     if (!reader.good())
         return std::nullopt;
     return withEmulationPrevention(writer.take());

@@ -3,9 +3,9 @@
 
 #include "media/MediaError.h"
 #include "media/Padding.h"
+#include "media/hevc/NalUnits.h"
 #include "media/x265/CodingLevel.h"
 #include "media/x265/ConformanceWindow.h"
-#include "media/x265/NalUnits.h"
 #include "media/x265/StereoRateLoop.h"
 
 #include <x265.h>
@@ -116,8 +116,8 @@ void setRate(x265_param &parameters, const CodingLevel &level, double baseRate) 
     parameters.bConfigRCFrame = 1;
 }
 
-NalBytes bytesOf(const x265_nal &nal) {
-    return withoutStartCode({nal.payload, nal.sizeBytes});
+hevc::NalBytes bytesOf(const x265_nal &nal) {
+    return hevc::withoutStartCode({nal.payload, nal.sizeBytes});
 }
 
 } // namespace
@@ -172,21 +172,21 @@ struct StereoEncoder::State {
         if (x265_encoder_headers(encoder.get(), &nals, &count) < 0)
             throw error(0, "no parameter sets");
         for (std::uint32_t index = 0; index < count; ++index) {
-            const NalBytes unit = bytesOf(nals[index]);
-            if (nalType(unit) == NalType::prefixInformation)
+            const hevc::NalBytes unit = bytesOf(nals[index]);
+            if (hevc::nalType(unit) == hevc::NalType::prefixInformation)
                 continue;
-            const bool holdsWindow =
-                nalType(unit) == NalType::video || (nalType(unit) == NalType::sequence && nalLayer(unit) == 0);
-            appendAnnexB(parameterSets, unit);
+            const bool holdsWindow = hevc::nalType(unit) == hevc::NalType::video ||
+                                     (hevc::nalType(unit) == hevc::NalType::sequence && hevc::nalLayer(unit) == 0);
+            hevc::appendAnnexB(parameterSets, unit);
             if (!holdsWindow || (format.width >= smallestSide && format.height >= smallestSide))
                 continue;
             const auto smaller = withConformanceWindow(unit, format.width, format.height);
             if (!smaller)
                 throw error(0, "unexpected parameter sets");
             parameterSets.resize(parameterSets.size() - unit.size() - 4);
-            appendAnnexB(parameterSets, *smaller);
+            hevc::appendAnnexB(parameterSets, *smaller);
         }
-        appendAnnexB(parameterSets, referenceDisplays);
+        hevc::appendAnnexB(parameterSets, referenceDisplays);
     }
 
     int reordering() const { return parameters->bframes > 1 && parameters->bBPyramid ? 2 : parameters->bframes > 0; }
@@ -227,14 +227,14 @@ struct StereoEncoder::State {
         return true;
     }
 
-    static void collect(NalBytes nal, AccessUnit &unit, std::array<double, 2> &bits) {
-        const int type = nalType(nal);
-        const int layer = std::min(nalLayer(nal), 1);
-        if (type > NalType::lastPicture && type != NalType::suffixInformation)
+    static void collect(hevc::NalBytes nal, AccessUnit &unit, std::array<double, 2> &bits) {
+        const int type = hevc::nalType(nal);
+        const int layer = std::min(hevc::nalLayer(nal), 1);
+        if (type > hevc::NalType::lastPicture && type != hevc::NalType::suffixInformation)
             return;
-        if (layer == 0 && type >= NalType::firstRandomAccess && type <= NalType::lastRandomAccess)
+        if (layer == 0 && type >= hevc::NalType::firstRandomAccess && type <= hevc::NalType::lastRandomAccess)
             unit.keyFrame = true;
-        appendAnnexB(unit.bytes, nal);
+        hevc::appendAnnexB(unit.bytes, nal);
         bits[static_cast<std::size_t>(layer)] += 8.0 * static_cast<double>(nal.size() + 4);
     }
 

@@ -3,8 +3,8 @@
 
 #include "media/MediaError.h"
 #include "media/Padding.h"
+#include "media/hevc/NalUnits.h"
 #include "media/x265/ConformanceWindow.h"
-#include "media/x265/NalUnits.h"
 
 #include <x265.h>
 
@@ -92,7 +92,7 @@ Parameters parametersFor(const std::filesystem::path &file, const Picture &pictu
 }
 
 std::vector<std::uint8_t> bytesOf(const x265_nal &nal) {
-    const NalBytes unit = withoutStartCode({nal.payload, nal.sizeBytes});
+    const hevc::NalBytes unit = hevc::withoutStartCode({nal.payload, nal.sizeBytes});
     return {unit.begin(), unit.end()};
 }
 
@@ -104,9 +104,9 @@ void collectParameterSets(const std::filesystem::path &file, x265_encoder *encod
         fail(file, 0, "the encoder gave no parameter sets");
     for (std::uint32_t index = 0; index < count; ++index) {
         std::vector<std::uint8_t> unit = bytesOf(nals[index]);
-        if (nalType(unit) > NalType::picture)
+        if (hevc::nalType(unit) > hevc::NalType::picture)
             continue;
-        if (cropped && nalType(unit) == NalType::sequence) {
+        if (cropped && hevc::nalType(unit) == hevc::NalType::sequence) {
             auto window = withConformanceWindow(unit, still.width, still.height);
             if (!window)
                 fail(file, 0, "the encoder gave unexpected parameter sets");
@@ -118,7 +118,7 @@ void collectParameterSets(const std::filesystem::path &file, x265_encoder *encod
 
 void collectSlices(const x265_nal *nals, std::uint32_t count, CodedStill &still) {
     for (std::uint32_t index = 0; index < count; ++index)
-        if (std::vector<std::uint8_t> unit = bytesOf(nals[index]); nalType(unit) <= NalType::lastPicture)
+        if (std::vector<std::uint8_t> unit = bytesOf(nals[index]); hevc::nalType(unit) <= hevc::NalType::lastPicture)
             still.slices.push_back(std::move(unit));
 }
 

@@ -2,6 +2,7 @@
 #include "media/ffmpeg/AccessUnitGuard.h"
 
 #include "tests/media/bmff/BoxBuilder.h"
+#include "tests/media/hevc/SequenceSets.h"
 
 #include <gtest/gtest.h>
 
@@ -10,11 +11,12 @@ namespace {
 
 using test::Bytes;
 using test::joined;
+using test::sequenceUnit;
+using test::shortSequenceUnit;
 
 constexpr int trail = 1;
 constexpr int idr = 19;
 constexpr int video = 32;
-constexpr int sequence = 33;
 constexpr int picture = 34;
 constexpr int prefixMessage = 39;
 constexpr int suffixMessage = 40;
@@ -74,8 +76,8 @@ TEST(AccessUnitGuard, leavesWholeAccessUnitsAlone) {
     expectUntouched({base});
     expectUntouched({unit(prefixMessage, 0), unit(idr, 0), unit(21, 1)});
     expectUntouched({base, unit(trail, 0, notFirst), second, unit(trail, 1, notFirst)});
-    expectUntouched({unit(35, 0), unit(video, 0, 0), unit(sequence, 0), unit(picture, 0), unit(idr, 0),
-                     unit(sequence, 1), unit(picture, 1), unit(prefixMessage, 1), unit(idr, 1), unit(36, 0)});
+    expectUntouched({unit(35, 0), unit(video, 0, 0), sequenceUnit({}), unit(picture, 0), unit(idr, 0),
+                     shortSequenceUnit(1, 3), unit(picture, 1), unit(prefixMessage, 1), unit(idr, 1), unit(36, 0)});
 }
 
 TEST(AccessUnitGuard, leavesOutWhatComesBeforeTheBaseLayer) {
@@ -99,8 +101,7 @@ TEST(AccessUnitGuard, leavesOutSlicesOfAnotherKindThanThePictures) {
 }
 
 TEST(AccessUnitGuard, leavesOutParameterSetsBehindTheirPictures) {
-    EXPECT_EQ(keep({base, unit(picture, 0), second, unit(picture, 1), unit(sequence, 0)}).bytes,
-              sample({base, second}));
+    EXPECT_EQ(keep({base, unit(picture, 0), second, unit(picture, 1), sequenceUnit({})}).bytes, sample({base, second}));
     EXPECT_TRUE(keep({base, second, unit(picture, 1)}).damaged);
 }
 
@@ -114,6 +115,29 @@ TEST(AccessUnitGuard, knowsOneVideoParameterSet) {
     EXPECT_TRUE(AccessUnitGuard(record({unit(video, 0, 0x20), unit(video, 0, 0x2F)})).consistent());
     EXPECT_FALSE(AccessUnitGuard(record({unit(video, 0, 0x00), unit(video, 0, 0x10)})).consistent());
     EXPECT_EQ(keep({unit(video, 0, 0x10), unit(video, 0, 0x0C), base}).bytes, sample({unit(video, 0, 0x0C), base}));
+}
+
+TEST(AccessUnitGuard, knowsOneSizeOfTheSmallestCodingBlock) {
+    const Bytes sixteen = sequenceUnit({.smallestCodingBlock = 4});
+    EXPECT_TRUE(AccessUnitGuard(record({sixteen, shortSequenceUnit(1, 4)})).consistent());
+    EXPECT_FALSE(AccessUnitGuard(record({sixteen, shortSequenceUnit(1, 3)})).consistent());
+    EXPECT_FALSE(AccessUnitGuard(record({sixteen, sequenceUnit({.layer = 1})})).consistent());
+    EXPECT_FALSE(AccessUnitGuard(record({sixteen, {33 << 1, 9, 0x80, 0}})).consistent()) << "damaged";
+    AccessUnitGuard guard(record({sixteen}));
+    EXPECT_EQ(keep(guard, sample({base, shortSequenceUnit(1, 3), second})).bytes, sample({base, second}));
+    EXPECT_TRUE(guard.damaged());
+}
+
+TEST(AccessUnitGuard, takesOverAnotherConfiguration) {
+    AccessUnitGuard guard(record({unit(video, 0, 0), sequenceUnit({})}));
+    Bytes other = record({sequenceUnit({})});
+    other[21] = 1; // lengths of two bytes
+    guard.configure(other);
+    EXPECT_TRUE(guard.consistent());
+    const Bytes shortLengths = joined({test::number(base.size(), 2), base});
+    EXPECT_EQ(keep(guard, shortLengths).bytes, shortLengths);
+    guard.configure(record({shortSequenceUnit(1, 4)}));
+    EXPECT_FALSE(guard.consistent());
 }
 
 TEST(AccessUnitGuard, readsUpToALengthThatLies) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/MediaError.h"
 #include "media/MovieReader.h"
 #include "tests/support/TestMedia.h"
 
@@ -67,6 +68,19 @@ TEST(AudioReader, mixesSixChannelsDownToTwo) {
     }
     EXPECT_GT(left / static_cast<double>(samples.size() / 2), 1500);
     EXPECT_NEAR(left, right, left * 0.01);
+}
+
+TEST(AudioReader, refusesAnEncryptedTrack) {
+    const TemporaryFolder folder;
+    ffmpeg({"-f", "lavfi", "-i", clickAtHalfASecond, "-c:a", "aac", "-encryption_scheme", "cenc-aes-ctr",
+            "-encryption_key", "00112233445566778899aabbccddeeff", "-encryption_kid",
+            "112233445566778899aabbccddeeff00", (folder / "secret.mp4").string()});
+    try {
+        readAll(folder / "secret.mp4", 48000, 1);
+        FAIL();
+    } catch (const MediaError &error) {
+        EXPECT_STREQ(error.what(), "Cannot decode the sound of secret.mp4: it is encrypted");
+    }
 }
 
 TEST(AudioReader, resamples) {

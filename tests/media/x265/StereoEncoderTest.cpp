@@ -2,8 +2,8 @@
 #include "media/x265/StereoEncoder.h"
 
 #include "media/MediaError.h"
+#include "media/hevc/NalUnits.h"
 #include "media/x265/ConformanceWindow.h"
-#include "media/x265/NalUnits.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -64,15 +64,15 @@ Encoded encode(const StereoFormat &format, int frames, int noise = 6) {
     return result;
 }
 
-std::vector<NalBytes> unitsOf(const std::vector<std::uint8_t> &stream) {
+std::vector<hevc::NalBytes> unitsOf(const std::vector<std::uint8_t> &stream) {
     std::vector<std::size_t> starts;
     for (std::size_t at = 0; at + 3 < stream.size(); ++at)
         if (stream[at] == 0 && stream[at + 1] == 0 && stream[at + 2] == 0 && stream[at + 3] == 1)
             starts.push_back(at);
     starts.push_back(stream.size());
-    std::vector<NalBytes> units;
+    std::vector<hevc::NalBytes> units;
     for (std::size_t index = 0; index + 1 < starts.size(); ++index)
-        units.push_back(NalBytes(stream).subspan(starts[index] + 4, starts[index + 1] - starts[index] - 4));
+        units.push_back(hevc::NalBytes(stream).subspan(starts[index] + 4, starts[index + 1] - starts[index] - 4));
     return units;
 }
 
@@ -108,10 +108,10 @@ TEST(StereoEncoder, FinishesOnlyOnce) {
 TEST(StereoEncoder, GivesTheParameterSetsOfBothLayersAndTheEyesOfTheViews) {
     const Encoded encoded = encode(formatOf(128, 96), 1);
     std::vector<std::pair<int, int>> kinds;
-    for (const NalBytes unit : unitsOf(encoded.parameterSets))
-        kinds.emplace_back(nalType(unit), nalLayer(unit));
+    for (const hevc::NalBytes unit : unitsOf(encoded.parameterSets))
+        kinds.emplace_back(hevc::nalType(unit), hevc::nalLayer(unit));
     EXPECT_EQ(kinds, (std::vector<std::pair<int, int>>{{32, 0}, {33, 0}, {33, 1}, {34, 0}, {34, 1}, {39, 0}}));
-    const NalBytes eyes = unitsOf(encoded.parameterSets).back();
+    const hevc::NalBytes eyes = unitsOf(encoded.parameterSets).back();
     EXPECT_EQ(std::vector<std::uint8_t>(eyes.begin(), eyes.end()),
               (std::vector<std::uint8_t>{0x4E, 0x01, 0xB0, 0x04, 0x04, 0x0D, 0x00, 0x20, 0x80}));
 }
@@ -122,11 +122,11 @@ TEST(StereoEncoder, PutsBothLayersAndNothingElseIntoEachAccessUnit) {
     for (const AccessUnit &access : encoded.units) {
         const auto units = unitsOf(access.bytes);
         ASSERT_EQ(units.size(), 2U);
-        EXPECT_EQ(nalLayer(units[0]), 0);
-        EXPECT_EQ(nalLayer(units[1]), 1);
-        EXPECT_LT(nalType(units[0]), 32);
-        EXPECT_LT(nalType(units[1]), 32);
-        EXPECT_EQ(access.keyFrame, nalType(units[0]) >= 16 && nalType(units[0]) <= 21);
+        EXPECT_EQ(hevc::nalLayer(units[0]), 0);
+        EXPECT_EQ(hevc::nalLayer(units[1]), 1);
+        EXPECT_LT(hevc::nalType(units[0]), 32);
+        EXPECT_LT(hevc::nalType(units[1]), 32);
+        EXPECT_EQ(access.keyFrame, hevc::nalType(units[0]) >= 16 && hevc::nalType(units[0]) <= 21);
         keyFrames += access.keyFrame;
     }
     EXPECT_TRUE(encoded.units[0].keyFrame);
@@ -139,8 +139,8 @@ TEST(StereoEncoder, PredictsTheRightViewFromTheLeft) {
     double base = 0;
     double enhancement = 0;
     const auto sink = [&](const AccessUnit &access) {
-        for (const NalBytes unit : unitsOf(access.bytes))
-            (nalLayer(unit) == 0 ? base : enhancement) += static_cast<double>(unit.size());
+        for (const hevc::NalBytes unit : unitsOf(access.bytes))
+            (hevc::nalLayer(unit) == 0 ? base : enhancement) += static_cast<double>(unit.size());
     };
     for (int frame = 0; frame < 8; ++frame) {
         const Picture view = scene(256, 192, frame, false);
@@ -249,7 +249,7 @@ TEST(ConformanceWindow, IsNothingForAnythingButTwoViewParameterSets) {
     EXPECT_FALSE(withConformanceWindow(std::vector<std::uint8_t>{0x42, 0x01, 0, 0}, 10, 10));
     EXPECT_FALSE(withConformanceWindow(std::vector<std::uint8_t>(64, 0xFF), 10, 10));
     const Encoded encoded = encode(formatOf(128, 96), 0);
-    const NalBytes video = unitsOf(encoded.parameterSets)[0];
+    const hevc::NalBytes video = unitsOf(encoded.parameterSets)[0];
     EXPECT_FALSE(withConformanceWindow(video, 130, 96)) << "larger than the coded picture";
     for (std::size_t size = 2; size < video.size(); ++size)
         EXPECT_FALSE(withConformanceWindow(video.first(size), 64, 64) && size < video.size() / 2) << size;
@@ -258,7 +258,7 @@ TEST(ConformanceWindow, IsNothingForAnythingButTwoViewParameterSets) {
 TEST(ConformanceWindow, OfTheWholePictureIsEmptyAndChangesNothingElse) {
     const Encoded encoded = encode(formatOf(64, 50), 0);
     for (const int index : {0, 1}) {
-        const NalBytes unit = unitsOf(encoded.parameterSets)[static_cast<std::size_t>(index)];
+        const hevc::NalBytes unit = unitsOf(encoded.parameterSets)[static_cast<std::size_t>(index)];
         const auto again = withConformanceWindow(unit, 64, 50);
         ASSERT_TRUE(again);
         EXPECT_EQ(*again, std::vector<std::uint8_t>(unit.begin(), unit.end()));

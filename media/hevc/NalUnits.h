@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-namespace lumetwin::media::x265 {
+namespace lumetwin::media::hevc {
 
 /// Types of NAL units (ITU-T H.265, table 7-1).
 namespace NalType {
@@ -15,11 +15,16 @@ inline constexpr int lastPicture = 31;
 inline constexpr int video = 32; ///< parameter sets
 inline constexpr int sequence = 33;
 inline constexpr int picture = 34;
+inline constexpr int delimiter = 35;
+inline constexpr int endOfSequence = 36;
+inline constexpr int endOfBitstream = 37;
 inline constexpr int prefixInformation = 39;
 inline constexpr int suffixInformation = 40;
 } // namespace NalType
 
-/// A NAL unit from its two-byte header on.
+inline constexpr std::size_t nalHeaderBytes = 2;
+
+/// A NAL unit from its two-byte header on; the functions need at least the header.
 using NalBytes = std::span<const std::uint8_t>;
 
 inline int nalType(NalBytes unit) {
@@ -42,4 +47,4 @@ inline void appendAnnexB(std::vector<std::uint8_t> &stream, NalBytes unit) {
     stream.insert(stream.end(), unit.begin(), unit.end());
 }
 
-} // namespace lumetwin::media::x265
+} // namespace lumetwin::media::hevc
