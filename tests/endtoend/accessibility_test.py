@@ -5,9 +5,10 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
+from hands import hands
 from keyboard_test import MOST_STEPS, focused
 from screen_reader import everything_below, has, wait_for
-from window_test import play, press_key
+from window_test import play
 
 MENUS = {"menu bar", "menu", "menu item"}
 
@@ -86,7 +87,7 @@ def reads_after(later, earlier):
 
 def next_focus(program):
     before = focused(program)
-    press_key("Tab")
+    hands.press_key("Tab")
     return wait_for("the next focus", lambda: (now := focused(program)) != before and now)
 
 
@@ -148,7 +149,7 @@ def walk(scene):
     program.press("push button", scene["button.cancel"])
     program.press("push button", scene["button.stop"])
     check_controls(program, 17)
-    press_key("ctrl+q")
+    hands.press_key("ctrl+q")
     assert program.ended() == 0
 
 

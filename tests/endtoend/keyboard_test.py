@@ -1,14 +1,13 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A whole conversion with nothing but the keyboard."""
-import subprocess
-
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
+from hands import hands
 from screen_reader import everything_below, has, wait_for
-from window_test import play, press_key
+from window_test import play
 
 MOST_STEPS = 40  # more than there are controls
 
@@ -31,36 +30,32 @@ def walk_to(program, role, name):
         before = focused(program)
         if before == (role, name):
             return
-        press_key("Tab")
+        hands.press_key("Tab")
         wait_for("the next focus", lambda: focused(program) != before)  # noqa: B023
     raise AssertionError(f"the tabulator never reached {role} “{name}”")
-
-
-def type_words(words):
-    subprocess.run(["xdotool", "type", "--clearmodifiers", words], check=True)
 
 
 def convert(scene):
     program = scene.start(scene.clip)
     walk_to(program, "radio button", scene["direction.spatial.to.sbs"])
-    press_key("Down")
+    hands.press_key("Down")
     wait_for("the other direction", lambda: program.checked("radio button", scene["direction.sbs.to.spatial"]))
     walk_to(program, "push button", scene["section.output.folder"])  # the drop target
-    press_key("space")
+    hands.press_key("space")
     wait_for("the file dialog's field", lambda: focused(program)[0] == "text")
-    type_words(str(scene.output))
-    press_key("Return")
+    hands.type_words(str(scene.output))
+    hands.press_key("Return")
     program.wait_text(str(scene.output))
     walk_to(program, "push button", scene["button.start.conversion"])
-    press_key("space")
+    hands.press_key("space")
     program.wait_text(scene["alert.conversion.success"])
     wait_for("the alert's button", lambda: focused(program) == ("push button", "OK"))
-    press_key("Return")
+    hands.press_key("Return")
     wait_for("the sheet's button", lambda: focused(program) == ("push button", scene["button.close"]))
-    press_key("Escape")
+    hands.press_key("Escape")
     wait_for("the form", lambda: not program.find("progress bar", None))
     assert scene.names() == ["clip_spatial.mov"], scene.names()
-    press_key("ctrl+q")
+    hands.press_key("ctrl+q")
     assert program.ended() == 0
 
 

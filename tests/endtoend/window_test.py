@@ -7,6 +7,7 @@ import re
 import subprocess
 import tempfile
 
+from hands import hands
 from screen_reader import Program, wait_for
 
 
@@ -67,10 +68,6 @@ class Scene:
         return sorted(path.name for path in self.output.iterdir())
 
 
-def press_key(combination):
-    subprocess.run(["xdotool", "key", "--clearmodifiers", combination], check=True)
-
-
 def convert_there_and_back(scene):
     """Side-by-side to spatial, then the result back, in the same window; the eyes keep their sides."""
     program = scene.start(scene.clip)
@@ -95,7 +92,7 @@ def convert_there_and_back(scene):
     assert left > 150 and right < 100, (left, right)
 
     ask_before_replacing(scene, program)
-    press_key("ctrl+q")
+    hands.press_key("ctrl+q")
     assert program.ended() == 0
 
 
@@ -133,7 +130,7 @@ def stop_and_close(scene):
         old.unlink()
     program.press("push button", scene["button.start.conversion"])
     wait_for("the second file", lambda: "long_spatial.mov.partial" in scene.names())
-    press_key("alt+F4")
+    hands.press_key("alt+F4")
     program.wait_text(scene["alert.quit.title"])
     assert program.process.poll() is None
     program.press("push button", scene["button.stop.quit"])
