@@ -36,7 +36,8 @@ class Listener:
 
 
 def convert(scene):
-    listener = Listener("object:property-change:accessible-value", "object:property-change:accessible-description")
+    listener = Listener("object:property-change:accessible-value", "object:property-change:accessible-description",
+                        "object:property-change:accessible-name")
     program = scene.start(scene.clip)
     program.press("radio button", scene["direction.sbs.to.spatial"])
     scene.choose_output(program)
@@ -46,6 +47,8 @@ def convert(scene):
     for bar in ("spoken.file.progress", "spoken.overall.progress"):
         listener.wait(bar, lambda what, name, described, value: what == "accessible-value"
                       and name == scene[bar] and value)
+    listener.wait("the button that closes now",
+                  lambda what, name, described, value: what == "accessible-name" and name == scene["button.close"])
     scene.see_end(program, scene["alert.conversion.success"])
     program.process.kill()
     program.process.wait()
