@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QTextEdit>
 
 #include <algorithm>
 
@@ -52,7 +53,7 @@ AlertBox::AlertBox(const Alert &alert, QWidget *parent) : QMessageBox(parent) {
     if (!alert.informative.empty())
         setInformativeText(breakable(alert.informative));
     if (!alert.details.empty())
-        setDetailedText(toQString(alert.details));
+        addDetails(alert.details);
     addButtons(alert);
     if (auto *label = findChild<QLabel *>(QStringLiteral("qt_msgbox_label"))) {
         QFont bold = label->font();
@@ -64,6 +65,15 @@ AlertBox::AlertBox(const Alert &alert, QWidget *parent) : QMessageBox(parent) {
         label->setTextFormat(Qt::PlainText);
         giveRoom(label);
     }
+}
+
+/// The message box shows them in a field that only the mouse can scroll.
+void AlertBox::addDetails(const std::string &details) {
+    setDetailedText(toQString(details));
+    auto *field = findChild<QTextEdit *>();
+    field->setAccessibleName(toQString(lumetwin::text("spoken.details")));
+    field->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    field->setFocusPolicy(Qt::StrongFocus);
 }
 
 void AlertBox::addButtons(const Alert &alert) {

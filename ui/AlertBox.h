@@ -23,6 +23,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void addDetails(const std::string &details);
     void addButtons(const Alert &alert);
     void dismiss();
 };

@@ -7,6 +7,7 @@
 #include "ui/MainViewController.h"
 #include "ui/PreflightChecks.h"
 
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QTimer>
 
@@ -89,6 +90,7 @@ void PreflightSequence::showWaiting() {
     waiting_->setObjectName(QStringLiteral("checking"));
     waiting_->setWindowTitle(QStringLiteral("Lumetwin"));
     waiting_->setWindowModality(Qt::WindowModal);
+    waiting_->findChild<QProgressBar *>()->setAccessibleName(toQString(text("spoken.check.progress")));
     waiting_->setCancelButtonText(toQString(text("button.cancel")));
     waiting_->setRange(0, static_cast<int>(total));
     waiting_->setAutoClose(false);

@@ -2,6 +2,7 @@
 // What a screen reader and a keyboard find: a walk over the accessibility tree and one with the tabulator, in each
 // state of the form and the sheet, in each language.
 #include "engine/Texts.h"
+#include "support/Accessible.h"
 #include "support/Scripted.h"
 #include "ui/DropFolderView.h"
 #include "ui/MainViewController.h"
@@ -26,47 +27,6 @@ namespace lumetwin::test {
 namespace {
 
 constexpr char16_t firstOfJapanese = 0x3000; // Unicode: CJK symbols, kana, then ideographs
-
-using Things = std::vector<QAccessibleInterface *>;
-
-QAccessibleInterface &accessible(QWidget &widget) {
-    return *QAccessible::queryAccessibleInterface(&widget);
-}
-
-std::string nameOf(const QAccessibleInterface &thing) {
-    return thing.text(QAccessible::Name).toStdString();
-}
-
-/// What a control is for: its label's words where it has one, otherwise its own name. Some versions of the toolkit name
-/// a menu by what is chosen in it and leave its purpose to the label.
-QString purposeOf(const QAccessibleInterface &thing) {
-    const auto labels = thing.relations(QAccessible::Label);
-    return (labels.isEmpty() ? &thing : labels.front().first)->text(QAccessible::Name);
-}
-
-QWidget &widgetOf(const QAccessibleInterface &thing) {
-    return *qobject_cast<QWidget *>(thing.object());
-}
-
-/// Everything below a thing that is shown.
-Things shownBelow(const QAccessibleInterface &root) {
-    Things found;
-    for (int index = 0; index < root.childCount(); ++index)
-        if (QAccessibleInterface *child = root.child(index); child && !child->state().invisible) {
-            found.push_back(child);
-            const Things below = shownBelow(*child);
-            found.insert(found.end(), below.begin(), below.end());
-        }
-    return found;
-}
-
-/// What the keyboard can work with now.
-Things controlsBelow(QWidget &root) {
-    Things things = shownBelow(accessible(root));
-    std::erase_if(
-        things, [](const QAccessibleInterface *thing) { return !thing->state().focusable || thing->state().disabled; });
-    return things;
-}
 
 bool sameRow(const QRect &one, const QRect &other) {
     return one.center().y() >= other.top() && one.center().y() <= other.bottom();

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/AlertBox.h"
+#include "engine/Texts.h"
+#include "support/Accessible.h"
 #include "support/Scripted.h"
 
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
+#include <QTextEdit>
 
 #include <gtest/gtest.h>
+
+#include <set>
 
 namespace lumetwin::test {
 namespace {
@@ -82,6 +87,26 @@ TEST_F(AlertBoxes, NamesOfFilesAreNoMarkup) {
 TEST_F(AlertBoxes, LongNamesDoNotWidenTheBoxBeyondTheScreen) {
     AlertBox &box = present({"Message", std::string(400, 'm') + ".mov", {"First"}});
     EXPECT_LT(box.width(), 720);
+}
+
+TEST_F(AlertBoxes, EverythingInReachHasANameOfItsOwn) {
+    AlertBox &box =
+        present({.message = "Message", .buttons = {"First", "Second"}, .sideButton = "Show", .details = "a: b"});
+    for (QAbstractButton *button : box.buttons())
+        if (box.buttonRole(button) == QMessageBox::ActionRole && button->text() != QLatin1String("Show"))
+            button->click(); // unfolds the details
+    settle();
+    Things controls = controlsBelow(box);
+    // A label may take a click, but the tabulator passes it by.
+    std::erase_if(controls, [](const auto *thing) { return !(widgetOf(*thing).focusPolicy() & Qt::TabFocus); });
+    std::set<std::pair<QAccessible::Role, std::string>> seen;
+    for (const QAccessibleInterface *thing : controls) {
+        EXPECT_FALSE(nameOf(*thing).empty()) << thing->role();
+        EXPECT_TRUE(seen.emplace(thing->role(), nameOf(*thing)).second) << nameOf(*thing);
+    }
+    EXPECT_EQ(seen.size(), 5U) << "four buttons and the details";
+    EXPECT_EQ(seen.count({QAccessible::EditableText, text("spoken.details")}), 1U);
+    EXPECT_EQ(nameOf(accessible(box)), "Message");
 }
 
 TEST_F(AlertBoxes, GoWithTheWidgetTheyWereShownOn) {

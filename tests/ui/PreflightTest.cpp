@@ -9,6 +9,7 @@
 
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
@@ -282,6 +283,7 @@ TEST_F(Preflight, AThousandCandidatesDoNotFreezeTheWindow) {
     ASSERT_TRUE(until([&] { return (waiting = form->findChild<QProgressDialog *>()) && waiting->value() == 500; }))
         << "the interface goes on working while the candidates are tested";
     EXPECT_TRUE(waiting->isModal());
+    EXPECT_EQ(waiting->findChild<QProgressBar *>()->accessibleName().toStdString(), text("spoken.check.progress"));
     EXPECT_EQ(waiting->labelText().toStdString(), format("check.videos.format", std::int64_t(500), std::int64_t(1000)));
     hold = false;
     EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));

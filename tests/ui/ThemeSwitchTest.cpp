@@ -13,6 +13,7 @@
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QRadioButton>
 #include <QStyle>
@@ -139,6 +140,20 @@ INSTANTIATE_TEST_SUITE_P(EveryState, ThemeSwitchOf,
                                          Scene{"Working", [](Window &window) { window.work(); }},
                                          Scene{"Finished", [](Window &window) { window.finish(); }}),
                          [](const auto &testInfo) { return std::string(testInfo.param.name); });
+
+TEST_F(ThemeSwitch, AnOpenAlertTurnsToo) {
+    const auto picture = [](Theme before, Theme after) {
+        turn(before);
+        QWidget window;
+        window.show();
+        MessageBoxPresenter().present({"Message", "More", {"First", "Second"}}, &window, [](int) {});
+        turn(after);
+        return window.findChild<QMessageBox *>()->grab().toImage();
+    };
+    EXPECT_EQ(picture(Theme::light, Theme::dark), picture(Theme::dark, Theme::dark));
+    EXPECT_EQ(picture(Theme::dark, Theme::light), picture(Theme::light, Theme::light));
+    EXPECT_NE(picture(Theme::light, Theme::light), picture(Theme::dark, Theme::dark));
+}
 
 TEST_F(ThemeSwitch, ColoursThatFollowThePaletteAreReadable) {
     Window window;
