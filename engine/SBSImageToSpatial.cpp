@@ -31,6 +31,14 @@ bool possible(const EyeSize &eye) {
     return eye.width > 0 && eye.height > 0 && eye.width <= largest && eye.height <= largest;
 }
 
+media::Picture emptyEye(int width, int height, const media::Picture &source) {
+    try {
+        return media::makePicture(width, height, source.format, source.colour);
+    } catch (const std::length_error &) {
+        throw processorError("Failed to render eye images");
+    }
+}
+
 /// One eye of the source, fitted to its size; a part of the source's own picture where that is all there is to do.
 media::Picture fittedEye(const media::Picture &source, const media::Placement &placement, bool unscaled,
                          const EyeSize &size) {
@@ -41,7 +49,7 @@ media::Picture fittedEye(const media::Picture &source, const media::Placement &p
         source.format.model == media::ColourModel::yuv && x % (1 << source.format.chromaShiftX) != 0;
     if (unscaled && !betweenChroma)
         return media::cropped(source, x, 0, width, height);
-    media::Picture eye = media::makePicture(width, height, source.format, source.colour);
+    media::Picture eye = emptyEye(width, height, source);
     if (!unscaled)
         media::Compositor::fillBlack(eye);
     media::Compositor().place(source, placement, eye);
@@ -53,6 +61,18 @@ struct Eyes {
     media::Picture right;
 };
 
+/// An eye in sRGB, its samples opaque.
+media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &profile,
+                         const std::filesystem::path &input) {
+    try {
+        return media::inSRGB(std::move(eye), profile, input);
+    } catch (const std::length_error &) {
+        throw processorError("Failed to remove alpha");
+    } catch (const media::MediaError &) {
+        throw processorError("Failed to remove alpha");
+    }
+}
+
 /// Both eyes in sRGB, each prepared on a thread of its own.
 Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, const std::filesystem::path &input) {
     const EyeSize size = eyeSize(settings, source.picture.width, source.picture.height);
@@ -60,14 +80,8 @@ Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, 
         throw processorError("Failed to render eye images");
     const EyeExtraction extraction = eyeExtraction(settings, size, source.picture.width, source.picture.height);
     const auto render = [&](const media::Placement &placement) {
-        try {
-            return media::inSRGB(fittedEye(source.picture, placement, extraction.unscaled, size),
-                                 source.metadata.iccProfile, input);
-        } catch (const std::length_error &) {
-            throw processorError("Failed to render eye images");
-        } catch (const media::MediaError &) {
-            throw processorError("Failed to remove alpha");
-        }
+        return opaqueEye(fittedEye(source.picture, placement, extraction.unscaled, size), source.metadata.iccProfile,
+                         input);
     };
     auto right = std::async(std::launch::async, render, extraction.right);
     media::Picture left = render(extraction.left);

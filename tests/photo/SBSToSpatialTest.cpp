@@ -264,6 +264,22 @@ TEST_F(SBSToSpatial, widerProfilesAreConvertedToSRGB) {
     EXPECT_NEAR(eye.at(20, 20)[1], 44, 4);
 }
 
+TEST_F(SBSToSpatial, aProfileThatSaysNothingIsAnErrorOfTheAlpha) {
+    media::Picture picture = pictureOf(drawn(64, 32));
+    picture.colour.primaries = 12;
+    media::writeImage(file("wide.jpg"), media::ImageKind::jpeg, {picture, {}}, 1);
+    std::vector<std::uint8_t> profile = media::readImage(file("wide.jpg")).metadata.iccProfile;
+    constexpr std::size_t header = 128;
+    ASSERT_GT(profile.size(), header);
+    profile.resize(header);
+    profile.resize(header + 4); // no tag follows
+    profile[2] = 0;
+    profile[3] = static_cast<std::uint8_t>(profile.size());
+    media::writeImage(file("in.jpg"), media::ImageKind::jpeg, {pictureOf(drawn(64, 32)), {profile, {}, {}}}, 1);
+    EXPECT_EQ(failure("in.jpg"), "Failed to remove alpha");
+    EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
+}
+
 TEST_F(SBSToSpatial, eyesBeyondOnePictureBecomeGrids) {
     Raster source(2 * 8300, 70);
     fill(source, 0, 0, 8300, 70, {200, 40, 40});
