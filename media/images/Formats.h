@@ -28,6 +28,7 @@ StillImage readTiff(const std::filesystem::path &file);
 StillImage readHeif(const std::filesystem::path &file);
 int tiffPageCount(const std::filesystem::path &file);
 
+/// Converts the samples itself.
 void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality);
 void writePng(const std::filesystem::path &file, const StillImage &image);
 void writeTiff(const std::filesystem::path &file, const StillImage &image);

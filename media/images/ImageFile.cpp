@@ -151,7 +151,8 @@ StillImage readImage(const std::filesystem::path &file) {
 void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality) {
     // What the samples meant before they are converted decides which profile is embedded.
     image.metadata = images::correctedMetadata(image.picture, std::move(image.metadata));
-    image.picture = images::fitted(std::move(image.picture), kind);
+    if (kind != ImageKind::jpeg) // whose writer converts strip by strip
+        image.picture = images::fitted(std::move(image.picture), kind);
     const PartialFile partial(file);
     switch (kind) {
     case ImageKind::jpeg:

@@ -1,155 +1,114 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// A picture is cut into strips, which are converted and coded beside each other: each one is a restart interval of the
+// file that they make (ITU-T T.81, B.2).
 #include "media/MediaError.h"
 #include "media/images/Formats.h"
 #include "media/images/JpegErrors.h"
-#include "media/images/Rows.h"
+#include "media/images/JpegStrip.h"
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
-#include <cstring>
+#include <future>
+#include <thread>
 
 namespace lumetwin::media::images {
 
 namespace {
 
-constexpr std::size_t markerRoom = 65533; // bytes of a marker segment after its length field
-constexpr char exifMark[] = "Exif\0";
-constexpr char xmpMark[] = "http://ns.adobe.com/xap/1.0/";
+constexpr std::uint8_t frameHeader = 0xc0; // baseline
+constexpr std::uint8_t scanHeader = 0xda;
+constexpr std::array<std::uint8_t, 2> endOfImage{0xff, 0xd9};
+constexpr int highestStrip = 256;
+constexpr int longestInterval = 65535; // units from one restart marker to the next
 
-struct Encoder {
-    JpegErrors errors;
-    jpeg_compress_struct codec{};
-    const std::filesystem::path &file;
-    bool created = false;
-
-    explicit Encoder(const std::filesystem::path &path) : file(path) {
-        codec.err = &errors.manager;
-        codec.client_data = &errors;
-        run([&] { jpeg_create_compress(&codec); });
-        created = true;
-    }
-    ~Encoder() {
-        if (created)
-            jpeg_destroy_compress(&codec);
-    }
-    Encoder(const Encoder &) = delete;
-
-    template <typename Step> void run(const Step &step) {
-        if (!succeeds(errors, step))
-            throw MediaError(file, "Cannot write", errors.code, errors.message);
-    }
+struct Strips {
+    int rows = 0; ///< of each but the last
+    int count = 1;
+    unsigned interval = 0; ///< units of a strip; 0 when there is one strip
 };
 
-/// A marker segment's content: its mark, then its data; empty when that is more than a segment holds.
-template <std::size_t size, typename Bytes> std::vector<JOCTET> segment(const char (&mark)[size], const Bytes &bytes) {
-    std::vector<JOCTET> content;
-    if (std::size(bytes) == 0 || std::size(bytes) + size > markerRoom)
-        return content;
-    content.resize(size + std::size(bytes));
-    std::memcpy(content.data(), mark, size);
-    std::memcpy(content.data() + size, std::data(bytes), std::size(bytes));
-    return content;
+Strips stripsOf(const Picture &picture, int quality) {
+    const JpegSize unit = jpegUnit(picture.format, quality);
+    const int unitsAcross = (picture.width + unit.width - 1) / unit.width;
+    const int unitsDown = std::min(highestStrip / unit.height, longestInterval / unitsAcross);
+    const int rows = unitsDown * unit.height;
+    const int count = (picture.height + rows - 1) / rows;
+    return {rows, count, count > 1 ? static_cast<unsigned>(unitsAcross * unitsDown) : 0};
 }
 
-void writeMetadata(Encoder &encoder, const ImageMetadata &metadata) {
-    for (const auto &content : {segment(exifMark, metadata.exif), segment(xmpMark, metadata.xmp)})
-        if (!content.empty())
-            encoder.run([&] {
-                jpeg_write_marker(&encoder.codec, JPEG_APP0 + 1, content.data(), static_cast<unsigned>(content.size()));
-            });
-    const auto &profile = metadata.iccProfile;
-    if (!profile.empty())
-        encoder.run(
-            [&] { jpeg_write_icc_profile(&encoder.codec, profile.data(), static_cast<unsigned>(profile.size())); });
+/// Rows around a strip that are converted with it. Its colours depend on a few of them, and dithering repeats every 16
+/// rows of each plane.
+int contextOf(const Picture &picture) {
+    return picture.format.depth > 8 ? 32 : 16;
 }
 
-J_COLOR_SPACE spaceOf(ColourModel model) {
-    switch (model) {
-    case ColourModel::grey:
-        return JCS_GRAYSCALE;
-    case ColourModel::yuv:
-        return JCS_YCbCr;
-    case ColourModel::rgb:
-        break;
-    }
-    return JCS_RGB;
+Picture fittedStrip(const Picture &picture, int first, int rows) {
+    const int context = contextOf(picture);
+    const int from = std::max(first - context, 0);
+    const int to = std::min(first + rows + context, picture.height);
+    const Picture surrounded = fitted(cropped(picture, 0, from, picture.width, to - from), ImageKind::jpeg);
+    return cropped(surrounded, 0, first - from, picture.width, std::min(rows, picture.height - first));
 }
 
-/// Above this quality RGB pictures keep full colour resolution.
-constexpr int fullChromaQuality = 90;
-
-void setUp(Encoder &encoder, const Picture &picture, int quality) {
-    jpeg_compress_struct &codec = encoder.codec;
-    codec.image_width = static_cast<JDIMENSION>(picture.width);
-    codec.image_height = static_cast<JDIMENSION>(picture.height);
-    codec.input_components = picture.format.planeCount();
-    codec.in_color_space = spaceOf(picture.format.model);
-    jpeg_set_defaults(&codec);
-    jpeg_set_quality(&codec, quality, TRUE);
-    codec.optimize_coding = FALSE; // it would save a hundredth of the size for a third of the time
-    if (picture.format.model == ColourModel::grey)
-        return;
-    const bool planes = picture.format.model == ColourModel::yuv;
-    const int half = quality < fullChromaQuality ? 2 : 1;
-    codec.comp_info[0].h_samp_factor = planes ? 1 << picture.format.chromaShiftX : half;
-    codec.comp_info[0].v_samp_factor = planes ? 1 << picture.format.chromaShiftY : half;
+/// The strips, each a file of its own, coded on as many threads as there are processors.
+std::vector<JpegBytes> codedStrips(const StillImage &image, const Strips &strips, int quality,
+                                   const std::filesystem::path &file) {
+    std::vector<JpegBytes> coded(static_cast<std::size_t>(strips.count));
+    std::atomic<int> next = 0;
+    const auto work = [&] {
+        for (int index = next++; index < strips.count; index = next++)
+            coded[static_cast<std::size_t>(index)] =
+                codedStrip({fittedStrip(image.picture, index * strips.rows, strips.rows),
+                            index == 0 ? &image.metadata : nullptr, strips.interval},
+                           quality, file);
+    };
+    std::vector<std::future<void>> others;
+    for (int thread = std::min<int>(strips.count, static_cast<int>(std::thread::hardware_concurrency())); thread > 1;
+         --thread)
+        others.push_back(std::async(std::launch::async, work));
+    work();
+    for (std::future<void> &other : others)
+        other.get();
+    return coded;
 }
 
-/// A band of rows that is as wide and high as the library's blocks, its edges repeated.
-class Band {
-public:
-    Band(const Picture &picture, int plane, int rows)
-        : picture_(picture), plane_(plane), rows_(rows), width_((picture.planeWidth(plane) + 15) / 16 * 16),
-          samples_(static_cast<std::size_t>(width_) * rows), pointers_(rows) {
-        for (int row = 0; row < rows; ++row)
-            pointers_[row] = samples_.data() + static_cast<std::ptrdiff_t>(row) * width_;
-    }
-
-    void load(int first) {
-        const int width = picture_.planeWidth(plane_);
-        for (int row = 0; row < rows_; ++row) {
-            const int from = std::min(first + row, picture_.planeHeight(plane_) - 1);
-            const JSAMPLE *source = planeRow<JSAMPLE>(picture_, plane_, from);
-            std::copy_n(source, width, pointers_[row]);
-            std::fill(pointers_[row] + width, pointers_[row] + width_, source[width - 1]);
-        }
-    }
-
-    JSAMPARRAY rows() { return pointers_.data(); }
-
-private:
-    const Picture &picture_;
-    int plane_;
-    int rows_;
-    int width_;
-    std::vector<JSAMPLE> samples_;
-    std::vector<JSAMPROW> pointers_;
-};
-
-void writePlanes(Encoder &encoder, const Picture &picture) {
-    jpeg_compress_struct &codec = encoder.codec;
-    const int lines = DCTSIZE << picture.format.chromaShiftY;
-    std::vector<Band> bands;
-    JSAMPARRAY planes[3] = {};
-    for (int plane = 0; plane < 3; ++plane)
-        bands.emplace_back(picture, plane, lines >> picture.format.shiftY(plane));
-    for (int plane = 0; plane < 3; ++plane)
-        planes[plane] = bands[static_cast<std::size_t>(plane)].rows();
-    for (int y = 0; y < picture.height; y += lines) {
-        for (int plane = 0; plane < 3; ++plane)
-            bands[static_cast<std::size_t>(plane)].load(y >> picture.format.shiftY(plane));
-        encoder.run([&] { jpeg_write_raw_data(&codec, planes, static_cast<JDIMENSION>(lines)); });
-    }
+std::size_t placeOf(std::uint8_t marker, std::span<const std::uint8_t> file) {
+    std::size_t place = 2;
+    while (file[place + 1] != marker)
+        place += std::size_t{2} + (std::size_t{file[place + 2]} << 8 | file[place + 3]);
+    return place;
 }
 
-void writeRows(Encoder &encoder, const Picture &picture) {
-    std::vector<JSAMPLE> buffer(static_cast<std::size_t>(picture.width) * picture.format.planeCount());
-    for (int y = 0; y < picture.height; ++y) {
-        gatherRow(picture, y, buffer.data());
-        JSAMPROW row = buffer.data();
-        encoder.run([&] { jpeg_write_scanlines(&encoder.codec, &row, 1); });
+void setHeight(std::span<std::uint8_t> file, int height) {
+    const std::size_t place = placeOf(frameHeader, file) + 5;
+    file[place] = static_cast<std::uint8_t>(height >> 8);
+    file[place + 1] = static_cast<std::uint8_t>(height);
+}
+
+std::span<const std::uint8_t> withoutEnd(std::span<const std::uint8_t> file) {
+    return file.first(file.size() - endOfImage.size());
+}
+
+std::span<const std::uint8_t> samplesOf(std::span<const std::uint8_t> file) {
+    const std::size_t place = placeOf(scanHeader, file) + 2;
+    return withoutEnd(file.subspan(place + (std::size_t{file[place]} << 8 | file[place + 1])));
+}
+
+void writeJoined(const std::vector<JpegBytes> &strips, int height, const std::filesystem::path &file) {
+    StandardFile stream = openForWriting(file);
+    const auto write = [&](std::span<const std::uint8_t> bytes) {
+        std::fwrite(bytes.data(), 1, bytes.size(), stream.get());
+    };
+    setHeight(strips.front().all(), height);
+    write(withoutEnd(strips.front().all()));
+    for (std::size_t index = 1; index < strips.size(); ++index) {
+        write(std::array<std::uint8_t, 2>{0xff, static_cast<std::uint8_t>(0xd0 | ((index - 1) & 7))}); // restart
+        write(samplesOf(strips[index].all()));
     }
+    write(endOfImage);
+    closeWritten(std::move(stream), file);
 }
 
 } // namespace
@@ -168,24 +127,11 @@ int jpegQuality(double quality) {
 
 void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality) {
     const Picture &picture = image.picture;
-    if (picture.format.depth != 8)
-        throw MediaError(file, "Cannot write", 0, "JPEG holds 8-bit samples only");
     if (picture.width > JPEG_MAX_DIMENSION || picture.height > JPEG_MAX_DIMENSION)
         throw MediaError(file, "Cannot write", 0, "the image is larger than a JPEG file can be");
-    StandardFile stream = openForWriting(file);
-    Encoder encoder(file);
-    encoder.run([&] { jpeg_stdio_dest(&encoder.codec, stream.get()); });
-    encoder.run([&] { setUp(encoder, picture, jpegQuality(quality)); });
-    const bool planes = picture.format.model == ColourModel::yuv;
-    encoder.codec.raw_data_in = planes ? TRUE : FALSE;
-    encoder.run([&] { jpeg_start_compress(&encoder.codec, TRUE); });
-    writeMetadata(encoder, image.metadata);
-    if (planes)
-        writePlanes(encoder, picture);
-    else
-        writeRows(encoder, picture);
-    encoder.run([&] { jpeg_finish_compress(&encoder.codec); });
-    closeWritten(std::move(stream), file);
+    const int libraryQuality = jpegQuality(quality);
+    const Strips strips = stripsOf(picture, libraryQuality);
+    writeJoined(codedStrips(image, strips, libraryQuality, file), picture.height, file);
 }
 
 } // namespace lumetwin::media::images

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace lumetwin::test {
 namespace {
 
@@ -65,6 +67,74 @@ TEST_F(ImageWriting, jpegPlanesPassThroughAtFullQuality) {
                 ASSERT_NEAR(read.planes[at].data[y * read.planes[at].stride + x],
                             planes.planes[at].data[y * planes.planes[at].stride + x], 2);
             }
+}
+
+/// A picture of 8 or 10 bits and limited range, high enough to be coded in several parts.
+media::Picture highVideoPicture(int depth) {
+    const media::ColourTags video{1, 1, 1, media::ColourRange::limited, media::ChromaLocation::centre};
+    media::Picture picture = media::makePicture(83, 1031, {media::ColourModel::yuv, depth, 1, 1}, video);
+    unsigned noise = 1;
+    for (int plane = 0; plane < 3; ++plane)
+        for (int y = 0; y < picture.planeHeight(plane); ++y)
+            for (int x = 0; x < picture.planeWidth(plane); ++x) {
+                noise = noise * 1664525 + 1013904223;
+                const auto &[data, stride] = picture.planes[static_cast<std::size_t>(plane)];
+                if (depth > 8)
+                    reinterpret_cast<std::uint16_t *>(data + y * stride)[x] = 64 + (noise >> 16) % 800;
+                else
+                    data[y * stride + x] = 16 + (noise >> 16) % 200;
+            }
+    return picture;
+}
+
+void expectEqualSamples(const media::Picture &one, const media::Picture &other) {
+    ASSERT_EQ(one.format, other.format);
+    ASSERT_EQ(one.width, other.width);
+    ASSERT_EQ(one.height, other.height);
+    for (int plane = 0; plane < one.format.planeCount(); ++plane)
+        for (int y = 0; y < one.planeHeight(plane); ++y) {
+            const auto at = static_cast<std::size_t>(plane);
+            ASSERT_EQ(std::memcmp(one.planes[at].data + y * one.planes[at].stride,
+                                  other.planes[at].data + y * other.planes[at].stride,
+                                  static_cast<std::size_t>(one.planeWidth(plane))),
+                      0)
+                << "plane " << plane << ", row " << y;
+        }
+}
+
+TEST_F(ImageWriting, theSeamsOfAHighJpegShowNothing) {
+    for (const int depth : {8, 10}) {
+        SCOPED_TRACE(depth);
+        const media::Picture picture = highVideoPicture(depth);
+        const media::Picture converted = media::convertColour(picture, media::yuv420, media::jpegColour);
+        write("converted.jpg", ImageKind::jpeg, converted);
+        write("a.jpg", ImageKind::jpeg, picture);
+        const media::Picture whole = media::readImage(file("a.jpg")).picture;
+        expectEqualSamples(whole, media::readImage(file("converted.jpg")).picture);
+        for (const int from : {0, 240, 496}) { // across the seams
+            write("part.jpg", ImageKind::jpeg, media::cropped(converted, 0, from, 83, 160));
+            expectEqualSamples(media::cropped(whole, 0, from, 83, 160), media::readImage(file("part.jpg")).picture);
+        }
+    }
+}
+
+TEST_F(ImageWriting, aHighJpegIsReadByOthers) {
+    const Raster picture = drawn(60, 4000);
+    for (const double quality : {0.75, 1.0}) { // halved chroma, whole chroma
+        write("a.jpg", ImageKind::jpeg, pictureOf(picture), quality);
+        EXPECT_GT(psnr(readWithMagick(file("a.jpg")), picture), 32) << quality;
+    }
+}
+
+TEST_F(ImageWriting, theWidestJpegIsWhole) {
+    media::Picture picture = media::makePicture(65500, 300, {media::ColourModel::grey, 8, 0, 0}, {});
+    for (int y = 0; y < picture.height; ++y)
+        std::memset(picture.planes[0].data + y * picture.planes[0].stride, y / 2, 65500);
+    write("a.jpg", ImageKind::jpeg, picture, 1.0);
+    const media::Picture read = media::readImage(file("a.jpg")).picture;
+    for (int y = 0; y < picture.height; ++y)
+        for (const int x : {0, 32000, 65499})
+            ASSERT_NEAR(read.planes[0].data[y * read.planes[0].stride + x], y / 2, 1) << y;
 }
 
 TEST_F(ImageWriting, jpegQualityIsMonotonicAndLosslessToTheEyeAtOne) {
