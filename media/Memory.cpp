@@ -10,9 +10,11 @@ namespace lumetwin::media {
 
 LargeBlockScope::LargeBlockScope() noexcept {
 #ifdef __GLIBC__
-    // Stated once, the bound no longer rises with the blocks that are freed.
-    constexpr int largeBlock = 256 * 1024;
-    static const int stated = mallopt(M_MMAP_THRESHOLD, largeBlock);
+    // Tiles and strips are smaller, and the next one takes the memory of the last. Stated once, the bounds no longer
+    // rise with the blocks that are freed.
+    constexpr int largeBlock = 4 << 20;
+    constexpr int kept = 64 << 20;
+    static const bool stated = mallopt(M_MMAP_THRESHOLD, largeBlock) != 0 && mallopt(M_TRIM_THRESHOLD, kept) != 0;
     static_cast<void>(stated);
 #endif
 }

@@ -3,9 +3,9 @@
 
 namespace lumetwin::media {
 
-/// Work in few very large blocks on several threads, such as one photo's. The allocator hands such blocks back to the
-/// system as they are freed, and what is left of them at the scope's end: otherwise it would keep them for later, and
-/// a long run of photos would grow.
+/// Work in very large blocks on several threads, such as one photo's. The allocator hands the largest back to the
+/// system as they are freed, and what it has kept of smaller ones at the scope's end: otherwise a long run of photos
+/// would grow.
 class LargeBlockScope {
 public:
     LargeBlockScope() noexcept;
