@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/ScaledStyle.h"
 
+#include "ui/AlertIcon.h"
 #include "ui/Palettes.h"
 #include "ui/Points.h"
 
@@ -26,6 +27,7 @@ int ScaledStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, con
     case PM_ButtonMargin:
     case PM_LayoutHorizontalSpacing:
     case PM_LayoutVerticalSpacing:
+    case PM_MessageBoxIconSize:
         return PointScale::current().vertical(usual);
     default:
         return usual;
@@ -51,6 +53,21 @@ void ScaledStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *op
     else
         painter->drawEllipse(edge);
     painter->restore();
+}
+
+int ScaledStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                           QStyleHintReturn *answer) const {
+    // The style has pictures for some buttons only, and small ones.
+    return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 0 : QProxyStyle::styleHint(hint, option, widget, answer);
+}
+
+QIcon ScaledStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const {
+    // The style's own are pictures of 32 pixels, which high resolutions blow up.
+    if (icon == SP_MessageBoxWarning && !QIcon::hasThemeIcon(QStringLiteral("dialog-warning")))
+        return warningIcon();
+    if (icon == SP_MessageBoxInformation && !QIcon::hasThemeIcon(QStringLiteral("dialog-information")))
+        return informationIcon();
+    return QProxyStyle::standardIcon(icon, option, widget);
 }
 
 } // namespace lumetwin

@@ -6,7 +6,8 @@
 namespace lumetwin {
 
 /// The toolkit's own style with check boxes, radio buttons and sliders that grow with the user's font, and with edges
-/// of check boxes and radio buttons that can be seen in dark palettes.
+/// of check boxes and radio buttons that can be seen in dark palettes. Alerts have sharp signs, and words alone on
+/// their buttons.
 class ScaledStyle : public QProxyStyle {
     Q_OBJECT
 
@@ -16,6 +17,9 @@ public:
     int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *answer) const override;
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const override;
 };
 
 } // namespace lumetwin

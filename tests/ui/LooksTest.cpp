@@ -16,6 +16,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPainter>
 #include <QRadioButton>
 #include <QScreen>
@@ -188,6 +189,36 @@ TEST(DarkLooks, ARadioButtonWithTheFocusKeepsItsEdge) {
     style.drawPrimitive(QStyle::PE_IndicatorRadioButton, &option, &painter, nullptr);
     painter.end();
     EXPECT_GE(contrast(picture.pixelColor(10, 0), sectionColour(dark)), 2.5);
+}
+
+/// Whether the picture is a smaller one blown up: all blocks of two by two pixels are of one colour.
+bool isBlownUp(const QImage &picture) {
+    for (int y = 0; y + 1 < picture.height(); y += 2)
+        for (int x = 0; x + 1 < picture.width(); x += 2)
+            for (const QPoint next : {QPoint(1, 0), QPoint(0, 1), QPoint(1, 1)})
+                if (picture.pixel(x, y) != picture.pixel(QPoint(x, y) + next))
+                    return false;
+    return true;
+}
+
+TEST(AlertLooks, SignsAreSharpAtHighResolutions) {
+    const ScaledStyle style;
+    for (const auto sign : {QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxInformation}) {
+        const QImage picture = style.standardIcon(sign, nullptr, nullptr).pixmap(QSize(64, 64), 2).toImage();
+        EXPECT_EQ(picture.size(), QSize(128, 128)) << sign;
+        EXPECT_EQ(picture.devicePixelRatio(), 2) << sign;
+        EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0) << sign;
+        EXPECT_EQ(qAlpha(picture.pixel(64, 80)), 255) << sign;
+        EXPECT_FALSE(isBlownUp(picture)) << sign;
+    }
+}
+
+TEST(AlertLooks, ButtonsHaveWordsAlone) {
+    QApplication::setStyle(new ScaledStyle);
+    QMessageBox alert(QMessageBox::Warning, QString(), QStringLiteral("words"));
+    alert.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+    for (const QAbstractButton *button : alert.buttons())
+        EXPECT_TRUE(button->icon().isNull()) << button->text().toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(Everywhere, Looks,

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QIcon>
+
+namespace lumetwin {
+
+/// A sign that is sharp at any size and device pixel ratio: an exclamation mark in a triangle, or an i in a disc.
+QIcon warningIcon();
+QIcon informationIcon();
+
+} // namespace lumetwin
