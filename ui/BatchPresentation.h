@@ -12,7 +12,7 @@ class QWidget;
 
 namespace lumetwin {
 
-struct ConversionSettings;
+class ConversionSettings;
 class ProgressViewController;
 class SheetOverlay;
 

@@ -34,7 +34,7 @@ public:
 
     struct Services {
         AlertPresenter *alerts;
-        BatchRun run = [](VideoProcessor &processor) { processor.processAll(); };
+        BatchRun run = [](VideoProcessor &batch) { batch.processAll(); };
         /// On the interface thread, when the batch has returned, also when the sheet is gone by then.
         std::function<void()> runEnded = {};
         /// Shows the outputs in the file manager.
