@@ -52,7 +52,11 @@ MainViewController::MainViewController(FormServices services, QWidget *parent)
     connect(batch_.get(), &BatchPresentation::stateChanged, this, &MainViewController::updateUse);
 }
 
-MainViewController::~MainViewController() = default;
+MainViewController::~MainViewController() {
+    // A field that goes while it is edited tells the end of its editing, when this is a form no more.
+    for (const QObject *child : findChildren<QObject *>())
+        child->disconnect(this);
+}
 
 void MainViewController::directionChanged(QAbstractButton *sender) {
     const bool toSBS = sender == spatialToSBSButton;
