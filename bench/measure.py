@@ -67,11 +67,14 @@ def together(*commands):
 
 
 def take_turns(rounds, **contestants):
-    """Calls the contestants (each returns a Cost) in turn; the median cost of each, by name."""
+    """Calls the contestants (each returns a Cost) in turn; the median cost of each, by name. A round before the others
+    is not counted: whoever comes first waits for the system to hand out memory."""
     costs = {name: [] for name in contestants}
-    for _ in range(rounds):
+    for round_ in range(-1 if rounds > 1 else 0, rounds):
         for name, contestant in contestants.items():
-            costs[name].append(contestant())
+            cost = contestant()
+            if round_ >= 0:
+                costs[name].append(cost)
     return {name: Cost(*(statistics.median(getattr(cost, field) for cost in all_costs) for field in ("wall", "cpu", "peak")))
             for name, all_costs in costs.items()}
 

@@ -40,6 +40,7 @@ public:
         codec_->framerate = av_d2q(encoding.frameRate, 1001 * 1000);
         codec_->bit_rate = encoding.averageBitRate;
         codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+        codec_->thread_count = 0; // as the encoder thinks best: by default x265 would code one frame at a time
         setColour(*codec_, encoding.colour);
         av_opt_set(codec_->priv_data, "preset", hevc ? hevcPreset : h264Preset, 0);
         if (hevc)
