@@ -22,6 +22,16 @@ void withoutEcho() {
 
 } // namespace
 
+bool Terminal::available() {
+    int master = -1;
+    int slave = -1;
+    if (openpty(&master, &slave, nullptr, nullptr, nullptr) < 0)
+        return false;
+    close(master);
+    close(slave);
+    return true;
+}
+
 Terminal::Terminal(const std::vector<std::string> &command, unsigned short columns, const std::string &kind) {
     winsize size{};
     size.ws_col = columns;

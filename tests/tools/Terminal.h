@@ -10,6 +10,9 @@ namespace lumetwin::test {
 /// A program that runs in a terminal of its own.
 class Terminal {
 public:
+    /// False where the system has no pseudo-terminals, as in some bare containers.
+    static bool available();
+
     Terminal(const std::vector<std::string> &command, unsigned short columns, const std::string &kind = "xterm");
     ~Terminal();
     Terminal(const Terminal &) = delete;

@@ -21,6 +21,11 @@ protected:
         std::filesystem::create_directory(folder / "out");
     }
 
+    void SetUp() override {
+        if (!Terminal::available())
+            GTEST_SKIP() << "this system has no pseudo-terminals";
+    }
+
     std::string file(const std::string &name) {
         writeFile(folder / name, std::string());
         return folder / name;

@@ -32,7 +32,7 @@ protected:
     }
     ~Preflight() override {
         form.reset();
-        BackgroundThreads::shared().waitForAll(std::chrono::seconds(10));
+        BackgroundThreads::shared().waitForAll(patience);
         settle();
     }
 
@@ -308,7 +308,7 @@ TEST_F(Preflight, TheTestOfTheCandidatesCanBeGivenUp) {
     waiting->findChild<QPushButton *>()->click();
     hold = false;
     settle();
-    EXPECT_TRUE(BackgroundThreads::shared().waitForAll(std::chrono::seconds(10)));
+    EXPECT_TRUE(BackgroundThreads::shared().waitForAll(patience));
     settle();
     EXPECT_EQ(tested, 1);
     EXPECT_TRUE(stage.alerts->shown.empty());

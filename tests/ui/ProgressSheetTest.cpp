@@ -49,7 +49,7 @@ protected:
     ~ProgressSheet() override {
         gate->open();
         delete sheet;
-        BackgroundThreads::shared().waitForAll(seconds(10));
+        BackgroundThreads::shared().waitForAll(patience);
         settle();
     }
 

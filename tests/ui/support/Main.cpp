@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Texts.h"
+#include "tests/ui/support/Scripted.h"
 #include "ui/Accessibility.h"
 #include "ui/BackgroundThreads.h"
 
@@ -17,6 +18,6 @@ int main(int argc, char **argv) {
     lumetwin::setTextLocale("en");
     lumetwin::installAccessibility();
     const int status = RUN_ALL_TESTS();
-    lumetwin::BackgroundThreads::shared().waitForAll(std::chrono::seconds(10));
+    lumetwin::BackgroundThreads::shared().waitForAll(lumetwin::test::patience);
     return status;
 }

@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <chrono>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -87,12 +88,15 @@ public:
     std::filesystem::path path;
 };
 
-/// Lets the interface work until the condition holds; false when it does not within ten seconds.
+/// When a test gives up: late enough for a machine that is busy with other things.
+constexpr std::chrono::minutes patience{1};
+
+/// Lets the interface work until the condition holds; false when it does not within `patience`.
 template <typename Condition> bool until(Condition holds) {
     QElapsedTimer time;
     time.start();
     while (!holds()) {
-        if (time.elapsed() > 10000)
+        if (std::chrono::milliseconds(time.elapsed()) > patience)
             return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
