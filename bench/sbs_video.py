@@ -24,8 +24,8 @@ def ffmpeg(*words):
     return run(tool("ffmpeg"), "-nostdin", "-v", "error", "-y", *words)
 
 
-def draw_sbs(target, seconds, eye=(1920, 1080)):
-    """A moving scene with grain, seen by two eyes 24 pixels apart."""
+def draw_sbs(target, seconds, eye=(1920, 1080), rate="60M"):
+    """A moving scene with grain, seen by two eyes 24 pixels apart; `rate` in bits per second, as ffmpeg writes it."""
     width, height = eye
     scene = (f"[0:v]format=yuv420p,gblur=sigma=0.7,split[a][b];[a]crop={width}:{height}:40:0[l0];"
              f"[b]crop={width}:{height}:64:0[r0];[1:v]format=yuv420p,split[t1][t2];"
@@ -33,13 +33,13 @@ def draw_sbs(target, seconds, eye=(1920, 1080)):
              f"[l][r]hstack,noise=alls=6:allf=t")
     ffmpeg("-f", "lavfi", "-i", f"mandelbrot=s={width + 128}x{height}:r=30:start_scale=0.6:end_scale=0.02:end_pts=600",
            "-f", "lavfi", "-i", "testsrc2=s=480x360:r=30", "-filter_complex", scene, "-t", seconds,
-           "-c:v", "libx264", "-preset", "ultrafast", "-b:v", "60M", target)
+           "-c:v", "libx264", "-preset", "ultrafast", "-b:v", rate, target)
 
 
 def draw_long_sbs(target, seconds):
     """A small scene that begins anew every ten seconds: drawing must not take longer than what is measured."""
     piece = target.with_name("piece.mp4")
-    draw_sbs(piece, 10, (640, 360))
+    draw_sbs(piece, 10, (640, 360), "4M")
     ffmpeg("-stream_loop", "-1", "-i", piece, "-t", seconds, "-c", "copy", target)
 
 

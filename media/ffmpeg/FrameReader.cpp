@@ -9,6 +9,7 @@ extern "C" {
 #include <libavutil/stereo3d.h>
 }
 
+#include <algorithm>
 #include <atomic>
 #include <exception>
 #include <thread>
@@ -24,6 +25,11 @@ namespace {
 constexpr std::size_t framesAhead = 3;
 // 8192 × 8192 and then some: a header that asks for more is a lie or not for us.
 constexpr std::int64_t largestFrame = std::int64_t{1} << 27;
+
+/// Each thread more costs a little of what all of them do, and most processors are busy coding the frames again.
+int decodingThreads() {
+    return static_cast<int>(std::max(1U, std::thread::hardware_concurrency() / 2));
+}
 
 using ffmpeg::check;
 
@@ -88,7 +94,7 @@ struct FrameReader::State {
         for (unsigned index = 0; index < input->nb_streams; ++index)
             if (static_cast<int>(index) != stream)
                 input->streams[index]->discard = AVDISCARD_ALL;
-        decoder->thread_count = 0;
+        decoder->thread_count = decodingThreads();
         decoder->max_pixels = largestFrame;
         if (bothViews && decoder->codec_id == AV_CODEC_ID_HEVC)
             askForBothViews();

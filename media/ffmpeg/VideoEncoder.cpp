@@ -9,6 +9,7 @@ extern "C" {
 
 #include <cmath>
 #include <new>
+#include <thread>
 
 namespace lumetwin::media::ffmpeg {
 
@@ -19,6 +20,12 @@ namespace {
 constexpr const char *h264Preset = "veryfast";
 constexpr const char *hevcPreset = "superfast";
 constexpr const char *hevcOptions = "ref=2:log-level=none";
+
+/// As many as x265 thinks best (0), but two where it would code a single frame: at the end of each, processors would
+/// wait.
+int hevcFramesAtOnce() {
+    return std::thread::hardware_concurrency() < 4 ? 2 : 0;
+}
 
 // x265 needs a whole coding tree unit of its smallest useful size; x264 codes anything.
 constexpr int smallestHevcSide = 32;
@@ -40,7 +47,7 @@ public:
         codec_->framerate = av_d2q(encoding.frameRate, 1001 * 1000);
         codec_->bit_rate = encoding.averageBitRate;
         codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-        codec_->thread_count = 0; // as the encoder thinks best: by default x265 would code one frame at a time
+        codec_->thread_count = hevc ? hevcFramesAtOnce() : 0;
         setColour(*codec_, encoding.colour);
         av_opt_set(codec_->priv_data, "preset", hevc ? hevcPreset : h264Preset, 0);
         if (hevc)
