@@ -31,7 +31,8 @@ struct AudioTrack {
     int channels = 0;
 };
 
-/// A movie that has been opened and whose headers have been read.
+/// A movie that has been opened and whose headers have been read. What it tells stays the same, also while a frame
+/// reader reads on.
 class MovieFile {
 public:
     /// Throws MediaError when the file cannot be opened or is no movie.

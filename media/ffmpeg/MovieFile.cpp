@@ -17,7 +17,7 @@ Cropping cropping(const AVCodecParameters &parameters) {
         av_packet_side_data_get(parameters.coded_side_data, parameters.nb_coded_side_data, AV_PKT_DATA_FRAME_CROPPING);
     if (!data || data->size < 16)
         return {};
-    const auto number = [&](int index) { return static_cast<int>(AV_RL32(data->data + 4 * index)); };
+    const auto number = [&](std::size_t index) { return static_cast<int>(AV_RL32(data->data + 4 * index)); };
     return {number(0), number(1), number(2), number(3)};
 }
 
@@ -50,19 +50,8 @@ void addTags(const AVDictionary *dictionary, MovieTags &tags) {
         tags.try_emplace(entry->key, entry->value);
 }
 
-} // namespace
-
-MovieFile::MovieFile(const std::filesystem::path &file)
-    : state_(std::make_unique<State>(State{file, ffmpeg::openInput(file)})) {}
-
-MovieFile::~MovieFile() = default;
-
-const std::filesystem::path &MovieFile::path() const {
-    return state_->path;
-}
-
-std::optional<VideoTrack> MovieFile::videoTrack() const {
-    const AVStream *stream = firstStream(*state_->input, AVMEDIA_TYPE_VIDEO);
+std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input) {
+    const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO);
     if (!stream)
         return std::nullopt;
     const AVCodecParameters &parameters = *stream->codecpar;
@@ -79,19 +68,19 @@ std::optional<VideoTrack> MovieFile::videoTrack() const {
     return track;
 }
 
-std::optional<AudioTrack> MovieFile::audioTrack() const {
-    const AVStream *stream = firstStream(*state_->input, AVMEDIA_TYPE_AUDIO);
+std::optional<AudioTrack> readAudioTrack(const AVFormatContext &input) {
+    const AVStream *stream = firstStream(input, AVMEDIA_TYPE_AUDIO);
     if (!stream)
         return std::nullopt;
     return AudioTrack{stream->index, static_cast<double>(stream->codecpar->sample_rate),
                       stream->codecpar->ch_layout.nb_channels};
 }
 
-double MovieFile::duration() const {
+double readDuration(const AVFormatContext &input) {
     // The whole's duration is rounded to microseconds; the track that it comes from tells it exactly.
-    const double rounded = seconds(state_->input->duration, AV_TIME_BASE_Q);
-    for (unsigned index = 0; index < state_->input->nb_streams; ++index) {
-        const AVStream &stream = *state_->input->streams[index];
+    const double rounded = seconds(input.duration, AV_TIME_BASE_Q);
+    for (unsigned index = 0; index < input.nb_streams; ++index) {
+        const AVStream &stream = *input.streams[index];
         const double exact = seconds(stream.duration, stream.time_base);
         if (std::abs(exact - rounded) < 2e-6)
             return exact;
@@ -99,16 +88,46 @@ double MovieFile::duration() const {
     return rounded;
 }
 
-MovieTags MovieFile::tags() const {
+MovieTags readTags(const AVFormatContext &input) {
     MovieTags tags;
-    addTags(state_->input->metadata, tags);
+    addTags(input.metadata, tags);
     // Some writers keep the creation time in the track alone.
-    if (const AVStream *stream = firstStream(*state_->input, AVMEDIA_TYPE_VIDEO)) {
+    if (const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO)) {
         const AVDictionaryEntry *time = av_dict_get(stream->metadata, "creation_time", nullptr, 0);
         if (time)
             tags.try_emplace("creation_time", time->value);
     }
     return tags;
+}
+
+} // namespace
+
+MovieFile::State::State(const std::filesystem::path &file)
+    : path(file), input(ffmpeg::openInput(file)), videoTrack(readVideoTrack(*input)),
+      audioTrack(readAudioTrack(*input)), duration(readDuration(*input)), tags(readTags(*input)) {}
+
+MovieFile::MovieFile(const std::filesystem::path &file) : state_(std::make_unique<State>(file)) {}
+
+MovieFile::~MovieFile() = default;
+
+const std::filesystem::path &MovieFile::path() const {
+    return state_->path;
+}
+
+std::optional<VideoTrack> MovieFile::videoTrack() const {
+    return state_->videoTrack;
+}
+
+std::optional<AudioTrack> MovieFile::audioTrack() const {
+    return state_->audioTrack;
+}
+
+double MovieFile::duration() const {
+    return state_->duration;
+}
+
+MovieTags MovieFile::tags() const {
+    return state_->tags;
 }
 
 } // namespace lumetwin::media

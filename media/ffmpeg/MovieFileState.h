@@ -7,8 +7,15 @@
 namespace lumetwin::media {
 
 struct MovieFile::State {
+    explicit State(const std::filesystem::path &file);
+
     std::filesystem::path path;
-    ffmpeg::Input input;
+    ffmpeg::Input input; ///< a frame reader's own while there is one: its thread reads on, and what is here changes
+    // As the headers had it.
+    std::optional<VideoTrack> videoTrack;
+    std::optional<AudioTrack> audioTrack;
+    double duration; ///< seconds
+    MovieTags tags;
 };
 
 } // namespace lumetwin::media
