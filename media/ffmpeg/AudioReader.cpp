@@ -20,8 +20,9 @@ using ffmpeg::check;
 // Time stamps that disagree with the number of samples by less are rounding, not gaps.
 constexpr double gapTolerance = 0.1; // seconds
 // A longer hole is a lie of the time stamps: the sound goes on without it.
-constexpr double longestGap = 600; // seconds
-constexpr int silenceBlock = 4096; // samples a channel
+constexpr double longestGap = 600;  // seconds
+constexpr double latestTime = 1e12; // seconds; whole samples can be counted until then
+constexpr int silenceBlock = 4096;  // samples a channel
 
 constexpr std::array<int, 12> aacRates{8000,  11025, 12000, 16000, 22050, 24000,
                                        32000, 44100, 48000, 64000, 88200, 96000};
@@ -120,7 +121,7 @@ struct AudioReader::State {
         ensureResampler();
         const std::int64_t room = swr_get_out_samples(resampler.get(), frame->nb_samples);
         const auto **data = const_cast<const std::uint8_t **>(frame->extended_data);
-        place(resample(static_cast<int>(room), data, frame->nb_samples), startOfFrame());
+        place(resample(static_cast<int>(room), data, frame->nb_samples), endOfFrame());
         av_frame_unref(frame.get());
     }
 
@@ -138,15 +139,15 @@ struct AudioReader::State {
         return {std::move(samples), std::max(produced16, 0)};
     }
 
-    /// The output position of the frame's first sample, in samples; nothing without a time stamp.
-    std::optional<std::int64_t> startOfFrame() const {
+    /// The output position where the frame ends, in samples; nothing without a time stamp, or with one beyond belief.
+    std::optional<std::int64_t> endOfFrame() const {
         if (frame->pts == AV_NOPTS_VALUE)
             return std::nullopt;
         const double time = static_cast<double>(frame->pts) * av_q2d(input->streams[stream]->time_base) - fromTime;
         const double delay = static_cast<double>(swr_get_delay(resampler.get(), 1000000)) / 1e6;
         // What the resampler still holds began before this frame; its output's end is where this frame ends.
         const double end = time + static_cast<double>(frame->nb_samples) / frame->sample_rate - delay;
-        return std::llround(end * sampleRate);
+        return std::abs(end) < latestTime ? std::optional(std::llround(end * sampleRate)) : std::nullopt;
     }
 
     /// Puts a block on the time line; `end` is where it ends, if known.
@@ -157,10 +158,11 @@ struct AudioReader::State {
         if (end) {
             const std::int64_t start = *end - block.count;
             const std::int64_t gap = start - position;
-            const auto tolerance = position == 0 ? 0 : std::int64_t(gapTolerance * sampleRate);
-            if (gap > tolerance && gap <= std::int64_t(longestGap * sampleRate))
+            const auto tolerance = position == 0 ? 0 : static_cast<std::int64_t>(gapTolerance * sampleRate);
+            const auto longest = static_cast<std::int64_t>(longestGap * sampleRate);
+            if (gap > tolerance && gap <= longest)
                 silence += gap;
-            else if (gap < -tolerance && gap >= -std::int64_t(longestGap * sampleRate))
+            else if (gap < -tolerance && gap >= -longest)
                 dropFront(block, static_cast<int>(std::min<std::int64_t>(-gap, block.count)));
         }
         produced += silence + block.count;
@@ -168,7 +170,8 @@ struct AudioReader::State {
     }
 
     void dropFront(AudioBlock &block, int count) const {
-        block.samples = std::shared_ptr<const std::int16_t[]>(block.samples, block.samples.get() + count * channels);
+        const std::ptrdiff_t samples = std::ptrdiff_t{count} * channels;
+        block.samples = std::shared_ptr<const std::int16_t[]>(block.samples, block.samples.get() + samples);
         block.count -= count;
     }
 

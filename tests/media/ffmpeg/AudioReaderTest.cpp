@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/MediaError.h"
 #include "media/MovieReader.h"
+#include "tests/support/BoxEdits.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -52,6 +53,19 @@ TEST(AudioReader, fillsALateStartWithSilenceAndCutsWhatComesBefore) {
             (folder / "late.mkv").string()});
     EXPECT_NEAR(onset(readAll(folder / "late.mkv", 48000, 1)), 36000, 64);
     EXPECT_NEAR(onset(readAll(folder / "late.mkv", 48000, 1, 0.5)), 12000, 64);
+}
+
+TEST(AudioReader, goesOnWithoutTimesThatNoClockCounts) {
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder / "aeons.mov";
+    ffmpeg(
+        {"-itsoffset", "3000000", "-f", "lavfi", "-i", "aevalsrc=0.9:s=48000:d=1", "-c:a", "pcm_s16le", file.string()});
+    // Boxes of version 1: the sound begins after 2^62 units of one second.
+    const test::Bytes second{0, 0, 0, 1};
+    test::overwrite(file, test::placeOfBox(test::readFile(file), "mvhd") + 28, second);
+    test::overwrite(file, test::placeOfBox(test::readFile(file), "mdhd") + 20, second);
+    test::overwrite(file, test::placeOfBox(test::readFile(file), "elst") + 16, {0x40, 0, 0, 0, 0, 0, 0, 0});
+    EXPECT_EQ(onset(readAll(file, 48000, 1)), 0);
 }
 
 TEST(AudioReader, mixesSixChannelsDownToTwo) {
