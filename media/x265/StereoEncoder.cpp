@@ -6,9 +6,8 @@
 #include "media/hevc/NalUnits.h"
 #include "media/x265/CodingLevel.h"
 #include "media/x265/ConformanceWindow.h"
+#include "media/x265/Encoder.h"
 #include "media/x265/StereoRateLoop.h"
-
-#include <x265.h>
 
 #include <algorithm>
 #include <array>
@@ -34,16 +33,6 @@ constexpr std::int64_t mostSamples = 35'651'584;
 // The 3D reference displays information SEI (ITU-T H.265, G.14): one display, left view 0, right view 1. x265 4.1
 // writes its mantissa one bit too long, and adds three messages with made-up constants.
 constexpr std::array<std::uint8_t, 9> referenceDisplays{0x4E, 0x01, 0xB0, 0x04, 0x04, 0x0D, 0x00, 0x20, 0x80};
-
-struct ParameterDeleter {
-    void operator()(x265_param *parameters) const { x265_param_free(parameters); }
-};
-using Parameters = std::unique_ptr<x265_param, ParameterDeleter>;
-
-struct EncoderDeleter {
-    void operator()(x265_encoder *encoder) const { x265_encoder_close(encoder); }
-};
-using Encoder = std::unique_ptr<x265_encoder, EncoderDeleter>;
 
 int codedSide(int side) {
     return codedSize(side, smallestSide);
@@ -157,7 +146,7 @@ struct StereoEncoder::State {
         setStructure(*parameters, frameRate);
         level = codingLevel(parameters->sourceWidth, parameters->sourceHeight, frameRate, format.averageBitRate);
         setRate(*parameters, level, baseRate());
-        encoder.reset(x265_encoder_open(parameters.get()));
+        encoder = openEncoder(*parameters);
         if (!encoder)
             throw error(0, "the two-view encoder does not take pictures of " + std::to_string(format.width) + " × " +
                                std::to_string(format.height));

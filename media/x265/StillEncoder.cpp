@@ -5,11 +5,9 @@
 #include "media/Padding.h"
 #include "media/hevc/NalUnits.h"
 #include "media/x265/ConformanceWindow.h"
-
-#include <x265.h>
+#include "media/x265/Encoder.h"
 
 #include <algorithm>
-#include <memory>
 #include <new>
 #include <string>
 
@@ -22,16 +20,6 @@ constexpr const char *preset = "ultrafast";
 // The encoder wants at least one whole coding unit.
 constexpr int smallestSide = 64;
 constexpr int largeSide = 256;
-
-struct ParameterDeleter {
-    void operator()(x265_param *parameters) const { x265_param_free(parameters); }
-};
-using Parameters = std::unique_ptr<x265_param, ParameterDeleter>;
-
-struct EncoderDeleter {
-    void operator()(x265_encoder *encoder) const { x265_encoder_close(encoder); }
-};
-using Encoder = std::unique_ptr<x265_encoder, EncoderDeleter>;
 
 [[noreturn]] void fail(const std::filesystem::path &file, int code, const char *reason) {
     throw MediaError(file, "Cannot encode", code, reason);
@@ -161,7 +149,7 @@ CodedStill encodeStill(const std::filesystem::path &file, Picture picture, int q
     picture = padded(picture, codedWidth, codedHeight, pool);
     const Parameters parameters =
         parametersFor(file, picture, std::clamp(quantiser, 0, coarsestQuantiser), std::max(1, threads));
-    const Encoder encoder(x265_encoder_open(parameters.get()));
+    const Encoder encoder = openEncoder(*parameters);
     if (!encoder)
         fail(file, 0, "the encoder does not take such a picture");
     collectParameterSets(file, encoder.get(), still.width != codedWidth || still.height != codedHeight, still);
