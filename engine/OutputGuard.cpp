@@ -39,8 +39,11 @@ OutputGuard::OutputGuard(const std::vector<std::filesystem::path> &inputs) {
 
 void OutputGuard::check(const std::filesystem::path &input, const std::filesystem::path &output) const {
     std::error_code ignored;
-    if (std::filesystem::is_directory(input, ignored))
+    const std::filesystem::file_status kind = std::filesystem::status(input, ignored);
+    if (is_directory(kind))
         throw processorError(format("error.input.is.folder.format", lastPathComponent(input)));
+    if (exists(kind) && !is_regular_file(kind)) // a pipe that nobody writes to would be waited for without end
+        throw processorError(format("error.input.is.no.file.format", lastPathComponent(input)));
     if (!std::filesystem::is_directory(output.parent_path(), ignored))
         throw processorError(format("error.output.folder.missing.format", lastPathComponent(output.parent_path())));
     const auto place = namesByPlace_.find(placeOf(output));

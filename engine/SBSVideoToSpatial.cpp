@@ -96,6 +96,7 @@ void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::fil
 
     std::filesystem::path file = output;
     media::MovieWriter writer(file.replace_extension("mov"), media::Container::quickTime, movie.tags());
+    media::MovieWriter::requireSize(file, eye.width, eye.height); // larger ones would overflow the settings' arithmetic
     // The stream is as fast as its times say, which are whole units of the time scale.
     const double frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
     writer.addVideo(

@@ -101,6 +101,8 @@ void convertSpatialVideoToSBS(const ConversionSettings &settings, const std::fil
     media::MovieFile movie(input);
     const VideoInfo info = loadVideoInfo(movie);
     const VideoTiming timing = videoTiming(info);
+    if (settings.enableResize) // twice the width of an eye might overflow
+        media::MovieWriter::requireSize(output, settings.resizeWidth, settings.resizeHeight);
     const SBSGeometry geometry = sbsGeometry(settings, info.width, info.height);
     media::FrameReader reader(movie, info.track, system >= bothViews ? media::Views::all : media::Views::base);
     std::optional<AudioCopy> audio;

@@ -58,6 +58,8 @@ class MovieWriter {
 public:
     /// The name of an output while it is written: "NAME.EXT.partial".
     static std::filesystem::path partialName(const std::filesystem::path &output);
+    /// Throws MediaError for frames that no movie holds; addVideo() asks the same.
+    static void requireSize(const std::filesystem::path &output, std::int64_t width, std::int64_t height);
 
     /// Throws MediaError when the partial file cannot be created.
     MovieWriter(const std::filesystem::path &output, Container container, MovieTags tags);

@@ -24,6 +24,8 @@ std::string obstacle(const std::filesystem::path &file) {
         return std::make_error_code(std::errc::no_such_file_or_directory).message();
     if (std::filesystem::is_directory(status))
         return std::make_error_code(std::errc::is_a_directory).message();
+    if (!std::filesystem::is_regular_file(status))
+        return "Not a regular file"; // nobody may ever write to a pipe
     errno = 0;
     if (!std::ifstream(file, std::ios::binary))
         return std::generic_category().message(errno != 0 ? errno : EIO);

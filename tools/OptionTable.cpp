@@ -58,10 +58,15 @@ double numberOf(std::string_view value, double lowest, double highest, const std
     return number;
 }
 
+constexpr std::int64_t largestSide = 65535; // of a JPEG
+
 std::int64_t sizeOf(std::string_view value, const std::string &option) {
     std::int64_t size = 0;
     if (!parse(value, size) || size < 1)
         throw UsageError(fmt::format("{}: \"{}\" is not a number of pixels", option, value));
+    if (size > largestSide)
+        throw UsageError(
+            fmt::format("{}: {} is more than {}, the most that any format holds", option, value, largestSide));
     return size;
 }
 

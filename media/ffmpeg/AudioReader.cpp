@@ -121,7 +121,8 @@ struct AudioReader::State {
         ensureResampler();
         const std::int64_t room = swr_get_out_samples(resampler.get(), frame->nb_samples);
         const auto **data = const_cast<const std::uint8_t **>(frame->extended_data);
-        place(resample(static_cast<int>(room), data, frame->nb_samples), endOfFrame());
+        AudioBlock block = resample(static_cast<int>(room), data, frame->nb_samples);
+        place(std::move(block), endOfFrame()); // which depends on what the resampler now holds back
         av_frame_unref(frame.get());
     }
 

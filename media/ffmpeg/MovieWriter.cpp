@@ -36,13 +36,6 @@ struct TimedPicture {
     std::int64_t duration;
 };
 
-void checkSize(const std::filesystem::path &file, int width, int height) {
-    if (width < 1 || height < 1 || width > largestSide || height > largestSide)
-        throw MediaError(file, operation, AVERROR(EINVAL),
-                         "a frame of " + std::to_string(width) + " × " + std::to_string(height) +
-                             " pixels is outside 1 × 1 to 16384 × 16384");
-}
-
 } // namespace
 
 struct MovieWriter::State {
@@ -229,6 +222,13 @@ std::filesystem::path MovieWriter::partialName(const std::filesystem::path &outp
     return name;
 }
 
+void MovieWriter::requireSize(const std::filesystem::path &output, std::int64_t width, std::int64_t height) {
+    if (width < 1 || height < 1 || width > largestSide || height > largestSide)
+        throw MediaError(output, operation, AVERROR(EINVAL),
+                         "a frame of " + std::to_string(width) + " × " + std::to_string(height) +
+                             " pixels is outside 1 × 1 to 16384 × 16384");
+}
+
 MovieWriter::MovieWriter(const std::filesystem::path &output, Container container, MovieTags tags)
     : state_(std::make_unique<State>(output, container, std::move(tags))) {}
 
@@ -245,7 +245,7 @@ void MovieWriter::addAudio(const AudioEncoding &encoding) {
 }
 
 void MovieWriter::addVideo(const VideoEncoding &encoding) {
-    checkSize(state_->output, encoding.width, encoding.height);
+    requireSize(state_->output, encoding.width, encoding.height);
     state_->videoWidth = encoding.width;
     state_->videoHeight = encoding.height;
     state_->makeVideo = [file = state_->output, encoding](int timeScale) {
@@ -256,7 +256,7 @@ void MovieWriter::addVideo(const VideoEncoding &encoding) {
 }
 
 void MovieWriter::addVideo(const StereoVideoEncoding &encoding) {
-    checkSize(state_->output, encoding.width, encoding.height);
+    requireSize(state_->output, encoding.width, encoding.height);
     state_->stereo = encoding;
     state_->videoWidth = encoding.width;
     state_->videoHeight = encoding.height;

@@ -60,6 +60,35 @@ bool isFullRangeFormat(AVPixelFormat format) {
            format == AV_PIX_FMT_YUVJ440P || format == AV_PIX_FMT_YUVJ411P;
 }
 
+bool isRgb(AVPixelFormat format) {
+    const AVPixFmtDescriptor *description = av_pix_fmt_desc_get(format);
+    return description && (description->flags & AV_PIX_FMT_FLAG_RGB);
+}
+
+bool isPalette(AVPixelFormat format) {
+    const AVPixFmtDescriptor *description = av_pix_fmt_desc_get(format);
+    return description && (description->flags & AV_PIX_FMT_FLAG_PAL);
+}
+
+/// Grey that the scaler unpacks, such as grey with alpha. It takes the values for full range.
+bool isPackedGrey(AVPixelFormat format) {
+    const AVPixFmtDescriptor *description = av_pix_fmt_desc_get(format);
+    return description && description->nb_components <= 2 && !isPalette(format) && !planarFormat(format) &&
+           !(description->flags & AV_PIX_FMT_FLAG_BITSTREAM);
+}
+
+/// What samples mean once PictureImporter has made planes of them: RGB becomes BT.709 of limited range, whether the
+/// file names the colours of its RGB or not; for palettes the scaler knows BT.601 alone.
+ColourTags unpackedColour(AVPixelFormat format, ColourTags colour) {
+    if (isRgb(format) || colour.matrix == AVCOL_SPC_RGB) // grey may be said to be RGB
+        colour.matrix = AVCOL_SPC_BT709;
+    if (isPalette(format))
+        colour.matrix = AVCOL_SPC_SMPTE170M;
+    if (isRgb(format) || isPalette(format) || isPackedGrey(format))
+        colour.range = ColourRange::limited;
+    return colour;
+}
+
 constexpr AVPixelFormat unpackedFormats[] = {AV_PIX_FMT_YUV420P,   AV_PIX_FMT_YUV422P,   AV_PIX_FMT_YUV444P,
                                              AV_PIX_FMT_YUV420P10, AV_PIX_FMT_YUV422P10, AV_PIX_FMT_YUV444P10,
                                              AV_PIX_FMT_YUV444P12, AV_PIX_FMT_NONE};
@@ -101,9 +130,7 @@ ColourTags colourTags(const AVCodecParameters &parameters) {
                              parameters.color_range, parameters.chroma_location);
     if (isFullRangeFormat(static_cast<AVPixelFormat>(parameters.format)))
         colour.range = ColourRange::full;
-    if (colour.matrix == AVCOL_SPC_RGB)
-        colour.matrix = AVCOL_SPC_BT709; // RGB is unpacked to that, see PictureImporter
-    return colour;
+    return unpackedColour(static_cast<AVPixelFormat>(parameters.format), colour);
 }
 
 void setColour(AVCodecContext &codec, const ColourTags &colour) {
@@ -153,12 +180,13 @@ FramePointer PictureImporter::unpacked(const AVFrame &frame) {
                                        nullptr));
     if (!scaler_)
         throw std::runtime_error(std::string("pixel format not supported: ") + av_get_pix_fmt_name(source));
-    if (av_pix_fmt_desc_get(source)->flags & AV_PIX_FMT_FLAG_RGB) {
+    if (isRgb(source)) {
         const int *coefficients = sws_getCoefficients(SWS_CS_ITU709);
         sws_setColorspaceDetails(scaler_.get(), coefficients, 1, coefficients, 0, 0, 1 << 16, 1 << 16);
-        result->colorspace = AVCOL_SPC_BT709;
-        result->color_range = AVCOL_RANGE_MPEG;
     }
+    const ColourTags colour = unpackedColour(source, colourTags(frame));
+    result->colorspace = static_cast<AVColorSpace>(colour.matrix);
+    result->color_range = range(colour.range);
     sws_scale(scaler_.get(), frame.data, frame.linesize, 0, frame.height, result->data, result->linesize);
     return result;
 }

@@ -103,6 +103,8 @@ Picture fitted(Picture picture, ImageKind kind) {
 
 std::optional<ImageKind> imageKind(const std::filesystem::path &file) noexcept {
     try {
+        if (!std::filesystem::is_regular_file(file))
+            return std::nullopt; // a pipe that nobody writes to would be waited for
         std::ifstream stream(file, std::ios::binary);
         std::array<char, 256> bytes{};
         stream.read(bytes.data(), bytes.size());

@@ -120,8 +120,14 @@ TEST(SBSVideoToSpatial, refusesResizeTargetsThatCannotBeCoded) {
     const auto input = draw(folder / "in.mp4");
     ConversionSettings settings;
     settings.enableResize = true;
-    for (const auto &[width, height] : std::vector<std::pair<std::int64_t, std::int64_t>>{
-             {0, 100}, {-4, 100}, {100, 70000}, {16000, 16000}, {std::int64_t{1} << 33, 2}}) {
+    for (const auto &[width, height] :
+         std::vector<std::pair<std::int64_t, std::int64_t>>{{0, 100},
+                                                            {-4, 100},
+                                                            {100, 70000},
+                                                            {16000, 16000},
+                                                            {std::int64_t{1} << 33, 2},
+                                                            {INT64_MAX - 1, 2},
+                                                            {INT64_MAX - 1, INT64_MAX - 1}}) {
         settings.resizeWidth = width;
         settings.resizeHeight = height;
         EXPECT_THROW(toSpatial(settings, input, folder / "out.mov"), media::MediaError) << width << " x " << height;

@@ -226,6 +226,19 @@ TEST_F(EndToEnd, DamagedDataIsConvertedAsFarAsItGoesWithAWarning) {
     EXPECT_EQ(outputs(), std::set<std::string>{"cut_spatial.mov"});
 }
 
+TEST_F(EndToEnd, LinesForClosedStreamsDoNotEndUpInTheOutput) {
+    drawClip(in("cut.mp4"), {"-movflags", "+faststart"});
+    std::vector<std::uint8_t> bytes = readFile(in("cut.mp4"));
+    bytes.resize(bytes.size() * 6 / 10);
+    writeFile(in("cut.mp4"), bytes);
+    const ProgramResult result =
+        runProgram({"sh", "-c", R"(exec "$0" "$@" <&- >&- 2>&-)", LUMETWIN_BATCH, "--direction", "sbsToSpatial",
+                    "--output", folder / "out", "--no-copy-audio", in("cut.mp4")});
+    EXPECT_EQ(result.status, 0);
+    const auto written = readFile(out("cut_spatial.mov"));
+    EXPECT_THAT(std::string(written.begin(), written.end()), Not(HasSubstr("[VP]")));
+}
+
 TEST_F(EndToEnd, OutputIsNeverWrittenOverAnInput) {
     drawClip(in("clip.mp4"));
     std::filesystem::copy(in("clip.mp4"), in("clip_spatial.mov"));

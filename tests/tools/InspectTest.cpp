@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace lumetwin::test {
@@ -43,6 +44,26 @@ TEST_F(Inspect, FilesThatCannotBeReadHaveFailed) {
     EXPECT_EQ(result.errors, "lumetwin-batch: " + (folder / "gone.mov").string() +
                                  ": No such file or directory\nlumetwin-batch: " + folder.path().string() +
                                  ": Is a directory\n");
+}
+
+TEST_F(Inspect, WhatDoesNotArriveIsAFailure) {
+    writeFile(folder / "a.mov", std::string());
+    for (const char *format : {"", " --json"}) {
+        const ProgramResult result =
+            runProgram({"sh", "-c", std::string(R"(exec "$0" inspect "$1")") + format + " >/dev/full", LUMETWIN_BATCH,
+                        folder / "a.mov"});
+        EXPECT_EQ(result.status, 1) << format;
+        EXPECT_THAT(result.errors, HasSubstr("the output cannot be written: No space left on device")) << format;
+    }
+}
+
+TEST_F(Inspect, PipesAreNotWaitedFor) {
+    ASSERT_EQ(mkfifo((folder / "a.mov").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo((folder / "a.png").c_str(), 0600), 0);
+    const ProgramResult result = inspect({folder / "a.mov", folder / "a.png"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "lumetwin-batch: " + (folder / "a.mov").string() + ": Not a regular file\n" +
+                                 "lumetwin-batch: " + (folder / "a.png").string() + ": Not a regular file\n");
 }
 
 TEST_F(Inspect, UnreadableFileSaysWhy) {

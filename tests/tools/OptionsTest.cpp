@@ -150,6 +150,14 @@ TEST(Options, ValuesOutsideAreRefused) {
     EXPECT_EQ(complaintAbout({"--compression-quality", "1.01"}), "--compression-quality: 1.01 is not between 0 and 1");
 }
 
+TEST(Options, SizesThatNoFormatHoldsAreRefused) {
+    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-width", "65534"}), "");
+    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-width", "65536"}),
+              "--resize-width: 65536 is more than 65535, the most that any format holds");
+    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-height", "9223372036854775806"}),
+              "--resize-height: 9223372036854775806 is more than 65535, the most that any format holds");
+}
+
 TEST(Options, NumbersAreTakenOnlyWhole) {
     for (const char *value :
          {"", "abc", "60°", "60 ", " 60", "6,5", "0x40", "nan", "inf", "1e999", "++60", "+-60", "--"})

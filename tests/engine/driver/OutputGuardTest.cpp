@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace lumetwin {
 namespace {
 
@@ -75,6 +77,18 @@ TEST_F(Guard, InputThatWasReplacedMeanwhileIsStillAnInput) {
     test::writeFile(folder / "new", std::string("newer"));
     std::filesystem::rename(folder / "new", inputs[1]);
     EXPECT_THROW(guard.check(inputs[0], inputs[1]), ProcessorError);
+}
+
+TEST_F(Guard, InputThatIsAPipeIsNotWaitedFor) {
+    std::filesystem::remove(inputs[0]);
+    ASSERT_EQ(mkfifo(inputs[0].c_str(), 0600), 0);
+    EXPECT_EQ(complaint(folder / "out/a_sbs.mp4"), "a.mov is not a regular file.");
+}
+
+TEST_F(Guard, InputThatIsADeviceIsNotRead) {
+    std::filesystem::remove(inputs[0]);
+    std::filesystem::create_symlink("/dev/zero", inputs[0]);
+    EXPECT_EQ(complaint(folder / "out/a_sbs.mp4"), "a.mov is not a regular file.");
 }
 
 TEST_F(Guard, MissingOutputFolderIsNamed) {

@@ -89,6 +89,7 @@ const std::map<std::string, std::string> arguments{
     {"batch.summary.format", "ddds"},
     {"batch.time.left.format", "s"},
     {"error.input.is.folder.format", "s"},
+    {"error.input.is.no.file.format", "s"},
     {"error.output.folder.missing.format", "s"},
     {"error.output.is.input.format", "ss"},
     {"error.read.input.folder", "s"},

@@ -188,6 +188,37 @@ TEST(SpecialSources, colourTagsOfWideFilmsAreCarriedIntoSBS) {
     }
 }
 
+TEST(SpecialSources, coloursOfRgbAreWhatTheirTagsSay) {
+    struct Rgb {
+        const char *name;
+        const char *encoder;
+        const char *format;
+        const char *colour;
+        double luma; ///< of limited range
+        const char *matrix = "bt709";
+    };
+    constexpr double red = 16 + 219 * 0.2126;
+    constexpr double redOfBT601 = 16 + 219 * 0.299;
+    constexpr double grey = 16 + 219 * 200 / 255.0;
+    const TemporaryFolder folder;
+    for (const Rgb &rgb : {Rgb{"raw.avi", "rawvideo", "bgr24", "red", red},
+                           {"raw32.avi", "rawvideo", "bgra", "red", red},
+                           {"rgb.mov", "png", "rgb24", "red", red},
+                           {"palette.mov", "png", "pal8", "red", redOfBT601, "smpte170m"},
+                           {"palette.avi", "rawvideo", "pal8", "red", redOfBT601, "smpte170m"},
+                           {"planes.mkv", "ffv1", "gbrp", "red", red},
+                           {"grey_alpha.mov", "png", "ya8", "0xC8C8C8", grey},
+                           {"deep_grey.mov", "png", "gray16be", "0xC8C8C8", grey}}) {
+        test::systemFfmpeg({"-f", "lavfi", "-i", std::string("color=") + rgb.colour + ":s=384x96:r=30", "-frames:v",
+                            "2", "-c:v", rgb.encoder, "-pix_fmt", rgb.format, (folder / rgb.name).string()});
+        test::toSpatial({}, folder / rgb.name, folder / "out.mov");
+        EXPECT_NEAR(test::decodeLuma(folder / "out.mov").mean(1, 20, 20, 100, 50), rgb.luma, 2) << rgb.name;
+        const std::string tags = test::ffprobe(folder / "out.mov", "stream=color_range,color_space");
+        EXPECT_THAT(tags, HasSubstr("color_range=tv\n")) << rgb.name;
+        EXPECT_THAT(tags, HasSubstr(std::string("color_space=") + rgb.matrix + "\n")) << rgb.name;
+    }
+}
+
 TEST(SpecialSources, anUnknownRateIsTakenAsThirtyFrames) {
     const TemporaryFolder folder;
     Clip clip;

@@ -311,8 +311,13 @@ TEST(SpatialVideoToSBS, refusesResizeTargetsThatCannotBeCoded) {
     const auto input = drawStereo(folder / "in.mov");
     ConversionSettings settings;
     settings.enableResize = true;
-    for (const auto &[width, height] : std::vector<std::pair<std::int64_t, std::int64_t>>{
-             {0, 100}, {-4, 100}, {100, 70000}, {9000, 100}, {std::int64_t{1} << 33, 2}}) {
+    for (const auto &[width, height] : std::vector<std::pair<std::int64_t, std::int64_t>>{{0, 100},
+                                                                                          {-4, 100},
+                                                                                          {100, 70000},
+                                                                                          {9000, 100},
+                                                                                          {std::int64_t{1} << 33, 2},
+                                                                                          {INT64_MAX - 1, 2},
+                                                                                          {2, INT64_MAX - 1}}) {
         settings.resizeWidth = width;
         settings.resizeHeight = height;
         EXPECT_THROW(toSBS(settings, input, folder / "out.mp4"), media::MediaError) << width << " x " << height;

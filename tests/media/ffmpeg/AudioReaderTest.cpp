@@ -103,6 +103,15 @@ TEST(AudioReader, resamples) {
     EXPECT_NEAR(static_cast<double>(readAll(folder / "odd.avi", aacSampleRate(37800), 1).size()), 44100, 64);
 }
 
+TEST(AudioReader, resamplingDoesNotMoveASound) {
+    const TemporaryFolder folder;
+    ffmpeg({"-f", "lavfi", "-i", "aevalsrc='if(between(t,0.5,0.6),0.9*sin(2*PI*1000*t),0)':s=192000:d=1", "-c:a",
+            "pcm_s16le", (folder / "high.mov").string()});
+    const auto samples = readAll(folder / "high.mov", 96000, 1);
+    EXPECT_NEAR(onset(samples), 48004, 6); // the tone needs four samples to become loud
+    EXPECT_NEAR(static_cast<double>(samples.size()), 96000, 6);
+}
+
 TEST(AudioReader, choosesARateThatAacCarries) {
     EXPECT_EQ(aacSampleRate(44100), 44100);
     EXPECT_EQ(aacSampleRate(16000), 16000);
