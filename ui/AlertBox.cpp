@@ -77,8 +77,11 @@ void AlertBox::addDetails(const std::string &details) {
 }
 
 void AlertBox::addButtons(const Alert &alert) {
-    if (alert.buttons.empty())
-        connect(addButton(QMessageBox::Ok), &QPushButton::clicked, this, [this] { emit answered(0); });
+    if (alert.buttons.empty()) {
+        QPushButton *button = addButton(QMessageBox::Ok);
+        setEscapeButton(button);
+        connect(button, &QPushButton::clicked, this, [this] { emit answered(0); });
+    }
     if (!alert.sideButton.empty())
         connect(addButton(toQString(alert.sideButton), ActionRole), &QPushButton::clicked, this,
                 [this] { emit answered(AlertPresenter::sideButton); });
@@ -88,6 +91,7 @@ void AlertBox::addButtons(const Alert &alert) {
         button->setAutoDefault(true);
         if (position == 0)
             setDefaultButton(button);
+        setEscapeButton(button); // without one the box could not be closed
         connect(button, &QPushButton::clicked, this, [this, position] { emit answered(position); });
     }
 }
@@ -105,7 +109,7 @@ void AlertBox::keyPressEvent(QKeyEvent *event) {
 
 void AlertBox::closeEvent(QCloseEvent *event) {
     emit answered(AlertPresenter::dismissed);
-    QDialog::closeEvent(event);
+    QMessageBox::closeEvent(event);
 }
 
 } // namespace lumetwin

@@ -62,6 +62,14 @@ TEST_F(AlertBoxes, EscapeAndClosingPressNoButton) {
     EXPECT_EQ(answers, (std::vector{AlertPresenter::dismissed, AlertPresenter::dismissed}));
 }
 
+TEST_F(AlertBoxes, CloseWhateverTheirButtons) {
+    for (const Alert &alert : {Alert{"Message"}, Alert{.message = "Message", .sideButton = "Show"},
+                               Alert{"Message", "More", {"First"}}, Alert{"Message", "More", {"One", "Two", "Three"}}})
+        present(alert).close(), settle();
+    EXPECT_EQ(answers, std::vector<int>(4, AlertPresenter::dismissed));
+    EXPECT_FALSE(window.findChild<AlertBox *>());
+}
+
 TEST_F(AlertBoxes, WithoutButtonsThereIsThePlatformsOwn) {
     AlertBox &box = present({"Message"});
     EXPECT_EQ(box.buttons().size(), 1);
