@@ -39,7 +39,7 @@ def draw_sbs(target, seconds, eye=(1920, 1080), rate="60M"):
 def draw_long_sbs(target, seconds):
     """A small scene that begins anew every ten seconds: drawing must not take longer than what is measured."""
     piece = target.with_name("piece.mp4")
-    draw_sbs(piece, 10, (640, 360), "4M")
+    draw_sbs(piece, 10, (960, 540), "6M")
     ffmpeg("-stream_loop", "-1", "-i", piece, "-t", seconds, "-c", "copy", target)
 
 
