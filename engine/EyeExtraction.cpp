@@ -22,7 +22,8 @@ media::Rect fitted(const ConversionSettings &settings, const EyeSize &eye, doubl
 
 EyeExtraction eyeExtraction(const ConversionSettings &settings, const EyeSize &eye, std::int64_t sourceWidth,
                             std::int64_t sourceHeight) {
-    const auto halfWidth = static_cast<double>(sourceWidth / 2);
+    const std::int64_t columns = sourceWidth / 2; // the last of an odd width belongs to no eye
+    const auto halfWidth = static_cast<double>(columns);
     const auto height = static_cast<double>(sourceHeight);
     const media::Rect target = fitted(settings, eye, halfWidth, height);
     const media::Rect canvas{0, 0, static_cast<double>(eye.width), static_cast<double>(eye.height)};

@@ -13,7 +13,7 @@ struct SystemVersion {
     int minor = 0;
     int patch = 0;
 
-    auto operator<=>(const SystemVersion &) const = default;
+    auto operator<=>(const SystemVersion &) const = default; // NOLINT(modernize-use-nullptr): clang-tidy's own 0
 
     static constexpr SystemVersion current() { return {std::numeric_limits<int>::max(), 0, 0}; }
 };

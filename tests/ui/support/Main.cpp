@@ -3,6 +3,7 @@
 #include "tests/ui/support/Scripted.h"
 #include "ui/Accessibility.h"
 #include "ui/BackgroundThreads.h"
+#include "ui/MainThreadQueue.h"
 
 #include <QApplication>
 
@@ -17,6 +18,7 @@ int main(int argc, char **argv) {
     QApplication application(argc, argv);
     lumetwin::setTextLocale("en");
     lumetwin::installAccessibility();
+    lumetwin::MainThreadQueue::shared(); // made here, where the thread sanitizer sees who made it
     const int status = RUN_ALL_TESTS();
     lumetwin::BackgroundThreads::shared().waitForAll(lumetwin::test::patience);
     return status;
