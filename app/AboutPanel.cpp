@@ -45,9 +45,9 @@ AboutPanel::AboutPanel(QWidget *window) : QDialog(window) {
     layout->setSizeConstraint(QLayout::SetFixedSize);
     for (QWidget *part : std::initializer_list<QWidget *>{
              icon, centred("Lumetwin", scale.font(20, QFont::Bold)),
-             centred(format("about.version.format", std::string(LUMETWIN_VERSION)), scale.font(13)),
+             centred(formatted("about.version.format", std::string(LUMETWIN_VERSION)), scale.font(13)),
              centred(text("about.licence"), scale.font(12)),
-             centred(format("about.libraries.format", libraries), scale.font(12)), buttons}) {
+             centred(formatted("about.libraries.format", libraries), scale.font(12)), buttons}) {
         if (auto *label = qobject_cast<QLabel *>(part))
             label->setFixedWidth(scale.horizontal(420));
         layout->addWidget(part);

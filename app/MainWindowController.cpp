@@ -78,7 +78,7 @@ void MainWindowController::showWindow() {
 }
 
 void MainWindowController::showProgress(double fraction) {
-    window_->setWindowTitle(toQString(format("window.progress.format", static_cast<std::int64_t>(fraction * 100))));
+    window_->setWindowTitle(toQString(formatted("window.progress.format", static_cast<std::int64_t>(fraction * 100))));
 }
 
 bool MainWindowController::windowShouldClose() {

@@ -41,18 +41,18 @@ void OutputGuard::check(const std::filesystem::path &input, const std::filesyste
     std::error_code ignored;
     const std::filesystem::file_status kind = std::filesystem::status(input, ignored);
     if (is_directory(kind))
-        throw processorError(format("error.input.is.folder.format", lastPathComponent(input)));
+        throw processorError(formatted("error.input.is.folder.format", lastPathComponent(input)));
     if (exists(kind) && !is_regular_file(kind)) // a pipe that nobody writes to would be waited for without end
-        throw processorError(format("error.input.is.no.file.format", lastPathComponent(input)));
+        throw processorError(formatted("error.input.is.no.file.format", lastPathComponent(input)));
     if (!std::filesystem::is_directory(output.parent_path(), ignored))
-        throw processorError(format("error.output.folder.missing.format", lastPathComponent(output.parent_path())));
+        throw processorError(formatted("error.output.folder.missing.format", lastPathComponent(output.parent_path())));
     const auto place = namesByPlace_.find(placeOf(output));
     if (place != namesByPlace_.end())
-        throw processorError(format("error.output.is.input.format", lastPathComponent(input), place->second));
+        throw processorError(formatted("error.output.is.input.format", lastPathComponent(input), place->second));
     const auto identity = identityOf(output);
     const auto found = identity ? namesByIdentity_.find(*identity) : namesByIdentity_.end();
     if (found != namesByIdentity_.end())
-        throw processorError(format("error.output.is.input.format", lastPathComponent(input), found->second));
+        throw processorError(formatted("error.output.is.input.format", lastPathComponent(input), found->second));
 }
 
 } // namespace lumetwin

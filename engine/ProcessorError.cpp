@@ -21,7 +21,7 @@ std::string errorMessage(const std::exception &error) {
 }
 
 std::string errorText(const std::exception &error) {
-    const std::string message = errorMessage(error);
+    std::string message = errorMessage(error);
     if (dynamic_cast<const ProcessorError *>(&error))
         return described(ProcessorError::domain, ProcessorError::code, message);
     if (const auto *photo = dynamic_cast<const SpatialPhotoError *>(&error))

@@ -14,7 +14,7 @@ std::string text(std::string_view key);
 std::string text(std::string_view key, std::string_view englishDefault);
 
 /// The key's format text, filled printf-style: 64-bit integers, doubles and strings, in the order of the arguments.
-template <typename... Arguments> std::string format(std::string_view key, const Arguments &...arguments) {
+template <typename... Arguments> std::string formatted(std::string_view key, const Arguments &...arguments) {
     return fmt::sprintf(text(key), arguments...);
 }
 

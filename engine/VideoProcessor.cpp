@@ -74,7 +74,7 @@ VideoProcessor::Ending VideoProcessor::run() {
     try {
         files = mediaFiles(settings->inputFiles ? *settings->inputFiles : visibleChildren(*settings->inputFolderURL));
     } catch (const std::system_error &error) {
-        return {false, format("error.read.input.folder", error.code().message())};
+        return {false, formatted("error.read.input.folder", error.code().message())};
     }
     if (files.empty())
         return {false, text("error.no.media.files")};
@@ -103,7 +103,7 @@ VideoProcessor::Ending VideoProcessor::convertFiles(const std::vector<Path> &fil
     }
     if (cancelRequested)
         return {false, text("status.cancelled")};
-    return {failCount == 0, format("status.complete", successCount, failCount)};
+    return {failCount == 0, formatted("status.complete", successCount, failCount)};
 }
 
 VideoProcessor::Outcome VideoProcessor::handle(const Path &file, const OutputGuard &guard) {

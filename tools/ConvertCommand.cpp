@@ -57,8 +57,8 @@ public:
         if (processor_.cancelRequested || (!success_ && !started_))
             console_.printError(message_);
         if (started_) {
-            console_.print(format("batch.summary.format", converted_, skipped_,
-                                  static_cast<std::int64_t>(failures_.size()), clockTime(secondsSince(began_))));
+            console_.print(formatted("batch.summary.format", converted_, skipped_,
+                                     static_cast<std::int64_t>(failures_.size()), clockTime(secondsSince(began_))));
             for (const std::string &failure : failures_)
                 console_.print("  " + failure);
         }

@@ -95,17 +95,17 @@ void printWords(Console &console, const std::filesystem::path &file, const Media
     console.print(file.string() + ": " + headline(description));
     const auto tell = [&](const std::string &words) { console.print("  " + words); };
     if (description.values.horizontalFOV)
-        tell(format("batch.inspect.fov.format", *description.values.horizontalFOV));
+        tell(formatted("batch.inspect.fov.format", *description.values.horizontalFOV));
     if (description.values.stereoBaseline)
-        tell(format("batch.inspect.baseline.format", *description.values.stereoBaseline));
+        tell(formatted("batch.inspect.baseline.format", *description.values.stereoBaseline));
     if (description.values.disparity)
-        tell(format("batch.inspect.disparity.format", *description.values.disparity));
+        tell(formatted("batch.inspect.disparity.format", *description.values.disparity));
     if (const std::string names = eyes(description); !names.empty())
-        tell(format("batch.inspect.eyes.format", names));
+        tell(formatted("batch.inspect.eyes.format", names));
     if (description.heroEye)
-        tell(format("batch.inspect.hero.format", heroEye(*description.heroEye)));
+        tell(formatted("batch.inspect.hero.format", heroEye(*description.heroEye)));
     if (!description.projection.empty())
-        tell(format("batch.inspect.projection.format", description.projection));
+        tell(formatted("batch.inspect.projection.format", description.projection));
 }
 
 } // namespace

@@ -65,16 +65,16 @@ std::vector<std::string> details(const BatchProgress &progress) {
     if (progress.frames > 0) {
         parts.push_back(fmt::format("{}%", std::min<std::int64_t>(100, progress.frame * 100 / progress.frames)));
         if (rate > 0)
-            parts.push_back(format(
+            parts.push_back(formatted(
                 "batch.time.left.format",
                 clockTime(static_cast<double>(std::max<std::int64_t>(0, progress.frames - progress.frame)) / rate)));
     }
     if (rate > 0)
-        parts.push_back(format("batch.rate.format", rate));
+        parts.push_back(formatted("batch.rate.format", rate));
     if (progress.frames > 0)
         parts.push_back(fmt::format("{}/{}", progress.frame, progress.frames));
     else if (progress.frame > 0)
-        parts.push_back(format("batch.frames.format", progress.frame));
+        parts.push_back(formatted("batch.frames.format", progress.frame));
     return parts;
 }
 

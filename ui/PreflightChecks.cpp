@@ -58,8 +58,8 @@ std::optional<Alert> directionMismatch(ConversionDirection direction, std::size_
 std::optional<Alert> oddResizeSize(const ConversionSettings &settings) {
     if (!settings.enableResize || (settings.resizeWidth % 2 == 0 && settings.resizeHeight % 2 == 0))
         return std::nullopt;
-    return Alert{
-        format("error.resize.odd.format", roundedUpTo16(settings.resizeWidth), roundedUpTo16(settings.resizeHeight))};
+    return Alert{formatted("error.resize.odd.format", roundedUpTo16(settings.resizeWidth),
+                           roundedUpTo16(settings.resizeHeight))};
 }
 
 std::vector<std::string> existingOutputs(const std::vector<fs::path> &entries, const ConversionSettings &settings) {
@@ -80,9 +80,10 @@ Alert overwriteQuestion(const std::vector<std::string> &names) {
     for (std::size_t i = 0; i < std::min(names.size(), mostNamesShown); ++i)
         list += (i ? "\n" : "") + names[i];
     if (names.size() > mostNamesShown)
-        list += "\n" + format("alert.overwrite.more.format", static_cast<std::int64_t>(names.size() - mostNamesShown));
+        list +=
+            "\n" + formatted("alert.overwrite.more.format", static_cast<std::int64_t>(names.size() - mostNamesShown));
     return {text("alert.overwrite.title"),
-            format("alert.overwrite.message.format", list),
+            formatted("alert.overwrite.message.format", list),
             {text("button.overwrite"), text("button.cancel")}};
 }
 

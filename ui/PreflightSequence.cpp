@@ -101,7 +101,7 @@ void PreflightSequence::showWaiting() {
     });
     const auto refresh = [this, total] {
         const auto tested = static_cast<std::int64_t>(test_->tested);
-        waiting_->setLabelText(toQString(format("check.videos.format", tested, total)));
+        waiting_->setLabelText(toQString(formatted("check.videos.format", tested, total)));
         waiting_->setValue(static_cast<int>(tested));
     };
     auto *timer = new QTimer(waiting_);

@@ -25,23 +25,23 @@ double batchFraction(std::int64_t filesDone, std::int64_t filesTotal, double fra
 }
 
 std::string filesText(std::int64_t current, std::int64_t total) {
-    return format("progress.files.format", current, total, percentOf(fractionOf(current, total)));
+    return formatted("progress.files.format", current, total, percentOf(fractionOf(current, total)));
 }
 
 std::string framesText(std::int64_t current, std::int64_t total) {
     if (total < 1)
-        return format("progress.frame.processed.format", current);
-    return format("progress.frame.format", current, total, percentOf(fractionOf(current, total)));
+        return formatted("progress.frame.processed.format", current);
+    return formatted("progress.frame.format", current, total, percentOf(fractionOf(current, total)));
 }
 
 std::string elapsedText(std::chrono::steady_clock::duration elapsed) {
     const std::int64_t all = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
     const std::int64_t minutes = all / 60, seconds = all - minutes * 60;
-    return format("progress.elapsed.format", minutes, seconds);
+    return formatted("progress.elapsed.format", minutes, seconds);
 }
 
 std::string detailLine(const std::string &fileName, const std::string &reason) {
-    return format("detail.file.format", fileName, reason) + "\n";
+    return formatted("detail.file.format", fileName, reason) + "\n";
 }
 
 Alert stopQuestion() {

@@ -75,8 +75,8 @@ void ProgressViewController::updateProgress(std::int64_t current, std::int64_t t
     const double fraction = fractionOf(current, total);
     overallProgress->setDoubleValue(fraction);
     overallLabel->setText(toQString(filesText(current, total)));
-    fileCountLabel->setText(toQString(format("progress.filecount.format", current, total)));
-    fileNameLabel->setText(toQString(format("progress.processing.format", fileName)));
+    fileCountLabel->setText(toQString(formatted("progress.filecount.format", current, total)));
+    fileNameLabel->setText(toQString(formatted("progress.processing.format", fileName)));
     statusLabel->setText(toQString(text("progress.converting")));
     fileProgressBar->setIndeterminate(true);
     fileProgressLabel->setText(toQString(text("progress.frame.calculating")));

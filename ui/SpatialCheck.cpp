@@ -15,11 +15,11 @@ namespace {
 std::string valueLines(const StereoValues &values) {
     std::string lines;
     if (values.horizontalFOV)
-        lines += format("alert.spatial.fov.format", *values.horizontalFOV) + "\n";
+        lines += formatted("alert.spatial.fov.format", *values.horizontalFOV) + "\n";
     if (values.stereoBaseline)
-        lines += format("alert.spatial.baseline.format", *values.stereoBaseline) + "\n";
+        lines += formatted("alert.spatial.baseline.format", *values.stereoBaseline) + "\n";
     if (values.disparity)
-        lines += format("alert.spatial.disparity.format", *values.disparity);
+        lines += formatted("alert.spatial.disparity.format", *values.disparity);
     return lines;
 }
 
@@ -39,11 +39,11 @@ Alert spatialCheckAlert(const fs::path &file, const SpatialFinding &finding) {
     const std::string name = file.filename().string();
     const std::vector<std::string> buttons{text("button.close")};
     if (!finding.isSpatial)
-        return {format("alert.spatial.check.no.title", name), text("alert.spatial.check.no.message"), buttons};
+        return {formatted("alert.spatial.check.no.title", name), text("alert.spatial.check.no.message"), buttons};
     std::string lines = valueLines(finding.values);
     if (lines.empty())
         lines = text(isPhotoFile(file) ? "media.type.photo" : "media.type.video");
-    return {format("alert.spatial.check.yes.title", name), lines, buttons, {}, AlertStyle::informational};
+    return {formatted("alert.spatial.check.yes.title", name), lines, buttons, {}, AlertStyle::informational};
 }
 
 void checkSpatialFile(const fs::path &file, QWidget *form, std::shared_ptr<const ConversionSettings> settings,

@@ -207,7 +207,7 @@ TEST_F(Preflight, OddSizesAreRefused) {
     control<QCheckBox>(*form, "enableResizeCheck").click();
     control<QLineEdit>(*form, "resizeWidthField").setText(QStringLiteral("1921"));
     start();
-    EXPECT_EQ(alert().message, format("error.resize.odd.format", std::int64_t(1936), std::int64_t(1088)));
+    EXPECT_EQ(alert().message, formatted("error.resize.odd.format", std::int64_t(1936), std::int64_t(1088)));
     EXPECT_TRUE(alert().buttons.empty());
     EXPECT_FALSE(form->progressSheet());
     control<QCheckBox>(*form, "enableResizeCheck").click();
@@ -234,13 +234,13 @@ TEST_F(Preflight, ExistingOutputsArePredictedByName) {
 
 TEST(OverwriteQuestion, ListsFiveNamesAndTheNumberOfTheRest) {
     const std::vector<std::string> seven{"1", "2", "3", "4", "5", "6", "7"};
-    const std::string more = format("alert.overwrite.more.format", std::int64_t(2));
+    const std::string more = formatted("alert.overwrite.more.format", std::int64_t(2));
     const Alert question = overwriteQuestion(seven);
     EXPECT_EQ(question.message, text("alert.overwrite.title"));
-    EXPECT_EQ(question.informative, format("alert.overwrite.message.format", "1\n2\n3\n4\n5\n" + more));
+    EXPECT_EQ(question.informative, formatted("alert.overwrite.message.format", "1\n2\n3\n4\n5\n" + more));
     EXPECT_EQ(question.buttons, (std::vector{text("button.overwrite"), text("button.cancel")}));
     EXPECT_EQ(overwriteQuestion({seven.begin(), seven.begin() + 5}).informative,
-              format("alert.overwrite.message.format", std::string("1\n2\n3\n4\n5")));
+              formatted("alert.overwrite.message.format", std::string("1\n2\n3\n4\n5")));
 }
 
 TEST_F(Preflight, OverwritingIsAskedForLast) {
@@ -284,7 +284,8 @@ TEST_F(Preflight, AThousandCandidatesDoNotFreezeTheWindow) {
         << "the interface goes on working while the candidates are tested";
     EXPECT_TRUE(waiting->isModal());
     EXPECT_EQ(waiting->findChild<QProgressBar *>()->accessibleName().toStdString(), text("spoken.check.progress"));
-    EXPECT_EQ(waiting->labelText().toStdString(), format("check.videos.format", std::int64_t(500), std::int64_t(1000)));
+    EXPECT_EQ(waiting->labelText().toStdString(),
+              formatted("check.videos.format", std::int64_t(500), std::int64_t(1000)));
     hold = false;
     EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
     EXPECT_EQ(tested, 1000) << "all of them, not a sample";

@@ -114,7 +114,7 @@ TEST_F(ProgressSheet, ShowsFilesAsTheyArePassed) {
     sheet->updateProgress(0, 3, "clip.mp4");
     EXPECT_EQ(bar("overallProgress").doubleValue(), 0);
     EXPECT_EQ(label("overallLabel"),
-              format("progress.files.format", std::int64_t(0), std::int64_t(3), std::int64_t(0)));
+              formatted("progress.files.format", std::int64_t(0), std::int64_t(3), std::int64_t(0)));
     EXPECT_EQ(label("fileCountLabel"), "0 / 3");
     EXPECT_EQ(label("fileNameLabel"), "clip.mp4");
     EXPECT_EQ(label("statusLabel"), text("progress.converting"));
@@ -123,7 +123,7 @@ TEST_F(ProgressSheet, ShowsFilesAsTheyArePassed) {
     sheet->updateProgress(2, 3, "photo.jpg");
     EXPECT_EQ(bar("overallProgress").doubleValue(), 2.0 / 3);
     EXPECT_EQ(label("overallLabel"),
-              format("progress.files.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
+              formatted("progress.files.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
 }
 
 TEST_F(ProgressSheet, NoFilesAreZeroPercent) {
@@ -131,20 +131,20 @@ TEST_F(ProgressSheet, NoFilesAreZeroPercent) {
     sheet->updateProgress(0, 0, "");
     EXPECT_EQ(bar("overallProgress").doubleValue(), 0);
     EXPECT_EQ(label("overallLabel"),
-              format("progress.files.format", std::int64_t(0), std::int64_t(0), std::int64_t(0)));
+              formatted("progress.files.format", std::int64_t(0), std::int64_t(0), std::int64_t(0)));
 }
 
 TEST_F(ProgressSheet, AnUnknownNumberOfFramesShowsTheCount) {
     start();
     sheet->updateProgress(0, 1, "a.mov");
     sheet->updateFrameProgress(16, 0);
-    EXPECT_EQ(label("fileProgressLabel"), format("progress.frame.processed.format", std::int64_t(16)));
+    EXPECT_EQ(label("fileProgressLabel"), formatted("progress.frame.processed.format", std::int64_t(16)));
     EXPECT_TRUE(bar("fileProgressBar").isIndeterminate());
     sheet->updateFrameProgress(24, 96);
     EXPECT_FALSE(bar("fileProgressBar").isIndeterminate());
     EXPECT_EQ(bar("fileProgressBar").doubleValue(), 0.25);
     EXPECT_EQ(label("fileProgressLabel"),
-              format("progress.frame.format", std::int64_t(24), std::int64_t(96), std::int64_t(25)));
+              formatted("progress.frame.format", std::int64_t(24), std::int64_t(96), std::int64_t(25)));
     sheet->updateFrameProgress(32, 0);
     EXPECT_TRUE(bar("fileProgressBar").isIndeterminate());
 }
@@ -154,7 +154,7 @@ TEST_F(ProgressSheet, MoreFramesThanAnnouncedAreNotHidden) {
     sheet->updateFrameProgress(120, 100);
     EXPECT_EQ(bar("fileProgressBar").doubleValue(), 1.2);
     EXPECT_EQ(label("fileProgressLabel"),
-              format("progress.frame.format", std::int64_t(120), std::int64_t(100), std::int64_t(120)));
+              formatted("progress.frame.format", std::int64_t(120), std::int64_t(100), std::int64_t(120)));
     EXPECT_EQ(bar("fileProgressBar").value(), bar("fileProgressBar").maximum());
 }
 
@@ -174,7 +174,7 @@ TEST_F(ProgressSheet, MinutesAreNotWrappedIntoHours) {
     start();
     *sheet->startTime -= seconds(3725);
     sheet->updateElapsedTime();
-    EXPECT_EQ(label("elapsedLabel"), format("progress.elapsed.format", std::int64_t(62), std::int64_t(5)));
+    EXPECT_EQ(label("elapsedLabel"), formatted("progress.elapsed.format", std::int64_t(62), std::int64_t(5)));
     EXPECT_NE(label("elapsedLabel").find("62:05"), std::string::npos);
 }
 

@@ -62,9 +62,9 @@ TEST(ProgressTexts, CountFilesAndFrames) {
     EXPECT_EQ(fractionOf(120, 100), 1.2);
     EXPECT_EQ(batchFraction(1, 4, 0.5), 0.375);
     EXPECT_EQ(batchFraction(1, 4, 1.2), 0.5) << "more frames than announced fill one file";
-    EXPECT_EQ(filesText(2, 3), format("progress.files.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
-    EXPECT_EQ(framesText(16, 0), format("progress.frame.processed.format", std::int64_t(16)));
-    EXPECT_EQ(framesText(2, 3), format("progress.frame.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
+    EXPECT_EQ(filesText(2, 3), formatted("progress.files.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
+    EXPECT_EQ(framesText(16, 0), formatted("progress.frame.processed.format", std::int64_t(16)));
+    EXPECT_EQ(framesText(2, 3), formatted("progress.frame.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
 }
 
 TEST(ProgressTexts, TellTheTimeInMinutes) {
@@ -131,23 +131,23 @@ protected:
         return resizePreview(settings);
     }
     static std::string sizes(std::int64_t a, std::int64_t b, std::int64_t c, std::int64_t d) {
-        return format("resize.preview.format", a, b, c, d);
+        return formatted("resize.preview.format", a, b, c, d);
     }
     ConversionSettings settings;
 };
 
 TEST_F(ResizePreview, WarnsOfOddSizes) {
     EXPECT_EQ(preview(1921, 1080), sizes(3842, 1080, 1921, 1080) + "  " +
-                                       format("resize.warn.odd.format", std::int64_t(1936), std::int64_t(1088)));
+                                       formatted("resize.warn.odd.format", std::int64_t(1936), std::int64_t(1088)));
 }
 
 TEST_F(ResizePreview, WarnsOfSizesThatAreNoMultipleOf16OnlyTowardsSBS) {
     EXPECT_EQ(preview(1000, 1000), sizes(2000, 1000, 1000, 1000) + "  " +
-                                       format("resize.warn.not16.format", std::int64_t(1008), std::int64_t(1008)));
+                                       formatted("resize.warn.not16.format", std::int64_t(1008), std::int64_t(1008)));
     settings.direction = ConversionDirection::sbsToSpatial;
     EXPECT_EQ(preview(1000, 1000), sizes(1000, 1000, 500, 1000));
     EXPECT_EQ(preview(1001, 1000), sizes(1001, 1000, 500, 1000) + "  " +
-                                       format("resize.warn.odd.format", std::int64_t(1008), std::int64_t(1008)));
+                                       formatted("resize.warn.odd.format", std::int64_t(1008), std::int64_t(1008)));
 }
 
 TEST_F(ResizePreview, HalfWidthKeepsTheWidthOfOneEye) {

@@ -132,7 +132,7 @@ public:
         sheet.runningProcessor()->onConverted("a.mov", "/x/a_sbs.mp4");
         sheet.runningProcessor()->onFailure("b.mov", "the file ends too early");
         settle();
-        sheet.conversionFinished(false, format("status.complete", std::int64_t(3), std::int64_t(1)));
+        sheet.conversionFinished(false, formatted("status.complete", std::int64_t(3), std::int64_t(1)));
         settle();
         window.shootDialog("sheet-finished-problems");
         window.closeDialogs();

@@ -16,10 +16,10 @@ const auto settings = std::make_shared<const ConversionSettings>();
 
 TEST(SpatialCheck, TellsTheValuesOfASpatialVideo) {
     const Alert alert = spatialCheckAlert("/x/clip.mov", {true, {63.4, 19.24, 2.0}});
-    EXPECT_EQ(alert.message, format("alert.spatial.check.yes.title", std::string("clip.mov")));
-    EXPECT_EQ(alert.informative, format("alert.spatial.fov.format", 63.4) + "\n" +
-                                     format("alert.spatial.baseline.format", 19.24) + "\n" +
-                                     format("alert.spatial.disparity.format", 2.0));
+    EXPECT_EQ(alert.message, formatted("alert.spatial.check.yes.title", std::string("clip.mov")));
+    EXPECT_EQ(alert.informative, formatted("alert.spatial.fov.format", 63.4) + "\n" +
+                                     formatted("alert.spatial.baseline.format", 19.24) + "\n" +
+                                     formatted("alert.spatial.disparity.format", 2.0));
     EXPECT_NE(alert.informative.find("63.4"), std::string::npos);
     EXPECT_NE(alert.informative.find("19.24"), std::string::npos);
     EXPECT_EQ(alert.buttons, std::vector{text("button.close")});
@@ -28,7 +28,7 @@ TEST(SpatialCheck, TellsTheValuesOfASpatialVideo) {
 
 TEST(SpatialCheck, ABaselineAloneIsALineWithALineFeed) {
     const Alert alert = spatialCheckAlert("/x/clip.mov", {true, {{}, 19.24, {}}});
-    EXPECT_EQ(alert.informative, format("alert.spatial.baseline.format", 19.24) + "\n");
+    EXPECT_EQ(alert.informative, formatted("alert.spatial.baseline.format", 19.24) + "\n");
 }
 
 TEST(SpatialCheck, WithoutValuesTheMediaTypeIsTold) {
@@ -38,7 +38,7 @@ TEST(SpatialCheck, WithoutValuesTheMediaTypeIsTold) {
 
 TEST(SpatialCheck, NotSpatialIsAWarning) {
     const Alert alert = spatialCheckAlert("/x/100%s.mov", {false, {63.4, {}, {}}});
-    EXPECT_EQ(alert.message, format("alert.spatial.check.no.title", std::string("100%s.mov")));
+    EXPECT_EQ(alert.message, formatted("alert.spatial.check.no.title", std::string("100%s.mov")));
     EXPECT_EQ(alert.informative, text("alert.spatial.check.no.message"));
     EXPECT_EQ(alert.buttons, std::vector{text("button.close")});
     EXPECT_EQ(alert.style, AlertStyle::warning);

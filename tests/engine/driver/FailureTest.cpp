@@ -33,8 +33,8 @@ TEST_F(Failure, NoInput) {
 TEST_F(Failure, FolderThatIsNotThere) {
     settings->inputFolderURL = input / "gone";
     run();
-    EXPECT_THAT(completions, ElementsAre(Completion{
-                                 false, format("error.read.input.folder", std::string("No such file or directory"))}));
+    EXPECT_THAT(completions, ElementsAre(Completion{false, formatted("error.read.input.folder",
+                                                                     std::string("No such file or directory"))}));
     EXPECT_THAT(progress, IsEmpty());
 }
 

@@ -17,7 +17,7 @@ protected:
 TEST_F(Texts, UnknownKeyShowsItself) {
     setTextLocale("en");
     EXPECT_EQ(text("no.such.key"), "no.such.key");
-    EXPECT_EQ(format("no.such.format", std::int64_t{1}), "no.such.format");
+    EXPECT_EQ(formatted("no.such.format", std::int64_t{1}), "no.such.format");
 }
 
 TEST_F(Texts, DefaultStandsInOnlyForAMissingKey) {
@@ -52,13 +52,13 @@ TEST_F(Texts, LocaleWithoutATableIsEnglish) {
 
 TEST_F(Texts, FillsWideIntegers) {
     setTextLocale("en");
-    EXPECT_EQ(format("status.complete", std::numeric_limits<std::int64_t>::max(), std::int64_t{0}),
+    EXPECT_EQ(formatted("status.complete", std::numeric_limits<std::int64_t>::max(), std::int64_t{0}),
               "Converted: 9223372036854775807, failed: 0");
 }
 
 TEST_F(Texts, PercentSignsInAStringArgumentStay) {
     setTextLocale("en");
-    EXPECT_EQ(format("error.read.input.folder", std::string("100%s")), "The input folder cannot be read: 100%s");
+    EXPECT_EQ(formatted("error.read.input.folder", std::string("100%s")), "The input folder cannot be read: 100%s");
 }
 
 /// Leaves with a status that tells the language of a process with this environment, which is read only once.
