@@ -8,6 +8,7 @@
 #include <random>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace lumetwin::test {
 namespace {
@@ -67,6 +68,11 @@ TEST_F(ImageDamage, emptyFilesAreNoImages) {
         EXPECT_EQ(media::imageKind(file(name)), std::nullopt);
         EXPECT_NE(failure(file(name)).find("not an image"), std::string::npos);
     }
+}
+
+TEST_F(ImageDamage, pipesAreNotWaitedFor) {
+    ASSERT_EQ(mkfifo(file("a.png").c_str(), 0600), 0);
+    EXPECT_EQ(media::imageKind(file("a.png")), std::nullopt);
 }
 
 TEST_F(ImageDamage, missingFilesSayWhy) {
