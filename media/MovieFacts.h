@@ -19,6 +19,7 @@ struct StereoMovieFacts {
     std::optional<std::uint8_t> heroEye;                ///< hero: 0 none, 1 left, 2 right
     std::string projection;                             ///< prji: "rect", "equi", …; empty where absent
     bool anyBaseline = false;                           ///< one of the track's sample entries has a baseline
+    bool encrypted = false;                             ///< one of the track's sample entries is protected (encv)
     bool multilayer = false;                            ///< a layered HEVC configuration (lhvC) is present
 };
 

@@ -104,14 +104,16 @@ private:
         Box entry;
         while (walk.next(entry)) {
             StereoMovieFacts own;
+            own.encrypted = facts.encrypted || entry.type == fourCC("encv"); // ISO/IEC 14496-12, 8.12
             sampleEntry(entry, own);
             if (!facts.hasSampleDescription) {
                 own.hasVideoTrack = true;
                 own.hasSampleDescription = true;
                 own.anyBaseline = own.baseline.has_value();
                 facts = own;
-            } else if (own.baseline) {
-                facts.anyBaseline = true;
+            } else {
+                facts.anyBaseline |= own.baseline.has_value();
+                facts.encrypted = own.encrypted;
             }
         }
     }

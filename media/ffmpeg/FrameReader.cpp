@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/BoundedQueue.h"
+#include "media/MovieFacts.h"
 #include "media/ffmpeg/AccessUnitGuard.h"
 #include "media/ffmpeg/MovieFileState.h"
 #include "media/ffmpeg/Pictures.h"
@@ -86,8 +87,15 @@ struct FrameReader::State {
         : file(movie.path()), input(demuxer), stream(track.index), bothViews(views == Views::all),
           cropping(ffmpeg::cropping(*demuxer->streams[track.index]->codecpar)),
           decoder(ffmpeg::makeDecoder(file, *demuxer->streams[track.index])) {
+        // Packets of a sample entry that is protected may never be handed out.
+        if (readStereoMovieFacts(file).encrypted)
+            throw encrypted();
         openDecoder();
         packetWaits = readPacket();
+    }
+
+    MediaError encrypted() const {
+        return MediaError(file, "Cannot decode", AVERROR(EACCES), "the movie is encrypted");
     }
 
     void openDecoder() {
@@ -130,7 +138,7 @@ struct FrameReader::State {
             ++packetsRead;
             // Whatever is in the clear at the beginning, a film without its rest serves nobody.
             if (ffmpeg::isEncrypted(*packet))
-                throw MediaError(file, "Cannot decode", AVERROR(EACCES), "the movie is encrypted");
+                throw encrypted();
             if (!guard || guardPacket())
                 return true;
         }

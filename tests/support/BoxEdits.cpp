@@ -6,6 +6,22 @@
 
 namespace lumetwin::test {
 
+namespace {
+
+std::uint32_t numberAt(const Bytes &bytes, std::size_t place) {
+    std::uint32_t number = 0;
+    for (std::size_t index = 0; index < 4; ++index)
+        number = number << 8 | bytes.at(place + index);
+    return number;
+}
+
+void putNumber(Bytes &bytes, std::size_t place, std::uint32_t number) {
+    for (std::size_t index = 0; index < 4; ++index)
+        bytes.at(place + index) = static_cast<std::uint8_t>(number >> (24 - 8 * index));
+}
+
+} // namespace
+
 void overwrite(const std::filesystem::path &file, std::size_t place, const Bytes &bytes) {
     Bytes content = readFile(file);
     if (place + bytes.size() > content.size())
@@ -19,6 +35,23 @@ std::size_t placeOfBox(const Bytes &bytes, const std::string &type) {
     if (found - bytes.begin() < 4 || found == bytes.end())
         throw std::runtime_error("there is no box " + type);
     return static_cast<std::size_t>(found - bytes.begin()) - 4;
+}
+
+void addSampleEntry(const std::filesystem::path &file, const std::string &type) {
+    Bytes content = readFile(file);
+    const std::size_t descriptions = placeOfBox(content, "stsd");
+    const std::size_t first = descriptions + 16; // behind size, type, version and flags, and the number of entries
+    const std::uint32_t size = numberAt(content, first);
+    const auto begin = content.begin() + static_cast<std::ptrdiff_t>(first);
+    Bytes entry(begin, begin + static_cast<std::ptrdiff_t>(size));
+    std::copy(type.begin(), type.end(), entry.begin() + 4);
+    putNumber(content, descriptions + 12, numberAt(content, descriptions + 12) + 1);
+    for (const char *parent : {"moov", "trak", "mdia", "minf", "stbl", "stsd"}) {
+        const std::size_t place = placeOfBox(content, parent);
+        putNumber(content, place, numberAt(content, place) + size);
+    }
+    content.insert(begin + static_cast<std::ptrdiff_t>(size), entry.begin(), entry.end());
+    writeFile(file, content);
 }
 
 void renameBox(const std::filesystem::path &file, const std::string &type, const std::string &other) {

@@ -13,6 +13,9 @@ void overwrite(const std::filesystem::path &file, std::size_t place, const Bytes
 /// Where a box of the type begins in a file's bytes (at its size field): the first four characters that match.
 std::size_t placeOfBox(const Bytes &bytes, const std::string &type);
 
+/// Puts a sample entry like the first, but of another type, behind it, in a movie whose header follows its data.
+void addSampleEntry(const std::filesystem::path &file, const std::string &type);
+
 /// Gives the first box of a type another type of four characters.
 void renameBox(const std::filesystem::path &file, const std::string &type, const std::string &other);
 

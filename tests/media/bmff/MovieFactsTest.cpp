@@ -59,6 +59,13 @@ TEST(MovieFacts, readsWhatAStereoTrackAnnounces) {
     }
 }
 
+TEST(MovieFacts, knowsAProtectedSampleEntryWhereverItStands) {
+    EXPECT_FALSE(factsOf(movie(track("vide", joined({entry({}), entry({})}), 2))).encrypted);
+    EXPECT_TRUE(factsOf(movie(track("vide", entry({}, "encv")))).encrypted);
+    EXPECT_TRUE(factsOf(movie(track("vide", joined({entry({}, "encv"), entry({})}), 2))).encrypted);
+    EXPECT_TRUE(factsOf(movie(track("vide", joined({entry({}), entry({}, "encv")}), 2))).encrypted);
+}
+
 TEST(MovieFacts, toleratesATerminatorInTheSampleEntry) {
     EXPECT_EQ(factsOf(movie(track("vide", entry(joined({stereoBoxes(7), u32(0)}))))).baseline, 7u);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/MediaError.h"
 #include "media/MovieReader.h"
+#include "tests/support/BoxEdits.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -136,6 +137,15 @@ TEST(FrameReader, refusesAnEncryptedMovie) {
     ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=25:d=1", "-c:v", "libx264", "-encryption_scheme", "cenc-aes-ctr",
             "-encryption_key", "00112233445566778899aabbccddeeff", "-encryption_kid",
             "112233445566778899aabbccddeeff00", (folder / "secret.mp4").string()});
+    EXPECT_EQ(openingError(folder / "secret.mp4"), "Cannot decode secret.mp4: the movie is encrypted");
+}
+
+TEST(FrameReader, refusesAMovieThatIsEncryptedFurtherOn) {
+    const TemporaryFolder folder;
+    ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=25:d=1", "-c:v", "libx264", (folder / "secret.mp4").string()});
+    test::addSampleEntry(folder / "secret.mp4", "avc1");
+    EXPECT_EQ(openingError(folder / "secret.mp4"), "");
+    test::addSampleEntry(folder / "secret.mp4", "encv");
     EXPECT_EQ(openingError(folder / "secret.mp4"), "Cannot decode secret.mp4: the movie is encrypted");
 }
 
