@@ -4,6 +4,9 @@
 #include "media/MediaError.h"
 
 #include <cerrno>
+#include <climits>
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -14,6 +17,18 @@ namespace lumetwin::media {
 
 namespace {
 
+constexpr std::string_view suffix = ".partial";
+
+/// As much of a name in UTF-8 as fits, without half a character at its end.
+std::string shortened(std::string name, std::size_t size) {
+    if (name.size() <= size)
+        return name;
+    while (size > 0 && (static_cast<unsigned char>(name[size]) & 0xC0) == 0x80)
+        --size;
+    name.resize(size);
+    return name;
+}
+
 [[noreturn]] void fail(const std::filesystem::path &output, const char *operation, int number) {
     throw MediaError(output, operation, -number, std::generic_category().message(number));
 }
@@ -23,9 +38,8 @@ namespace {
 PartialFile::PartialFile(std::filesystem::path output) : output_(std::move(output)), path_(nameFor(output_)) {}
 
 std::filesystem::path PartialFile::nameFor(const std::filesystem::path &output) {
-    std::filesystem::path name = output;
-    name += ".partial";
-    return name;
+    return output.parent_path() /
+           (shortened(output.filename().string(), NAME_MAX - suffix.size()) + std::string(suffix));
 }
 
 void PartialFile::finish() const {

@@ -14,7 +14,7 @@ class PartialFile {
 public:
     explicit PartialFile(std::filesystem::path output);
 
-    /// The partial name of an output.
+    /// The partial name of an output; of a name that leaves no room for the suffix (NAME_MAX bytes), the end is cut.
     static std::filesystem::path nameFor(const std::filesystem::path &output);
 
     const std::filesystem::path &path() const { return path_; }

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/PartialFile.h"
+#include "tests/support/TestMedia.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace lumetwin::media {
+namespace {
+
+std::string partialName(const std::string &name) {
+    return PartialFile::nameFor(std::filesystem::path("/films") / name).string();
+}
+
+TEST(PartialFile, isCalledLikeItsOutput) {
+    EXPECT_EQ(partialName("a.mov"), "/films/a.mov.partial");
+    const std::string longest(247, 'x');
+    EXPECT_EQ(partialName(longest), "/films/" + longest + ".partial");
+}
+
+TEST(PartialFile, cutsALongNameBetweenCharacters) {
+    EXPECT_EQ(partialName(std::string(251, 'x') + ".mov"), "/films/" + std::string(247, 'x') + ".partial");
+    std::string film;
+    for (int character = 0; character < 83; ++character)
+        film += "海"; // three bytes
+    EXPECT_EQ(partialName(film + ".mov"), "/films/" + film.substr(0, 246) + ".partial");
+}
+
+TEST(PartialFile, writesUnderTheLongestNameOfAFile) {
+    const test::TemporaryFolder folder;
+    const PartialFile file(folder / (std::string(251, 'x') + ".mov"));
+    PartialFileWriter writer(file);
+    writer.write(test::Bytes{1, 2, 3});
+    writer.close();
+    EXPECT_FALSE(std::filesystem::exists(file.output()));
+    file.finish();
+    EXPECT_EQ(test::readFile(file.output()), (test::Bytes{1, 2, 3}));
+    EXPECT_FALSE(std::filesystem::exists(file.path()));
+}
+
+} // namespace
+} // namespace lumetwin::media
