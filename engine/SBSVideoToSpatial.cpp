@@ -99,8 +99,10 @@ void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::fil
     media::MovieWriter::requireSize(file, eye.width, eye.height); // larger ones would overflow the settings' arithmetic
     // The stream is as fast as its times say, which are whole units of the time scale.
     const double frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
-    writer.addVideo(
-        stereoVideoEncoding(outputSettings(settings, eye, timing.rate, system), frameRate, info.track.colour));
+    media::StereoVideoEncoding encoding =
+        stereoVideoEncoding(outputSettings(settings, eye, timing.rate, system), frameRate, info.track.colour);
+    encoding.pixelAspect = outputPixelAspect(settings, info);
+    writer.addVideo(encoding);
     if (audio)
         writer.addAudio(audio->encoding);
     writer.start(videoTimeScale);

@@ -121,6 +121,7 @@ void convertSpatialVideoToSBS(const ConversionSettings &settings, const std::fil
                        settings.compressionQuality);
     encoding.frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
     encoding.colour = info.track.colour;
+    encoding.pixelAspect = outputPixelAspect(settings, info);
     writer.addVideo(encoding);
     writer.start(videoTimeScale);
 

@@ -50,6 +50,10 @@ private:
 
 } // namespace
 
+media::PixelAspect outputPixelAspect(const ConversionSettings &settings, const VideoInfo &info) {
+    return settings.enableResize ? media::PixelAspect{} : info.track.pixelAspect;
+}
+
 VideoTiming videoTiming(const VideoInfo &info) {
     VideoTiming timing;
     timing.rate = info.fps > 0 ? static_cast<double>(info.fps) : fallbackRate;

@@ -5,6 +5,7 @@
 #include "engine/ConversionControl.h"
 #include "engine/Inspection.h"
 #include "media/MovieWriter.h"
+#include "model/ConversionSettings.h"
 
 #include <functional>
 #include <optional>
@@ -26,6 +27,9 @@ VideoTiming videoTiming(const VideoInfo &info);
 /// 0.15 bits for each pixel of each frame at full quality, truncated, and never below 1 Mbit/s. `pixels` as a
 /// 64-bit float; multiplied in the order of the arguments.
 std::int64_t averageBitRate(double first, double second, double quality);
+
+/// That of the source; who asks for a size means it as it is shown.
+media::PixelAspect outputPixelAspect(const ConversionSettings &settings, const VideoInfo &info);
 
 /// Runs the frame loop and the audio copy beside each other on threads of the given names and waits for both; then
 /// finishes the writer, or cancels it when the user asked for that. An error of the frame loop ends the file: the

@@ -3,6 +3,7 @@
 
 #include "media/MovieTags.h"
 #include "media/Picture.h"
+#include "media/PixelAspect.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -17,6 +18,7 @@ struct VideoTrack {
     int index = 0;           ///< of the stream in its container
     double naturalWidth = 0; ///< pixels as stored: no rotation applied
     double naturalHeight = 0;
+    PixelAspect pixelAspect;
     float nominalFrameRate = 0;  ///< frames per second, 0 when unknown
     std::int64_t frameCount = 0; ///< as the container states it, 0 when it does not
     double startTime = 0;        ///< presentation time of the first frame, seconds

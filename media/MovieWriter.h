@@ -23,6 +23,7 @@ struct VideoEncoding {
     std::int64_t averageBitRate = 0; ///< bits per second
     double frameRate = 30;           ///< for the encoder's rate control
     ColourTags colour;
+    PixelAspect pixelAspect;
 };
 
 /// A multiview HEVC track of two views, left in layer 0 and right in layer 1, with its stereo facts in the file's
@@ -33,6 +34,7 @@ struct StereoVideoEncoding {
     std::int64_t averageBitRate = 0; ///< bits per second, both layers together
     double frameRate = 30;
     ColourTags colour;
+    PixelAspect pixelAspect;
     std::uint32_t baseline = 0;              ///< micrometres
     std::uint32_t horizontalFieldOfView = 0; ///< thousandths of a degree
     std::int32_t disparityAdjustment = 0;    ///< ten-thousandths of the image width
@@ -48,16 +50,14 @@ struct AudioEncoding {
     std::int64_t bitRate = 192000;
 };
 
-/// Writes a movie under a partial name until it is complete; finish() gives it its own name in one rename, replacing
-/// what was there. cancel() removes the partial file, a failure leaves it. Destroying an unfinished writer leaves it
-/// too, unless nothing was started.
+/// Writes a movie under a partial name (PartialFile) until it is complete; finish() gives it its own name. cancel()
+/// removes the partial file, a failure leaves it. Destroying an unfinished writer leaves it too, unless nothing was
+/// started.
 ///
 /// Tracks are added before start(), in the order that they have in the file. Then one thread appends video and another
 /// audio; a track that runs ahead waits for the other, so that memory stays flat.
 class MovieWriter {
 public:
-    /// The name of an output while it is written: "NAME.EXT.partial".
-    static std::filesystem::path partialName(const std::filesystem::path &output);
     /// Throws MediaError for frames that no movie holds; addVideo() asks the same.
     static void requireSize(const std::filesystem::path &output, std::int64_t width, std::int64_t height);
 

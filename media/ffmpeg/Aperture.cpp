@@ -23,4 +23,11 @@ void setAperture(AVStream &stream, int width, int height) {
     AV_WL32(data->data + 12, static_cast<std::uint32_t>(parameters.width - width));
 }
 
+void setPixelAspect(AVStream &stream, PixelAspect aspect) {
+    if (aspect == PixelAspect{})
+        return;
+    stream.sample_aspect_ratio = {aspect.width, aspect.height};
+    stream.codecpar->sample_aspect_ratio = stream.sample_aspect_ratio;
+}
+
 } // namespace lumetwin::media::ffmpeg

@@ -44,6 +44,14 @@ float nominalFrameRate(const AVStream &stream) {
     return rate.num > 0 && rate.den > 0 ? static_cast<float>(av_q2d(rate)) : 0;
 }
 
+/// What the container says, else the stream. Shapes beyond 4 : 1 are a mistake of whoever wrote them.
+PixelAspect pixelAspect(const AVStream &stream) {
+    const AVRational ratio =
+        stream.sample_aspect_ratio.num ? stream.sample_aspect_ratio : stream.codecpar->sample_aspect_ratio;
+    const bool believable = ratio.num > 0 && ratio.den > 0 && ratio.num / 4 <= ratio.den && ratio.den / 4 <= ratio.num;
+    return believable ? PixelAspect{ratio.num, ratio.den} : PixelAspect{};
+}
+
 void addTags(const AVDictionary *dictionary, MovieTags &tags) {
     const AVDictionaryEntry *entry = nullptr;
     while ((entry = av_dict_iterate(dictionary, entry)))
@@ -60,6 +68,7 @@ std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input) {
     track.index = stream->index;
     track.naturalWidth = parameters.width - cropping.left - cropping.right;
     track.naturalHeight = parameters.height - cropping.top - cropping.bottom;
+    track.pixelAspect = pixelAspect(*stream);
     track.nominalFrameRate = nominalFrameRate(*stream);
     track.frameCount = stream->nb_frames;
     track.startTime = seconds(stream->start_time, stream->time_base);

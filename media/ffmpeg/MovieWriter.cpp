@@ -2,11 +2,13 @@
 #include "media/MovieWriter.h"
 
 #include "media/BoundedQueue.h"
+#include "media/PartialFile.h"
 #include "media/ffmpeg/AudioEncoder.h"
 #include "media/ffmpeg/MovieHeader.h"
 #include "media/ffmpeg/StereoEntry.h"
 #include "media/ffmpeg/TrackBalance.h"
 
+#include <algorithm>
 #include <atomic>
 #include <exception>
 #include <mutex>
@@ -29,6 +31,11 @@ constexpr std::size_t picturesAhead = 3;
 constexpr const char *fragmentDuration = "2000000"; // microseconds
 constexpr int largestSide = 16384;
 
+/// How wide a row of pixels is shown, within what a header holds.
+int shownWidth(int width, PixelAspect aspect) {
+    return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{width} * aspect.width / aspect.height, 1, 65535));
+}
+
 struct TimedPicture {
     Picture left;
     std::optional<Picture> right;
@@ -40,7 +47,7 @@ struct TimedPicture {
 
 struct MovieWriter::State {
     std::filesystem::path output;
-    std::filesystem::path partial;
+    PartialFile partial;
     std::optional<StereoVideoEncoding> stereo;
     Container container;
     MovieTags tags;
@@ -51,8 +58,8 @@ struct MovieWriter::State {
     std::function<std::unique_ptr<ffmpeg::VideoTrackEncoder>(int timeScale)> makeVideo;
     std::unique_ptr<ffmpeg::VideoTrackEncoder> video;
     AVStream *videoStream = nullptr;
-    int videoWidth = 0;
-    int videoHeight = 0;
+    int shownWidth = 0; ///< of the video, with square pixels
+    int shownHeight = 0;
     int timeScale = 600;
     TrackBalance balance;
     BoundedQueue<TimedPicture> pictures{picturesAhead};
@@ -64,24 +71,19 @@ struct MovieWriter::State {
     std::atomic<bool> idle{false}; ///< failed or abandoned: appending does nothing
 
     State(const std::filesystem::path &file, Container kind, MovieTags movieTags)
-        : output(file), partial(partialName(file)), container(kind), tags(std::move(movieTags)) {
+        : output(file), partial(file), container(kind), tags(std::move(movieTags)) {
         AVFormatContext *context = nullptr;
         check(avformat_alloc_output_context2(&context, nullptr, kind == Container::mpeg4 ? "mp4" : "mov", nullptr),
               output, operation);
         muxer.reset(context);
-        check(avio_open(&muxer->pb, ffmpeg::fileAddress(partial).c_str(), AVIO_FLAG_WRITE), output, operation);
+        check(avio_open(&muxer->pb, ffmpeg::fileAddress(partial.path()).c_str(), AVIO_FLAG_WRITE), output, operation);
     }
 
     ~State() {
         abandon();
         joinEncoding();
         if (!headerWritten)
-            removePartial();
-    }
-
-    void removePartial() {
-        std::error_code ignored;
-        std::filesystem::remove(partial, ignored);
+            partial.discard();
     }
 
     void abandon() {
@@ -191,7 +193,7 @@ struct MovieWriter::State {
     void completeStereoTrack(ffmpeg::MovieHeader &header) {
         if (!ffmpeg::completeStereoEntry(header, *stereo))
             throw MediaError(output, operation, 0, "the stereo track is not as the muxer should have written it");
-        ffmpeg::addApertures(header, videoWidth, videoHeight);
+        ffmpeg::addApertures(header, shownWidth, shownHeight);
     }
 
     void finish() {
@@ -200,27 +202,18 @@ struct MovieWriter::State {
         throwFailure();
         check(av_write_trailer(muxer.get()), output, operation);
         check(avio_closep(&muxer->pb), output, operation);
-        ffmpeg::editMovieHeader(partial, [&](ffmpeg::MovieHeader &header) {
+        ffmpeg::editMovieHeader(partial.path(), [&](ffmpeg::MovieHeader &header) {
             ffmpeg::completeEditLists(header);
             ffmpeg::removeFragmentDefaults(header);
             if (videoStream)
-                ffmpeg::setPresentationSize(header, videoWidth, videoHeight);
+                ffmpeg::setPresentationSize(header, shownWidth, shownHeight);
             if (stereo)
                 completeStereoTrack(header);
             ffmpeg::addMetadata(header, ffmpeg::metadataItems(tags));
         });
-        std::error_code code;
-        std::filesystem::rename(partial, output, code);
-        if (code)
-            throw MediaError(output, operation, -code.value(), code.message());
+        partial.finish();
     }
 };
-
-std::filesystem::path MovieWriter::partialName(const std::filesystem::path &output) {
-    std::filesystem::path name = output;
-    name += ".partial";
-    return name;
-}
 
 void MovieWriter::requireSize(const std::filesystem::path &output, std::int64_t width, std::int64_t height) {
     if (width < 1 || height < 1 || width > largestSide || height > largestSide)
@@ -246,8 +239,8 @@ void MovieWriter::addAudio(const AudioEncoding &encoding) {
 
 void MovieWriter::addVideo(const VideoEncoding &encoding) {
     requireSize(state_->output, encoding.width, encoding.height);
-    state_->videoWidth = encoding.width;
-    state_->videoHeight = encoding.height;
+    state_->shownWidth = shownWidth(encoding.width, encoding.pixelAspect);
+    state_->shownHeight = encoding.height;
     state_->makeVideo = [file = state_->output, encoding](int timeScale) {
         return ffmpeg::makeVideoEncoder(file, encoding, timeScale);
     };
@@ -258,8 +251,8 @@ void MovieWriter::addVideo(const VideoEncoding &encoding) {
 void MovieWriter::addVideo(const StereoVideoEncoding &encoding) {
     requireSize(state_->output, encoding.width, encoding.height);
     state_->stereo = encoding;
-    state_->videoWidth = encoding.width;
-    state_->videoHeight = encoding.height;
+    state_->shownWidth = shownWidth(encoding.width, encoding.pixelAspect);
+    state_->shownHeight = encoding.height;
     state_->makeVideo = [file = state_->output, encoding](int timeScale) {
         return ffmpeg::makeVideoEncoder(file, encoding, timeScale);
     };
@@ -315,7 +308,7 @@ void MovieWriter::cancel() {
     state_->abandon();
     state_->joinEncoding();
     avio_closep(&state_->muxer->pb);
-    state_->removePartial();
+    state_->partial.discard();
     state_->throwFailure();
 }
 

@@ -87,6 +87,7 @@ public:
         parameters.extradata_size = static_cast<int>(sets.size());
         attachStereoFacts(parameters, encoding_);
         setAperture(stream, encoding_.width, encoding_.height);
+        setPixelAspect(stream, encoding_.pixelAspect);
         stream.disposition |= AV_DISPOSITION_MULTILAYER;
         stream.avg_frame_rate = av_d2q(encoding_.frameRate, 1001 * 1000);
     }

@@ -37,4 +37,7 @@ std::unique_ptr<VideoTrackEncoder> makeVideoEncoder(const std::filesystem::path 
 /// Tells the muxer to show only the given size of a larger coded picture (clean aperture, from the top left).
 void setAperture(AVStream &stream, int width, int height);
 
+/// Tells the muxer the shape of a pixel; square ones need no word.
+void setPixelAspect(AVStream &stream, PixelAspect aspect);
+
 } // namespace lumetwin::media::ffmpeg

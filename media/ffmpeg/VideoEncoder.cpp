@@ -49,6 +49,8 @@ public:
         codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
         codec_->thread_count = hevc ? hevcFramesAtOnce() : 0;
         setColour(*codec_, encoding.colour);
+        if (encoding.pixelAspect != PixelAspect{})
+            codec_->sample_aspect_ratio = {encoding.pixelAspect.width, encoding.pixelAspect.height};
         av_opt_set(codec_->priv_data, "preset", hevc ? hevcPreset : h264Preset, 0);
         if (hevc)
             av_opt_set(codec_->priv_data, "x265-params", hevcOptions, 0);
@@ -61,6 +63,7 @@ public:
             stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
         stream.avg_frame_rate = codec_->framerate;
         setAperture(stream, encoding_.width, encoding_.height);
+        setPixelAspect(stream, encoding_.pixelAspect);
     }
 
     void encode(const Picture &picture, const Picture *, std::int64_t time, std::int64_t duration,

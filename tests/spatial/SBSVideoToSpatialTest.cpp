@@ -3,7 +3,7 @@
 
 #include "engine/ProcessorError.h"
 #include "media/MediaError.h"
-#include "media/MovieWriter.h"
+#include "media/PartialFile.h"
 #include "tests/spatial/SpatialMovie.h"
 #include "tests/support/Clips.h"
 #include "tests/support/Conversions.h"
@@ -42,7 +42,7 @@ TEST(SBSVideoToSpatial, makesTheLeftHalfTheLeftView) {
     toSpatial({}, draw(folder / "in.mp4"), folder / "out.mov");
     expectViews(folder / "out.mov", 192, 96);
     test::checkAccessUnits(test::videoSamples(BoxFile(folder / "out.mov")));
-    EXPECT_FALSE(std::filesystem::exists(media::MovieWriter::partialName(folder / "out.mov")));
+    EXPECT_FALSE(std::filesystem::exists(media::PartialFile::nameFor(folder / "out.mov")));
 }
 
 TEST(SBSVideoToSpatial, exchangesTheViews) {
@@ -112,7 +112,7 @@ TEST(SBSVideoToSpatial, refusesASourceOfOneColumn) {
                   "ffv1", (folder / "in.mkv").string()});
     EXPECT_THROW(toSpatial({}, folder / "in.mkv", folder / "out.mov"), media::MediaError);
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mov"));
-    EXPECT_FALSE(std::filesystem::exists(media::MovieWriter::partialName(folder / "out.mov")));
+    EXPECT_FALSE(std::filesystem::exists(media::PartialFile::nameFor(folder / "out.mov")));
 }
 
 TEST(SBSVideoToSpatial, refusesResizeTargetsThatCannotBeCoded) {
@@ -131,7 +131,7 @@ TEST(SBSVideoToSpatial, refusesResizeTargetsThatCannotBeCoded) {
         settings.resizeWidth = width;
         settings.resizeHeight = height;
         EXPECT_THROW(toSpatial(settings, input, folder / "out.mov"), media::MediaError) << width << " x " << height;
-        EXPECT_FALSE(std::filesystem::exists(media::MovieWriter::partialName(folder / "out.mov")));
+        EXPECT_FALSE(std::filesystem::exists(media::PartialFile::nameFor(folder / "out.mov")));
     }
 }
 
@@ -143,7 +143,7 @@ TEST(SBSVideoToSpatial, keepsThePartialFileOfAWriterThatFails) {
     const auto input = draw(folder / "in.mp4", clip);
     const test::FileSizeLimit limit(65536);
     EXPECT_THROW(toSpatial({}, input, folder / "out.mov"), media::MediaError);
-    EXPECT_EQ(std::filesystem::file_size(media::MovieWriter::partialName(folder / "out.mov")), 65536U);
+    EXPECT_EQ(std::filesystem::file_size(media::PartialFile::nameFor(folder / "out.mov")), 65536U);
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mov"));
 }
 
@@ -358,7 +358,7 @@ TEST(SBSVideoToSpatial, leavesNothingWhenCancelled) {
     EXPECT_NO_THROW(convertSBSVideoToSpatial({}, input, folder / "out.mov", control));
     EXPECT_EQ(last, 8);
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mov"));
-    EXPECT_FALSE(std::filesystem::exists(media::MovieWriter::partialName(folder / "out.mov")));
+    EXPECT_FALSE(std::filesystem::exists(media::PartialFile::nameFor(folder / "out.mov")));
 }
 
 TEST(SBSVideoToSpatial, failsWithoutAVideoTrack) {

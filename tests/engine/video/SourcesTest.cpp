@@ -152,6 +152,65 @@ TEST(SpecialSources, rotatedMoviesAreTakenAsTheyAreStored) {
     EXPECT_EQ(test::decodeLuma(folder / "out.mp4").width, 768);
 }
 
+/// How wide a movie of one track says that this is shown, in pixels. (What was its header in the meantime lies in front
+/// of the last one.)
+unsigned shownWidth(const std::filesystem::path &movie) {
+    const test::Bytes bytes = test::readFile(movie);
+    const std::string type = "tkhd";
+    const auto found = std::find_end(bytes.begin(), bytes.end(), type.begin(), type.end());
+    const auto width = static_cast<std::size_t>(found - bytes.begin()) + 4 + 76; // version 0, 16.16
+    return static_cast<unsigned>(bytes.at(width) << 8 | bytes.at(width + 1));
+}
+
+TEST(SpecialSources, theShapeOfPixelsIsCarried) {
+    const TemporaryFolder folder;
+    Clip clip;
+    clip.everyEncoder = true;
+    clip.filter = "setsar=4/3";
+    test::draw(folder / "wide.mp4", clip);
+    clip.video = {"-c:v", "ffv1"};
+    test::draw(folder / "wide.mkv", clip);
+    const std::string wide = "sample_aspect_ratio=4:3\n";
+    for (const char *name : {"wide.mp4", "wide.mkv"}) {
+        test::toSpatial({}, folder / name, folder / "out.mov");
+        EXPECT_EQ(test::ffprobe(folder / "out.mov", "stream=sample_aspect_ratio"), wide) << name;
+        EXPECT_EQ(shownWidth(folder / "out.mov"), 256U) << name;
+        ConversionSettings settings;
+        for (const SBSOutputFormat format : allSBSOutputFormats) {
+            settings.sbsOutputFormat = format;
+            test::toSBS(settings, folder / name, folder / "out.mp4");
+            EXPECT_EQ(test::ffprobe(folder / "out.mp4", "stream=sample_aspect_ratio"), wide) << name;
+            EXPECT_EQ(shownWidth(folder / "out.mp4"), 1024U) << name;
+        }
+    }
+}
+
+TEST(SpecialSources, pixelsOfAnAskedSizeAreSquare) {
+    const TemporaryFolder folder;
+    Clip clip;
+    clip.everyEncoder = true;
+    clip.filter = "setsar=4/3";
+    test::draw(folder / "wide.mp4", clip);
+    ConversionSettings settings;
+    settings.enableResize = true;
+    settings.resizeWidth = 256;
+    settings.resizeHeight = 96;
+    test::toSpatial(settings, folder / "wide.mp4", folder / "out.mov");
+    EXPECT_EQ(shownWidth(folder / "out.mov"), 256U);
+    test::toSBS(settings, folder / "wide.mp4", folder / "out.mp4");
+    EXPECT_EQ(shownWidth(folder / "out.mp4"), 512U);
+}
+
+TEST(SpecialSources, absurdShapesOfPixelsAreNotBelieved) {
+    const TemporaryFolder folder;
+    Clip clip;
+    clip.everyEncoder = true;
+    clip.filter = "setsar=1/9";
+    test::draw(folder / "thin.mp4", clip);
+    test::toSpatial({}, folder / "thin.mp4", folder / "out.mov");
+    EXPECT_EQ(shownWidth(folder / "out.mov"), 192U);
+}
+
 TEST(SpecialSources, rowsOfInterlacedFramesStayWhereTheyAre) {
     const TemporaryFolder folder;
     // Two fields that could not differ more.

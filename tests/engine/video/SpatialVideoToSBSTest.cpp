@@ -284,7 +284,7 @@ TEST(SpatialVideoToSBS, failsWhereTheOldOutputCannotBeReplaced) {
     const TemporaryFolder folder;
     const auto input = drawStereo(folder / "in.mov");
     std::filesystem::create_directories(folder / "out.mp4/something");
-    EXPECT_EQ(failure(input, folder / "out.mp4"), "Cannot write out.mp4: Is a directory");
+    EXPECT_EQ(failure(input, folder / "out.mp4"), "Cannot rename the partial file to out.mp4: Is a directory");
     EXPECT_TRUE(std::filesystem::exists(folder / "out.mp4/something")) << "nothing of the user's is removed";
 }
 

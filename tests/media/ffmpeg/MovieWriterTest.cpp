@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/MovieWriter.h"
 #include "media/MediaError.h"
+#include "media/PartialFile.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -62,7 +63,7 @@ TEST(MovieWriter, writesEveryFrameAtItsTime) {
                     EXPECT_NE(times.find("pts=20\n"), std::string::npos) << times;
                 }
                 EXPECT_NE(test::ffprobe(file, "stream=time_base").find("time_base=1/600"), std::string::npos);
-                EXPECT_FALSE(std::filesystem::exists(MovieWriter::partialName(file)));
+                EXPECT_FALSE(std::filesystem::exists(PartialFile::nameFor(file)));
             }
 }
 
@@ -125,7 +126,7 @@ TEST(MovieWriter, leavesAReadablePartialFileWhenItIsNeverFinished) {
         EXPECT_FALSE(std::filesystem::exists(folder / "cut.mov"));
     }
     EXPECT_FALSE(std::filesystem::exists(folder / "cut.mov"));
-    EXPECT_GT(test::decodeLuma(MovieWriter::partialName(folder / "cut.mov")).frames.size(), 60u);
+    EXPECT_GT(test::decodeLuma(PartialFile::nameFor(folder / "cut.mov")).frames.size(), 60u);
 }
 
 TEST(MovieWriter, removesThePartialFileWhenCancelled) {
@@ -136,7 +137,7 @@ TEST(MovieWriter, removesThePartialFileWhenCancelled) {
     writer.start(600);
     writer.append(flatPicture(160, 90, 40), 0, 20);
     writer.cancel();
-    EXPECT_FALSE(std::filesystem::exists(MovieWriter::partialName(folder / "out.mp4")));
+    EXPECT_FALSE(std::filesystem::exists(PartialFile::nameFor(folder / "out.mp4")));
     EXPECT_EQ(test::readFile(folder / "out.mp4").size(), std::strlen("an older output"));
 }
 
@@ -153,7 +154,7 @@ TEST(MovieWriter, namesTheOutputAndTheCauseWhenItCannotBegin) {
 TEST(MovieWriter, reportsAFullDisk) {
     const TemporaryFolder folder;
     // /dev/full takes nothing: what a full disk does at the first write.
-    std::filesystem::create_symlink("/dev/full", MovieWriter::partialName(folder / "out.mp4"));
+    std::filesystem::create_symlink("/dev/full", PartialFile::nameFor(folder / "out.mp4"));
     MovieWriter writer(folder / "out.mp4", Container::mpeg4, {});
     writer.addVideo(encodingOf(VideoCodec::h264, 160, 90));
     try {
