@@ -7,7 +7,7 @@ from gi.repository import Atspi  # noqa: E402
 
 from hands import hands
 from keyboard_test import MOST_STEPS, focused
-from screen_reader import everything_below, has, wait_for
+from screen_reader import everything_below, has, role_of, wait_for
 from window_test import play
 
 MENUS = {"menu bar", "menu", "menu item"}
@@ -19,7 +19,7 @@ def shown_below(thing):
         child = thing.get_child_at_index(index)
         if child is not None and has(child, Atspi.StateType.SHOWING):
             yield child
-            if child.get_role_name() != "combo box":
+            if role_of(child) != "combo box":
                 yield from shown_below(child)
 
 
@@ -27,7 +27,7 @@ def controls(program):
     """What the keyboard can work with now, outside of the menu."""
     program.root.clear_cache()
     return [thing for window in windows(program) for thing in shown_below(window)
-            if thing.get_role_name() not in MENUS
+            if role_of(thing) not in MENUS
             and has(thing, Atspi.StateType.FOCUSABLE) and has(thing, Atspi.StateType.SENSITIVE)]
 
 
@@ -36,20 +36,20 @@ def windows(program):
 
 
 def identity(thing):
-    return thing.get_role_name(), thing.get_name()
+    return role_of(thing), thing.get_name()
 
 
 def purpose(thing):
     """What it is for: its label's words where it has one. The toolkit names a combo box by what is chosen in it."""
     for relation in thing.get_relation_set():
         if relation.get_relation_type() == Atspi.RelationType.LABELLED_BY:
-            return thing.get_role_name(), relation.get_target(0).get_name()
+            return role_of(thing), relation.get_target(0).get_name()
     return identity(thing)
 
 
 def has_value(thing):
     """Whether a control tells what it holds, each kind in its own way."""
-    role = thing.get_role_name()
+    role = role_of(thing)
     if role in ("slider", "progress bar"):
         value = thing.get_value_iface()
         return (Atspi.Value.get_minimum_value(value) <= Atspi.Value.get_current_value(value)
@@ -94,7 +94,7 @@ def next_focus(program):
 def check_tabulator(program, found):
     """The tabulator stops once at each control, as the eye reads; of a group of radio buttons, at the chosen one."""
     places = {identity(thing): place(thing) for thing in found
-              if thing.get_role_name() != "radio button" or has(thing, Atspi.StateType.CHECKED)}
+              if role_of(thing) != "radio button" or has(thing, Atspi.StateType.CHECKED)}
     stops = [next_focus(program)]
     while len(stops) < MOST_STEPS and (step := next_focus(program)) != stops[0]:
         stops.append(step)
@@ -132,7 +132,7 @@ def check_forms(scene, program):
 def check_sheet(scene, program, button):
     """Nothing but that button can be reached, and both bars tell how far the work is."""
     assert identity(check_controls(program, 1)[0]) == ("push button", scene[button])
-    bars = [thing for thing in everything_below(program.root) if thing.get_role_name() == "progress bar"]
+    bars = [thing for thing in everything_below(program.root) if role_of(thing) == "progress bar"]
     assert {bar.get_name() for bar in bars} == {scene["spoken.file.progress"], scene["spoken.overall.progress"]}
     assert all(has_value(bar) for bar in bars)
 

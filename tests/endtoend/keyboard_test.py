@@ -6,7 +6,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from hands import hands
-from screen_reader import everything_below, has, wait_for
+from screen_reader import everything_below, has, role_of, wait_for
 from window_test import play
 
 MOST_STEPS = 40  # more than there are controls
@@ -19,7 +19,7 @@ def focused(program):
         found = None
         for thing in everything_below(program.root):
             if has(thing, Atspi.StateType.FOCUSED) and has(thing, Atspi.StateType.SHOWING):
-                found = thing.get_role_name(), thing.get_name()
+                found = role_of(thing), thing.get_name()
         return found
     return wait_for("a focus", look)
 

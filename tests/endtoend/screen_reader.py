@@ -28,6 +28,12 @@ def has(thing, state):
     return thing.get_state_set().contains(state)
 
 
+def role_of(thing):
+    """The name of its role; newer releases of AT-SPI call a push button a button."""
+    name = thing.get_role_name()
+    return "push button" if name == "button" else name
+
+
 def everything_below(thing):
     for index in range(thing.get_child_count()):
         child = thing.get_child_at_index(index)
@@ -56,7 +62,7 @@ class Program:
         """What is shown with that role and name now, or None. A name of None stands for any."""
         self.root.clear_cache()
         for thing in everything_below(within or self.root):
-            if (thing.get_role_name() == role and name in (None, thing.get_name())
+            if (role_of(thing) == role and name in (None, thing.get_name())
                     and has(thing, Atspi.StateType.SHOWING)):
                 return thing
         return None
@@ -84,7 +90,7 @@ class Program:
         """Goes through a file dialog: the button that opens it, the path, the button that takes the choice."""
         self.press("push button", button)
         dialog = wait_for("a file dialog", lambda: self.find("file chooser", None) or self.find("dialog", None))
-        role, title = dialog.get_role_name(), dialog.get_name()
+        role, title = role_of(dialog), dialog.get_name()
         field = wait_for("the dialog's field", lambda: self.find("text", None, dialog))
         self.type_into(field, str(path))
         self.press("push button", accept, dialog)
@@ -108,7 +114,7 @@ class Program:
         for thing in everything_below(self.root):
             if has(thing, Atspi.StateType.SHOWING):
                 value = thing.get_value_iface()
-                print(thing.get_role_name(), repr(thing.get_name()), Atspi.Value.get_current_value(value) if value else "")
+                print(role_of(thing), repr(thing.get_name()), Atspi.Value.get_current_value(value) if value else "")
 
     def ended(self):
         """The exit status, when the program ends by itself."""

@@ -78,9 +78,6 @@ const Variant variants[] = {
     {"bilevel.tiff", {"-threshold", "50%", "-type", "Bilevel", "-compress", "Group4"}, 0},
     {"cmyk.tiff", {"-colorspace", "CMYK"}, 1},
     {"alpha.tiff", {"-alpha", "set", "-channel", "A", "-fx", "i/w", "+channel"}, 1},
-    {"premultiplied.tiff",
-     {"-alpha", "set", "-channel", "A", "-fx", "0.2+0.8*i/w", "+channel", "-define", "tiff:alpha=associated"},
-     2},
     {"strips.tiff", {"-define", "tiff:rows-per-strip=7"}, 0},
 };
 
@@ -122,6 +119,25 @@ TEST_F(ImageFile, orientationOfExifIsNotApplied) {
     EXPECT_EQ(image.picture.height, 32);
 }
 
+TEST_F(ImageFile, premultipliedSamplesOfATiffAreItsColoursOnBlack) {
+    const auto file = folder_.path() / "a.tiff";
+    const std::vector<std::string> dimmed{"-channel", "RGB", "-fx", "u*(0.2+0.8*i/w)", "+channel"};
+    writeWithMagick(drawn(203, 141), file, dimmed);
+    const Raster expected = readWithOurs(file);
+    std::vector<std::string> transparent = dimmed;
+    transparent.insert(transparent.end(), {"-alpha", "set", "-channel", "A", "-fx", "0.2+0.8*i/w", "+channel"});
+    writeWithMagick(drawn(203, 141), file, transparent);
+    EXPECT_GT(largestDifference(readWithOurs(file), expected), 20);
+    // Releases of ImageMagick do not agree on what they write as premultiplied: the tag is ours (TIFF 6.0, section 18).
+    Bytes bytes = readFile(file);
+    const Bytes plain{0x52, 0x01, 0x03, 0x00, 0x01, 0x00, 0x00, 0x00, 0x02, 0x00};
+    const auto tag = std::search(bytes.begin(), bytes.end(), plain.begin(), plain.end());
+    ASSERT_NE(tag, bytes.end());
+    tag[8] = 1;
+    writeFile(file, bytes);
+    EXPECT_LE(largestDifference(readWithOurs(file), expected), 1);
+}
+
 TEST_F(ImageFile, countsPages) {
     const auto file = folder_.path() / "pages.tiff";
     output({"convert", "-size", "20x10", "xc:red", "xc:green", "xc:blue", file.string()});
@@ -131,9 +147,15 @@ TEST_F(ImageFile, countsPages) {
 
 TEST_F(ImageFile, pngGammaAndChromaticitiesBecomeAProfile) {
     const auto file = folder_.path() / "a.png";
-    writeWithMagick(drawn(20, 20), file, {"-set", "gamma", "0.5555", "-red-primary", "0.68,0.32"});
+    writeWithMagick(drawn(20, 20), file, {"-red-primary", "0.68,0.32", "-define", "png:exclude-chunk=gAMA"});
+    // Not every release of ImageMagick writes this one: a gamma of 0.5555 (PNG, 11.3.3.2), behind the header.
+    const Bytes gamma{0x00, 0x00, 0x00, 0x04, 0x67, 0x41, 0x4D, 0x41, 0x00, 0x00, 0xD8, 0xFE, 0x98, 0xC1, 0xF0, 0x41};
+    Bytes bytes = readFile(file);
+    bytes.insert(bytes.begin() + 33, gamma.begin(), gamma.end());
+    writeFile(file, bytes);
     const std::string listed = output({"identify", "-verbose", file.string()});
     ASSERT_NE(listed.find("0.68"), std::string::npos);
+    ASSERT_NE(listed.find("0.555"), std::string::npos);
     EXPECT_FALSE(media::readImage(file).metadata.iccProfile.empty());
     writeWithMagick(drawn(20, 20), file);
     EXPECT_TRUE(media::readImage(file).metadata.iccProfile.empty());
