@@ -13,26 +13,10 @@ from window_test import play
 MENUS = {"menu bar", "menu", "menu item"}
 
 
-def shown_below(thing):
-    """As a screen reader walks: into what is shown only. What a combo box could hold is no control."""
-    for index in range(thing.get_child_count()):
-        child = thing.get_child_at_index(index)
-        if child is not None and has(child, Atspi.StateType.SHOWING):
-            yield child
-            if role_of(child) != "combo box":
-                yield from shown_below(child)
-
-
 def controls(program):
     """What the keyboard can work with now, outside of the menu."""
-    program.root.clear_cache()
-    return [thing for window in windows(program) for thing in shown_below(window)
-            if role_of(thing) not in MENUS
+    return [thing for thing in program.shown() if role_of(thing) not in MENUS
             and has(thing, Atspi.StateType.FOCUSABLE) and has(thing, Atspi.StateType.SENSITIVE)]
-
-
-def windows(program):
-    return [program.root.get_child_at_index(index) for index in range(program.root.get_child_count())]
 
 
 def identity(thing):

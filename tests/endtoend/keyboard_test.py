@@ -6,7 +6,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from hands import hands
-from screen_reader import everything_below, has, role_of, wait_for
+from screen_reader import has, role_of, wait_for
 from window_test import play
 
 MOST_STEPS = 40  # more than there are controls
@@ -15,10 +15,9 @@ MOST_STEPS = 40  # more than there are controls
 def focused(program):
     """(role, name) of what has the focus; a group that hands its focus to a control within comes before that one."""
     def look():
-        program.root.clear_cache()
         found = None
-        for thing in everything_below(program.root):
-            if has(thing, Atspi.StateType.FOCUSED) and has(thing, Atspi.StateType.SHOWING):
+        for thing in program.shown():
+            if has(thing, Atspi.StateType.FOCUSED):
                 found = role_of(thing), thing.get_name()
         return found
     return wait_for("a focus", look)

@@ -42,6 +42,16 @@ def everything_below(thing):
             yield from everything_below(child)
 
 
+def shown_below(thing):
+    """As a screen reader walks: into what is shown only, and not into what a combo box could hold."""
+    for index in range(thing.get_child_count()):
+        child = thing.get_child_at_index(index)
+        if child is not None and has(child, Atspi.StateType.SHOWING):
+            yield child
+            if role_of(child) != "combo box":
+                yield from shown_below(child)
+
+
 class Program:
     """A running program and its windows."""
 
@@ -57,6 +67,15 @@ class Program:
             if child is not None and child.get_process_id() == self.process.pid and child.get_child_count():
                 return child
         return None
+
+    def windows(self):
+        each = [self.root.get_child_at_index(index) for index in range(self.root.get_child_count())]
+        return [window for window in each if window]
+
+    def shown(self):
+        """What is shown in all windows now."""
+        self.root.clear_cache()
+        return [thing for window in self.windows() for thing in shown_below(window)]
 
     def find(self, role, name, within=None):
         """What is shown with that role and name now, or None. A name of None stands for any."""
