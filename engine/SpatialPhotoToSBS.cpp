@@ -120,8 +120,17 @@ StillImage composedAsRgb(const ConversionSettings &settings, const std::filesyst
     return {composer.finish(), std::move(left.metadata)};
 }
 
+/// As the output's format takes it. Gives back the memory that decoding took before coding takes its own.
+StillImage composedImage(const ConversionSettings &settings, const std::filesystem::path &file, const StereoPair &pair,
+                         ImageKind kind) {
+    const media::LargeBlockScope memory;
+    const bool asRgb = kind == ImageKind::png || kind == ImageKind::tiff;
+    return asRgb ? composedAsRgb(settings, file, pair) : composedAsCoded(settings, file, pair);
+}
+
 void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKind kind,
                    const std::filesystem::path &output) {
+    const media::LargeBlockScope memory;
     try {
         media::requireWritable(output);
     } catch (const media::MediaError &) {
@@ -140,12 +149,9 @@ void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKi
 
 void convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
                               const std::filesystem::path &output) {
-    const media::LargeBlockScope memory;
     const StereoPair pair = readStereoPair(input);
     const ImageKind kind = kindOf(output);
-    const bool asRgb = kind == ImageKind::png || kind == ImageKind::tiff;
-    StillImage image = asRgb ? composedAsRgb(settings, input, pair) : composedAsCoded(settings, input, pair);
-    writeSBSImage(settings, std::move(image), kind, output);
+    writeSBSImage(settings, composedImage(settings, input, pair, kind), kind, output);
 }
 
 } // namespace lumetwin

@@ -20,7 +20,9 @@ namespace images {
 namespace {
 
 constexpr int tileUnit = 64; // what tiles should be a multiple of (ISO/IEC 23000-22, 7.3.11.4.2)
-constexpr int widestTile = 2048;
+// Small tiles need less memory and a little more time. A side-by-side picture has twice an eye's pixels.
+constexpr int longestTileSide = 1024;
+constexpr int longestEyeTileSide = 2048;
 
 /// How an image is cut into pictures of one size.
 struct Tiling {
@@ -41,13 +43,13 @@ int tilesFor(int size, std::int64_t largest) {
     return static_cast<int>((size + largest - 1) / largest);
 }
 
-Tiling tilingOf(const Picture &picture) {
+Tiling tilingOf(const Picture &picture, int longestSide) {
     if (std::max(picture.width, picture.height) <= x265::largestStillSide &&
         std::int64_t{picture.width} * picture.height <= x265::largestStillArea)
         return {1, 1, picture.width, picture.height};
-    const int columns = tilesFor(picture.width, widestTile);
+    const int columns = tilesFor(picture.width, longestSide);
     const int width = tileSize(picture.width, columns);
-    const std::int64_t highest = std::min<std::int64_t>(x265::largestStillArea / width, x265::largestStillSide);
+    const std::int64_t highest = std::min<std::int64_t>(x265::largestStillArea / width, longestSide);
     const int rows = tilesFor(picture.height, highest / tileUnit * tileUnit);
     return {columns, rows, width, tileSize(picture.height, rows)};
 }
@@ -110,8 +112,8 @@ void takeStill(const std::filesystem::path &file, x265::CodedStill still, heif::
 } // namespace
 
 heif::CodedImage codedImage(const std::filesystem::path &file, Picture picture, const ImageMetadata &metadata,
-                            int quantiser, int workers) {
-    const Tiling tiling = tilingOf(picture);
+                            int quantiser, GridCoding grid) {
+    const Tiling tiling = tilingOf(picture, grid.longestTileSide);
     heif::CodedImage image;
     image.width = static_cast<std::uint32_t>(picture.width);
     image.height = static_cast<std::uint32_t>(picture.height);
@@ -123,7 +125,7 @@ heif::CodedImage codedImage(const std::filesystem::path &file, Picture picture, 
     if (metadata.iccProfile.empty())
         image.colour = HeifColour{picture.colour.primaries, picture.colour.transfer, picture.colour.matrix,
                                   picture.colour.range == ColourRange::full};
-    for (x265::CodedStill &still : codedTiles(file, std::move(picture), tiling, quantiser, workers))
+    for (x265::CodedStill &still : codedTiles(file, std::move(picture), tiling, quantiser, grid.workers))
         takeStill(file, std::move(still), image);
     return image;
 }
@@ -140,8 +142,8 @@ int heifQuantiser(double quality) {
 }
 
 void writeHeif(const PartialFile &file, StillImage image, double quality) {
-    heif::writeHeif(file,
-                    codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality), 2));
+    heif::writeHeif(file, codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality),
+                                     {2, longestTileSide}));
 }
 
 } // namespace images
@@ -154,8 +156,8 @@ constexpr int spatialQuantiser = 14;
 heif::CodedImage codedEye(const std::filesystem::path &file, Picture eye, const ImageMetadata &metadata,
                           const heif::Camera &camera) {
     const ImageMetadata corrected = images::correctedMetadata(eye, metadata);
-    heif::CodedImage image =
-        images::codedImage(file, images::fitted(std::move(eye), ImageKind::heif), corrected, spatialQuantiser, 1);
+    heif::CodedImage image = images::codedImage(file, images::fitted(std::move(eye), ImageKind::heif), corrected,
+                                                spatialQuantiser, {1, images::longestEyeTileSide});
     image.camera = camera;
     return image;
 }

@@ -6,11 +6,16 @@
 
 namespace lumetwin::media::images {
 
-/// Codes a picture for a HEIC file: alone where one HEVC picture may be so large, else as a grid whose tiles the given
-/// number of threads share. Its samples are released as they are coded. Metadata is taken as it is. Throws
-/// MediaError, which names the file.
+/// How a picture is coded that is larger than one HEVC picture may be.
+struct GridCoding {
+    int workers = 1;         ///< threads that share the tiles
+    int longestTileSide = 0; ///< luma samples
+};
+
+/// Codes a picture for a HEIC file: alone where one HEVC picture may be so large, else as a grid. Its samples are
+/// released as they are coded. Metadata is taken as it is. Throws MediaError, which names the file.
 heif::CodedImage codedImage(const std::filesystem::path &file, Picture picture, const ImageMetadata &metadata,
-                            int quantiser, int workers);
+                            int quantiser, GridCoding grid);
 
 /// The metadata as it is true for the picture.
 ImageMetadata correctedMetadata(const Picture &picture, ImageMetadata metadata);
