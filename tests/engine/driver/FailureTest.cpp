@@ -11,7 +11,6 @@ namespace lumetwin::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 using Failure = BatchRun;
