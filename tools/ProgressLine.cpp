@@ -96,7 +96,7 @@ int displayWidth(std::string_view text) {
 }
 
 std::string middleTruncated(std::string_view text, int columns) {
-    const std::string safe = printable(text);
+    std::string safe = printable(text);
     if (displayWidth(safe) <= columns)
         return safe;
     if (columns < 1)
@@ -127,7 +127,7 @@ std::string clockTime(double seconds) {
 
 std::string progressLine(const BatchProgress &progress, int columns) {
     const int room = columns - 1;
-    const std::string counter = fmt::format("[{}/{}]", progress.index + 1, progress.total);
+    std::string counter = fmt::format("[{}/{}]", progress.index + 1, progress.total);
     if (displayWidth(counter) > room)
         return {};
     const int nameWidth = displayWidth(progress.fileName);

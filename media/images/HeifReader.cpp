@@ -245,8 +245,7 @@ Picture rgbOf(const HeifContext &context, const heif_image_handle *handle) {
     const int width = heif_image_get_primary_width(image.get());
     const int height = heif_image_get_primary_height(image.get());
     const ColourTags colour = tagsOfItem(handle);
-    const Picture picture =
-        makeChecked(context.file, width, height, {ColourModel::rgb, std::max(depth, 8), 0, 0}, colour);
+    Picture picture = makeChecked(context.file, width, height, {ColourModel::rgb, std::max(depth, 8), 0, 0}, colour);
     int stride = 0;
     const std::uint8_t *data = heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride);
     if (!data)

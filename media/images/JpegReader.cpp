@@ -158,7 +158,7 @@ constexpr ColourTags rgbColour{1, 13, 0, ColourRange::full, ChromaLocation::unsp
 Picture readInterleaved(Decoder &decoder, ImageMetadata &metadata) {
     const jpeg_decompress_struct &codec = decoder.codec;
     const int width = static_cast<int>(codec.image_width);
-    const Picture picture =
+    Picture picture =
         makeChecked(decoder.file, width, static_cast<int>(codec.image_height), {ColourModel::rgb, 8, 0, 0}, rgbColour);
     if (codec.num_components != 4) {
         readRows(decoder, JCS_RGB, 3, [&](const JSAMPLE *row, int y) {

@@ -136,6 +136,7 @@ void writePlanes(Encoder &encoder, const Picture &picture) {
     jpeg_compress_struct &codec = encoder.codec;
     const int lines = DCTSIZE << picture.format.chromaShiftY;
     std::vector<Band> bands;
+    bands.reserve(3);
     JSAMPARRAY planes[3] = {};
     for (int plane = 0; plane < 3; ++plane)
         bands.emplace_back(picture, plane, lines >> picture.format.shiftY(plane));

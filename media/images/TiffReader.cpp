@@ -211,8 +211,10 @@ void interleave(const std::vector<Buffer> &planes, std::ptrdiff_t offset, int co
 
 void readPieces(const TiffFile &tiff, const Page &page, RowTaker &rows) {
     const Piece piece = pieceOf(tiff, page);
+    const int planeCount = page.separate ? page.channels : 1;
     std::vector<Buffer> planes;
-    for (int plane = 0; plane < (page.separate ? page.channels : 1); ++plane)
+    planes.reserve(static_cast<std::size_t>(planeCount));
+    for (int plane = 0; plane < planeCount; ++plane)
         planes.push_back(bufferFor(tiff, piece.bytes));
     const Buffer line = bufferFor(tiff, static_cast<std::uint64_t>(piece.width) * page.channels * 2);
     const std::ptrdiff_t rowBytes = static_cast<std::ptrdiff_t>(piece.width) * page.channels * (page.bits / 8);

@@ -106,8 +106,8 @@ Raster rasterOf(const media::Picture &picture) {
 }
 
 media::Picture pictureOf(const Raster &raster) {
-    const media::Picture picture = media::makePicture(raster.width, raster.height, {media::ColourModel::rgb, 8, 0, 0},
-                                                      {1, 13, 0, media::ColourRange::full, {}});
+    media::Picture picture = media::makePicture(raster.width, raster.height, {media::ColourModel::rgb, 8, 0, 0},
+                                                {1, 13, 0, media::ColourRange::full, {}});
     for (int y = 0; y < raster.height; ++y)
         for (int x = 0; x < raster.width; ++x)
             for (std::size_t plane = 0; plane < 3; ++plane)

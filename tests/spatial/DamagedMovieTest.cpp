@@ -175,7 +175,7 @@ protected:
 
     /// Converts the folder and expects that the batch came to its end.
     ProgramResult convertAll(int count) {
-        const ProgramResult result = runProgram({LUMETWIN_BATCH, "--output", folder / "out", folder / "in"});
+        ProgramResult result = runProgram({LUMETWIN_BATCH, "--output", folder / "out", folder / "in"});
         EXPECT_TRUE(result.status == 0 || result.status == 1) << result.status;
         const std::string number = std::to_string(count);
         EXPECT_THAT(result.output, HasSubstr("[" + number + "/" + number + "]"));

@@ -206,7 +206,7 @@ std::filesystem::path withStrangeSound(const TemporaryFolder &folder) {
     clip.frames = 10;
     clip.sound = "sine=d=0.3";
     clip.audio = {"-c:a", "pcm_s16le"};
-    const auto movie = test::draw(folder / "in.mov", clip);
+    auto movie = test::draw(folder / "in.mov", clip);
     test::renameBox(movie, "sowt", "zzzz");
     return movie;
 }
