@@ -48,8 +48,9 @@ double onset(const std::filesystem::path &movie) {
     for (std::size_t at = 0; at + 1 < pcm.size(); at += 2) {
         std::int16_t sample = 0;
         std::memcpy(&sample, pcm.data() + at, 2);
+        const std::size_t index = at / 2;
         if (std::abs(sample) > 8000)
-            return static_cast<double>(at / 2) / 48000;
+            return static_cast<double>(index) / 48000;
     }
     return -1;
 }

@@ -214,11 +214,10 @@ TEST(SpecialSources, absurdShapesOfPixelsAreNotBelieved) {
 TEST(SpecialSources, rowsOfInterlacedFramesStayWhereTheyAre) {
     const TemporaryFolder folder;
     // Two fields that could not differ more.
-    test::systemFfmpeg({"-f", "lavfi", "-i",
-                        "color=gray:s=384x96:r=25,format=yuv420p,geq=lum='if(mod(Y\\,2)\\,40\\,200)':cb=128:cr=128,"
-                        "setfield=tff",
-                        "-frames:v", "4", "-c:v", "libx264", "-qp", "4", "-flags", "+ilme+ildct", "-x264-params",
-                        "tff=1", (folder / "in.mp4").string()});
+    const std::string fields =
+        "color=gray:s=384x96:r=25,format=yuv420p,geq=lum='if(mod(Y\\,2)\\,40\\,200)':cb=128:cr=128,setfield=tff";
+    test::systemFfmpeg({"-f", "lavfi", "-i", fields, "-frames:v", "4", "-c:v", "libx264", "-qp", "4", "-flags",
+                        "+ilme+ildct", "-x264-params", "tff=1", (folder / "in.mp4").string()});
     EXPECT_THAT(test::ffprobe(folder / "in.mp4", "stream=field_order"), HasSubstr("=tt"));
     test::toSpatial({}, folder / "in.mp4", folder / "out.mov");
     for (const char *view : {"0:v:0:vpos:left", "0:v:0:vpos:right"}) {

@@ -80,7 +80,8 @@ TEST(AudioReader, mixesSixChannelsDownToTwo) {
         left += std::abs(samples[index]);
         right += std::abs(samples[index + 1]);
     }
-    EXPECT_GT(left / static_cast<double>(samples.size() / 2), 1500);
+    const std::size_t frames = samples.size() / 2;
+    EXPECT_GT(left / static_cast<double>(frames), 1500);
     EXPECT_NEAR(left, right, left * 0.01);
 }
 

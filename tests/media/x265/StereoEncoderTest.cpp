@@ -175,7 +175,7 @@ std::vector<std::vector<std::uint8_t>> decodedViews(const Encoded &encoded, int 
     test::ffmpeg({"-view_ids", "-1", "-i", (folder / "views.hevc").string(), "-fps_mode", "passthrough", "-f",
                   "rawvideo", "-pix_fmt", "yuv420p", (folder / "views.raw").string()});
     const std::vector<std::uint8_t> samples = test::readFile(folder / "views.raw");
-    const auto size = static_cast<std::size_t>(width * height);
+    const std::size_t size = static_cast<std::size_t>(width) * height;
     std::vector<std::vector<std::uint8_t>> views;
     for (std::size_t at = 0; at + size <= samples.size(); at += size * 3 / 2)
         views.emplace_back(samples.begin() + static_cast<std::ptrdiff_t>(at),
