@@ -26,7 +26,7 @@ std::string resizePreview(const ConversionSettings &settings) {
     const std::int64_t width = settings.resizeWidth, height = settings.resizeHeight;
     const bool toSBS = settings.direction == ConversionDirection::spatialToSBS;
     const std::int64_t output = toSBS && !settings.halfWidth ? doubled(width) : width;
-    const std::string size = formatted("resize.preview.format", output, height, output / 2, height);
+    std::string size = formatted("resize.preview.format", output, height, output / 2, height);
     const std::int64_t wide = roundedUpTo16(width), high = roundedUpTo16(height);
     if (width % 2 != 0 || height % 2 != 0)
         return size + "  " + formatted("resize.warn.odd.format", wide, high);

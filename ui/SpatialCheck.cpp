@@ -46,7 +46,7 @@ Alert spatialCheckAlert(const fs::path &file, const SpatialFinding &finding) {
     return {formatted("alert.spatial.check.yes.title", name), lines, buttons, {}, AlertStyle::informational};
 }
 
-void checkSpatialFile(const fs::path &file, QWidget *form, std::shared_ptr<const ConversionSettings> settings,
+void checkSpatialFile(const fs::path &file, QWidget *form, const std::shared_ptr<const ConversionSettings> &settings,
                       const FormServices &services) {
     const QPointer<QWidget> weak(form);
     BackgroundThreads::shared().run("inspect", [=, inspect = services.inspect, alerts = services.alerts] {

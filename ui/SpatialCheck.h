@@ -18,6 +18,6 @@ Alert spatialCheckAlert(const std::filesystem::path &file, const SpatialFinding 
 
 /// Inspects a file beside the interface thread and shows the result on the form.
 void checkSpatialFile(const std::filesystem::path &file, QWidget *form,
-                      std::shared_ptr<const ConversionSettings> settings, const FormServices &services);
+                      const std::shared_ptr<const ConversionSettings> &settings, const FormServices &services);
 
 } // namespace lumetwin

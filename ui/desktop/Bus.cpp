@@ -32,7 +32,7 @@ QDBusConnection systemBus() {
 }
 
 void call(const QDBusConnection &bus, const BusAddress &address, const char *method, const QVariantList &arguments,
-          std::function<void(const QDBusMessage &answer)> answered) {
+          const std::function<void(const QDBusMessage &answer)> &answered) {
     QDBusMessage message = QDBusMessage::createMethodCall(QLatin1String(address.service), QLatin1String(address.path),
                                                           QLatin1String(address.interface), QLatin1String(method));
     message.setArguments(arguments);

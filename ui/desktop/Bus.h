@@ -24,6 +24,6 @@ QDBusConnection systemBus();
 /// Calls a method and never waits. The answer, an error included, comes on the calling thread through the event loop;
 /// without a connection it is an error as well.
 void call(const QDBusConnection &bus, const BusAddress &address, const char *method, const QVariantList &arguments,
-          std::function<void(const QDBusMessage &answer)> answered = {});
+          const std::function<void(const QDBusMessage &answer)> &answered = {});
 
 } // namespace lumetwin

@@ -17,7 +17,7 @@ bool isConfined() {
 }
 
 void retrievePortalFiles(const QByteArray &key,
-                         std::function<void(const std::vector<std::filesystem::path> &files)> received) {
+                         const std::function<void(const std::vector<std::filesystem::path> &files)> &received) {
     const BusAddress documents{"org.freedesktop.portal.Documents", "/org/freedesktop/portal/documents",
                                "org.freedesktop.portal.FileTransfer"};
     call(sessionBus(), documents, "RetrieveFiles", {QString::fromUtf8(key), QVariantMap()},

@@ -15,6 +15,6 @@ bool isConfined();
 /// Asks the documents portal for the files of a transfer (org.freedesktop.portal.FileTransfer.RetrieveFiles). The
 /// answer comes on the calling thread, later; it is empty when the portal is missing or does not know the key.
 void retrievePortalFiles(const QByteArray &key,
-                         std::function<void(const std::vector<std::filesystem::path> &files)> received);
+                         const std::function<void(const std::vector<std::filesystem::path> &files)> &received);
 
 } // namespace lumetwin
