@@ -39,7 +39,7 @@ void FilesAndFoldersDialog::accept() {
     if (!std::all_of(marked.cbegin(), marked.cend(), exists))
         return QFileDialog::accept(); // says which one is missing
     choice_ = marked;
-    QDialog::accept();
+    done(Accepted);
 }
 
 } // namespace lumetwin
