@@ -5,6 +5,24 @@
 
 namespace lumetwin::media::x265 {
 
+void setColour(x265_param &parameters, const ColourTags &colour) {
+    auto &vui = parameters.vui;
+    vui.bEnableVideoSignalTypePresentFlag = 1;
+    vui.bEnableVideoFullRangeFlag = colour.range == ColourRange::full;
+    vui.bEnableColorDescriptionPresentFlag = 1;
+    vui.colorPrimaries = colour.primaries;
+    vui.transferCharacteristics = colour.transfer;
+    vui.matrixCoeffs = colour.matrix;
+    if (colour.chromaLocation == ChromaLocation::unspecified)
+        return;
+    const int location = colour.chromaLocation == ChromaLocation::left     ? 0
+                         : colour.chromaLocation == ChromaLocation::centre ? 1
+                                                                           : 2;
+    vui.bEnableChromaLocInfoPresentFlag = 1;
+    vui.chromaSampleLocTypeTopField = location;
+    vui.chromaSampleLocTypeBottomField = location;
+}
+
 Encoder openEncoder(x265_param &parameters) {
     // The first encoder of a process fills the library's tables of functions, and no lock keeps a second one from
     // using them half filled.

@@ -60,24 +60,6 @@ void setPictureFormat(x265_param &parameters, const StereoFormat &format) {
         parameters.maxCUSize = 32;
 }
 
-void setColour(x265_param &parameters, const ColourTags &colour) {
-    auto &vui = parameters.vui;
-    vui.bEnableVideoSignalTypePresentFlag = 1;
-    vui.bEnableVideoFullRangeFlag = colour.range == ColourRange::full;
-    vui.bEnableColorDescriptionPresentFlag = 1;
-    vui.colorPrimaries = colour.primaries;
-    vui.transferCharacteristics = colour.transfer;
-    vui.matrixCoeffs = colour.matrix;
-    if (colour.chromaLocation == ChromaLocation::unspecified)
-        return;
-    const int location = colour.chromaLocation == ChromaLocation::left     ? 0
-                         : colour.chromaLocation == ChromaLocation::centre ? 1
-                                                                           : 2;
-    vui.bEnableChromaLocInfoPresentFlag = 1;
-    vui.chromaSampleLocTypeTopField = location;
-    vui.chromaSampleLocTypeBottomField = location;
-}
-
 void setStructure(x265_param &parameters, double frameRate) {
     parameters.numViews = 2;
     parameters.numLayers = 2;

@@ -25,22 +25,6 @@ constexpr int largeSide = 256;
     throw MediaError(file, "Cannot encode", code, reason);
 }
 
-void setColour(x265_param &parameters, const ColourTags &colour) {
-    auto &vui = parameters.vui;
-    vui.bEnableVideoSignalTypePresentFlag = 1;
-    vui.bEnableVideoFullRangeFlag = colour.range == ColourRange::full;
-    vui.bEnableColorDescriptionPresentFlag = 1;
-    vui.colorPrimaries = colour.primaries;
-    vui.transferCharacteristics = colour.transfer;
-    vui.matrixCoeffs = colour.matrix;
-    vui.bEnableChromaLocInfoPresentFlag = 1;
-    const int location = colour.chromaLocation == ChromaLocation::left      ? 0
-                         : colour.chromaLocation == ChromaLocation::topLeft ? 2
-                                                                            : 1;
-    vui.chromaSampleLocTypeTopField = location;
-    vui.chromaSampleLocTypeBottomField = location;
-}
-
 Parameters parametersFor(const std::filesystem::path &file, const Picture &picture, int quantiser, int threads) {
     Parameters parameters(x265_param_alloc());
     if (!parameters || x265_param_default_preset(parameters.get(), preset, nullptr) < 0)
@@ -71,7 +55,10 @@ Parameters parametersFor(const std::filesystem::path &file, const Picture &pictu
     parameters->rc.aqMode = X265_AQ_NONE;
     parameters->rc.cuTree = 0;
     parameters->logLevel = X265_LOG_NONE;
-    setColour(*parameters, picture.colour);
+    ColourTags colour = picture.colour;
+    if (colour.chromaLocation == ChromaLocation::unspecified)
+        colour.chromaLocation = ChromaLocation::centre; // as in JPEG
+    setColour(*parameters, colour);
     if (x265_param_parse(parameters.get(), "pools", std::to_string(threads).c_str()) != 0)
         fail(file, 0, "the encoder does not take its threads");
     if (x265_param_apply_profile(parameters.get(), "mainstillpicture") < 0)
