@@ -133,8 +133,7 @@ def walk(scene):
     program.press("push button", scene["button.cancel"])
     program.press("push button", scene["button.stop"])
     check_controls(program, 17)
-    hands.press_key("ctrl+q")
-    assert program.ended() == 0
+    scene.quit(program)
 
 
 if __name__ == "__main__":

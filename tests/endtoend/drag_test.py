@@ -155,8 +155,7 @@ def convert(scene):
     scene.program.press("push button", scene["button.start.conversion"])
     scene.see_end(scene.program, scene["alert.conversion.success"])
     assert scene.names() == ["clip_spatial.mov"], scene.names()
-    hands.press_key("ctrl+q")
-    assert scene.program.ended() == 0
+    scene.quit(scene.program)
 
 
 if __name__ == "__main__":

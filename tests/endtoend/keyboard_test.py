@@ -54,8 +54,7 @@ def convert(scene):
     hands.press_key("Escape")
     wait_for("the form", lambda: not program.find("progress bar", None))
     assert scene.names() == ["clip_spatial.mov"], scene.names()
-    hands.press_key("ctrl+q")
-    assert program.ended() == 0
+    scene.quit(program)
 
 
 if __name__ == "__main__":

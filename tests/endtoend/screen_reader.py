@@ -135,6 +135,11 @@ class Program:
                 value = thing.get_value_iface()
                 print(role_of(thing), repr(thing.get_name()), Atspi.Value.get_current_value(value) if value else "")
 
+    def is_in_front(self):
+        """Whether its main window has the keys, which comes a moment after a sheet has gone."""
+        self.root.clear_cache()
+        return any(role_of(window) == "frame" and has(window, Atspi.StateType.ACTIVE) for window in self.windows())
+
     def ended(self):
         """The exit status, when the program ends by itself."""
         return self.process.wait(PATIENCE)

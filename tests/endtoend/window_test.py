@@ -64,6 +64,12 @@ class Scene:
         program.press("push button", "OK")
         program.press("push button", self["button.close"])
 
+    def quit(self, program):
+        """By the keyboard."""
+        wait_for("the window in front", program.is_in_front)
+        hands.press_key("ctrl+q")
+        assert program.ended() == 0
+
     def names(self):
         return sorted(path.name for path in self.output.iterdir())
 
@@ -92,8 +98,7 @@ def convert_there_and_back(scene):
     assert left > 150 and right < 100, (left, right)
 
     ask_before_replacing(scene, program)
-    hands.press_key("ctrl+q")
-    assert program.ended() == 0
+    scene.quit(program)
 
 
 def ask_before_replacing(scene, program):
