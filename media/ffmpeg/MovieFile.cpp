@@ -48,7 +48,9 @@ float nominalFrameRate(const AVStream &stream) {
 PixelAspect pixelAspect(const AVStream &stream) {
     const AVRational ratio =
         stream.sample_aspect_ratio.num ? stream.sample_aspect_ratio : stream.codecpar->sample_aspect_ratio;
-    const bool believable = ratio.num > 0 && ratio.den > 0 && ratio.num / 4 <= ratio.den && ratio.den / 4 <= ratio.num;
+    constexpr std::int64_t most = 4;
+    const bool believable =
+        ratio.num > 0 && ratio.den > 0 && ratio.num <= most * ratio.den && ratio.den <= most * ratio.num;
     return believable ? PixelAspect{ratio.num, ratio.den} : PixelAspect{};
 }
 

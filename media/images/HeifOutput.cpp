@@ -20,9 +20,8 @@ namespace images {
 namespace {
 
 constexpr int tileUnit = 64; // what tiles should be a multiple of (ISO/IEC 23000-22, 7.3.11.4.2)
-// Small tiles need less memory and a little more time. A side-by-side picture has twice an eye's pixels.
-constexpr int longestTileSide = 1024;
-constexpr int longestEyeTileSide = 2048;
+// Larger tiles take less time and more memory. An eye has half of a side-by-side picture's pixels.
+constexpr GridCoding eyeCoding{1, 2048};
 
 /// How an image is cut into pictures of one size.
 struct Tiling {
@@ -142,8 +141,8 @@ int heifQuantiser(double quality) {
 }
 
 void writeHeif(const PartialFile &file, StillImage image, double quality) {
-    heif::writeHeif(file, codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality),
-                                     {2, longestTileSide}));
+    heif::writeHeif(file,
+                    codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality), {}));
 }
 
 } // namespace images
@@ -157,7 +156,7 @@ heif::CodedImage codedEye(const std::filesystem::path &file, Picture eye, const 
                           const heif::Camera &camera) {
     const ImageMetadata corrected = images::correctedMetadata(eye, metadata);
     heif::CodedImage image = images::codedImage(file, images::fitted(std::move(eye), ImageKind::heif), corrected,
-                                                spatialQuantiser, {1, images::longestEyeTileSide});
+                                                spatialQuantiser, images::eyeCoding);
     image.camera = camera;
     return image;
 }

@@ -8,8 +8,8 @@ namespace lumetwin::media::images {
 
 /// How a picture is coded that is larger than one HEVC picture may be.
 struct GridCoding {
-    int workers = 1;         ///< threads that share the tiles
-    int longestTileSide = 0; ///< luma samples
+    int workers = 2;            ///< threads that share the tiles
+    int longestTileSide = 1024; ///< luma samples
 };
 
 /// Codes a picture for a HEIC file: alone where one HEVC picture may be so large, else as a grid. Its samples are

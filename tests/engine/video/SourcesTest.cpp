@@ -162,11 +162,16 @@ unsigned shownWidth(const std::filesystem::path &movie) {
     return static_cast<unsigned>(bytes.at(width) << 8 | bytes.at(width + 1));
 }
 
-TEST(SpecialSources, theShapeOfPixelsIsCarried) {
-    const TemporaryFolder folder;
+Clip clipOfPixels(const std::string &shape) {
     Clip clip;
     clip.everyEncoder = true;
-    clip.filter = "setsar=4/3";
+    clip.filter = "setsar=" + shape;
+    return clip;
+}
+
+TEST(SpecialSources, theShapeOfPixelsIsCarried) {
+    const TemporaryFolder folder;
+    Clip clip = clipOfPixels("4/3");
     test::draw(folder / "wide.mp4", clip);
     clip.video = {"-c:v", "ffv1"};
     test::draw(folder / "wide.mkv", clip);
@@ -187,10 +192,7 @@ TEST(SpecialSources, theShapeOfPixelsIsCarried) {
 
 TEST(SpecialSources, pixelsOfAnAskedSizeAreSquare) {
     const TemporaryFolder folder;
-    Clip clip;
-    clip.everyEncoder = true;
-    clip.filter = "setsar=4/3";
-    test::draw(folder / "wide.mp4", clip);
+    test::draw(folder / "wide.mp4", clipOfPixels("4/3"));
     ConversionSettings settings;
     settings.enableResize = true;
     settings.resizeWidth = 256;
@@ -203,10 +205,7 @@ TEST(SpecialSources, pixelsOfAnAskedSizeAreSquare) {
 
 TEST(SpecialSources, absurdShapesOfPixelsAreNotBelieved) {
     const TemporaryFolder folder;
-    Clip clip;
-    clip.everyEncoder = true;
-    clip.filter = "setsar=1/9";
-    test::draw(folder / "thin.mp4", clip);
+    test::draw(folder / "thin.mp4", clipOfPixels("1/9"));
     test::toSpatial({}, folder / "thin.mp4", folder / "out.mov");
     EXPECT_EQ(shownWidth(folder / "out.mov"), 192U);
 }
