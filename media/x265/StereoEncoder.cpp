@@ -26,6 +26,8 @@ constexpr int smallestSide = 96;
 // Pictures below this size are coded in units of 32, so that there are several rows of them.
 constexpr int largeSide = 256;
 constexpr double keyFrameSeconds = 2;
+// Of HEVC's motion vectors (ITU-T H.265, 7.4.7.1, five_minus_max_num_merge_cand).
+constexpr std::uint32_t mostMergeCandidates = 5;
 // The largest picture of HEVC's levels, 6 to 6.2 (ITU-T H.265, table A.8); no device takes more, and memory ends soon
 // after.
 constexpr std::int64_t mostSamples = 35'651'584;
@@ -73,8 +75,10 @@ void setStructure(x265_param &parameters, double frameRate) {
     // Every scene cut becomes an IDR picture: beside an intra picture of another kind, x265 4.1 predicts the right view
     // from the left alone but tells decoders otherwise, and they drift.
     parameters.keyframeMin = 1;
-    // With a single reference the right view would have none in time, only the left view.
-    parameters.maxNumReferences = std::max(2, parameters.maxNumReferences);
+    // A preset reckons with one view. The left picture is one more that the right view is predicted from, beside
+    // those that came before it.
+    ++parameters.maxNumReferences;
+    parameters.maxNumMergeCand = std::min<std::uint32_t>(parameters.maxNumMergeCand + 1, mostMergeCandidates);
     parameters.frameNumThreads = 2;
     parameters.logLevel = X265_LOG_NONE;
 }

@@ -184,9 +184,10 @@ std::vector<std::vector<std::uint8_t>> decodedViews(const Encoded &encoded, int 
 }
 
 TEST(StereoEncoder, IsDecodedWithoutDrift) {
-    // Eyes below the smallest coded size, at it, and beside multiples of the coding units.
-    for (const auto &[width, height] :
-         std::vector<std::pair<int, int>>{{2, 2}, {10, 16}, {64, 50}, {96, 96}, {98, 102}, {100, 322}, {258, 194}}) {
+    // Eyes below the smallest coded size, at it, and beside multiples of the coding units, of which larger eyes have
+    // larger ones.
+    for (const auto &[width, height] : std::vector<std::pair<int, int>>{
+             {2, 2}, {10, 16}, {64, 50}, {96, 96}, {98, 102}, {100, 322}, {258, 194}, {258, 258}, {322, 270}}) {
         SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));
         const auto views = decodedViews(encode(formatOf(width, height, 4'000'000), 24, 2), width, height);
         ASSERT_EQ(views.size(), 48U);
