@@ -12,9 +12,8 @@
 
 namespace lumetwin::media::x265 {
 
-/// The fastest of the encoder's presets that needs at least a fifth fewer bits than two independent streams and adapts
-/// to what it sees: filmed media need a sixth fewer bits than with the next faster one. bench/spatial_video.py prints
-/// the table.
+/// Of filmed media it needs a sixth fewer bits than the next faster preset, for an eighth more time.
+/// bench/spatial_video.py prints the table, bench/README.md keeps one.
 inline constexpr const char *shippedPreset = "veryfast";
 
 /// What a two-view stream is to be. Sizes are even; smaller pictures than the encoder codes safely are padded inside

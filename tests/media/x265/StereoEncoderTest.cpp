@@ -234,6 +234,16 @@ TEST(StereoEncoder, RefusesPicturesBeyondEveryLevel) {
     EXPECT_THROW(StereoEncoder("huge.mov", formatOf(16384, 16384)), MediaError);
 }
 
+TEST(StereoEncoder, TakesEveryPreset) {
+    // The slowest ones have as many merge candidates as HEVC allows, and no room for another.
+    for (const char *preset : {"ultrafast", "superfast", "veryfast", "medium", "veryslow", "placebo"}) {
+        SCOPED_TRACE(preset);
+        StereoFormat format = formatOf(128, 96);
+        format.preset = preset;
+        EXPECT_NO_THROW(StereoEncoder("test.mov", format));
+    }
+}
+
 TEST(StereoEncoder, RefusesAnUnknownPresetWithTheFilesName) {
     StereoFormat format = formatOf(128, 96);
     format.preset = "nonsense";
