@@ -8,6 +8,7 @@
 #include "media/x265/ConformanceWindow.h"
 #include "media/x265/Encoder.h"
 #include "media/x265/StereoRateLoop.h"
+#include "media/x265/StillPassages.h"
 
 #include <algorithm>
 #include <array>
@@ -104,6 +105,7 @@ struct StereoEncoder::State {
     Encoder encoder;
     CodingLevel level;
     StereoRateLoop loop;
+    StillPassages stills;
     PicturePool pool;
     std::vector<std::uint8_t> parameterSets;
     std::int64_t codedFrames = 0;
@@ -197,7 +199,7 @@ struct StereoEncoder::State {
         std::array<double, 2> bits{};
         for (std::uint32_t index = 0; index < count; ++index)
             collect(bytesOf(nals[index]), unit, bits);
-        steer(bits);
+        steer(unit, bits);
         sink(unit);
         return true;
     }
@@ -213,7 +215,9 @@ struct StereoEncoder::State {
         bits[static_cast<std::size_t>(layer)] += 8.0 * static_cast<double>(nal.size() + 4);
     }
 
-    void steer(const std::array<double, 2> &bits) {
+    void steer(const AccessUnit &unit, const std::array<double, 2> &bits) {
+        if (stills.endedAt(unit.time) && unit.keyFrame)
+            loop.restart(); // a cut to something else: the encoder's rate control begins anew
         loop.account(bits[0], bits[0] + bits[1]);
         const int asked = kilobits(baseRate());
         if (asked == parameters->rc.bitrate)
@@ -242,6 +246,7 @@ void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64
     const int codedHeight = codedSide(state.format.height);
     const Picture leftCoded = padded(left, codedWidth, codedHeight, state.pool);
     const Picture rightCoded = padded(right, codedWidth, codedHeight, state.pool);
+    state.stills.show(leftCoded, time);
     std::array<x265_picture, 2> input{state.inputOf(leftCoded, time), state.inputOf(rightCoded, time)};
     state.step(input.data(), sink);
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstdint>
-
 namespace lumetwin::media::x265 {
 
 /// Keeps the average bit rate of a two-layer stream. The encoder's own rate control sees layer 0 alone; this says,
@@ -15,16 +13,25 @@ public:
     /// An access unit came out: the bits of layer 0 and of both layers.
     void account(double baseBits, double totalBits);
 
+    /// The encoder's rate control has forgotten all that came before the next access unit.
+    void restart();
+
     /// Bits per second to ask of layer 0 from now on.
     double baseRate() const;
 
 private:
+    /// What the encoder's rate control remembers.
+    struct Memory {
+        double seconds;
+        double base;  ///< bits of layer 0
+        double total; ///< bits of both layers
+    };
+    static Memory fresh(double target, double share);
+
     double target_;
-    double bitsPerUnit_;
-    double base_;  ///< of layer 0 lately, fading
-    double total_; ///< of both layers lately, fading
-    double fading_;
-    double owed_ = 0; ///< bits that the stream is short of its target so far; negative when it is ahead
+    double frameRate_;
+    Memory memory_;
+    double owed_ = 0; ///< bits that the whole stream is short of its target so far; negative when it is ahead
 };
 
 } // namespace lumetwin::media::x265

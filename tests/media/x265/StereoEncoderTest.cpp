@@ -42,6 +42,15 @@ Picture scene(int width, int height, int frame, bool right, int noise = 6) {
     return picture;
 }
 
+Picture black(int width, int height) {
+    Picture picture = makePicture(width, height, yuv420);
+    for (int plane = 0; plane < 3; ++plane)
+        for (int y = 0; y < picture.planeHeight(plane); ++y)
+            std::fill_n(picture.planes[plane].data + y * picture.planes[plane].stride, picture.planeWidth(plane),
+                        plane == 0 ? 16 : 128);
+    return picture;
+}
+
 struct Encoded {
     std::vector<std::uint8_t> parameterSets;
     std::vector<AccessUnit> units;
@@ -154,6 +163,21 @@ TEST(StereoEncoder, MeetsTheAverageBitRateOfTheWholeStream) {
     constexpr std::int64_t bitRate = 120'000;
     const Encoded encoded = encode(formatOf(192, 112, bitRate), 600, 4);
     EXPECT_NEAR(encoded.bits() / 20 / bitRate, 1, 0.03);
+}
+
+TEST(StereoEncoder, SpendsWhatAStillPassageSaved) {
+    constexpr std::int64_t bitRate = 120'000;
+    const StereoFormat format = formatOf(192, 112, bitRate);
+    const auto view = [](int frame, bool right) {
+        return frame >= 150 && frame < 270 ? black(192, 112) : scene(192, 112, frame, right, 4);
+    };
+    StereoEncoder encoder("test.mov", format);
+    Encoded encoded;
+    const auto sink = [&](const AccessUnit &unit) { encoded.units.push_back(unit); };
+    for (int frame = 0; frame < 900; ++frame)
+        encoder.encode(view(frame, false), view(frame, true), frame * format.frameDuration, sink);
+    encoder.finish(sink);
+    EXPECT_NEAR(encoded.bits() / 30 / bitRate, 1, 0.03);
 }
 
 std::vector<std::uint8_t> lumaOf(const Picture &picture) {
