@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Side-by-side video to spatial video: bit rates, time and bits against two independent encodes, presets, memory.
 
-    spatial_video.py            everything, an hour
+    spatial_video.py            everything, more than an hour
     spatial_video.py rate | speed | presets | memory
 """
 import dataclasses
