@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/AudioCopy.h"
 
-#include "media/MediaError.h"
+#include "engine/ProcessorError.h"
 
 #include <algorithm>
 
@@ -21,32 +21,40 @@ media::AudioEncoding audioEncoding(const media::AudioTrack &track) {
     return {media::aacSampleRate(rate), std::min(channels, 2), bitRate};
 }
 
-std::optional<AudioCopy> prepareAudioCopy(const media::MovieFile &movie, double fromTime,
-                                          const ConversionControl &control) {
+std::optional<AudioCopy> prepareAudioCopy(const media::MovieFile &movie, double fromTime, double stretch,
+                                          WarningList &warnings) {
     const std::optional<media::AudioTrack> track = movie.audioTrack();
     if (!track)
         return std::nullopt;
-    const media::AudioEncoding encoding = audioEncoding(*track);
+    AudioCopy copy;
+    copy.encoding = audioEncoding(*track);
     try {
-        return AudioCopy{std::make_unique<media::AudioReader>(movie.path(), *track, encoding.sampleRate,
-                                                              encoding.channels, fromTime),
-                         encoding};
-    } catch (const media::MediaError &error) {
-        if (control.onWarning)
-            control.onWarning(std::string(error.what()) + "; the video is written without sound");
+        copy.reader = std::make_unique<media::AudioReader>(movie.path(), *track, copy.encoding.sampleRate,
+                                                           copy.encoding.channels, fromTime);
+        if (stretch != 1)
+            copy.stretcher =
+                std::make_unique<media::AudioStretcher>(copy.encoding.sampleRate, copy.encoding.channels, stretch);
+        return copy;
+    } catch (const std::exception &error) {
+        warnings.add(WarningKind::withoutSound, {errorMessage(error)});
         return std::nullopt;
     }
 }
 
-void copyAudio(AudioCopy &copy, media::MovieWriter &writer, const ConversionControl &control) {
+void copyAudio(AudioCopy &copy, media::MovieWriter &writer, const ConversionControl &control, WarningList &warnings) {
     try {
-        while (const std::optional<media::AudioBlock> block = copy.reader->next())
-            writer.append(*block);
+        while (!control.cancelled()) {
+            const std::optional<media::AudioBlock> block = copy.reader->next();
+            if (!block)
+                break;
+            writer.append(copy.stretcher ? copy.stretcher->stretch(*block) : *block);
+        }
     } catch (const std::exception &error) {
         // The reader has run dry; what was copied stays.
-        if (control.onWarning)
-            control.onWarning(std::string(error.what()) + "; the sound ends early");
+        warnings.add(WarningKind::soundEndsEarly, {errorMessage(error)});
     }
+    if (copy.stretcher)
+        writer.append(copy.stretcher->finish());
     writer.finishAudio();
 }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "engine/Outcome.h"
+#include "media/AudioStretcher.h"
 #include "media/MovieReader.h"
 #include "media/MovieWriter.h"
 
@@ -10,9 +12,11 @@
 
 namespace lumetwin {
 
-/// The sound of one conversion: the source's first audio track, decoded to 16-bit PCM, and how it is coded again.
+/// The sound of one conversion: the source's first audio track, decoded to 16-bit PCM, stretched where the pictures are
+/// not as long as the source's, and how it is coded again.
 struct AudioCopy {
     std::unique_ptr<media::AudioReader> reader;
+    std::unique_ptr<media::AudioStretcher> stretcher; ///< none where the sound stays as it is
     media::AudioEncoding encoding;
 };
 
@@ -20,13 +24,14 @@ struct AudioCopy {
 /// carries, and one channel or two.
 media::AudioEncoding audioEncoding(const media::AudioTrack &track);
 
-/// Prepares the copy of a movie's first audio track, beginning at the given time of the movie (seconds). Nothing when
-/// there is no audio track or it cannot be decoded (then with a warning): the video is written without sound.
-std::optional<AudioCopy> prepareAudioCopy(const media::MovieFile &movie, double fromTime,
-                                          const ConversionControl &control);
+/// Prepares the copy of a movie's first audio track, beginning at the given time of the movie (seconds), its duration
+/// multiplied by `stretch`. Nothing when there is no audio track or it cannot be decoded (then with a warning): the
+/// video is written without sound.
+std::optional<AudioCopy> prepareAudioCopy(const media::MovieFile &movie, double fromTime, double stretch,
+                                          WarningList &warnings);
 
-/// The copy loop: reads the track to its end and appends it to the writer. It does not look at the cancel flag; a
-/// writer that was abandoned takes the rest without coding it. A reader that fails ends the sound with a warning.
-void copyAudio(AudioCopy &copy, media::MovieWriter &writer, const ConversionControl &control);
+/// The copy loop: reads the track to its end, or until the user cancels, and appends it to the writer. A reader that
+/// fails ends the sound with a warning.
+void copyAudio(AudioCopy &copy, media::MovieWriter &writer, const ConversionControl &control, WarningList &warnings);
 
 } // namespace lumetwin

@@ -4,18 +4,15 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
-#include <string>
 
 namespace lumetwin {
 
 /// What a running conversion looks at and reports to. Everything is called on the conversion's own threads.
 struct ConversionControl {
-    /// Polled before each frame.
+    /// Polled before each frame, and wherever a conversion would go on for long.
     const std::atomic<bool> *cancelRequested = nullptr;
     /// (current frame, total frames; 0 when the total is unknown). May be empty.
     std::function<void(std::int64_t, std::int64_t)> onFrameProgress;
-    /// A line for the log about something the user should know although the file was converted. May be empty.
-    std::function<void(const std::string &)> onWarning;
 
     bool cancelled() const { return cancelRequested && cancelRequested->load(std::memory_order_relaxed); }
 };

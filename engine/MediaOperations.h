@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "engine/Outcome.h"
 #include "model/ConversionSettings.h"
 #include "model/SystemVersion.h"
 
@@ -13,9 +14,10 @@ namespace lumetwin {
 /// What a batch does to its single files, as values: tests drive a batch without converting anything.
 struct MediaOperations {
     using Path = std::filesystem::path;
-    using VideoConverter = std::function<void(const ConversionSettings &, const Path &input, const Path &output,
-                                              const ConversionControl &, SystemVersion)>;
-    using PhotoConverter = std::function<void(const ConversionSettings &, const Path &input, const Path &output)>;
+    using VideoConverter = std::function<Outcome(const ConversionSettings &, const Path &input, const Path &output,
+                                                 const ConversionControl &, SystemVersion)>;
+    using PhotoConverter = std::function<Outcome(const ConversionSettings &, const Path &input, const Path &output,
+                                                 const ConversionControl &)>;
 
     std::function<bool(const Path &, SystemVersion)> isSpatialVideo;
     std::function<bool(const Path &)> isSpatialPhoto;

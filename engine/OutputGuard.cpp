@@ -28,13 +28,19 @@ std::filesystem::path placeOf(const std::filesystem::path &file) {
 
 } // namespace
 
-OutputGuard::OutputGuard(const std::vector<std::filesystem::path> &inputs) {
-    for (const std::filesystem::path &input : inputs) {
-        const std::string name = lastPathComponent(input);
-        namesByPlace_.emplace(placeOf(input), name);
-        if (const auto identity = identityOf(input))
-            namesByIdentity_.emplace(*identity, name);
+OutputGuard::OutputGuard(const std::vector<std::filesystem::path> &inputs, std::function<bool(std::size_t)> isConverted)
+    : inputs_(inputs), isConverted_(std::move(isConverted)) {
+    for (std::size_t index = 0; index < inputs_.size(); ++index) {
+        indexesByPlace_.emplace(placeOf(inputs_[index]), index);
+        if (const auto identity = identityOf(inputs_[index]))
+            indexesByIdentity_.emplace(*identity, index);
     }
+}
+
+void OutputGuard::refuse(const std::filesystem::path &input, std::size_t found) const {
+    if (inputs_[found] == input || isConverted_(found))
+        throw processorError(
+            formatted("error.output.is.input.format", lastPathComponent(input), lastPathComponent(inputs_[found])));
 }
 
 void OutputGuard::check(const std::filesystem::path &input, const std::filesystem::path &output) const {
@@ -44,15 +50,14 @@ void OutputGuard::check(const std::filesystem::path &input, const std::filesyste
         throw processorError(formatted("error.input.is.folder.format", lastPathComponent(input)));
     if (exists(kind) && !is_regular_file(kind)) // a pipe that nobody writes to would be waited for without end
         throw processorError(formatted("error.input.is.no.file.format", lastPathComponent(input)));
-    if (!std::filesystem::is_directory(output.parent_path(), ignored))
-        throw processorError(formatted("error.output.folder.missing.format", lastPathComponent(output.parent_path())));
-    const auto place = namesByPlace_.find(placeOf(output));
-    if (place != namesByPlace_.end())
-        throw processorError(formatted("error.output.is.input.format", lastPathComponent(input), place->second));
-    const auto identity = identityOf(output);
-    const auto found = identity ? namesByIdentity_.find(*identity) : namesByIdentity_.end();
-    if (found != namesByIdentity_.end())
-        throw processorError(formatted("error.output.is.input.format", lastPathComponent(input), found->second));
+    const auto [first, last] = indexesByPlace_.equal_range(placeOf(output));
+    for (auto entry = first; entry != last; ++entry)
+        refuse(input, entry->second);
+    if (const auto identity = identityOf(output)) {
+        const auto [begin, end] = indexesByIdentity_.equal_range(*identity);
+        for (auto entry = begin; entry != end; ++entry)
+            refuse(input, entry->second);
+    }
 }
 
 } // namespace lumetwin

@@ -107,13 +107,16 @@ void writePair(const ConversionSettings &settings, Eyes eyes, const media::Image
 
 } // namespace
 
-void convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
-                              const std::filesystem::path &output) {
+Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control) {
     const media::LargeBlockScope memory;
     media::StillImage source = opened(input);
     const media::ImageMetadata metadata{{}, source.metadata.exif, source.metadata.xmp};
     Eyes eyes = renderedEyes(settings, std::move(source), input);
+    if (control.cancelled())
+        return {};
     writePair(settings, std::move(eyes), metadata, std::filesystem::path(output).replace_extension("heic"));
+    return Outcome::ofPhoto({});
 }
 
 } // namespace lumetwin

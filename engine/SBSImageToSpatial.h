@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/ConversionControl.h"
+#include "engine/Outcome.h"
 #include "model/ConversionSettings.h"
 
 #include <filesystem>
@@ -9,7 +11,7 @@ namespace lumetwin {
 
 /// Converts a side-by-side image into a spatial photo; the output's extension becomes "heic". Throws SpatialPhotoError,
 /// ProcessorError or MediaError.
-void convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
-                              const std::filesystem::path &output);
+Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control = {});
 
 } // namespace lumetwin

@@ -2,6 +2,7 @@
 #include "engine/SBSVideoToSpatial.h"
 
 #include "engine/EyeExtraction.h"
+#include "engine/OutputPlace.h"
 #include "engine/StereoEncoderSettings.h"
 #include "engine/VideoConversion.h"
 
@@ -51,29 +52,30 @@ private:
 /// The frame loop of one file.
 class FrameLoop {
 public:
-    FrameLoop(EyeCutter cutter, const VideoTiming &timing, media::FrameReader &reader, media::MovieWriter &writer,
+    FrameLoop(EyeCutter cutter, const VideoSource &source, media::FrameReader &reader, media::MovieWriter &writer,
               const ConversionControl &control)
-        : cutter_(std::move(cutter)), timing_(timing), reader_(reader), writer_(writer), control_(control) {}
+        : cutter_(std::move(cutter)), timing_(source.timing), clock_(source.timing, source.info.track), reader_(reader),
+          writer_(writer), control_(control) {}
 
-    void run() {
+    FrameLoopResult run() {
         while (!control_.cancelled() && !writer_.failed()) {
             const std::optional<media::Frame> frame = reader_.next();
             if (!frame || frame->count == 0)
-                return;
+                break;
             const media::Picture &picture = frame->pictures[0].picture;
-            writer_.append(cutter_.left(picture), cutter_.right(picture), frameIndex_ * timing_.frameDuration,
-                           timing_.frameDuration);
+            const OutputClock::Moment moment = clock_.next(*frame);
+            writer_.append(cutter_.left(picture), cutter_.right(picture), moment.time, moment.duration);
             if (frameIndex_ % progressInterval == 0 && control_.onFrameProgress)
                 control_.onFrameProgress(frameIndex_, timing_.totalFrames);
             ++frameIndex_;
         }
+        return {frameIndex_, clock_.farthestFromSound()};
     }
-
-    std::int64_t written() const { return frameIndex_; }
 
 private:
     EyeCutter cutter_;
     VideoTiming timing_;
+    OutputClock clock_;
     media::FrameReader &reader_;
     media::MovieWriter &writer_;
     const ConversionControl &control_;
@@ -82,38 +84,32 @@ private:
 
 } // namespace
 
-void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
-                              const std::filesystem::path &output, const ConversionControl &control,
-                              SystemVersion system) {
-    media::MovieFile movie(input);
-    const VideoInfo info = loadVideoInfo(movie);
+Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control,
+                                 SystemVersion system) {
+    VideoSource source(settings, input, control);
+    const VideoInfo &info = source.info;
     const EyeSize eye = eyeSize(settings, info.width, info.height);
-    const VideoTiming timing = videoTiming(info);
-    media::FrameReader reader(movie, info.track, media::Views::base);
-    std::optional<AudioCopy> audio;
-    if (settings.copyAudio)
-        audio = prepareAudioCopy(movie, info.track.startTime, control);
+    media::FrameReader reader(source.movie, info.track, media::Views::base);
 
     std::filesystem::path file = output;
-    media::MovieWriter writer(file.replace_extension("mov"), media::Container::quickTime, movie.tags());
+    file.replace_extension("mov");
     media::MovieWriter::requireSize(file, eye.width, eye.height); // larger ones would overflow the settings' arithmetic
-    // The stream is as fast as its times say, which are whole units of the time scale.
-    const double frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
-    media::StereoVideoEncoding encoding =
-        stereoVideoEncoding(outputSettings(settings, eye, timing.rate, system), frameRate, info.track.colour);
+    media::StereoVideoEncoding encoding = stereoVideoEncoding(outputSettings(settings, eye, source.timing.rate, system),
+                                                              source.frameRate(), info.track.colour);
     encoding.pixelAspect = outputPixelAspect(settings, info);
-    writer.addVideo(encoding);
-    if (audio)
-        writer.addAudio(audio->encoding);
-    writer.start(videoTimeScale);
+    requireSpace(file, source.estimatedBytes(encoding.averageBitRate));
 
-    FrameLoop loop(EyeCutter(eyeExtraction(settings, eye, info.width, info.height), eye, info.track.colour), timing,
+    media::MovieWriter writer(file, media::Container::quickTime, source.movie.tags());
+    writer.addVideo(encoding);
+    if (source.audio)
+        writer.addAudio(source.audio->encoding);
+    writer.start(source.timing.timeScale);
+
+    FrameLoop loop(EyeCutter(eyeExtraction(settings, eye, info.width, info.height), eye, info.track.colour), source,
                    reader, writer, control);
-    runVideoConversion(control, writer, audio, "spatial.video", "spatial.audio", [&] {
-        loop.run();
-        if (!writer.failed())
-            checkWrittenFrames(movie, info, reader, loop.written(), control);
-    });
+    return runVideoConversion(source, reader, writer, {"spatial.video", "spatial.audio"}, control,
+                              [&] { return loop.run(); });
 }
 
 } // namespace lumetwin

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "engine/Outcome.h"
 #include "model/ConversionSettings.h"
 #include "model/SystemVersion.h"
 
@@ -11,8 +12,8 @@ namespace lumetwin {
 
 /// Converts a side-by-side video into a spatial movie; the output's extension becomes "mov". Blocks until the file is
 /// written or abandoned. Returns normally when the user cancelled. Throws ProcessorError or MediaError.
-void convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
-                              const std::filesystem::path &output, const ConversionControl &control,
-                              SystemVersion system = SystemVersion::current());
+Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control,
+                                 SystemVersion system = SystemVersion::current());
 
 } // namespace lumetwin

@@ -147,11 +147,15 @@ void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKi
 
 } // namespace
 
-void convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
-                              const std::filesystem::path &output) {
+Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control) {
     const StereoPair pair = readStereoPair(input);
     const ImageKind kind = kindOf(output);
-    writeSBSImage(settings, composedImage(settings, input, pair, kind), kind, output);
+    StillImage image = composedImage(settings, input, pair, kind);
+    if (control.cancelled())
+        return {};
+    writeSBSImage(settings, std::move(image), kind, output);
+    return Outcome::ofPhoto({});
 }
 
 } // namespace lumetwin

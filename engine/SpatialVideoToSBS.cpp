@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/SpatialVideoToSBS.h"
 
+#include "engine/OutputPlace.h"
 #include "engine/SBSComposition.h"
 #include "engine/SBSGeometry.h"
 #include "engine/VideoConversion.h"
@@ -55,36 +56,37 @@ int pixels(std::int64_t size) {
 /// The frame loop of one file.
 class FrameLoop {
 public:
-    FrameLoop(const ConversionSettings &settings, const SBSGeometry &geometry, const VideoTiming &timing,
-              const media::ColourTags &colour, media::FrameReader &reader, media::MovieWriter &writer,
-              const ConversionControl &control)
-        : swap_(settings.swapLeftRight), timing_(timing), reader_(reader), writer_(writer), control_(control),
-          composition_(geometry), pool_(pixels(geometry.outW), pixels(geometry.outH), media::yuv420, colour) {}
+    FrameLoop(const ConversionSettings &settings, const SBSGeometry &geometry, const VideoSource &source,
+              media::FrameReader &reader, media::MovieWriter &writer, const ConversionControl &control)
+        : swap_(settings.swapLeftRight), timing_(source.timing), clock_(source.timing, source.info.track),
+          reader_(reader), writer_(writer), control_(control), composition_(geometry),
+          pool_(pixels(geometry.outW), pixels(geometry.outH), media::yuv420, source.info.track.colour) {}
 
-    void run() {
+    FrameLoopResult run() {
         while (!control_.cancelled() && !writer_.failed()) {
             const std::optional<media::Frame> frame = reader_.next();
             if (!frame)
-                return;
+                break;
             if (frameCounter_ % 8 == 0 && control_.onFrameProgress)
                 control_.onFrameProgress(frameCounter_, timing_.totalFrames);
             if (const std::optional<Views> views = viewsOf(*frame))
-                write(*views);
+                write(*views, *frame);
         }
+        return {frameCounter_, clock_.farthestFromSound()};
     }
 
-    std::int64_t written() const { return frameCounter_; }
-
 private:
-    void write(const Views &views) {
+    void write(const Views &views, const media::Frame &frame) {
         media::Picture canvas = pool_.take();
         composition_.compose(swap_ ? views.right : views.left, swap_ ? views.left : views.right, canvas);
-        writer_.append(canvas, frameCounter_ * timing_.frameDuration, timing_.frameDuration);
+        const OutputClock::Moment moment = clock_.next(frame);
+        writer_.append(canvas, moment.time, moment.duration);
         ++frameCounter_;
     }
 
     bool swap_;
     VideoTiming timing_;
+    OutputClock clock_;
     media::FrameReader &reader_;
     media::MovieWriter &writer_;
     const ConversionControl &control_;
@@ -95,42 +97,36 @@ private:
 
 } // namespace
 
-void convertSpatialVideoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
-                              const std::filesystem::path &output, const ConversionControl &control,
-                              SystemVersion system) {
-    media::MovieFile movie(input);
-    const VideoInfo info = loadVideoInfo(movie);
-    const VideoTiming timing = videoTiming(info);
+Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control,
+                                 SystemVersion system) {
+    VideoSource source(settings, input, control);
+    const VideoInfo &info = source.info;
     if (settings.enableResize) // twice the width of an eye might overflow
         media::MovieWriter::requireSize(output, settings.resizeWidth, settings.resizeHeight);
     const SBSGeometry geometry = sbsGeometry(settings, info.width, info.height);
-    media::FrameReader reader(movie, info.track, system >= bothViews ? media::Views::all : media::Views::base);
-    std::optional<AudioCopy> audio;
-    if (settings.copyAudio)
-        audio = prepareAudioCopy(movie, info.track.startTime, control);
+    media::FrameReader reader(source.movie, info.track, system >= bothViews ? media::Views::all : media::Views::base);
 
-    media::MovieWriter writer(output, containerOf(settings.sbsOutputFormat), movie.tags());
-    if (audio)
-        writer.addAudio(audio->encoding);
     media::VideoEncoding encoding;
     encoding.codec = codecOf(settings.sbsOutputFormat);
     encoding.width = pixels(geometry.outW);
     encoding.height = pixels(geometry.outH);
     encoding.averageBitRate =
-        averageBitRate(timing.rate, static_cast<double>(geometry.outW) * static_cast<double>(geometry.outH),
+        averageBitRate(source.timing.rate, static_cast<double>(geometry.outW) * static_cast<double>(geometry.outH),
                        settings.compressionQuality);
-    encoding.frameRate = static_cast<double>(videoTimeScale) / static_cast<double>(timing.frameDuration);
+    encoding.frameRate = source.frameRate();
     encoding.colour = info.track.colour;
     encoding.pixelAspect = outputPixelAspect(settings, info);
-    writer.addVideo(encoding);
-    writer.start(videoTimeScale);
+    requireSpace(output, source.estimatedBytes(encoding.averageBitRate));
 
-    FrameLoop loop(settings, geometry, timing, info.track.colour, reader, writer, control);
-    runVideoConversion(control, writer, audio, "sbs.video", "sbs.audio", [&] {
-        loop.run();
-        if (!writer.failed())
-            checkWrittenFrames(movie, info, reader, loop.written(), control);
-    });
+    media::MovieWriter writer(output, containerOf(settings.sbsOutputFormat), source.movie.tags());
+    if (source.audio)
+        writer.addAudio(source.audio->encoding);
+    writer.addVideo(encoding);
+    writer.start(source.timing.timeScale);
+
+    FrameLoop loop(settings, geometry, source, reader, writer, control);
+    return runVideoConversion(source, reader, writer, {"sbs.video", "sbs.audio"}, control, [&] { return loop.run(); });
 }
 
 } // namespace lumetwin

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "engine/Outcome.h"
 #include "model/ConversionSettings.h"
 #include "model/SystemVersion.h"
 
@@ -11,8 +12,8 @@ namespace lumetwin {
 
 /// Converts a spatial video into a side-by-side video at the output URL. Blocks until the file is written or
 /// abandoned. Returns normally when the user cancelled. Throws ProcessorError or MediaError.
-void convertSpatialVideoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
-                              const std::filesystem::path &output, const ConversionControl &control,
-                              SystemVersion system = SystemVersion::current());
+Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control,
+                                 SystemVersion system = SystemVersion::current());
 
 } // namespace lumetwin

@@ -4,6 +4,7 @@
 #include "media/MediaError.h"
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <thread>
 
@@ -13,7 +14,9 @@ namespace lumetwin {
 
 namespace {
 
-constexpr double fallbackRate = 30;
+constexpr int outputDepth = 8;            // bits a sample
+constexpr double tellableSpeed = 0.5;     // percent
+constexpr double tellableDistance = 0.06; // seconds
 constexpr double bitsPerPixel = 0.15;
 constexpr std::int64_t smallestBitRate = 1'000'000;
 constexpr double largestBitRate = 9e18; // what a 64-bit integer holds
@@ -48,21 +51,36 @@ private:
     std::thread thread_;
 };
 
+void addNotes(VideoSource &source, bool copiesSound) {
+    const media::OtherContents others = source.movie.otherContents();
+    const auto note = [&](WarningKind kind, int count) {
+        if (count > 0)
+            source.warnings.add(kind, {std::int64_t{count}});
+    };
+    if (copiesSound)
+        note(WarningKind::soundTracksLeft, others.audioTracks);
+    note(WarningKind::subtitlesLeft, others.subtitleTracks);
+    note(WarningKind::chaptersLeft, others.chapters);
+    note(WarningKind::rotationLeft, source.info.track.rotation);
+    if (source.info.track.format.depth > outputDepth)
+        note(WarningKind::depthReduced, source.info.track.format.depth);
+}
+
+/// What is known once all frames are written.
+void addWarnings(VideoSource &source, const media::FrameReader &reader, const FrameLoopResult &result) {
+    if (reader.damaged())
+        source.warnings.add(WarningKind::framesMissing, {result.written, source.expectedFrames()});
+    const double percent = (1 / source.timing.stretch - 1) * 100;
+    if (std::abs(percent) > tellableSpeed)
+        source.warnings.add(WarningKind::speedChanged, {percent});
+    if (source.audio && result.farthestFromSound > tellableDistance)
+        source.warnings.add(WarningKind::soundAway, {result.farthestFromSound});
+}
+
 } // namespace
 
 media::PixelAspect outputPixelAspect(const ConversionSettings &settings, const VideoInfo &info) {
     return settings.enableResize ? media::PixelAspect{} : info.track.pixelAspect;
-}
-
-VideoTiming videoTiming(const VideoInfo &info) {
-    VideoTiming timing;
-    timing.rate = info.fps > 0 ? static_cast<double>(info.fps) : fallbackRate;
-    timing.frameDuration = static_cast<std::int64_t>(videoTimeScale / timing.rate);
-    // Rates above the time scale would not advance at all.
-    timing.frameDuration = std::max<std::int64_t>(timing.frameDuration, 1);
-    const double total = info.duration * static_cast<double>(info.fps);
-    timing.totalFrames = info.fps > 0 && total > 0 && total < 9e18 ? static_cast<std::int64_t>(total) : 0;
-    return timing;
 }
 
 std::int64_t averageBitRate(double first, double second, double quality) {
@@ -70,11 +88,37 @@ std::int64_t averageBitRate(double first, double second, double quality) {
     return rate > smallestBitRate ? static_cast<std::int64_t>(std::min(rate, largestBitRate)) : smallestBitRate;
 }
 
-void runVideoConversion(const ConversionControl &control, media::MovieWriter &writer, std::optional<AudioCopy> &audio,
-                        const char *videoQueue, const char *audioQueue, const std::function<void()> &frameLoop) {
-    NamedThread video(videoQueue, [&] {
+VideoSource::VideoSource(const ConversionSettings &settings, const std::filesystem::path &input,
+                         const ConversionControl &control)
+    : movie(input, [&] { return control.cancelled(); }), info(loadVideoInfo(movie)),
+      timing(videoTiming(info, settings.keepTiming, settings.copyAudio ? movie.audioTrack() : std::nullopt)) {
+    if (settings.copyAudio)
+        audio = prepareAudioCopy(movie, timing.begin, timing.stretch, warnings);
+    addNotes(*this, settings.copyAudio);
+}
+
+std::int64_t VideoSource::expectedFrames() const {
+    return info.track.frameCount > 0 ? info.track.frameCount : timing.totalFrames;
+}
+
+double VideoSource::estimatedBytes(std::int64_t videoBitRate) const {
+    const double soundBitRate = audio ? static_cast<double>(audio->encoding.bitRate) : 0;
+    return (static_cast<double>(videoBitRate) + soundBitRate) * info.duration * timing.stretch / 8;
+}
+
+double VideoSource::frameRate() const {
+    return timing.keepsTimes ? info.track.pace.rate.value() : timing.framesPerSecond();
+}
+
+Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, media::MovieWriter &writer,
+                           const ThreadNames &names, const ConversionControl &control,
+                           const std::function<FrameLoopResult()> &frameLoop) {
+    FrameLoopResult result;
+    NamedThread video(names.video, [&] {
         try {
-            frameLoop();
+            result = frameLoop();
+            if (!writer.failed() && !control.cancelled() && result.written == 0)
+                throw media::MediaError(source.movie.path(), "Cannot decode", 0, "not one frame could be read");
         } catch (...) {
             writer.abandon();
             writer.finishVideo();
@@ -84,29 +128,17 @@ void runVideoConversion(const ConversionControl &control, media::MovieWriter &wr
             writer.abandon();
         writer.finishVideo();
     });
-    if (audio)
-        NamedThread(audioQueue, [&] { copyAudio(*audio, writer, control); }).wait();
+    if (source.audio)
+        NamedThread(names.audio, [&] { copyAudio(*source.audio, writer, control, source.warnings); }).wait();
     if (const std::exception_ptr failure = video.wait()) {
         writer.cancel();
         std::rethrow_exception(failure);
     }
-    if (control.cancelled())
-        writer.cancel();
-    else
-        writer.finish();
-}
-
-void checkWrittenFrames(const media::MovieFile &movie, const VideoInfo &info, const media::FrameReader &reader,
-                        std::int64_t written, const ConversionControl &control) {
-    if (control.cancelled())
-        return;
-    if (written == 0)
-        throw media::MediaError(movie.path(), "Cannot decode", 0, "not one frame could be read");
-    if (!reader.damaged() || !control.onWarning)
-        return;
-    const std::int64_t expected = info.track.frameCount > 0 ? info.track.frameCount : videoTiming(info).totalFrames;
-    control.onWarning("the data is damaged or ends early: " + std::to_string(written) + " frames written, " +
-                      std::to_string(expected) + " expected");
+    Outcome outcome{writer.finish([&] { return control.cancelled(); }), result.written, source.expectedFrames(), {}};
+    if (outcome.written)
+        addWarnings(source, reader, result);
+    outcome.warnings = source.warnings.take();
+    return outcome;
 }
 
 } // namespace lumetwin

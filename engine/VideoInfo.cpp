@@ -10,7 +10,7 @@ VideoInfo videoInfo(const media::VideoTrack &track, double duration) {
     info.track = track;
     info.width = static_cast<std::int64_t>(track.naturalWidth);
     info.height = static_cast<std::int64_t>(track.naturalHeight);
-    info.fps = track.nominalFrameRate;
+    info.fps = static_cast<float>(track.pace.rate.value());
     info.duration = duration;
     return info;
 }

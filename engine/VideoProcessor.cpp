@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/VideoProcessor.h"
 
+#include "engine/BatchFiles.h"
 #include "engine/FileNames.h"
 #include "engine/InputList.h"
 #include "engine/MediaKinds.h"
 #include "engine/OutputGuard.h"
-#include "engine/OutputNaming.h"
+#include "engine/OutputPlace.h"
 #include "engine/ProcessorError.h"
 #include "engine/Texts.h"
+#include "engine/UpToDate.h"
+#include "engine/WarningTexts.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <optional>
@@ -24,11 +29,15 @@ constexpr SystemVersion spatialVideoWriting{14, 4, 0};
 
 using Path = std::filesystem::path;
 
-/// Tells whether a file was written in between: a converter that is cancelled leaves what was there.
-std::optional<std::filesystem::file_time_type> timeOf(const Path &file) {
-    std::error_code error;
-    const auto time = std::filesystem::last_write_time(file, error);
-    return error ? std::nullopt : std::optional(time);
+bool hasWarning(const std::vector<Warning> &warnings) {
+    return std::ranges::any_of(warnings, [](const Warning &warning) { return !isNote(warning.kind); });
+}
+
+std::vector<Path> inputsOf(const BatchFiles &files) {
+    std::vector<Path> inputs;
+    for (std::size_t index = 0; index < files.count(); ++index)
+        inputs.push_back(files.input(index));
+    return inputs;
 }
 
 void printLine(const std::string &line) {
@@ -70,103 +79,147 @@ void VideoProcessor::processAll() {
 VideoProcessor::Ending VideoProcessor::run() {
     if (!settings->outputFolderURL || (!settings->inputFiles && !settings->inputFolderURL))
         return {false, text("error.no.folder")};
-    std::vector<Path> files;
+    std::vector<ListedFile> files;
     try {
-        files = mediaFiles(settings->inputFiles ? *settings->inputFiles : visibleChildren(*settings->inputFolderURL));
+        files = listedFiles();
     } catch (const std::system_error &error) {
         return {false, formatted("error.read.input.folder", error.code().message())};
     }
     if (files.empty())
         return {false, text("error.no.media.files")};
-    sortByName(files);
-    return convertFiles(files);
+    const BatchFiles batch(*settings, files, [this](const Path &file) {
+        return isPhotoFile(file) ? isSpatialPhoto(file) : isSpatialVideo(file);
+    });
+    return convertFiles(batch);
 }
 
-VideoProcessor::Ending VideoProcessor::convertFiles(const std::vector<Path> &files) {
-    const OutputGuard guard(files);
-    const auto total = static_cast<std::int64_t>(files.size());
-    std::int64_t successCount = 0;
-    std::int64_t failCount = 0;
-    for (std::int64_t index = 0; index < total && !cancelRequested; ++index) {
-        const Path &file = files[static_cast<std::size_t>(index)];
-        call(onProgress, index, total, lastPathComponent(file));
-        switch (handle(file, guard)) {
-        case Outcome::converted:
-            ++successCount;
-            break;
-        case Outcome::failed:
-            ++failCount;
-            break;
-        case Outcome::skipped:
-            break;
+std::vector<ListedFile> VideoProcessor::listedFiles() const {
+    if (settings->inputFiles)
+        return mediaFiles(*settings->inputFiles);
+    if (settings->recursive)
+        return mediaTree(*settings->inputFolderURL, *settings->outputFolderURL);
+    return mediaFiles(visibleChildren(*settings->inputFolderURL));
+}
+
+VideoProcessor::Ending VideoProcessor::convertFiles(const BatchFiles &files) {
+    const OutputGuard guard(inputsOf(files), [&](std::size_t index) { return files.suits(index); });
+    results_.resize(files.count());
+    for (std::size_t index = 0; index < files.count(); ++index)
+        results_[index].input = files.input(index);
+    const auto total = static_cast<std::int64_t>(files.count());
+    for (std::size_t index = 0; index < files.count(); ++index) {
+        if (!cancelRequested) {
+            call(onProgress, static_cast<std::int64_t>(index), total, files.name(index));
+            handle(files, index, guard);
         }
+        call(onResult, results_[index]);
     }
+    return ending();
+}
+
+VideoProcessor::Ending VideoProcessor::ending() const {
     if (cancelRequested)
         return {false, text("status.cancelled")};
-    return {failCount == 0, formatted("status.complete", successCount, failCount)};
+    const std::int64_t converted = std::ranges::count_if(results_, &FileResult::wasConverted);
+    const std::int64_t failed = std::ranges::count(results_, FileState::failed, &FileResult::state);
+    return {failed == 0, formatted("status.complete", converted, failed)};
 }
 
-VideoProcessor::Outcome VideoProcessor::handle(const Path &file, const OutputGuard &guard) {
-    if (isUnsuited(file))
-        return Outcome::skipped;
-    const std::string name = lastPathComponent(file);
+void VideoProcessor::handle(const BatchFiles &files, std::size_t index, const OutputGuard &guard) {
+    FileResult &result = results_[index];
+    if (isSkipped(files, index, result))
+        return;
+    const auto began = std::chrono::steady_clock::now();
     try {
-        convert(file, guard);
-        return Outcome::converted;
+        convert(files, index, guard, result);
     } catch (const std::exception &error) {
-        log("[VP] ❌ " + name + ": " + errorText(error));
-        call(onFailure, name, errorMessage(error));
+        fail(result, errorText(error), errorMessage(error));
     } catch (...) {
-        log("[VP] ❌ " + name + ": unknown error");
-        call(onFailure, name, std::string("unknown error"));
+        fail(result, "unknown error", "unknown error");
     }
-    return Outcome::failed;
+    result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
 }
 
-bool VideoProcessor::isUnsuited(const Path &file) {
-    const bool isPhoto = isPhotoFile(file);
-    const bool wantsSpatial = settings->direction == ConversionDirection::spatialToSBS;
-    const bool isSpatial = isPhoto ? isSpatialPhoto(file) : isSpatialVideo(file);
-    if (isSpatial == wantsSpatial)
+bool VideoProcessor::isSkipped(const BatchFiles &files, std::size_t index, FileResult &result) {
+    const Path &output = files.output(index);
+    if (!files.suits(index)) {
+        const bool isSpatial = files.isSpatial(index);
+        const char *kind = isPhotoFile(result.input) ? " photo" : isSpatial ? " video" : "";
+        skip(result, FileState::skipped, text(isSpatial ? "status.skipped.spatial" : "status.skipped.not.spatial"),
+             std::string(isSpatial ? "spatial" : "not spatial") + kind);
+    } else if (settings->skipExisting && files.rivals(index).empty() && isUpToDate(result.input, output)) {
+        // Of two files whose results have one name, nobody knows which one the result is of.
+        result.output = output;
+        skip(result, FileState::upToDate, text("status.up.to.date"), "up to date");
+    } else if (!settledOutput(output, settings->onExisting)) {
+        skip(result, FileState::skipped, formatted("status.skipped.exists.format", lastPathComponent(output)),
+             "its result exists");
+    } else {
         return false;
-    const std::string name = lastPathComponent(file);
-    const char *kind = isPhoto ? " photo" : isSpatial ? " video" : "";
-    log(std::string("[VP] ⏭ skip (") + (isSpatial ? "spatial" : "not spatial") + kind + ") " + name);
-    call(onSkip, name, text(isSpatial ? "status.skipped.spatial" : "status.skipped.not.spatial"));
+    }
     return true;
 }
 
-void VideoProcessor::convert(const Path &file, const OutputGuard &guard) {
-    const Path output = *settings->outputFolderURL / outputName(file, *settings);
-    guard.check(file, output);
-    const auto before = timeOf(output);
-    if (isPhotoFile(file))
-        convertPhoto(file, output);
-    else
-        convertVideo(file, output);
-    if (!cancelRequested || timeOf(output) != before)
-        call(onConverted, lastPathComponent(file), output);
+void VideoProcessor::skip(FileResult &result, FileState state, const std::string &reason, const std::string &logged) {
+    const std::string name = lastPathComponent(result.input);
+    result.state = state;
+    result.reason = reason;
+    log("[VP] ⏭ skip (" + logged + ") " + name);
+    call(onSkip, name, reason);
 }
 
-void VideoProcessor::convertPhoto(const Path &input, const Path &output) {
+void VideoProcessor::fail(FileResult &result, const std::string &logged, const std::string &message) {
+    const std::string name = lastPathComponent(result.input);
+    result.state = FileState::failed;
+    result.reason = message;
+    log("[VP] ❌ " + name + ": " + logged);
+    call(onFailure, name, message);
+}
+
+void VideoProcessor::convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result) {
+    const Path output = settledOutput(files.output(index), settings->onExisting).value();
+    guard.check(result.input, output);
+    preparePlace(output, *settings->outputFolderURL);
+    Outcome outcome =
+        isPhotoFile(result.input) ? convertPhoto(result.input, output) : convertVideo(result.input, output);
+    result.framesWritten = outcome.framesWritten;
+    result.framesExpected = outcome.framesExpected;
+    result.warnings = std::move(outcome.warnings);
+    if (!outcome.written) {
+        result.state = FileState::cancelled;
+        return;
+    }
+    if (settings->onExisting == OnExisting::replace)
+        for (const std::size_t rival : files.rivals(index))
+            result.warnings.push_back({WarningKind::sameOutputName, {files.name(rival)}});
+    result.output = output;
+    std::error_code ignored;
+    result.bytes = std::filesystem::file_size(output, ignored);
+    tell(result);
+}
+
+void VideoProcessor::tell(FileResult &result) {
+    result.state = hasWarning(result.warnings) ? FileState::convertedWithWarnings : FileState::converted;
+    const std::string name = lastPathComponent(result.input);
+    for (const Warning &warning : result.warnings)
+        log("[VP] " + std::string(isNote(warning.kind) ? "ℹ️ " : "⚠️ ") + name + ": " + warningText(warning));
+    call(onConverted, name, result.output);
+}
+
+Outcome VideoProcessor::convertPhoto(const Path &input, const Path &output) {
+    const ConversionControl control{.cancelRequested = &cancelRequested, .onFrameProgress = {}};
     if (settings->direction == ConversionDirection::spatialToSBS)
-        operations_.convertSpatialPhotoToSBS(*settings, input, output);
-    else
-        operations_.convertSBSImageToSpatial(*settings, input, output);
+        return operations_.convertSpatialPhotoToSBS(*settings, input, output, control);
+    return operations_.convertSBSImageToSpatial(*settings, input, output, control);
 }
 
-void VideoProcessor::convertVideo(const Path &input, const Path &output) {
-    const std::string name = lastPathComponent(input);
-    const ConversionControl control{
-        .cancelRequested = &cancelRequested,
-        .onFrameProgress = onFrameProgress,
-        .onWarning = [&](const std::string &warning) { log("[VP] ⚠️ " + name + ": " + warning); },
-    };
+Outcome VideoProcessor::convertVideo(const Path &input, const Path &output) {
+    const ConversionControl control{.cancelRequested = &cancelRequested, .onFrameProgress = onFrameProgress};
     if (settings->direction == ConversionDirection::spatialToSBS)
         return operations_.convertSpatialVideoToSBS(*settings, input, output, control, system_);
     if (system_ < spatialVideoWriting)
         throw processorError(text("error.macos14.required"));
-    operations_.convertSBSVideoToSpatial(*settings, input, output, control, system_);
+    return operations_.convertSBSVideoToSpatial(*settings, input, output, control, system_);
 }
 
 } // namespace lumetwin

@@ -3,6 +3,7 @@
 
 #include "engine/MediaOperations.h"
 #include "model/ConversionSettings.h"
+#include "model/FileResult.h"
 #include "model/SystemVersion.h"
 
 #include <atomic>
@@ -16,7 +17,9 @@
 
 namespace lumetwin {
 
+class BatchFiles;
 class OutputGuard;
+struct ListedFile;
 
 /// Converts one batch: lists, sorts, skips what does not suit the direction, converts the rest one after another, and
 /// reports. One processor serves one run. A bad file never stops the batch; only cancelRequested does.
@@ -31,7 +34,7 @@ public:
     std::atomic<bool> cancelRequested{false};
 
     // Callbacks; those left empty are not called, none may throw. They are called on the thread of processAll,
-    // except that onFrameProgress, and onLog with warnings, come from a conversion's own threads (one at a time).
+    // except that onFrameProgress comes from a conversion's own thread.
     // File names are the file system's own: they may hold control characters or bytes that are no UTF-8.
 
     /// Starting file index (from 0) of total, also for files that are then skipped.
@@ -40,6 +43,8 @@ public:
     std::function<void(const std::string &fileName, const std::string &reason)> onSkip;
     /// The end of the run, exactly once for each call of processAll.
     std::function<void(bool success, const std::string &message)> onComplete;
+    /// What became of a file, once that is final: one call for each file of the run.
+    std::function<void(const FileResult &result)> onResult;
     /// A file whose conversion failed, with the error's message (also logged).
     std::function<void(const std::string &fileName, const std::string &message)> onFailure;
     /// A file that was converted.
@@ -50,31 +55,40 @@ public:
     /// Runs the whole batch on the calling thread and returns when it is over. Never throws.
     void processAll();
 
+    /// The files of the run in its order, with what became of them. Complete when processAll has returned.
+    const std::vector<FileResult> &results() const { return results_; }
+
     bool isSpatialPhoto(const std::filesystem::path &file) const noexcept;
     bool isSpatialVideo(const std::filesystem::path &file) const noexcept;
 
     /// Converts one video in the direction of the settings. Throws the converter's error.
-    void convertVideo(const std::filesystem::path &input, const std::filesystem::path &output);
+    Outcome convertVideo(const std::filesystem::path &input, const std::filesystem::path &output);
     /// Converts one photo in the direction of the settings. Throws the converter's error.
-    void convertPhoto(const std::filesystem::path &input, const std::filesystem::path &output);
+    Outcome convertPhoto(const std::filesystem::path &input, const std::filesystem::path &output);
 
 private:
-    enum class Outcome { converted, skipped, failed };
     struct Ending {
         bool success = false;
         std::string message;
     };
 
     Ending run();
-    Ending convertFiles(const std::vector<std::filesystem::path> &files);
-    Outcome handle(const std::filesystem::path &file, const OutputGuard &guard);
-    /// Whether the file does not suit the direction; says so in the log and to onSkip.
-    bool isUnsuited(const std::filesystem::path &file);
-    void convert(const std::filesystem::path &file, const OutputGuard &guard);
+    std::vector<ListedFile> listedFiles() const;
+    Ending convertFiles(const BatchFiles &files);
+    Ending ending() const;
+    /// Works one file off and fills in its result.
+    void handle(const BatchFiles &files, std::size_t index, const OutputGuard &guard);
+    /// Whether the file is passed over, by its direction or by what lies at its output's place; then says why.
+    bool isSkipped(const BatchFiles &files, std::size_t index, FileResult &result);
+    void skip(FileResult &result, FileState state, const std::string &reason, const std::string &logged);
+    void convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result);
+    void fail(FileResult &result, const std::string &logged, const std::string &message);
+    void tell(FileResult &result);
     void log(const std::string &line);
 
     SystemVersion system_;
     MediaOperations operations_;
+    std::vector<FileResult> results_;
     std::mutex logMutex_;
 };
 

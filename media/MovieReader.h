@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/AudioBlock.h"
+#include "media/FrameTimes.h"
 #include "media/MovieTags.h"
 #include "media/Picture.h"
 #include "media/PixelAspect.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -19,9 +22,12 @@ struct VideoTrack {
     double naturalWidth = 0; ///< pixels as stored: no rotation applied
     double naturalHeight = 0;
     PixelAspect pixelAspect;
-    float nominalFrameRate = 0;  ///< frames per second, 0 when unknown
-    std::int64_t frameCount = 0; ///< as the container states it, 0 when it does not
+    FramePace pace;              ///< rate 0 when unknown
+    std::int64_t frameCount = 0; ///< frames that are shown, 0 when unknown
+    bool hasTimes = true;        ///< raw streams have none
+    Fraction tick;               ///< unit of the frames' times, seconds
     double startTime = 0;        ///< presentation time of the first frame, seconds
+    int rotation = 0;            ///< degrees, clockwise, that the frames are to be turned by: 0 to 359
     PictureFormat format;
     ColourTags colour;
 };
@@ -31,19 +37,29 @@ struct AudioTrack {
     int index = 0;
     double sampleRate = 0;
     int channels = 0;
+    double startTime = 0; ///< seconds
+};
+
+/// What a movie holds beside its first video and its first audio track.
+struct OtherContents {
+    int audioTracks = 0;
+    int subtitleTracks = 0;
+    int chapters = 0;
 };
 
 /// A movie that has been opened and whose headers have been read. What it tells stays the same, also while a frame
 /// reader reads on.
 class MovieFile {
 public:
-    /// Throws MediaError when the file cannot be opened or is no movie.
-    explicit MovieFile(const std::filesystem::path &file);
+    /// Reads the headers, and the whole file where they do not list the frames; that ends early, with fewer frames,
+    /// once `cancelled` says so. Throws MediaError when the file cannot be opened or is no movie.
+    explicit MovieFile(const std::filesystem::path &file, const std::function<bool()> &cancelled = {});
     ~MovieFile();
 
     const std::filesystem::path &path() const;
     std::optional<VideoTrack> videoTrack() const;
     std::optional<AudioTrack> audioTrack() const;
+    OtherContents otherContents() const;
     double duration() const; ///< seconds
     MovieTags tags() const;
 
@@ -65,6 +81,8 @@ struct TaggedPicture {
 struct Frame {
     std::array<TaggedPicture, 2> pictures;
     int count = 0;
+    std::optional<std::int64_t> time; ///< when it is shown, in the track's ticks; nothing where the track has no times
+    std::int64_t duration = 0;        ///< in ticks, 0 when unknown
     std::span<const TaggedPicture> views() const { return {pictures.data(), static_cast<std::size_t>(count)}; }
 };
 
@@ -86,12 +104,6 @@ public:
 private:
     struct State;
     std::unique_ptr<State> state_;
-};
-
-/// Interleaved signed 16-bit samples; count is in samples a channel.
-struct AudioBlock {
-    std::shared_ptr<const std::int16_t[]> samples;
-    int count = 0;
 };
 
 /// The sample rate that AAC carries (ISO/IEC 14496-3, table 1.18) for a source of the given rate: its own, else the

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 namespace lumetwin::media {
@@ -71,7 +72,8 @@ public:
     /// Times of video are in units of 1/timeScale second.
     void start(int timeScale);
 
-    /// A failure is kept and thrown by finish(); after one, and after abandon(), these do nothing.
+    /// A failure is kept and thrown by finish(); after one, and after abandon(), these do nothing. Each picture is
+    /// later than the one before; the duration counts for the last one.
     void append(const Picture &picture, std::int64_t time, std::int64_t duration);
     void append(const Picture &left, const Picture &right, std::int64_t time, std::int64_t duration);
     void append(const AudioBlock &block);
@@ -83,8 +85,9 @@ public:
     /// Nothing that is still appended will be kept: the run is being cancelled. Any thread.
     void abandon();
 
-    /// Completes the file. Throws the first failure of this writer.
-    void finish();
+    /// Completes the file. Throws the first failure of this writer. Where `cancelled` says so before it is complete, it
+    /// ends without a file, like cancel(), and returns false.
+    bool finish(const std::function<bool()> &cancelled = {});
     /// Ends without a file. Throws a failure that had happened before.
     void cancel();
 

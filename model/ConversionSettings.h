@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/ConversionDirection.h"
+#include "model/OnExisting.h"
 #include "model/ResizeMode.h"
 #include "model/SBSOutputFormat.h"
 #include "model/SBSPhotoOutputFormat.h"
@@ -38,7 +39,11 @@ public:
     std::int64_t resizeWidth = 1920;  ///< pixels of one eye
     std::int64_t resizeHeight = 1080; ///< pixels of one eye
     ResizeMode resizeMode = ResizeMode::letterbox;
-    bool copyAudio = true; ///< carry the source's audio track
+    bool copyAudio = true;     ///< carry the source's audio track
+    bool keepTiming = false;   ///< each frame at its own time, instead of a constant rate in 1/600 s
+    bool recursive = false;    ///< take the folders below the input folder, too, and keep their tree
+    bool skipExisting = false; ///< leave alone what an earlier run finished from the same source
+    OnExisting onExisting = OnExisting::replace;
 };
 
 } // namespace lumetwin

@@ -216,6 +216,8 @@ struct FrameReader::State {
     /// Joins the second view to the first of the same time; hands on what is complete.
     bool take(ffmpeg::FramePointer decoded) {
         const std::int64_t time = decoded->pts;
+        const std::int64_t duration = decoded->duration;
+        const std::int64_t shown = time != AV_NOPTS_VALUE ? time : decoded->best_effort_timestamp;
         const int view = viewId(*decoded);
         TaggedPicture tagged;
         tagged.view = viewOrConvention(*decoded, bothViews);
@@ -229,6 +231,9 @@ struct FrameReader::State {
         pending.emplace();
         pending->pictures[0] = std::move(tagged);
         pending->count = 1;
+        if (shown != AV_NOPTS_VALUE)
+            pending->time = shown;
+        pending->duration = duration;
         pendingTime = time;
         pendingView = view;
         return wanted;

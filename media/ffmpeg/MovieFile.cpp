@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ffmpeg/FrameScan.h"
 #include "media/ffmpeg/MovieFileState.h"
 #include "media/ffmpeg/Pictures.h"
 
 extern "C" {
+#include <libavutil/display.h>
 #include <libavutil/intreadwrite.h>
 }
+
+#include <algorithm>
 
 #include <cmath>
 
@@ -39,9 +43,34 @@ double seconds(std::int64_t time, AVRational base) {
     return time == AV_NOPTS_VALUE ? 0 : static_cast<double>(time) * av_q2d(base);
 }
 
-float nominalFrameRate(const AVStream &stream) {
+/// The times tell the rate. What a header says counts for a single frame, or where there are no times.
+FramePace paceOf(const FrameTimes &times, Fraction stated) {
+    if (times.starts.size() > 1)
+        return framePace(times);
+    return stated ? FramePace{nearestCommonRate(stated), 1 / stated.value(), true} : framePace(times);
+}
+
+void readTiming(const AVFormatContext &input, const AVStream &stream, const std::filesystem::path &file,
+                const std::function<bool()> &cancelled, VideoTrack &track) {
+    const FrameTimes times = ffmpeg::scanFrames(file, input, stream, cancelled);
+    track.frameCount = static_cast<std::int64_t>(times.starts.size());
+    track.tick = times.tick;
+    track.hasTimes = !ffmpeg::isWithoutTimes(input);
     const AVRational rate = stream.avg_frame_rate;
-    return rate.num > 0 && rate.den > 0 ? static_cast<float>(av_q2d(rate)) : 0;
+    if (!track.hasTimes)
+        track.pace = paceOf({}, ffmpeg::statedRate(file, stream));
+    else
+        track.pace = paceOf(times, rate.num > 0 && rate.den > 0 ? Fraction{rate.num, rate.den} : Fraction{});
+}
+
+/// The matrix turns counterclockwise; a film is to be turned the other way round.
+int rotation(const AVCodecParameters &parameters) {
+    const AVPacketSideData *data =
+        av_packet_side_data_get(parameters.coded_side_data, parameters.nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+    if (!data || data->size < 9 * sizeof(std::int32_t))
+        return 0;
+    const double angle = -av_display_rotation_get(reinterpret_cast<const std::int32_t *>(data->data));
+    return std::isfinite(angle) ? (static_cast<int>(std::lround(angle)) % 360 + 360) % 360 : 0;
 }
 
 /// What the container says, else the stream. Shapes beyond 4 : 1 are a mistake of whoever wrote them.
@@ -60,7 +89,8 @@ void addTags(const AVDictionary *dictionary, MovieTags &tags) {
         tags.try_emplace(entry->key, entry->value);
 }
 
-std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input) {
+std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const std::filesystem::path &file,
+                                         const std::function<bool()> &cancelled) {
     const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO);
     if (!stream)
         return std::nullopt;
@@ -71,8 +101,8 @@ std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input) {
     track.naturalWidth = parameters.width - cropping.left - cropping.right;
     track.naturalHeight = parameters.height - cropping.top - cropping.bottom;
     track.pixelAspect = pixelAspect(*stream);
-    track.nominalFrameRate = nominalFrameRate(*stream);
-    track.frameCount = stream->nb_frames;
+    readTiming(input, *stream, file, cancelled, track);
+    track.rotation = rotation(parameters);
     track.startTime = seconds(stream->start_time, stream->time_base);
     track.format = ffmpeg::planarFormat(static_cast<AVPixelFormat>(parameters.format)).value_or(yuv420);
     track.colour = ffmpeg::colourTags(parameters);
@@ -84,10 +114,25 @@ std::optional<AudioTrack> readAudioTrack(const AVFormatContext &input) {
     if (!stream)
         return std::nullopt;
     return AudioTrack{stream->index, static_cast<double>(stream->codecpar->sample_rate),
-                      stream->codecpar->ch_layout.nb_channels};
+                      stream->codecpar->ch_layout.nb_channels, seconds(stream->start_time, stream->time_base)};
 }
 
-double readDuration(const AVFormatContext &input) {
+OtherContents readOtherContents(const AVFormatContext &input) {
+    OtherContents contents;
+    for (unsigned index = 0; index < input.nb_streams; ++index) {
+        const AVMediaType type = input.streams[index]->codecpar->codec_type;
+        contents.audioTracks += type == AVMEDIA_TYPE_AUDIO ? 1 : 0;
+        contents.subtitleTracks += type == AVMEDIA_TYPE_SUBTITLE ? 1 : 0;
+    }
+    contents.audioTracks = std::max(contents.audioTracks - 1, 0);
+    contents.chapters = static_cast<int>(input.nb_chapters);
+    return contents;
+}
+
+double readDuration(const AVFormatContext &input, const std::optional<VideoTrack> &video) {
+    // A raw stream lasts as long as its frames do.
+    if (video && !video->hasTimes)
+        return video->pace.frameDuration * static_cast<double>(video->frameCount);
     // The whole's duration is rounded to microseconds; the track that it comes from tells it exactly.
     const double rounded = seconds(input.duration, AV_TIME_BASE_Q);
     for (unsigned index = 0; index < input.nb_streams; ++index) {
@@ -113,11 +158,13 @@ MovieTags readTags(const AVFormatContext &input) {
 
 } // namespace
 
-MovieFile::State::State(const std::filesystem::path &file)
-    : path(file), input(ffmpeg::openInput(file)), videoTrack(readVideoTrack(*input)),
-      audioTrack(readAudioTrack(*input)), duration(readDuration(*input)), tags(readTags(*input)) {}
+MovieFile::State::State(const std::filesystem::path &file, const std::function<bool()> &cancelled)
+    : path(file), input(ffmpeg::openInput(file)), videoTrack(readVideoTrack(*input, file, cancelled)),
+      audioTrack(readAudioTrack(*input)), otherContents(readOtherContents(*input)),
+      duration(readDuration(*input, videoTrack)), tags(readTags(*input)) {}
 
-MovieFile::MovieFile(const std::filesystem::path &file) : state_(std::make_unique<State>(file)) {}
+MovieFile::MovieFile(const std::filesystem::path &file, const std::function<bool()> &cancelled)
+    : state_(std::make_unique<State>(file, cancelled)) {}
 
 MovieFile::~MovieFile() = default;
 
@@ -131,6 +178,10 @@ std::optional<VideoTrack> MovieFile::videoTrack() const {
 
 std::optional<AudioTrack> MovieFile::audioTrack() const {
     return state_->audioTrack;
+}
+
+OtherContents MovieFile::otherContents() const {
+    return state_->otherContents;
 }
 
 double MovieFile::duration() const {

@@ -7,13 +7,14 @@
 namespace lumetwin::media {
 
 struct MovieFile::State {
-    explicit State(const std::filesystem::path &file);
+    State(const std::filesystem::path &file, const std::function<bool()> &cancelled);
 
     std::filesystem::path path;
     ffmpeg::Input input; ///< a frame reader's own while there is one: its thread reads on, and what is here changes
     // As the headers had it.
     std::optional<VideoTrack> videoTrack;
     std::optional<AudioTrack> audioTrack;
+    OtherContents otherContents;
     double duration; ///< seconds
     MovieTags tags;
 };

@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <exception>
+#include <future>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -27,6 +29,8 @@ using ffmpeg::TrackBalance;
 constexpr const char *operation = "Cannot write";
 // Pictures that wait for the encoder.
 constexpr std::size_t picturesAhead = 3;
+// How often a writer that waits for its encoder looks whether it is cancelled.
+constexpr std::chrono::milliseconds cancelInterval{20};
 // A file that is never finished can be read up to its last fragment; each holds this much.
 constexpr const char *fragmentDuration = "2000000"; // microseconds
 constexpr int largestSide = 16384;
@@ -35,6 +39,9 @@ constexpr int largestSide = 16384;
 int shownWidth(int width, PixelAspect aspect) {
     return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{width} * aspect.width / aspect.height, 1, 65535));
 }
+
+/// Ends the work on a file that is being cancelled.
+struct Abandoned {};
 
 struct TimedPicture {
     Picture left;
@@ -64,6 +71,7 @@ struct MovieWriter::State {
     TrackBalance balance;
     BoundedQueue<TimedPicture> pictures{picturesAhead};
     std::thread encoding;
+    std::promise<void> encoded; ///< the thread has come to its end
     std::mutex muxing;
     bool headerWritten = false;
     std::mutex failing;
@@ -109,6 +117,8 @@ struct MovieWriter::State {
     template <typename Work> void guarded(const Work &work) {
         try {
             work();
+        } catch (const Abandoned &) {
+            return;
         } catch (...) {
             fail(std::current_exception());
         }
@@ -122,6 +132,8 @@ struct MovieWriter::State {
     }
 
     void writePacket(AVPacket &packet, AVStream &stream, AVRational base) {
+        if (idle)
+            throw Abandoned();
         packet.stream_index = stream.index;
         av_packet_rescale_ts(&packet, base, stream.time_base);
         const std::lock_guard lock(muxing);
@@ -156,7 +168,10 @@ struct MovieWriter::State {
         }
         writeHeader();
         if (video)
-            encoding = std::thread([this] { encodePictures(); });
+            encoding = std::thread([this] {
+                encodePictures();
+                encoded.set_value();
+            });
     }
 
     void writeHeader() {
@@ -196,7 +211,34 @@ struct MovieWriter::State {
         ffmpeg::addApertures(header, shownWidth, shownHeight);
     }
 
-    void finish() {
+    /// Waits for the last pictures to be coded, or for the wish to cancel.
+    void drain(const std::function<bool()> &cancelled) {
+        pictures.close();
+        const std::future<void> end = encoded.get_future();
+        while (encoding.joinable() && !cancelled() && end.wait_for(cancelInterval) != std::future_status::ready)
+            continue;
+    }
+
+    void cancel() {
+        abandon();
+        joinEncoding();
+        avio_closep(&muxer->pb);
+        partial.discard();
+        throwFailure();
+    }
+
+    bool finish(const std::function<bool()> &cancelled) {
+        if (cancelled)
+            drain(cancelled);
+        if (cancelled && cancelled()) {
+            cancel();
+            return false;
+        }
+        complete();
+        return true;
+    }
+
+    void complete() {
         pictures.close();
         joinEncoding();
         throwFailure();
@@ -300,16 +342,12 @@ void MovieWriter::abandon() {
     state_->abandon();
 }
 
-void MovieWriter::finish() {
-    state_->finish();
+bool MovieWriter::finish(const std::function<bool()> &cancelled) {
+    return state_->finish(cancelled);
 }
 
 void MovieWriter::cancel() {
-    state_->abandon();
-    state_->joinEncoding();
-    avio_closep(&state_->muxer->pb);
-    state_->partial.discard();
-    state_->throwFailure();
+    state_->cancel();
 }
 
 } // namespace lumetwin::media

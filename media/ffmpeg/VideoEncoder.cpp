@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/Padding.h"
+#include "media/ffmpeg/DecodingTimes.h"
 #include "media/ffmpeg/Pictures.h"
 #include "media/ffmpeg/TrackEncoder.h"
 
@@ -9,6 +10,7 @@ extern "C" {
 
 #include <cmath>
 #include <new>
+#include <optional>
 #include <thread>
 
 namespace lumetwin::media::ffmpeg {
@@ -71,7 +73,7 @@ public:
         FramePointer frame = frameOf(padded(picture, width_, height_, pool_));
         frame->pts = time;
         frame->duration = duration;
-        duration_ = duration;
+        decodingTimes().add(time, duration);
         check(avcodec_send_frame(codec_.get(), frame.get()), file_, "Cannot encode");
         receive(sink);
     }
@@ -88,16 +90,22 @@ private:
     /// references it is two.
     int reordering() const { return encoding_.codec == VideoCodec::hevc ? 2 : codec_->has_b_frames; }
 
+    DecodingTimes &decodingTimes() {
+        if (!decodingTimes_)
+            decodingTimes_.emplace(reordering());
+        return *decodingTimes_;
+    }
+
     void receive(const PacketSink &sink) {
         for (;;) {
             const int code = avcodec_receive_packet(codec_.get(), packet_.get());
             if (code == AVERROR(EAGAIN) || code == AVERROR_EOF)
                 return;
             check(code, file_, "Cannot encode");
-            packet_->duration = duration_;
-            // The rate is constant, so decoding times follow from the coding order. (x265's own are undefined for clips
-            // shorter than its reordering.)
-            packet_->dts = (codedFrames_++ - reordering()) * duration_;
+            // (x265's own are undefined for clips shorter than its reordering.)
+            const DecodingTimes::Moment decoded = decodingTimes().next();
+            packet_->dts = decoded.time;
+            packet_->duration = decoded.duration;
             sink(*packet_);
             av_packet_unref(packet_.get());
         }
@@ -110,8 +118,7 @@ private:
     PicturePool pool_;
     Codec codec_;
     Packet packet_ = makePacket();
-    std::int64_t duration_ = 0;
-    std::int64_t codedFrames_ = 0;
+    std::optional<DecodingTimes> decodingTimes_;
 };
 
 } // namespace

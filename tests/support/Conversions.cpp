@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/Conversions.h"
 
+#include "engine/Texts.h"
+#include "engine/WarningTexts.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,8 +18,10 @@ Conversion run(const Converter &converter, const ConversionSettings &settings, c
     Conversion run;
     ConversionControl control;
     control.onFrameProgress = [&](std::int64_t frame, std::int64_t total) { run.progress.emplace_back(frame, total); };
-    control.onWarning = [&](const std::string &line) { run.warnings.push_back(line); };
-    converter(settings, input, output, control, system);
+    run.outcome = converter(settings, input, output, control, system);
+    setTextLocale("en");
+    for (const Warning &warning : run.outcome.warnings)
+        (isNote(warning.kind) ? run.notes : run.warnings).push_back(warningText(warning));
     return run;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/Outcome.h"
 #include "engine/SBSVideoToSpatial.h"
 #include "engine/SpatialVideoToSBS.h"
 #include "tests/support/Clips.h"
@@ -18,7 +19,9 @@ namespace lumetwin::test {
 /// What a conversion reported.
 struct Conversion {
     std::vector<std::pair<std::int64_t, std::int64_t>> progress;
-    std::vector<std::string> warnings;
+    Outcome outcome;
+    std::vector<std::string> warnings; ///< of the outcome, in English; without its notes
+    std::vector<std::string> notes;
 };
 
 Conversion toSpatial(const ConversionSettings &settings, const std::filesystem::path &input,

@@ -3,6 +3,8 @@
 
 #include "engine/Texts.h"
 
+#include <utility>
+
 namespace lumetwin::test {
 
 BatchRun::BatchRun() {
@@ -19,16 +21,21 @@ std::filesystem::path BatchRun::file(const std::string &name) {
     return input / name;
 }
 
-void BatchRun::convert(const std::string &converter, const std::filesystem::path &from, const std::filesystem::path &to,
-                       const ConversionControl *control) {
+Outcome BatchRun::convert(const std::string &converter, const std::filesystem::path &from,
+                          const std::filesystem::path &to, const ConversionControl *control) {
     calls.push_back(converter + " " + from.filename().string() + " " + to.filename().string());
     sources.push_back(from);
-    EXPECT_EQ(to.parent_path(), *settings->outputFolderURL);
+    if (!settings->recursive) {
+        EXPECT_EQ(to.parent_path(), *settings->outputFolderURL);
+    }
     const auto action = actions.find(from.filename().string());
     if (action != actions.end())
         action->second(control);
     else
         writeFile(to, std::string("converted"));
+    Outcome outcome = std::exchange(nextOutcome, {.warnings = {}});
+    outcome.written = !control->cancelled() || std::exchange(finishesAllTheSame, false);
+    return outcome;
 }
 
 MediaOperations BatchRun::operations() {
@@ -39,13 +46,14 @@ MediaOperations BatchRun::operations() {
         return [this, name](const ConversionSettings &given, const auto &from, const auto &to,
                             const ConversionControl &control, SystemVersion) {
             EXPECT_EQ(&given, settings.get());
-            convert(name, from, to, &control);
+            return convert(name, from, to, &control);
         };
     };
     const auto photo = [this](const char *name) {
-        return [this, name](const ConversionSettings &given, const auto &from, const auto &to) {
+        return [this, name](const ConversionSettings &given, const auto &from, const auto &to,
+                            const ConversionControl &control) {
             EXPECT_EQ(&given, settings.get());
-            convert(name, from, to, nullptr);
+            return convert(name, from, to, &control);
         };
     };
     return {.isSpatialVideo = [isSpatial](const auto &file, SystemVersion) { return isSpatial(file); },
@@ -67,6 +75,7 @@ void BatchRun::run(SystemVersion system) {
     batch.onConverted = [&](const auto &name, const auto &to) {
         converted.push_back(name + "|" + to.filename().string());
     };
+    batch.onResult = [&](const FileResult &result) { results.push_back(result); };
     batch.onLog = [&](const auto &line) { log.push_back(line); };
     batch.processAll();
     processor = nullptr;

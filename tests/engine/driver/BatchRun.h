@@ -51,19 +51,22 @@ protected:
     std::set<std::string> spatialNames;
     std::map<std::string, std::function<void(const ConversionControl *)>> actions;
     VideoProcessor *processor = nullptr; ///< while it runs
+    Outcome nextOutcome;                 ///< what the next conversion tells, but for whether it was written
+    bool finishesAllTheSame = false;     ///< the next conversion that is cancelled has written its output before
 
     // What was seen.
     std::vector<Progress> progress;
     std::vector<Skip> skips;
     std::vector<Completion> completions;
+    std::vector<FileResult> results;
     std::vector<std::string> log, failures, converted, calls;
     std::vector<std::pair<std::int64_t, std::int64_t>> frames;
     std::vector<std::filesystem::path> sources; ///< of the conversions
 
 private:
     MediaOperations operations();
-    void convert(const std::string &converter, const std::filesystem::path &from, const std::filesystem::path &to,
-                 const ConversionControl *control);
+    Outcome convert(const std::string &converter, const std::filesystem::path &from, const std::filesystem::path &to,
+                    const ConversionControl *control);
 };
 
 } // namespace lumetwin::test

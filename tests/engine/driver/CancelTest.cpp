@@ -43,7 +43,7 @@ TEST_F(Cancel, AbandonedConversionDoesNotClaimAnOlderOutput) {
 TEST_F(Cancel, FileThatWasFinishedAllTheSameIsReported) {
     onConvert("1.mov", [&](const ConversionControl *) {
         processor->cancelRequested = true;
-        writeFile(output / "1_sbs.mp4", std::string("finished"));
+        finishesAllTheSame = true;
     });
     run();
     EXPECT_THAT(converted, ElementsAre("1.mov|1_sbs.mp4"));
@@ -92,19 +92,28 @@ TEST_F(Cancel, FromAnotherThreadIsSeenBetweenFrames) {
     EXPECT_THAT(completions, ElementsAre(Completion{false, text("status.cancelled")}));
 }
 
-TEST_F(Cancel, WarningsOfSeveralThreadsDoNotMix) {
-    onConvert("1.mov", [&](const ConversionControl *control) {
-        processor->cancelRequested = true;
-        const auto warn = [&] {
-            for (int count = 0; count < 100; ++count)
-                control->onWarning("again");
-        };
-        std::thread sound(warn);
-        warn();
-        sound.join();
-    });
+TEST_F(Cancel, EveryFileHasItsResult) {
+    onConvert("2.mov", [&](const ConversionControl *) { processor->cancelRequested = true; });
     run();
-    EXPECT_EQ(log, std::vector<std::string>(200, "[VP] ⚠️ 1.mov: again"));
+    std::vector<FileState> states;
+    for (const FileResult &result : results)
+        states.push_back(result.state);
+    EXPECT_THAT(states, ElementsAre(FileState::converted, FileState::cancelled, FileState::notReached,
+                                    FileState::notReached, FileState::notReached));
+    EXPECT_EQ(results[1].output, "") << "nothing was written";
+    EXPECT_EQ(results[4].input.filename(), "5.mov");
+}
+
+TEST(WarningList, TakesFromSeveralThreads) {
+    WarningList list;
+    const auto warn = [&] {
+        for (int count = 0; count < 100; ++count)
+            list.add(WarningKind::withoutSound, {std::string("again")});
+    };
+    std::thread sound(warn);
+    warn();
+    sound.join();
+    EXPECT_EQ(list.take(), std::vector<Warning>(200, Warning{WarningKind::withoutSound, {std::string("again")}}));
 }
 
 } // namespace

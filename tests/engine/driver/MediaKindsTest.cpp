@@ -40,14 +40,34 @@ TEST(InputList, HiddenFilesAreNotVisible) {
     EXPECT_THAT(visibleChildren(folder.path()), testing::UnorderedElementsAre(folder / "a", folder / "d."));
 }
 
-TEST(InputList, MediaFilesKeepTheirOrder) {
-    EXPECT_THAT(mediaFiles({"z.mov", "a.txt", "b.PNG", "a.mov"}), testing::ElementsAre("z.mov", "b.PNG", "a.mov"));
+std::vector<std::string> places(const std::vector<ListedFile> &files) {
+    std::vector<std::string> result;
+    for (const ListedFile &listed : files)
+        result.push_back(listed.file.generic_string());
+    return result;
+}
+
+TEST(InputList, OnlyMediaFilesAreKept) {
+    EXPECT_THAT(places(mediaFiles({"a.txt", "b.PNG", "c", "d.mov"})), testing::ElementsAre("b.PNG", "d.mov"));
 }
 
 TEST(InputList, SortsByNameNotByPlace) {
-    std::vector<std::filesystem::path> files{"/1/b.mov", "/2/a.mov", "/9/B.mov", "/0/b.mov", "/3/IMG_9", "/3/IMG_10"};
-    sortByName(files);
-    EXPECT_THAT(files, testing::ElementsAre("/9/B.mov", "/3/IMG_10", "/3/IMG_9", "/2/a.mov", "/1/b.mov", "/0/b.mov"));
+    EXPECT_THAT(places(mediaFiles({"/1/b.mov", "/2/a.mov", "/9/B.mov", "/0/b.mov", "/3/IMG_9.png", "/3/IMG_10.png"})),
+                testing::ElementsAre("/9/B.mov", "/3/IMG_10.png", "/3/IMG_9.png", "/2/a.mov", "/1/b.mov", "/0/b.mov"));
+}
+
+TEST(InputList, TreeIsListedFolderByFolderAndKeepsItsPlaces) {
+    test::TemporaryFolder folder;
+    for (const char *name : {"b", "a/deep", ".hidden", "out"})
+        std::filesystem::create_directories(folder / name);
+    for (const char *name : {"z.mov", "b/2.jpg", "b/1.jpg", "a/3.mov", "a/deep/4.mov", "a/notes.txt", ".hidden/5.mov",
+                             "out/6.mov"})
+        test::writeFile(folder / name, std::string("x"));
+    std::filesystem::create_directory_symlink(folder.path(), folder / "a" / "loop");
+    std::vector<std::string> seen;
+    for (const ListedFile &listed : mediaTree(folder.path(), folder / "out"))
+        seen.push_back(listed.folder.generic_string() + "|" + listed.file.filename().string());
+    EXPECT_THAT(seen, testing::ElementsAre("|z.mov", "a|3.mov", "a/deep|4.mov", "b|1.jpg", "b|2.jpg"));
 }
 
 } // namespace

@@ -155,13 +155,15 @@ TEST_F(ProcessAll, FrameProgressAndWarningsPass) {
         ASSERT_TRUE(control);
         control->onFrameProgress(0, 20);
         control->onFrameProgress(8, 20);
-        control->onWarning("no sound");
         EXPECT_FALSE(control->cancelled());
     });
+    nextOutcome.warnings = {{WarningKind::withoutSound, {std::string("it is encrypted")}},
+                            {WarningKind::chaptersLeft, {std::int64_t{3}}}};
     useFolder();
     run();
     EXPECT_THAT(frames, ElementsAre(std::pair(0, 20), std::pair(8, 20)));
-    EXPECT_THAT(log, ElementsAre("[VP] ⚠️ v.mov: no sound"));
+    EXPECT_THAT(log, ElementsAre("[VP] ⚠️ v.mov: The video is written without sound (it is encrypted).",
+                                 "[VP] ℹ️ v.mov: Chapters left out: 3"));
 }
 
 TEST_F(ProcessAll, ExistingOutputIsNoObstacle) {
@@ -180,7 +182,7 @@ TEST_F(ProcessAll, RunsWithoutCallbacks) {
         auto operations = MediaOperations{
             .isSpatialVideo = [](const auto &name, SystemVersion) { return name.filename() == "v.mov"; },
             .isSpatialPhoto = {},
-            .convertSpatialVideoToSBS = [](auto &&...) { throw std::runtime_error("no luck"); },
+            .convertSpatialVideoToSBS = [](auto &&...) -> Outcome { throw std::runtime_error("no luck"); },
             .convertSBSVideoToSpatial = {},
             .convertSpatialPhotoToSBS = {},
             .convertSBSImageToSpatial = {},

@@ -89,7 +89,7 @@ TEST(VideoInfo, truncatesTheNaturalSize) {
     media::VideoTrack track;
     track.naturalWidth = 1920.7;
     track.naturalHeight = 1080.2;
-    track.nominalFrameRate = 29.97F;
+    track.pace.rate = {2997, 100};
     const VideoInfo info = videoInfo(track, 12.5);
     EXPECT_EQ(info.width, 1920);
     EXPECT_EQ(info.height, 1080);

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/OnExisting.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace lumetwin {
+
+/// Where a result goes, by what lies at its place: the place itself; one with a number that is free ("trip_sbs 2.mp4");
+/// nothing where the input is passed over.
+std::optional<std::filesystem::path> settledOutput(const std::filesystem::path &output, OnExisting onExisting);
+
+/// Throws ProcessorError where no file can be written at this place: its folder is missing or may not be written to,
+/// the file system is read-only, or a folder has this name. The folders below the output folder are made (they belong
+/// to the tree of the input).
+void preparePlace(const std::filesystem::path &output, const std::filesystem::path &outputFolder);
+
+/// Throws ProcessorError where the file system has less room than the estimated size of an output and a margin.
+void requireSpace(const std::filesystem::path &output, double estimatedBytes);
+
+} // namespace lumetwin

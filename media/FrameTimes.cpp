@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/FrameTimes.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <numeric>
+#include <optional>
+
+namespace lumetwin::media {
+
+namespace {
+
+constexpr std::array<Fraction, 14> commonRates{{{24000, 1001},
+                                                {24, 1},
+                                                {25, 1},
+                                                {30000, 1001},
+                                                {30, 1},
+                                                {48, 1},
+                                                {50, 1},
+                                                {60000, 1001},
+                                                {60, 1},
+                                                {90, 1},
+                                                {100, 1},
+                                                {120000, 1001},
+                                                {120, 1},
+                                                {240, 1}}};
+constexpr double commonRateTolerance = 0.005;
+// Times that count whole frames differ by a tick where a frame is left out; in finer ones a tick is rounding.
+constexpr std::int64_t roundedTicks = 4;
+
+/// frames by ticks, as frames a second.
+Fraction perSecond(std::int64_t frames, std::int64_t ticks, const Fraction &tick) {
+    const std::int64_t common = std::gcd(frames, ticks);
+    const Fraction perTick{frames / common, ticks / common};
+    std::int64_t numerator = 0;
+    std::int64_t denominator = 0;
+    if (__builtin_mul_overflow(perTick.numerator, tick.denominator, &numerator) ||
+        __builtin_mul_overflow(perTick.denominator, tick.numerator, &denominator))
+        return {};
+    const std::int64_t divisor = std::gcd(numerator, denominator);
+    return {numerator / divisor, denominator / divisor};
+}
+
+struct Run {
+    std::int64_t frames;
+    std::int64_t ticks;
+};
+
+/// The durations that count where they agree: without the first and the last one, unless there are no others.
+std::optional<Run> equalDurations(const FrameTimes &times) {
+    const std::vector<std::int64_t> &starts = times.starts;
+    if (starts.size() < 2)
+        return std::nullopt;
+    const std::size_t first = starts.size() > 2 ? 1 : 0;
+    std::int64_t shortest = starts[first + 1] - starts[first];
+    std::int64_t longest = shortest;
+    for (std::size_t index = first + 1; index + 1 < starts.size(); ++index) {
+        shortest = std::min(shortest, starts[index + 1] - starts[index]);
+        longest = std::max(longest, starts[index + 1] - starts[index]);
+    }
+    if (shortest < 1 || longest > shortest + (shortest >= roundedTicks ? 1 : 0))
+        return std::nullopt;
+    return Run{static_cast<std::int64_t>(starts.size() - 1 - first), starts.back() - starts[first]};
+}
+
+/// Whether times that are rounded to ticks lie where equal durations put them: what differs by a tick here and there
+/// may still run away.
+bool liesOnGrid(const FrameTimes &times, const Run &run) {
+    const std::size_t first = times.starts.size() > 2 ? 1 : 0;
+    const double step = static_cast<double>(run.ticks) / static_cast<double>(run.frames);
+    for (std::size_t index = first; index < times.starts.size(); ++index) {
+        const double expected = static_cast<double>(times.starts[first]) + step * static_cast<double>(index - first);
+        if (std::abs(static_cast<double>(times.starts[index]) - expected) > 2)
+            return false;
+    }
+    return true;
+}
+
+FramePace pace(const FrameTimes &times, const Run &run, bool isConstant) {
+    FramePace result;
+    result.isConstant = isConstant;
+    const Fraction exact = perSecond(run.frames, run.ticks, times.tick);
+    if (!exact)
+        return result;
+    result.rate = nearestCommonRate(exact);
+    result.frameDuration = 1 / exact.value();
+    // What is a common rate but for rounding is that rate.
+    const double ticks = static_cast<double>(run.frames) / result.rate.value() / times.tick.value();
+    if (std::abs(ticks - static_cast<double>(run.ticks)) <= 2)
+        result.frameDuration = 1 / result.rate.value();
+    return result;
+}
+
+} // namespace
+
+Fraction nearestCommonRate(Fraction rate) {
+    const auto distance = [&](const Fraction &common) { return std::abs(rate.value() / common.value() - 1); };
+    const auto nearest = std::ranges::min_element(commonRates, {}, distance);
+    return rate && distance(*nearest) <= commonRateTolerance ? *nearest : rate;
+}
+
+FramePace framePace(const FrameTimes &times) {
+    if (times.starts.empty() || !times.tick)
+        return {};
+    const std::optional<Run> equal = equalDurations(times);
+    if (equal && liesOnGrid(times, *equal))
+        return pace(times, *equal, true);
+    const Run whole{static_cast<std::int64_t>(times.starts.size()), times.end - times.starts.front()};
+    return whole.ticks > 0 ? pace(times, whole, times.starts.size() == 1) : FramePace{};
+}
+
+} // namespace lumetwin::media

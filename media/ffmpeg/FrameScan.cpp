@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ffmpeg/FrameScan.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace lumetwin::media::ffmpeg {
+
+namespace {
+
+Fraction tickOf(const AVStream &stream) {
+    return {stream.time_base.num, stream.time_base.den};
+}
+
+/// The end of the last frame where nothing states it: as long as the frame before.
+std::int64_t guessedEnd(const std::vector<std::int64_t> &starts) {
+    const std::size_t count = starts.size();
+    return count > 1 ? 2 * starts[count - 1] - starts[count - 2] : count == 1 ? starts.back() : 0;
+}
+
+/// What the index says; nothing where it does not list every frame. Its times are those of decoding, which follow each
+/// other as those of showing do.
+std::optional<FrameTimes> indexedFrames(AVStream &stream) {
+    const int count = avformat_index_get_entries_count(&stream);
+    if (stream.nb_frames < 1 || count < 1)
+        return std::nullopt;
+    FrameTimes times{{}, 0, tickOf(stream)};
+    times.starts.reserve(static_cast<std::size_t>(count));
+    for (int index = 0; index < count; ++index) {
+        const AVIndexEntry *entry = avformat_index_get_entry(&stream, index);
+        if (!(entry->flags & AVINDEX_DISCARD_FRAME))
+            times.starts.push_back(entry->timestamp);
+    }
+    if (times.starts.empty())
+        return std::nullopt;
+    std::ranges::sort(times.starts);
+    times.end = guessedEnd(times.starts);
+    if (stream.duration != AV_NOPTS_VALUE && stream.duration > times.starts.back() - times.starts.front())
+        times.end = times.starts.front() + stream.duration;
+    return times;
+}
+
+/// The packets of one track, from the beginning to the end.
+class Packets {
+public:
+    Packets(const std::filesystem::path &file, int stream) : input_(openInput(file)), stream_(stream) {
+        for (unsigned index = 0; index < input_->nb_streams; ++index)
+            if (static_cast<int>(index) != stream)
+                input_->streams[index]->discard = AVDISCARD_ALL;
+    }
+
+    /// Null at the end.
+    const AVPacket *next() {
+        do {
+            av_packet_unref(packet_.get());
+            if (av_read_frame(input_.get(), packet_.get()) < 0)
+                return nullptr;
+        } while (packet_->stream_index != stream_);
+        return packet_.get();
+    }
+
+private:
+    Input input_;
+    int stream_;
+    Packet packet_ = makePacket();
+};
+
+} // namespace
+
+bool isWithoutTimes(const AVFormatContext &input) {
+    return (input.iformat->flags & AVFMT_NOTIMESTAMPS) != 0;
+}
+
+FrameTimes scanFrames(const std::filesystem::path &file, const AVFormatContext &input, const AVStream &stream,
+                      const std::function<bool()> &cancelled) {
+    if (auto indexed = indexedFrames(*input.streams[stream.index]))
+        return std::move(*indexed);
+    FrameTimes times{{}, 0, tickOf(stream)};
+    std::int64_t lastDuration = 0;
+    Packets packets(file, stream.index);
+    while (const AVPacket *packet = cancelled && cancelled() ? nullptr : packets.next()) {
+        if (packet->flags & AV_PKT_FLAG_DISCARD)
+            continue;
+        const std::int64_t time = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+        times.starts.push_back(time != AV_NOPTS_VALUE ? time : times.starts.empty() ? 0 : times.starts.back() + 1);
+        if (times.starts.back() >= times.end) {
+            times.end = times.starts.back();
+            lastDuration = packet->duration;
+        }
+    }
+    std::ranges::sort(times.starts);
+    times.end = lastDuration > 0 ? times.end + lastDuration : guessedEnd(times.starts);
+    return times;
+}
+
+Fraction statedRate(const std::filesystem::path &file, const AVStream &stream) {
+    const Codec decoder = makeDecoder(file, stream);
+    decoder->framerate = {0, 1}; // what the demuxer made up
+    if (avcodec_open2(decoder.get(), decoder->codec, nullptr) < 0 || decoder->framerate.num < 1)
+        return {};
+    return {decoder->framerate.num, decoder->framerate.den};
+}
+
+} // namespace lumetwin::media::ffmpeg

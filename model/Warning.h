@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace lumetwin {
+
+/// What the user should know about a file that was converted. The values of each kind stand beside it, in their order.
+enum class WarningKind {
+    // Warnings: the result is not quite what the source is.
+    speedChanged,   ///< percent by which the film plays faster than its source (negative: slower)
+    soundAway,      ///< seconds: the farthest that a picture is from its sound
+    framesMissing,  ///< frames written, frames expected
+    withoutSound,   ///< why the sound could not be read
+    soundEndsEarly, ///< why
+    sameOutputName, ///< the name of another input of the run whose output has the same name
+    // Notes, one step below: what is left behind.
+    soundTracksLeft, ///< further sound tracks
+    subtitlesLeft,   ///< subtitle tracks
+    chaptersLeft,    ///< chapters
+    rotationLeft,    ///< degrees, clockwise, that the film should be turned by
+    depthReduced,    ///< bits a sample of the source
+    gainMapLeft,
+    depthMapLeft,
+    motionFilmLeft,
+};
+
+/// The stable name of a kind, for programs.
+constexpr std::string_view rawValue(WarningKind kind) {
+    switch (kind) {
+    case WarningKind::speedChanged:
+        return "speedChanged";
+    case WarningKind::soundAway:
+        return "soundAway";
+    case WarningKind::framesMissing:
+        return "framesMissing";
+    case WarningKind::withoutSound:
+        return "withoutSound";
+    case WarningKind::soundEndsEarly:
+        return "soundEndsEarly";
+    case WarningKind::sameOutputName:
+        return "sameOutputName";
+    case WarningKind::soundTracksLeft:
+        return "soundTracksLeft";
+    case WarningKind::subtitlesLeft:
+        return "subtitlesLeft";
+    case WarningKind::chaptersLeft:
+        return "chaptersLeft";
+    case WarningKind::rotationLeft:
+        return "rotationLeft";
+    case WarningKind::depthReduced:
+        return "depthReduced";
+    case WarningKind::gainMapLeft:
+        return "gainMapLeft";
+    case WarningKind::depthMapLeft:
+        return "depthMapLeft";
+    case WarningKind::motionFilmLeft:
+        return "motionFilmLeft";
+    }
+    return {};
+}
+
+/// Whether a kind is a note, one step below a warning.
+constexpr bool isNote(WarningKind kind) {
+    return kind >= WarningKind::soundTracksLeft;
+}
+
+/// One thing to tell, with its values as the kind lists them.
+struct Warning {
+    using Value = std::variant<std::int64_t, double, std::string>;
+
+    WarningKind kind = WarningKind::framesMissing;
+    std::vector<Value> values;
+
+    bool operator==(const Warning &) const = default;
+};
+
+} // namespace lumetwin
