@@ -108,7 +108,7 @@ FramePace framePace(const FrameTimes &times) {
     if (equal && liesOnGrid(times, *equal))
         return pace(times, *equal, true);
     const Run whole{static_cast<std::int64_t>(times.starts.size()), times.end - times.starts.front()};
-    return whole.ticks > 0 ? pace(times, whole, times.starts.size() == 1) : FramePace{};
+    return whole.ticks > 0 ? pace(times, whole, whole.frames == 1) : FramePace{};
 }
 
 } // namespace lumetwin::media

@@ -2,6 +2,7 @@
 #include "media/ffmpeg/FrameScan.h"
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -9,35 +10,40 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
+// Writers that know no rate state the inverse of their clock's tick.
+constexpr double fastestStated = 1000;
+
 Fraction tickOf(const AVStream &stream) {
     return {stream.time_base.num, stream.time_base.den};
 }
 
-/// The end of the last frame where nothing states it: as long as the frame before.
-std::int64_t guessedEnd(const std::vector<std::int64_t> &starts) {
+/// The end of the last of the frames that begin at these times: as their duration together is stated, else as if the
+/// last one were as long as the frame before.
+std::int64_t endOf(const std::vector<std::int64_t> &starts, std::int64_t stated) {
     const std::size_t count = starts.size();
-    return count > 1 ? 2 * starts[count - 1] - starts[count - 2] : count == 1 ? starts.back() : 0;
+    if (count == 0)
+        return 0;
+    if (stated > starts.back() - starts.front())
+        return starts.front() + stated;
+    return starts.back() + (count > 1 ? starts[count - 1] - starts[count - 2] : 0);
 }
 
-/// What the index says; nothing where it does not list every frame. Its times are those of decoding, which follow each
-/// other as those of showing do.
+/// What the index says; nothing where it does not list every frame, or lists frames that an edit list hides: then the
+/// times of decoding, which it holds, do not follow each other as those of showing do.
 std::optional<FrameTimes> indexedFrames(AVStream &stream) {
     const int count = avformat_index_get_entries_count(&stream);
     if (stream.nb_frames < 1 || count < 1)
         return std::nullopt;
-    FrameTimes times{{}, 0, tickOf(stream)};
-    times.starts.reserve(static_cast<std::size_t>(count));
+    FrameTimes times;
+    times.tick = tickOf(stream);
     for (int index = 0; index < count; ++index) {
         const AVIndexEntry *entry = avformat_index_get_entry(&stream, index);
-        if (!(entry->flags & AVINDEX_DISCARD_FRAME))
-            times.starts.push_back(entry->timestamp);
+        if (entry->flags & AVINDEX_DISCARD_FRAME)
+            return std::nullopt;
+        times.starts.push_back(entry->timestamp);
     }
-    if (times.starts.empty())
-        return std::nullopt;
     std::ranges::sort(times.starts);
-    times.end = guessedEnd(times.starts);
-    if (stream.duration != AV_NOPTS_VALUE && stream.duration > times.starts.back() - times.starts.front())
-        times.end = times.starts.front() + stream.duration;
+    times.end = endOf(times.starts, stream.duration == AV_NOPTS_VALUE ? 0 : stream.duration);
     return times;
 }
 
@@ -76,7 +82,9 @@ FrameTimes scanFrames(const std::filesystem::path &file, const AVFormatContext &
                       const std::function<bool()> &cancelled) {
     if (auto indexed = indexedFrames(*input.streams[stream.index]))
         return std::move(*indexed);
-    FrameTimes times{{}, 0, tickOf(stream)};
+    FrameTimes times;
+    times.tick = tickOf(stream);
+    std::int64_t last = std::numeric_limits<std::int64_t>::min();
     std::int64_t lastDuration = 0;
     Packets packets(file, stream.index);
     while (const AVPacket *packet = cancelled && cancelled() ? nullptr : packets.next()) {
@@ -84,13 +92,13 @@ FrameTimes scanFrames(const std::filesystem::path &file, const AVFormatContext &
             continue;
         const std::int64_t time = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
         times.starts.push_back(time != AV_NOPTS_VALUE ? time : times.starts.empty() ? 0 : times.starts.back() + 1);
-        if (times.starts.back() >= times.end) {
-            times.end = times.starts.back();
+        if (times.starts.back() > last) {
+            last = times.starts.back();
             lastDuration = packet->duration;
         }
     }
     std::ranges::sort(times.starts);
-    times.end = lastDuration > 0 ? times.end + lastDuration : guessedEnd(times.starts);
+    times.end = endOf(times.starts, lastDuration > 0 ? last - times.starts.front() + lastDuration : 0);
     return times;
 }
 
@@ -99,7 +107,8 @@ Fraction statedRate(const std::filesystem::path &file, const AVStream &stream) {
     decoder->framerate = {0, 1}; // what the demuxer made up
     if (avcodec_open2(decoder.get(), decoder->codec, nullptr) < 0 || decoder->framerate.num < 1)
         return {};
-    return {decoder->framerate.num, decoder->framerate.den};
+    const Fraction rate{decoder->framerate.num, decoder->framerate.den};
+    return rate.value() <= fastestStated ? rate : Fraction{};
 }
 
 } // namespace lumetwin::media::ffmpeg
