@@ -72,13 +72,21 @@ VideoTiming videoTiming(const VideoInfo &info, bool keepTiming, const std::optio
     return timing;
 }
 
-std::int64_t OutputClock::ownTime(const media::Frame &frame) const {
-    if (!track_.hasTimes || !frame.time)
+std::optional<double> OutputClock::sourceTime(const media::Frame &frame) const {
+    std::optional<std::int64_t> ticks = track_.hasTimes ? frame.time : std::nullopt;
+    if (track_.listedTimes) {
+        const auto index = static_cast<std::size_t>(index_);
+        ticks = index < track_.listedTimes->size() ? std::optional((*track_.listedTimes)[index]) : std::nullopt;
+    }
+    const double time = ticks ? static_cast<double>(*ticks) * track_.tick.value() - timing_.begin : latestTime;
+    return std::abs(time) < latestTime ? std::optional(time) : std::nullopt;
+}
+
+std::int64_t OutputClock::ownTime(std::optional<double> source) const {
+    if (!source)
         return last_ < 0 ? 0 : last_ + timing_.frameDuration;
+    const double time = *source;
     const double tick = track_.tick.value();
-    const double time = static_cast<double>(*frame.time) * tick - timing_.begin;
-    if (!(std::abs(time) < latestTime))
-        return last_ + timing_.frameDuration;
     if (track_.pace.isConstant) {
         // Times of a constant rate that were rounded to ticks stand where the rate puts them.
         const double step = 1 / track_.pace.rate.value();
@@ -98,13 +106,13 @@ std::int64_t OutputClock::ownDuration(const media::Frame &frame) const {
 }
 
 OutputClock::Moment OutputClock::next(const media::Frame &frame) {
-    const std::int64_t wanted = timing_.keepsTimes ? ownTime(frame) : index_ * timing_.frameDuration;
+    const std::optional<double> source = sourceTime(frame);
+    const std::int64_t wanted = timing_.keepsTimes ? ownTime(source) : index_ * timing_.frameDuration;
     last_ = std::max(wanted, last_ + 1);
     ++index_;
-    if (track_.hasTimes && frame.time) {
-        const double own = static_cast<double>(*frame.time) * track_.tick.value() - timing_.begin;
+    if (source) {
         const double written = static_cast<double>(last_) / timing_.timeScale;
-        farthest_ = std::max(farthest_, std::abs(written - own * timing_.stretch));
+        farthest_ = std::max(farthest_, std::abs(written - *source * timing_.stretch));
     }
     return {last_, timing_.keepsTimes ? ownDuration(frame) : timing_.frameDuration};
 }

@@ -52,7 +52,10 @@ public:
     double farthestFromSound() const { return farthest_; }
 
 private:
-    std::int64_t ownTime(const media::Frame &frame) const;
+    /// Of the next frame, in seconds since the beginning of the output; nothing where it has none, or one beyond
+    /// belief.
+    std::optional<double> sourceTime(const media::Frame &frame) const;
+    std::int64_t ownTime(std::optional<double> source) const;
     std::int64_t ownDuration(const media::Frame &frame) const;
 
     VideoTiming timing_;

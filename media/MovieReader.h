@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace lumetwin::media {
 
@@ -25,6 +26,9 @@ struct VideoTrack {
     FramePace pace;              ///< rate 0 when unknown
     std::int64_t frameCount = 0; ///< frames that are shown, 0 when unknown
     bool hasTimes = true;        ///< raw streams have none
+    /// When each frame is shown, in the track's ticks, where the file counts frames as they are coded (AVI) and the
+    /// times of single frames mean nothing; else null.
+    std::shared_ptr<const std::vector<std::int64_t>> listedTimes;
     Fraction tick;               ///< unit of the frames' times, seconds
     double startTime = 0;        ///< presentation time of the first frame, seconds
     int rotation = 0;            ///< degrees, clockwise, that the frames are to be turned by: 0 to 359

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace lumetwin::media::ffmpeg {
@@ -47,6 +48,18 @@ std::optional<FrameTimes> indexedFrames(AVStream &stream) {
     return times;
 }
 
+/// Coding runs ahead of showing by some frames, which are left out after the first one: no gap that was meant.
+void closeFirstGap(std::vector<std::int64_t> &starts) {
+    if (starts.size() < 3)
+        return;
+    std::int64_t shortest = starts[2] - starts[1];
+    for (std::size_t index = 2; index + 1 < starts.size(); ++index)
+        shortest = std::min(shortest, starts[index + 1] - starts[index]);
+    const std::int64_t gap = starts[1] - starts[0] - shortest;
+    for (std::size_t index = 1; index < starts.size(); ++index)
+        starts[index] -= std::max<std::int64_t>(gap, 0);
+}
+
 /// The packets of one track, from the beginning to the end.
 class Packets {
 public:
@@ -78,6 +91,10 @@ bool isWithoutTimes(const AVFormatContext &input) {
     return (input.iformat->flags & AVFMT_NOTIMESTAMPS) != 0;
 }
 
+bool countsAsCoded(const AVFormatContext &input) {
+    return std::string_view(input.iformat->name) == "avi";
+}
+
 FrameTimes scanFrames(const std::filesystem::path &file, const AVFormatContext &input, const AVStream &stream,
                       const std::function<bool()> &cancelled) {
     if (auto indexed = indexedFrames(*input.streams[stream.index]))
@@ -98,6 +115,8 @@ FrameTimes scanFrames(const std::filesystem::path &file, const AVFormatContext &
         }
     }
     std::ranges::sort(times.starts);
+    if (countsAsCoded(input))
+        closeFirstGap(times.starts);
     times.end = endOf(times.starts, lastDuration > 0 ? last - times.starts.front() + lastDuration : 0);
     return times;
 }

@@ -12,6 +12,9 @@ namespace lumetwin::media::ffmpeg {
 /// Whether a container has no times of its own, like raw streams.
 bool isWithoutTimes(const AVFormatContext &input);
 
+/// Whether a container counts frames as they are coded, so that only all its times together tell when frames are shown.
+bool countsAsCoded(const AVFormatContext &input);
+
 /// When a track's frames are shown: from the container's index where it lists every frame, else from the packets of the
 /// whole file, which is opened anew and read through (nothing is decoded). Ends early once `cancelled` says so. Throws
 /// MediaError when the file cannot be opened again.

@@ -52,7 +52,7 @@ FramePace paceOf(const FrameTimes &times, Fraction stated) {
 
 void readTiming(const AVFormatContext &input, const AVStream &stream, const std::filesystem::path &file,
                 const std::function<bool()> &cancelled, VideoTrack &track) {
-    const FrameTimes times = ffmpeg::scanFrames(file, input, stream, cancelled);
+    FrameTimes times = ffmpeg::scanFrames(file, input, stream, cancelled);
     track.frameCount = static_cast<std::int64_t>(times.starts.size());
     track.tick = times.tick;
     track.hasTimes = !ffmpeg::isWithoutTimes(input);
@@ -61,6 +61,8 @@ void readTiming(const AVFormatContext &input, const AVStream &stream, const std:
         track.pace = paceOf({}, ffmpeg::statedRate(file, stream));
     else
         track.pace = paceOf(times, rate.num > 0 && rate.den > 0 ? Fraction{rate.num, rate.den} : Fraction{});
+    if (ffmpeg::countsAsCoded(input))
+        track.listedTimes = std::make_shared<const std::vector<std::int64_t>>(std::move(times.starts));
 }
 
 /// The matrix turns counterclockwise; a film is to be turned the other way round.

@@ -215,7 +215,7 @@ std::filesystem::path withStrangeSound(const TemporaryFolder &folder) {
 TEST(AudioCopy, soundThatCannotBeDecodedIsLeftOutWithAWarning) {
     const TemporaryFolder folder;
     const auto movie = withStrangeSound(folder);
-    const auto leftOut = ElementsAre(HasSubstr("the video is written without sound"));
+    const auto leftOut = ElementsAre(HasSubstr("The video is written without sound"));
     EXPECT_THAT(test::toSBS({}, movie, folder / "out.mp4").warnings, leftOut);
     EXPECT_EQ(test::ffprobe(folder / "out.mp4", "stream=codec_type"), "codec_type=video\n");
     EXPECT_THAT(test::toSpatial({}, movie, folder / "out.mov").warnings, leftOut);
