@@ -3,6 +3,7 @@
 #include "app/Appearance.h"
 #include "app/ApplicationIcon.h"
 #include "app/Language.h"
+#include "engine/ProgramEnd.h"
 #include "ui/Accessibility.h"
 
 #include <QApplication>
@@ -21,5 +22,5 @@ int main(int argc, char *argv[]) {
     delegate.applicationDidFinishLaunching(QApplication::arguments().mid(1));
     const int status = QApplication::exec();
     delegate.applicationWillTerminate();
-    return status;
+    return endProgram(status);
 }

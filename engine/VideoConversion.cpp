@@ -4,8 +4,10 @@
 #include "media/MediaError.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <exception>
+#include <future>
 #include <thread>
 
 #include <pthread.h>
@@ -14,6 +16,7 @@ namespace lumetwin {
 
 namespace {
 
+constexpr std::chrono::milliseconds cancelInterval{20};
 constexpr int outputDepth = 8;            // bits a sample
 constexpr double tellableSpeed = 0.5;     // percent
 constexpr double tellableDistance = 0.06; // seconds
@@ -32,6 +35,7 @@ public:
               } catch (...) {
                   failure_ = std::current_exception();
               }
+              end_.set_value();
           }) {}
     NamedThread(const NamedThread &) = delete;
     NamedThread &operator=(const NamedThread &) = delete;
@@ -39,6 +43,9 @@ public:
         if (thread_.joinable())
             thread_.join();
     }
+
+    /// Whether the end came within that time.
+    bool endsWithin(std::chrono::milliseconds time) const { return ended_.wait_for(time) == std::future_status::ready; }
 
     /// Waits for the end; the exception that ended it, if any.
     std::exception_ptr wait() {
@@ -48,6 +55,8 @@ public:
 
 private:
     std::exception_ptr failure_;
+    std::promise<void> end_;
+    std::future<void> ended_ = end_.get_future();
     std::thread thread_;
 };
 
@@ -128,8 +137,15 @@ Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, medi
             writer.abandon();
         writer.finishVideo();
     });
+    std::optional<NamedThread> audio;
     if (source.audio)
-        NamedThread(names.audio, [&] { copyAudio(*source.audio, writer, control, source.warnings); }).wait();
+        audio.emplace(names.audio, [&] { copyAudio(*source.audio, writer, control, source.warnings); });
+    // Both may wait for the writer: when the user cancels, it no longer lets anybody wait.
+    while (!video.endsWithin(cancelInterval) || (audio && !audio->endsWithin(cancelInterval)))
+        if (control.cancelled())
+            writer.abandon();
+    if (audio)
+        audio->wait();
     if (const std::exception_ptr failure = video.wait()) {
         writer.cancel();
         std::rethrow_exception(failure);

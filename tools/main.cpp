@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/ProgramEnd.h"
 #include "tools/Commands.h"
 
 int main(int count, char **arguments) {
-    return lumetwin::batch::runBatchTool(count, arguments);
+    return lumetwin::endProgram(lumetwin::batch::runBatchTool(count, arguments));
 }

@@ -2,6 +2,7 @@
 #include "media/MovieWriter.h"
 
 #include "media/BoundedQueue.h"
+#include "media/LingeringThreads.h"
 #include "media/PartialFile.h"
 #include "media/ffmpeg/AudioEncoder.h"
 #include "media/ffmpeg/MovieHeader.h"
@@ -31,6 +32,8 @@ constexpr const char *operation = "Cannot write";
 constexpr std::size_t picturesAhead = 3;
 // How often a writer that waits for its encoder looks whether it is cancelled.
 constexpr std::chrono::milliseconds cancelInterval{20};
+// How long a writer that is cancelled waits for its encoder to stop.
+constexpr std::chrono::milliseconds patience{200};
 // A file that is never finished can be read up to its last fragment; each holds this much.
 constexpr const char *fragmentDuration = "2000000"; // microseconds
 constexpr int largestSide = 16384;
@@ -52,7 +55,7 @@ struct TimedPicture {
 
 } // namespace
 
-struct MovieWriter::State {
+struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
     std::filesystem::path output;
     PartialFile partial;
     std::optional<StereoVideoEncoding> stereo;
@@ -71,7 +74,7 @@ struct MovieWriter::State {
     TrackBalance balance;
     BoundedQueue<TimedPicture> pictures{picturesAhead};
     std::thread encoding;
-    std::promise<void> encoded; ///< the thread has come to its end
+    std::future<void> encoded; ///< the thread has come to its end
     std::mutex muxing;
     bool headerWritten = false;
     std::mutex failing;
@@ -87,9 +90,10 @@ struct MovieWriter::State {
         check(avio_open(&muxer->pb, ffmpeg::fileAddress(partial.path()).c_str(), AVIO_FLAG_WRITE), output, operation);
     }
 
-    ~State() {
+    /// The writer lets go: what is encoded still will not be written.
+    void release() {
         abandon();
-        joinEncoding();
+        leaveEncoding();
         if (!headerWritten)
             partial.discard();
     }
@@ -114,6 +118,16 @@ struct MovieWriter::State {
             encoding.join();
     }
 
+    /// Waits for the encoder's thread if it ends soon.
+    void leaveEncoding() {
+        if (!encoding.joinable())
+            return;
+        if (encoded.wait_for(patience) == std::future_status::ready)
+            encoding.join();
+        else
+            lingering::leave(std::move(encoding));
+    }
+
     template <typename Work> void guarded(const Work &work) {
         try {
             work();
@@ -132,11 +146,11 @@ struct MovieWriter::State {
     }
 
     void writePacket(AVPacket &packet, AVStream &stream, AVRational base) {
+        const std::lock_guard lock(muxing);
         if (idle)
             throw Abandoned();
         packet.stream_index = stream.index;
         av_packet_rescale_ts(&packet, base, stream.time_base);
-        const std::lock_guard lock(muxing);
         check(av_interleaved_write_frame(muxer.get(), &packet), output, operation);
     }
 
@@ -168,10 +182,16 @@ struct MovieWriter::State {
         }
         writeHeader();
         if (video)
-            encoding = std::thread([this] {
-                encodePictures();
-                encoded.set_value();
-            });
+            startEncoding();
+    }
+
+    void startEncoding() {
+        std::promise<void> end;
+        encoded = end.get_future();
+        encoding = std::thread([self = shared_from_this(), end = std::move(end)]() mutable {
+            self->encodePictures();
+            end.set_value();
+        });
     }
 
     void writeHeader() {
@@ -214,15 +234,17 @@ struct MovieWriter::State {
     /// Waits for the last pictures to be coded, or for the wish to cancel.
     void drain(const std::function<bool()> &cancelled) {
         pictures.close();
-        const std::future<void> end = encoded.get_future();
-        while (encoding.joinable() && !cancelled() && end.wait_for(cancelInterval) != std::future_status::ready)
+        while (encoding.joinable() && !cancelled() && encoded.wait_for(cancelInterval) != std::future_status::ready)
             continue;
     }
 
     void cancel() {
         abandon();
-        joinEncoding();
-        avio_closep(&muxer->pb);
+        leaveEncoding();
+        {
+            const std::lock_guard lock(muxing);
+            avio_closep(&muxer->pb);
+        }
         partial.discard();
         throwFailure();
     }
@@ -265,9 +287,11 @@ void MovieWriter::requireSize(const std::filesystem::path &output, std::int64_t 
 }
 
 MovieWriter::MovieWriter(const std::filesystem::path &output, Container container, MovieTags tags)
-    : state_(std::make_unique<State>(output, container, std::move(tags))) {}
+    : state_(std::make_shared<State>(output, container, std::move(tags))) {}
 
-MovieWriter::~MovieWriter() = default;
+MovieWriter::~MovieWriter() {
+    state_->release();
+}
 
 void MovieWriter::addAudio(const AudioEncoding &encoding) {
     State &state = *state_;

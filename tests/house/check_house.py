@@ -14,7 +14,7 @@ CODE = {".h", ".cpp"}
 SCRIPTS = {".sh", ".py", ".cmake"}
 HOUSE = ("model", "media", "engine", "tools", "ui", "app")
 CODEC_LIBRARIES = re.compile(
-    r"^(libav\w+/|libsw\w+/|x26[45]|libheif/|zimg|jpeglib\.h|jerror\.h|turbojpeg|png\w*\.h|tiff\w*\.h|lcms2)")
+    r"^(libav\w+/|libsw\w+/|x26[45]|libheif/|zimg|rubberband/|jpeglib\.h|jerror\.h|turbojpeg|png\w*\.h|tiff\w*\.h|lcms2)")
 QT = re.compile(r"^(Q[A-Z]\w*|Qt\w*/)")
 STANDARD = re.compile(r"^[a-z0-9_]+$")
 SPDX = "SPDX-License-Identifier: GPL-3.0-or-later"

@@ -39,12 +39,12 @@ class FlatpakManifest(unittest.TestCase):
                 if source["type"] == "archive":
                     self.assertRegex(source["sha256"], "^[0-9a-f]{64}$")
                 if source["type"] == "git":
-                    self.assertRegex(source.get("commit") or source["tag"], r"^([0-9a-f]{40}|(release-)?\d+(\.\d+)+)$", name)
+                    self.assertRegex(source.get("commit") or source["tag"], r"^([0-9a-f]{40}|(release-|v)?\d+(\.\d+)+)$", name)
 
     def test_each_library_comes_before_what_needs_it(self):
         order = list(self.modules)
         for library, user in (("nasm", "x264"), ("nasm", "x265"), ("nasm", "dav1d"), ("x264", "ffmpeg"), ("x265", "ffmpeg"),
-                              ("dav1d", "ffmpeg"), ("ffmpeg", "libheif"), ("zimg", "lumetwin"), ("fmt", "lumetwin")):
+                              ("dav1d", "ffmpeg"), ("ffmpeg", "libheif"), ("zimg", "lumetwin"), ("rubberband", "lumetwin"), ("fmt", "lumetwin")):
             self.assertLess(order.index(library), order.index(user))
         self.assertEqual(order[-1], "lumetwin")
 
