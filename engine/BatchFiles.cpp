@@ -14,7 +14,8 @@ BatchFiles::BatchFiles(const ConversionSettings &settings, const std::vector<Lis
     for (const ListedFile &listed : files) {
         const Path folder =
             listed.folder.empty() ? *settings.outputFolderURL : *settings.outputFolderURL / listed.folder;
-        files_.push_back({listed.file, lastPathComponent(listed.file), folder / outputName(listed.file, settings)});
+        files_.push_back(
+            {listed.file, lastPathComponent(listed.file), folder / outputName(listed.file, settings), listed.obstacle});
         indexesByOutput_.emplace(files_.back().output, files_.size() - 1);
     }
 }
@@ -27,7 +28,7 @@ bool BatchFiles::isSpatial(std::size_t index) const {
 }
 
 bool BatchFiles::suits(std::size_t index) const {
-    return isSpatial(index) == (direction_ == ConversionDirection::spatialToSBS);
+    return obstacle(index).empty() && isSpatial(index) == (direction_ == ConversionDirection::spatialToSBS);
 }
 
 std::vector<std::size_t> BatchFiles::rivals(std::size_t index) const {

@@ -29,6 +29,9 @@ public:
     /// The place of the result by the naming rules, whatever lies there.
     const Path &output(std::size_t index) const { return files_[index].output; }
 
+    /// Why a folder that stands in the place of a file cannot be listed; empty for a file.
+    const std::string &obstacle(std::size_t index) const { return files_[index].obstacle; }
+
     bool isSpatial(std::size_t index) const;
     /// Whether the run converts the file, by its direction.
     bool suits(std::size_t index) const;
@@ -40,6 +43,7 @@ private:
         Path input;
         std::string name;
         Path output;
+        std::string obstacle;
     };
 
     ConversionDirection direction_;

@@ -14,6 +14,15 @@ std::string nameOf(const ListedFile &listed) {
     return lastPathComponent(listed.file);
 }
 
+/// The direct children that are not hidden, with what the listing itself tells of them.
+std::vector<std::filesystem::directory_entry> visibleEntries(const std::filesystem::path &folder) {
+    std::vector<std::filesystem::directory_entry> entries;
+    for (const auto &entry : std::filesystem::directory_iterator(folder))
+        if (!lastPathComponent(entry.path()).starts_with('.'))
+            entries.push_back(entry);
+    return entries;
+}
+
 bool isFolderToEnter(const std::filesystem::directory_entry &entry, const std::filesystem::path &except) {
     std::error_code ignored;
     return entry.is_directory(ignored) && !entry.is_symlink(ignored) &&
@@ -25,20 +34,16 @@ void addTree(const std::filesystem::path &folder, const std::filesystem::path &r
              const std::filesystem::path &except, std::vector<ListedFile> &files) {
     std::vector<std::filesystem::path> here;
     std::vector<std::filesystem::path> folders;
-    for (const std::filesystem::path &child : visibleChildren(folder)) {
-        if (isFolderToEnter(std::filesystem::directory_entry(child), except))
-            folders.push_back(child);
-        else
-            here.push_back(child);
-    }
+    for (const std::filesystem::directory_entry &entry : visibleEntries(folder))
+        (isFolderToEnter(entry, except) ? folders : here).push_back(entry.path());
     for (ListedFile &listed : mediaFiles(here))
-        files.push_back({std::move(listed.file), relative});
+        files.push_back({std::move(listed.file), relative, {}});
     std::ranges::sort(folders);
     for (const std::filesystem::path &child : folders) {
         try {
             addTree(child, relative / child.filename(), except, files);
-        } catch (const std::filesystem::filesystem_error &) {
-            continue; // a folder that may not be read holds nothing for this user
+        } catch (const std::filesystem::filesystem_error &error) {
+            files.push_back({child, relative, error.code().message()});
         }
     }
 }
@@ -47,9 +52,8 @@ void addTree(const std::filesystem::path &folder, const std::filesystem::path &r
 
 std::vector<std::filesystem::path> visibleChildren(const std::filesystem::path &folder) {
     std::vector<std::filesystem::path> children;
-    for (const auto &entry : std::filesystem::directory_iterator(folder))
-        if (!lastPathComponent(entry.path()).starts_with('.'))
-            children.push_back(entry.path());
+    for (const std::filesystem::directory_entry &entry : visibleEntries(folder))
+        children.push_back(entry.path());
     return children;
 }
 
@@ -57,7 +61,7 @@ std::vector<ListedFile> mediaFiles(const std::vector<std::filesystem::path> &fil
     std::vector<ListedFile> kept;
     for (const std::filesystem::path &file : files)
         if (isMediaFile(file))
-            kept.push_back({file, {}});
+            kept.push_back({file, {}, {}});
     std::ranges::stable_sort(kept, {}, nameOf);
     return kept;
 }

@@ -6,9 +6,11 @@
 #include "engine/Texts.h"
 
 #include <cerrno>
+#include <limits>
 #include <string>
 #include <system_error>
 
+#include <fcntl.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
@@ -26,13 +28,20 @@ bool isTaken(const Path &file) {
     return std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
 }
 
+/// The place itself for 1, else the one with a number: "trip_sbs 2.mp4".
+Path numbered(const Path &output, int number) {
+    if (number == 1)
+        return output;
+    return output.parent_path() / (output.stem().string() + " " + std::to_string(number) + output.extension().string());
+}
+
 [[noreturn]] void refuseFolder(const Path &folder, const std::error_code &error) {
     throw processorError(
         formatted("error.output.folder.not.writable.format", lastPathComponent(folder), error.message()));
 }
 
 void requireWritableFolder(const Path &folder) {
-    if (::access(folder.c_str(), W_OK | X_OK) != 0)
+    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
         refuseFolder(folder, std::error_code(errno, std::generic_category()));
 }
 
@@ -50,12 +59,18 @@ std::optional<Path> settledOutput(const Path &output, OnExisting onExisting) {
         return output;
     if (onExisting == OnExisting::skip)
         return std::nullopt;
-    for (int number = 2;; ++number) {
-        Path numbered = output;
-        numbered.replace_filename(output.stem().string() + " " + std::to_string(number) + output.extension().string());
-        if (!isTaken(numbered))
-            return numbered;
-    }
+    int number = 2;
+    while (isTaken(numbered(output, number)))
+        ++number;
+    return numbered(output, number);
+}
+
+std::vector<Path> takenPlaces(const Path &output, OnExisting onExisting) {
+    std::vector<Path> places;
+    const int most = onExisting == OnExisting::keepBoth ? std::numeric_limits<int>::max() : 1;
+    for (int number = 1; number <= most && isTaken(numbered(output, number)); ++number)
+        places.push_back(numbered(output, number));
+    return places;
 }
 
 void preparePlace(const Path &output, const Path &outputFolder) {

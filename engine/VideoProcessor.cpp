@@ -127,6 +127,10 @@ VideoProcessor::Ending VideoProcessor::ending() const {
 
 void VideoProcessor::handle(const BatchFiles &files, std::size_t index, const OutputGuard &guard) {
     FileResult &result = results_[index];
+    if (const std::string &obstacle = files.obstacle(index); !obstacle.empty()) {
+        const std::string message = formatted("error.folder.not.readable.format", files.name(index), obstacle);
+        return fail(result, message, message);
+    }
     if (isSkipped(files, index, result))
         return;
     const auto began = std::chrono::steady_clock::now();
@@ -141,23 +145,31 @@ void VideoProcessor::handle(const BatchFiles &files, std::size_t index, const Ou
 }
 
 bool VideoProcessor::isSkipped(const BatchFiles &files, std::size_t index, FileResult &result) {
-    const Path &output = files.output(index);
     if (!files.suits(index)) {
         const bool isSpatial = files.isSpatial(index);
         const char *kind = isPhotoFile(result.input) ? " photo" : isSpatial ? " video" : "";
         skip(result, FileState::skipped, text(isSpatial ? "status.skipped.spatial" : "status.skipped.not.spatial"),
              std::string(isSpatial ? "spatial" : "not spatial") + kind);
-    } else if (settings->skipExisting && files.rivals(index).empty() && isUpToDate(result.input, output)) {
-        // Of two files whose results have one name, nobody knows which one the result is of.
-        result.output = output;
+    } else if (const std::optional<Path> finished = finishedEarlier(files, index)) {
+        result.output = *finished;
         skip(result, FileState::upToDate, text("status.up.to.date"), "up to date");
-    } else if (!settledOutput(output, settings->onExisting)) {
-        skip(result, FileState::skipped, formatted("status.skipped.exists.format", lastPathComponent(output)),
-             "its result exists");
+    } else if (!settledOutput(files.output(index), settings->onExisting)) {
+        const std::string name = lastPathComponent(files.output(index));
+        skip(result, FileState::skipped, formatted("status.skipped.exists.format", name), "its result exists");
     } else {
         return false;
     }
     return true;
+}
+
+std::optional<std::filesystem::path> VideoProcessor::finishedEarlier(const BatchFiles &files, std::size_t index) const {
+    // Of two files whose results have one name, nobody knows which one a result is of.
+    if (!settings->skipExisting || !files.rivals(index).empty())
+        return std::nullopt;
+    for (const Path &place : takenPlaces(files.output(index), settings->onExisting))
+        if (isUpToDate(files.input(index), place))
+            return place;
+    return std::nullopt;
 }
 
 void VideoProcessor::skip(FileResult &result, FileState state, const std::string &reason, const std::string &logged) {

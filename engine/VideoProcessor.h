@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -80,6 +81,8 @@ private:
     void handle(const BatchFiles &files, std::size_t index, const OutputGuard &guard);
     /// Whether the file is passed over, by its direction or by what lies at its output's place; then says why.
     bool isSkipped(const BatchFiles &files, std::size_t index, FileResult &result);
+    /// The result that an earlier run has finished, where such results are left alone.
+    std::optional<std::filesystem::path> finishedEarlier(const BatchFiles &files, std::size_t index) const;
     void skip(FileResult &result, FileState state, const std::string &reason, const std::string &logged);
     void convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result);
     void fail(FileResult &result, const std::string &logged, const std::string &message);

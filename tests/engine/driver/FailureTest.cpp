@@ -124,14 +124,45 @@ TEST_F(Failure, OutputFolderThatVanishes) {
 
 TEST_F(Failure, OutputThatIsAnInputIsNotWritten) {
     spatial("a.mov");
-    const std::filesystem::path victim = file("a_sbs.mp4");
+    spatial("a_sbs.mp4");
     settings->outputFolderURL = input.path();
     useFolder();
     run();
     EXPECT_THAT(failures, ElementsAre("a.mov|Converting a.mov would overwrite a_sbs.mp4, which is also an input."));
+    EXPECT_THAT(calls, ElementsAre("videoToSBS a_sbs.mp4 a_sbs_sbs.mp4"));
+    EXPECT_EQ(readFile(input / "a_sbs.mp4").size(), std::string("source").size());
+    EXPECT_THAT(completions, ElementsAre(Completion{false, "Converted: 1, failed: 1"}));
+}
+
+TEST_F(Failure, InputThatTheRunSkipsIsNoObstacle) {
+    spatial("a.mov");
+    file("a_sbs.mp4");
+    settings->outputFolderURL = input.path();
+    useFolder();
+    run();
+    EXPECT_THAT(failures, IsEmpty());
+    EXPECT_THAT(calls, ElementsAre("videoToSBS a.mov a_sbs.mp4"));
+    EXPECT_EQ(readFile(input / "a_sbs.mp4").size(), std::string("converted").size());
+}
+
+TEST_F(Failure, OutputThatIsALinkToItsOwnSourceIsNotWritten) {
+    spatial("a.mov");
+    std::filesystem::create_symlink(input / "a.mov", output / "a_sbs.mp4");
+    useFolder();
+    run();
+    EXPECT_THAT(failures, ElementsAre("a.mov|Converting a.mov would overwrite a.mov, which is also an input."));
     EXPECT_THAT(calls, IsEmpty());
-    EXPECT_EQ(readFile(victim).size(), std::string("source").size());
-    EXPECT_THAT(completions, ElementsAre(Completion{false, "Converted: 0, failed: 1"}));
+    EXPECT_EQ(readFile(input / "a.mov").size(), std::string("source").size());
+}
+
+TEST_F(Failure, PlaceIsLookedAtBeforeTheWork) {
+    spatial("a.mov");
+    spatial("b.mov");
+    std::filesystem::create_directory(output / "a_sbs.mp4");
+    useFolder();
+    run();
+    EXPECT_THAT(failures, ElementsAre("a.mov|There is a folder of the name a_sbs.mp4."));
+    EXPECT_THAT(calls, ElementsAre("videoToSBS b.mov b_sbs.mp4"));
 }
 
 TEST_F(Failure, OutputThatIsNoInputOfTheRunMayBeReplaced) {

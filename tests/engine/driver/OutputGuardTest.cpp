@@ -91,9 +91,17 @@ TEST_F(Guard, InputThatIsADeviceIsNotRead) {
     EXPECT_EQ(complaint(folder / "out/a_sbs.mp4"), "a.mov is not a regular file.");
 }
 
-TEST_F(Guard, MissingOutputFolderIsNamed) {
-    EXPECT_EQ(complaint(folder / "gone/a_sbs.mp4"), "The output folder gone does not exist.");
-    EXPECT_EQ(complaint(folder / "in/a.mov/a_sbs.mp4"), "The output folder a.mov does not exist.");
+TEST_F(Guard, InputsThatTheRunSkipsMayBeReplaced) {
+    const OutputGuard skipsTheSecond(inputs, [](std::size_t index) { return index == 0; });
+    EXPECT_NO_THROW(skipsTheSecond.check(inputs[0], inputs[1]));
+    EXPECT_THROW(skipsTheSecond.check(inputs[1], inputs[0]), ProcessorError);
+}
+
+TEST_F(Guard, SourceItselfIsNeverReplacedWhateverIsSkipped) {
+    const OutputGuard skipsAll(inputs, [](std::size_t) { return false; });
+    EXPECT_THROW(skipsAll.check(inputs[0], inputs[0]), ProcessorError);
+    std::filesystem::create_symlink(inputs[0], folder / "out/a_sbs.mp4");
+    EXPECT_THROW(skipsAll.check(inputs[0], folder / "out/a_sbs.mp4"), ProcessorError);
 }
 
 } // namespace
