@@ -45,9 +45,10 @@ void requireWritableFolder(const Path &folder) {
         refuseFolder(folder, std::error_code(errno, std::generic_category()));
 }
 
+/// Below 0 where that is unknown: some file systems of networks and devices state no size at all.
 double freeBytes(const Path &folder) {
     struct statvfs facts {};
-    if (::statvfs(folder.c_str(), &facts) != 0)
+    if (::statvfs(folder.c_str(), &facts) != 0 || facts.f_blocks == 0)
         return -1;
     return static_cast<double>(facts.f_bavail) * static_cast<double>(facts.f_frsize);
 }

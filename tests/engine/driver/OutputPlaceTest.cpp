@@ -160,6 +160,7 @@ TEST_F(Place, TooLittleSpaceIsToldInNumbers) {
 
 TEST_F(Place, UnknownSpaceIsNoObstacle) {
     EXPECT_EQ(complaint([&] { requireSpace(folder / "gone/a_sbs.mp4", 1e30); }), "");
+    EXPECT_EQ(complaint([&] { requireSpace("/proc/a_sbs.mp4", 1e30); }), "") << "a file system that states no size";
 }
 
 } // namespace
