@@ -40,12 +40,12 @@ void applyOption(std::string_view argument, Arguments &rest, BatchOptions &optio
     if (option->argument.empty()) {
         if (sign != std::string_view::npos)
             throw UsageError(name + " takes no value");
-        return option->apply(*options.settings, {}, name);
+        return option->apply(options, {}, name);
     }
     if (sign == std::string_view::npos && rest.empty())
         throw UsageError(name + " needs a value: " + std::string(option->argument));
     const std::string_view value = sign == std::string_view::npos ? takeFirst(rest) : argument.substr(sign + 1);
-    option->apply(*options.settings, value, name);
+    option->apply(options, value, name);
 }
 
 std::int64_t nextMultipleOf16(std::int64_t size) {
@@ -109,6 +109,8 @@ void settleFiles(BatchOptions &options) {
         if (!isMediaFile(file))
             options.remarks.push_back(shown(file) + " is left out: its kind of file is not known");
     }
+    if (options.settings->recursive)
+        options.remarks.emplace_back("--recursive changes nothing without an input folder");
     options.settings->inputFiles = options.inputs;
 }
 

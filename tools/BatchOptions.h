@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -24,7 +25,9 @@ enum class Command { convert, inspect, help, version };
 struct BatchOptions {
     Command command = Command::convert;
     std::vector<std::filesystem::path> inputs;
-    bool json = false; ///< of inspect
+    bool json = false;                           ///< of inspect
+    std::optional<std::filesystem::path> report; ///< receives the results as JSON; "-" is standard output
+    bool strict = false;                         ///< warnings count as failures for the exit status
     std::shared_ptr<ConversionSettings> settings = std::make_shared<ConversionSettings>();
     std::vector<std::string> remarks; ///< for the user, about options that change nothing
 };

@@ -30,7 +30,8 @@ int told(int status) {
 }
 
 int run(BatchOptions options, const std::function<MediaOperations()> &operations) {
-    Console console;
+    // Whoever reads the report from standard output reads nothing else there.
+    Console console(options.report == "-" ? stderr : stdout);
     switch (options.command) {
     case Command::help:
         std::fputs(helpText().c_str(), stdout);

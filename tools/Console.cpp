@@ -27,7 +27,7 @@ void write(std::FILE *stream, const std::string &text) {
 
 } // namespace
 
-Console::Console() : live_(isCapableTerminal()) {}
+Console::Console(std::FILE *lines) : lines_(lines), live_(isCapableTerminal()) {}
 
 Console::~Console() {
     clearProgress();
@@ -39,7 +39,7 @@ int Console::columns() const {
 }
 
 void Console::print(const std::string &line) {
-    printTo(stdout, line);
+    printTo(lines_, line);
 }
 
 void Console::printError(const std::string &line) {

@@ -6,11 +6,11 @@
 
 namespace lumetwin::batch {
 
-/// Lines on standard output and, on a terminal, one line of progress on standard error that is redrawn in place.
-/// Not for use from several threads at once.
+/// Lines on standard output (or another stream) and, on a terminal, one line of progress on standard error that is
+/// redrawn in place. Not for use from several threads at once.
 class Console {
 public:
-    Console();
+    explicit Console(std::FILE *lines = stdout);
     ~Console();
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
@@ -28,6 +28,7 @@ public:
 private:
     void printTo(std::FILE *stream, const std::string &line);
 
+    std::FILE *lines_;
     bool live_ = false;
     std::string shown_; ///< the progress on the screen
 };

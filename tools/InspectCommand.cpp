@@ -4,10 +4,11 @@
 #include "engine/FileNames.h"
 #include "engine/MediaDescription.h"
 #include "engine/Texts.h"
+#include "tools/Json.h"
 
-#include <fmt/format.h>
-
+#include <cerrno>
 #include <fstream>
+#include <optional>
 #include <system_error>
 
 namespace lumetwin::batch {
@@ -32,42 +33,35 @@ std::string obstacle(const std::filesystem::path &file) {
     return {};
 }
 
-std::string jsonString(std::string_view text) {
-    std::string result = "\"";
-    for (const char character : printable(text)) {
-        if (character == '"' || character == '\\')
-            result += '\\';
-        result += character;
-    }
-    return result + '"';
-}
-
-std::string json(const std::optional<double> &value) {
-    return value ? fmt::format("{}", *value) : "null";
-}
-
 std::string_view eyeName(Eye eye) {
     return eye == Eye::left ? "left" : eye == Eye::right ? "right" : "none";
 }
 
-std::string json(const std::filesystem::path &file, const MediaDescription &description) {
-    const bool isVideo = description.kind == Kind::video;
-    std::string object = fmt::format(
-        R"({{"file": {}, "kind": "{}", "spatial": {}, "horizontalFOV": {}, "stereoBaseline": {}, "disparityAdjustment": {})",
-        jsonString(file.string()), isVideo ? "video" : "photo", description.isSpatial,
-        json(description.values.horizontalFOV), json(description.values.stereoBaseline),
-        json(description.values.disparity));
-    if (isVideo)
-        object += fmt::format(R"(, "leftEye": {}, "rightEye": {}, "heroEye": {}, "projection": {}, "multilayer": {})",
-                              description.hasLeftEye, description.hasRightEye,
-                              description.heroEye ? jsonString(eyeName(*description.heroEye)) : "null",
-                              description.projection.empty() ? "null" : jsonString(description.projection),
-                              description.isMultilayer);
-    return object + "}";
+/// null where the file does not carry the value.
+template <typename Value> Json orNull(const std::optional<Value> &value) {
+    return value ? Json(*value) : Json(nullptr);
 }
 
-std::string jsonError(const std::filesystem::path &file, const std::string &reason) {
-    return fmt::format(R"({{"file": {}, "error": {}}})", jsonString(file.string()), jsonString(reason));
+Json objectOf(const std::filesystem::path &file, const MediaDescription &description) {
+    const bool isVideo = description.kind == Kind::video;
+    Json object{{"file", file.string()},
+                {"kind", isVideo ? "video" : "photo"},
+                {"spatial", description.isSpatial},
+                {"horizontalFOV", orNull(description.values.horizontalFOV)},
+                {"stereoBaseline", orNull(description.values.stereoBaseline)},
+                {"disparityAdjustment", orNull(description.values.disparity)}};
+    if (isVideo) {
+        object["leftEye"] = description.hasLeftEye;
+        object["rightEye"] = description.hasRightEye;
+        object["heroEye"] = description.heroEye ? Json(eyeName(*description.heroEye)) : Json(nullptr);
+        object["projection"] = description.projection.empty() ? Json(nullptr) : Json(description.projection);
+        object["multilayer"] = description.isMultilayer;
+    }
+    return object;
+}
+
+Json objectOf(const std::filesystem::path &file, const std::string &obstacle) {
+    return {{"file", file.string()}, {"error", obstacle}};
 }
 
 std::string headline(const MediaDescription &description) {
@@ -112,7 +106,7 @@ void printWords(Console &console, const std::filesystem::path &file, const Media
 
 int inspectCommand(const BatchOptions &options, Console &console) {
     int status = allWell;
-    std::string objects;
+    Json objects = Json::array();
     for (const std::filesystem::path &file : options.inputs) {
         const std::string reason = obstacle(file);
         if (!reason.empty()) {
@@ -120,13 +114,12 @@ int inspectCommand(const BatchOptions &options, Console &console) {
             console.printError("lumetwin-batch: " + file.string() + ": " + reason);
         }
         if (options.json)
-            objects += (objects.empty() ? "" : ",\n ") +
-                       (reason.empty() ? json(file, describeMedia(file)) : jsonError(file, reason));
+            objects.push_back(reason.empty() ? objectOf(file, describeMedia(file)) : objectOf(file, reason));
         else if (reason.empty())
             printWords(console, file, describeMedia(file));
     }
     if (options.json)
-        std::fputs(("[" + objects + "]\n").c_str(), stdout);
+        std::fputs(jsonText(objects).c_str(), stdout);
     return status;
 }
 

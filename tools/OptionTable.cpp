@@ -2,6 +2,7 @@
 #include "tools/OptionTable.h"
 
 #include "tools/BatchOptions.h"
+#include "tools/CaseNames.h"
 
 #include <fmt/format.h>
 
@@ -15,22 +16,8 @@
 namespace lumetwin::batch {
 namespace {
 
-template <typename Case, std::size_t count> using Names = std::array<std::pair<std::string_view, Case>, count>;
-
-constexpr Names<ConversionDirection, 2> directions{
-    {{"spatialToSBS", ConversionDirection::spatialToSBS}, {"sbsToSpatial", ConversionDirection::sbsToSpatial}}};
-constexpr Names<SBSOutputFormat, 3> videoFormats{{{"mp4H264", SBSOutputFormat::mp4H264},
-                                                  {"mp4H265", SBSOutputFormat::mp4H265},
-                                                  {"movHEVC", SBSOutputFormat::movHEVC}}};
-constexpr Names<SBSPhotoOutputFormat, 4> photoFormats{{{"jpg", SBSPhotoOutputFormat::jpg},
-                                                       {"png", SBSPhotoOutputFormat::png},
-                                                       {"tiff", SBSPhotoOutputFormat::tiff},
-                                                       {"heic", SBSPhotoOutputFormat::heic}}};
-constexpr Names<ResizeMode, 3> resizeModes{
-    {{"stretch", ResizeMode::stretch}, {"cropFill", ResizeMode::cropFill}, {"letterbox", ResizeMode::letterbox}}};
-
 template <typename Case, std::size_t count>
-Case caseOf(const Names<Case, count> &names, std::string_view value, const std::string &option) {
+Case caseOf(const CaseNames<Case, count> &names, std::string_view value, const std::string &option) {
     std::string known;
     for (const auto &[name, result] : names) {
         if (name == value)
@@ -70,42 +57,61 @@ std::int64_t sizeOf(std::string_view value, const std::string &option) {
     return size;
 }
 
-using Settings = ConversionSettings;
+using Options = BatchOptions;
 using Value = std::string_view;
 using Name = const std::string &;
 
-// In the order of the record's fields. The ranges are those of the window's controls.
+// Those of the record in the order of its fields. The ranges are those of the window's controls.
 constexpr std::array options{
     Option{"--direction", "DIRECTION", "spatialToSBS (default) or sbsToSpatial",
-           [](Settings &s, Value v, Name n) { s.direction = caseOf(directions, v, n); }},
-    Option{"--output", "FOLDER", "receives the results; files of the same names are replaced",
-           [](Settings &s, Value v, Name n) {
+           [](Options &o, Value v, Name n) { o.settings->direction = caseOf(directionNames, v, n); }},
+    Option{"--output", "FOLDER", "receives the results",
+           [](Options &o, Value v, Name n) {
                if (v.empty())
                    throw UsageError(n + ": the folder has no name");
-               s.outputFolderURL = std::filesystem::path(v);
+               o.settings->outputFolderURL = std::filesystem::path(v);
            }},
     Option{"--horizontal-fov", "DEGREES", "field of view to write, 10 to 180 (63.4)",
-           [](Settings &s, Value v, Name n) { s.horizontalFOV = numberOf(v, 10, 180, n); }},
+           [](Options &o, Value v, Name n) { o.settings->horizontalFOV = numberOf(v, 10, 180, n); }},
     Option{"--disparity-adjustment", "PERCENT", "disparity adjustment to write, -100 to 100 (2)",
-           [](Settings &s, Value v, Name n) { s.disparityAdjustment = numberOf(v, -100, 100, n); }},
+           [](Options &o, Value v, Name n) { o.settings->disparityAdjustment = numberOf(v, -100, 100, n); }},
     Option{"--stereo-baseline", "MILLIMETRES", "distance of the lenses to write, 1 to 200 (19.24)",
-           [](Settings &s, Value v, Name n) { s.stereoBaseline = numberOf(v, 1, 200, n); }},
+           [](Options &o, Value v, Name n) { o.settings->stereoBaseline = numberOf(v, 1, 200, n); }},
     Option{"--sbs-output-format", "FORMAT", "of side-by-side video: mp4H264 (default), mp4H265, movHEVC",
-           [](Settings &s, Value v, Name n) { s.sbsOutputFormat = caseOf(videoFormats, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->sbsOutputFormat = caseOf(videoFormatNames, v, n); }},
     Option{"--sbs-photo-output-format", "FORMAT", "of side-by-side photos: jpg (default), png, tiff, heic",
-           [](Settings &s, Value v, Name n) { s.sbsPhotoOutputFormat = caseOf(photoFormats, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->sbsPhotoOutputFormat = caseOf(photoFormatNames, v, n); }},
     Option{"--compression-quality", "QUALITY", "0 to 1 (0.75)",
-           [](Settings &s, Value v, Name n) { s.compressionQuality = numberOf(v, 0, 1, n); }},
-    Option{"--half-width", "", "pack each eye at half its width", [](Settings &s, Value, Name) { s.halfWidth = true; }},
-    Option{"--swap-left-right", "", "exchange the eyes", [](Settings &s, Value, Name) { s.swapLeftRight = true; }},
-    Option{"--enable-resize", "", "resize each eye", [](Settings &s, Value, Name) { s.enableResize = true; }},
+           [](Options &o, Value v, Name n) { o.settings->compressionQuality = numberOf(v, 0, 1, n); }},
+    Option{"--half-width", "", "pack each eye at half its width",
+           [](Options &o, Value, Name) { o.settings->halfWidth = true; }},
+    Option{"--swap-left-right", "", "exchange the eyes",
+           [](Options &o, Value, Name) { o.settings->swapLeftRight = true; }},
+    Option{"--enable-resize", "", "resize each eye", [](Options &o, Value, Name) { o.settings->enableResize = true; }},
     Option{"--resize-width", "PIXELS", "width of one eye, even (1920)",
-           [](Settings &s, Value v, Name n) { s.resizeWidth = sizeOf(v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->resizeWidth = sizeOf(v, n); }},
     Option{"--resize-height", "PIXELS", "height of one eye, even (1080)",
-           [](Settings &s, Value v, Name n) { s.resizeHeight = sizeOf(v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->resizeHeight = sizeOf(v, n); }},
     Option{"--resize-mode", "MODE", "stretch, cropFill or letterbox (default)",
-           [](Settings &s, Value v, Name n) { s.resizeMode = caseOf(resizeModes, v, n); }},
-    Option{"--no-copy-audio", "", "leave the sound out", [](Settings &s, Value, Name) { s.copyAudio = false; }},
+           [](Options &o, Value v, Name n) { o.settings->resizeMode = caseOf(resizeModeNames, v, n); }},
+    Option{"--no-copy-audio", "", "leave the sound out",
+           [](Options &o, Value, Name) { o.settings->copyAudio = false; }},
+    Option{"--keep-timing", "", "show each frame at its own time, instead of at a constant rate",
+           [](Options &o, Value, Name) { o.settings->keepTiming = true; }},
+    Option{"--recursive", "", "take the folders below, too, and keep their tree in the output",
+           [](Options &o, Value, Name) { o.settings->recursive = true; }},
+    Option{"--skip-existing", "", "leave alone what an earlier run finished from the same source",
+           [](Options &o, Value, Name) { o.settings->skipExisting = true; }},
+    Option{"--on-existing", "WHAT", "a file of a result's name: replace (default), keep-both, skip",
+           [](Options &o, Value v, Name n) { o.settings->onExisting = caseOf(onExistingNames, v, n); }},
+    Option{"--report", "FILE", "write what became of each file as JSON; - is standard output",
+           [](Options &o, Value v, Name n) {
+               if (v.empty())
+                   throw UsageError(n + ": the file has no name");
+               o.report = std::filesystem::path(v);
+           }},
+    Option{"--strict", "", "a warning counts as a failure for the exit status",
+           [](Options &o, Value, Name) { o.strict = true; }},
 };
 
 } // namespace
@@ -136,7 +142,7 @@ std::string helpText() {
                   "  --version                              the version\n"
                   "\n"
                   "Ctrl+C stops cleanly, a second one at once. Exit status: 0 all files were converted or skipped,\n"
-                  "1 some failed, 2 wrong usage, 130 stopped.\n";
+                  "1 some failed (or, with --strict, have warnings), 2 wrong usage, 130 stopped.\n";
 }
 
 } // namespace lumetwin::batch

@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "model/ConversionSettings.h"
-
 #include <span>
 #include <string>
 #include <string_view>
 
 namespace lumetwin::batch {
 
-/// One option of a conversion; it sets one field of the settings.
+struct BatchOptions;
+
+/// One option of a conversion; it sets one field.
 struct Option {
     std::string_view name;     ///< "--direction"
     std::string_view argument; ///< what help calls its value; empty for a switch
     std::string_view help;     ///< lines that begin with what the option is for
     /// Throws UsageError when the value does not fit; the name is for its words.
-    void (*apply)(ConversionSettings &settings, std::string_view value, const std::string &name);
+    void (*apply)(BatchOptions &options, std::string_view value, const std::string &name);
 };
 
 std::span<const Option> optionTable();

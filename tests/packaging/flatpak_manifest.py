@@ -44,7 +44,8 @@ class FlatpakManifest(unittest.TestCase):
     def test_each_library_comes_before_what_needs_it(self):
         order = list(self.modules)
         for library, user in (("nasm", "x264"), ("nasm", "x265"), ("nasm", "dav1d"), ("x264", "ffmpeg"), ("x265", "ffmpeg"),
-                              ("dav1d", "ffmpeg"), ("ffmpeg", "libheif"), ("zimg", "lumetwin"), ("rubberband", "lumetwin"), ("fmt", "lumetwin")):
+                              ("dav1d", "ffmpeg"), ("ffmpeg", "libheif"), ("zimg", "lumetwin"), ("fmt", "lumetwin"),
+                              ("rubberband", "lumetwin"), ("nlohmann-json", "lumetwin")):
             self.assertLess(order.index(library), order.index(user))
         self.assertEqual(order[-1], "lumetwin")
 

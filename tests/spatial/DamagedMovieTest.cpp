@@ -14,6 +14,7 @@
 namespace lumetwin::test {
 namespace {
 
+using testing::ContainsRegex;
 using testing::HasSubstr;
 
 /// Damages the samples of a movie in place; its tables stay as they are.
@@ -210,7 +211,8 @@ TEST_P(DamagedMovies, withLayersMissingAndExchangedAreConverted) {
         damage.mixLayers();
         damage.write(in(index));
     }
-    EXPECT_THAT(convertAll(count).output, HasSubstr("Converted: 25, skipped: 0, failed: 0"));
+    EXPECT_THAT(convertAll(count).output,
+                ContainsRegex("Converted: 25( .[0-9]+ with warnings.)?, skipped: 0, failed: 0"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, DamagedMovies, testing::Values(1U, 2U, 3U, 4U));
@@ -231,7 +233,7 @@ TEST_F(CraftedMovies, layersOfDifferentVideoParameterSetsDoNotTakeTheDecoderDown
     Damage damage(whole, 1);
     damage.replaceSecondLayer(1, sets);
     damage.write(in(0));
-    EXPECT_THAT(convertAll(1).output, HasSubstr("Converted: 1, skipped: 0, failed: 0"));
+    EXPECT_THAT(convertAll(1).output, ContainsRegex("Converted: 1( .1 with warnings.)?, skipped: 0, failed: 0"));
     EXPECT_EQ(decodeLuma(folder / "out/1000_sbs.mp4").frames.size(), 16U);
 }
 

@@ -3,6 +3,9 @@
 //   fail…     an error
 //   slow…     frames are reported until the run is stopped
 //   stuck…    neither ends nor listens
+//   warn…     is written with a warning and a note
+//   fast…     is written and plays too fast
+//   note…     is written with a note
 //   plain…    is not spatial (nor is a folder)
 // Everything else is written at once.
 #include "engine/ProcessorError.h"
@@ -11,6 +14,7 @@
 #include <chrono>
 #include <fstream>
 #include <thread>
+#include <vector>
 
 using namespace lumetwin;
 
@@ -36,22 +40,37 @@ void reportFrames(const ConversionControl &control) {
         std::this_thread::sleep_for(std::chrono::seconds(1));
 }
 
-void convert(const std::filesystem::path &input, const std::filesystem::path &output,
-             const ConversionControl &control) {
+std::vector<Warning> warningsOf(const std::filesystem::path &input) {
+    std::vector<Warning> warnings;
+    if (begins(input, "warn"))
+        warnings.push_back({WarningKind::framesMissing, {std::int64_t{90}, std::int64_t{120}}});
+    if (begins(input, "fast"))
+        warnings.push_back({WarningKind::speedChanged, {1.5}});
+    if (begins(input, "warn") || begins(input, "note"))
+        warnings.push_back({WarningKind::chaptersLeft, {std::int64_t{3}}});
+    return warnings;
+}
+
+Outcome convert(const std::filesystem::path &input, const std::filesystem::path &output,
+                const ConversionControl &control) {
     if (begins(input, "fail"))
         throw processorError("acted failure");
     if (begins(input, "stuck"))
         neverEnd();
-    if (begins(input, "slow"))
-        return reportFrames(control);
+    if (begins(input, "slow")) {
+        reportFrames(control);
+        return {.written = false, .framesWritten = 8, .framesExpected = 1000, .warnings = {}};
+    }
     std::ofstream(output) << "converted";
+    return {.written = true, .framesWritten = 90, .framesExpected = 120, .warnings = warningsOf(input)};
 }
 
 MediaOperations acted() {
     const auto video = [](const ConversionSettings &, const auto &input, const auto &output,
-                          const ConversionControl &control, SystemVersion) { convert(input, output, control); };
-    const auto photo = [](const ConversionSettings &, const auto &input, const auto &output) {
-        convert(input, output, {});
+                          const ConversionControl &control, SystemVersion) { return convert(input, output, control); };
+    const auto photo = [](const ConversionSettings &, const auto &input, const auto &output,
+                          const ConversionControl &control) {
+        return Outcome::ofPhoto(convert(input, output, control).warnings);
     };
     return {.isSpatialVideo = [](const auto &file, SystemVersion) { return isSpatial(file); },
             .isSpatialPhoto = isSpatial,

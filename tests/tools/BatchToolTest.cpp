@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <csignal>
 #include <fcntl.h>
@@ -58,6 +59,57 @@ TEST_F(BatchTool, PlainLinesTellWhatHappens) {
                              "Converted: 1, skipped: 1, failed: 1 \\([0-9:]+\\)\n"
                              "  fail.heic: acted failure\n"));
     EXPECT_EQ(result.errors, "");
+}
+
+TEST_F(BatchTool, WarningsStandBelowTheirFileAndAreCounted) {
+    const ProgramResult result = convert({file("a.mov"), file("note.mov"), file("warn.mov")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output,
+                MatchesRegex("\\[1/3\\] a.mov\n"
+                             "a.mov → a_sbs.mp4\n"
+                             "\\[2/3\\] note.mov\n"
+                             "note.mov → note_sbs.mp4\n"
+                             "  Note: Chapters left out: 3\n"
+                             "\\[3/3\\] warn.mov\n"
+                             "warn.mov → warn_sbs.mp4\n"
+                             "  Warning: The data is damaged or ends early: 90 frames written, 120 expected.\n"
+                             "  Note: Chapters left out: 3\n"
+                             "Converted: 3 \\(1 with warnings\\), skipped: 0, failed: 0 \\([0-9:]+\\)\n"));
+}
+
+TEST_F(BatchTool, WarningNamesTheOptionThatMends) {
+    EXPECT_THAT(
+        convert({file("fast.mov")}).output,
+        HasSubstr("  Warning: The film plays 1.5 % faster than its source. “Keep the film’s own timing” prevents "
+                  "this. (--keep-timing)\n"));
+}
+
+TEST_F(BatchTool, StrictTakesWarningsForFailuresButNotNotes) {
+    EXPECT_EQ(convert({"--strict", file("a.mov"), file("note.mov"), file("plain.mov")}).status, 0);
+    EXPECT_EQ(convert({"--strict", file("a.mov"), file("warn.mov")}).status, 1);
+    EXPECT_EQ(convert({file("a.mov"), file("warn.mov")}).status, 0);
+}
+
+TEST_F(BatchTool, WhatIsThereIsReplacedNumberedOrLeft) {
+    const std::string input = file("a.mov");
+    EXPECT_THAT(convert({input}).output, HasSubstr("a.mov → a_sbs.mp4\n"));
+    EXPECT_THAT(convert({input}).output, HasSubstr("a.mov → a_sbs.mp4\n"));
+    EXPECT_THAT(convert({"--on-existing", "keep-both", input}).output, HasSubstr("a.mov → a_sbs 2.mp4\n"));
+    EXPECT_THAT(convert({"--on-existing=skip", input}).output,
+                HasSubstr("[VP] ⏭ skip (its result exists) a.mov\nConverted: 0, skipped: 1, failed: 0"));
+    EXPECT_THAT(convert({"--on-existing=replace", input}).output, HasSubstr("a.mov → a_sbs.mp4\n"));
+}
+
+TEST_F(BatchTool, RecursiveTakesTheFoldersBelowAndKeepsTheirTree) {
+    std::filesystem::create_directories(folder / "in/2024/may");
+    file("top.mov");
+    file("2024/may/deep.mov");
+    EXPECT_THAT(convert({folder / "in"}).output, HasSubstr("Converted: 1, "));
+    const ProgramResult result = convert({"--recursive", folder / "in"});
+    EXPECT_THAT(result.output, HasSubstr("Converted: 2, skipped: 0, failed: 0"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "out/2024/may/deep_sbs.mp4"));
+    EXPECT_THAT(convert({"--recursive", folder / "in/top.mov"}).errors,
+                HasSubstr("--recursive changes nothing without an input folder"));
 }
 
 TEST_F(BatchTool, AllConvertedOrSkippedIsSuccess) {
@@ -170,6 +222,26 @@ TEST_F(BatchTool, EverySignalToEndStopsCleanly) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         EXPECT_EQ(statusAfterSignal({ACTED_BATCH, "--output", folder / "out", file("slow.mov")}, signal), 130)
             << signal;
+}
+
+TEST_F(BatchTool, StoppedRunHasItsReportAllTheSame) {
+    const std::string report = folder / "report.json";
+    ASSERT_EQ(statusAfterSignal({ACTED_BATCH, "--report", report, "--output", folder / "out", file("a.mov"),
+                                 file("slow.mov"), file("z.mov")},
+                                SIGINT),
+              130);
+    const auto bytes = readFile(report);
+    const auto document = nlohmann::json::parse(bytes.begin(), bytes.end());
+    EXPECT_EQ(document["stopped"], true);
+    EXPECT_EQ(document["exitStatus"], 130);
+    EXPECT_EQ(document["message"], "Stopped. Files that were already finished are kept.");
+    EXPECT_EQ(document["files"][0]["state"], "converted");
+    EXPECT_EQ(document["files"][1]["state"], "cancelled");
+    EXPECT_EQ(document["files"][1]["frames"]["written"], 8);
+    EXPECT_EQ(document["files"][1]["output"], nullptr);
+    EXPECT_EQ(document["files"][2]["state"], "notReached");
+    EXPECT_EQ(document["totals"]["cancelled"], 1);
+    EXPECT_EQ(document["totals"]["notReached"], 1);
 }
 
 TEST_F(BatchTool, SignalThatWasIgnoredStaysIgnored) {

@@ -222,7 +222,8 @@ TEST_F(EndToEnd, DamagedDataIsConvertedAsFarAsItGoesWithAWarning) {
     writeFile(in("cut.mp4"), bytes);
     const ProgramResult result = toSpatial({in("cut.mp4")});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, HasSubstr("[VP] ⚠️ cut.mp4: "));
+    EXPECT_THAT(result.output, HasSubstr("cut.mp4 → cut_spatial.mov\n  Warning: The data is damaged or ends early: "));
+    EXPECT_THAT(result.output, HasSubstr("Converted: 1 (1 with warnings), skipped: 0, failed: 0"));
     EXPECT_EQ(outputs(), std::set<std::string>{"cut_spatial.mov"});
 }
 
@@ -236,7 +237,7 @@ TEST_F(EndToEnd, LinesForClosedStreamsDoNotEndUpInTheOutput) {
                     "--output", folder / "out", "--no-copy-audio", in("cut.mp4")});
     EXPECT_EQ(result.status, 0);
     const auto written = readFile(out("cut_spatial.mov"));
-    EXPECT_THAT(std::string(written.begin(), written.end()), Not(HasSubstr("[VP]")));
+    EXPECT_THAT(std::string(written.begin(), written.end()), Not(HasSubstr("cut.mp4")));
 }
 
 TEST_F(EndToEnd, OutputIsNeverWrittenOverAnInput) {
@@ -250,6 +251,22 @@ TEST_F(EndToEnd, OutputIsNeverWrittenOverAnInput) {
         HasSubstr("  clip.mp4: Converting clip.mp4 would overwrite clip_spatial.mov, which is also an input.\n"));
     EXPECT_EQ(readFile(in("clip_spatial.mov")), before);
     EXPECT_TRUE(std::filesystem::exists(in("clip_spatial_spatial.mov"))) << "the other file is converted";
+}
+
+TEST_F(EndToEnd, FolderIsConvertedIntoItselfTwiceAndThenGoesOn) {
+    drawClip(in("clip.mp4"));
+    drawClip(in("other.mp4"));
+    const std::vector<std::string> command{"--direction", "sbsToSpatial", "--output", folder / "in", folder / "in"};
+    EXPECT_THAT(batch(command).output, HasSubstr("Converted: 2, skipped: 0, failed: 0"));
+    const ProgramResult second = batch(command);
+    EXPECT_EQ(second.status, 0) << second.output;
+    EXPECT_THAT(second.output, HasSubstr("Converted: 2, skipped: 2, failed: 0"));
+    std::filesystem::remove(in("other_spatial.mov"));
+    std::vector<std::string> third = command;
+    third.insert(third.begin(), "--skip-existing");
+    EXPECT_THAT(batch(third).output, HasSubstr("[VP] ⏭ skip (up to date) clip.mp4\n"));
+    EXPECT_TRUE(std::filesystem::exists(in("other_spatial.mov")));
+    EXPECT_THAT(batch(third).output, HasSubstr("Converted: 0, skipped: 2, up to date: 2, failed: 0"));
 }
 
 TEST_F(EndToEnd, InputThatMayNotBeReadSaysSo) {

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -88,8 +89,7 @@ TEST_F(Inspect, JsonIsAnArrayWithAnObjectForEachFile) {
                                              "first['kind'], first['spatial'], first['stereoBaseline'], "
                                              "first['projection'], second['error'])",
                                              result.output});
-    EXPECT_EQ(judged.output,
-              "a \"quoted\\\\\" name\\ufffd\\ufffd.mov video False None None No such file or directory\n")
+    EXPECT_EQ(judged.output, "a \"quoted\\\\\" name\\n\\ufffd.mov video False None None No such file or directory\n")
         << result.output << judged.errors;
 }
 
@@ -104,9 +104,18 @@ TEST_F(Inspect, RealSpatialMovie) {
                                                "  Disparity adjustment: 2.00%\n"
                                                "  Eyes: left, right\n"
                                                "  Projection: rect\n");
-    EXPECT_THAT(inspect({"--json", movie}).output,
-                HasSubstr(R"("kind": "video", "spatial": true, "horizontalFOV": 64, "stereoBaseline": 19.24, )"
-                          R"("disparityAdjustment": 2, "leftEye": true, "rightEye": true)"));
+    EXPECT_EQ(nlohmann::json::parse(inspect({"--json", movie}).output),
+              nlohmann::json::array({{{"file", movie},
+                                      {"kind", "video"},
+                                      {"spatial", true},
+                                      {"horizontalFOV", 64},
+                                      {"stereoBaseline", 19.24},
+                                      {"disparityAdjustment", 2},
+                                      {"leftEye", true},
+                                      {"rightEye", true},
+                                      {"heroEye", nullptr},
+                                      {"projection", "rect"},
+                                      {"multilayer", true}}}));
 }
 
 TEST_F(Inspect, RealSpatialPhoto) {

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/MediaKinds.h"
 #include "tests/support/TestMedia.h"
+#include "tools/Json.h"
 #include "tools/OptionTable.h"
+#include "tools/RunDocument.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 namespace lumetwin::batch {
 namespace {
@@ -32,6 +35,36 @@ TEST(ManPage, NamesEveryOptionAndExtension) {
         EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
     for (const auto extension : photoExtensions)
         EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
+}
+
+/// The names of all members, of inner objects too.
+std::set<std::string> memberNames(const Json &document) {
+    std::set<std::string> names;
+    for (const auto &[name, value] : document.items()) {
+        if (document.is_object())
+            names.insert(name);
+        if (value.is_structured())
+            names.merge(memberNames(value));
+    }
+    return names;
+}
+
+TEST(ManPage, DescribesEveryNameOfAReport) {
+    const ConversionSettings settings;
+    FileResult result;
+    result.input = "a.mov";
+    result.state = FileState::convertedWithWarnings;
+    std::set<std::string> names;
+    for (int kind = 0; !rawValue(static_cast<WarningKind>(kind)).empty(); ++kind)
+        names.emplace(rawValue(static_cast<WarningKind>(kind)));
+    for (int state = 0; !rawValue(static_cast<FileState>(state)).empty(); ++state)
+        names.emplace(rawValue(static_cast<FileState>(state)));
+    result.warnings.push_back({WarningKind::gainMapLeft, {}});
+    names.merge(memberNames(Json::parse(runDocument({.settings = settings, .results = {result}, .message = {}}))));
+    EXPECT_GT(names.size(), 50u);
+    const std::string text = words();
+    for (const std::string &name : names)
+        EXPECT_THAT(text, testing::ContainsRegex("[ \n]" + name + "([ ,\n]|$)"));
 }
 
 TEST(ManPage, FormatterHasNoComplaints) {

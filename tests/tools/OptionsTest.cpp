@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/BatchOptions.h"
+#include "tools/CaseNames.h"
 #include "tools/OptionTable.h"
 
 #include <gmock/gmock.h>
@@ -51,6 +52,12 @@ TEST(Options, DefaultsAreTheRecords) {
     EXPECT_EQ(settings.resizeHeight, fresh.resizeHeight);
     EXPECT_EQ(settings.resizeMode, fresh.resizeMode);
     EXPECT_EQ(settings.copyAudio, fresh.copyAudio);
+    EXPECT_EQ(settings.keepTiming, fresh.keepTiming);
+    EXPECT_EQ(settings.recursive, fresh.recursive);
+    EXPECT_EQ(settings.skipExisting, fresh.skipExisting);
+    EXPECT_EQ(settings.onExisting, fresh.onExisting);
+    EXPECT_EQ(options.report, std::nullopt);
+    EXPECT_FALSE(options.strict);
     EXPECT_THAT(options.remarks, IsEmpty());
 }
 
@@ -79,6 +86,14 @@ TEST(Options, EveryFieldHasItsOption) {
                                         "--resize-mode",
                                         "stretch",
                                         "--no-copy-audio",
+                                        "--keep-timing",
+                                        "--recursive",
+                                        "--skip-existing",
+                                        "--on-existing",
+                                        "skip",
+                                        "--report",
+                                        "report.json",
+                                        "--strict",
                                         "--output",
                                         "o",
                                         "i"});
@@ -97,6 +112,12 @@ TEST(Options, EveryFieldHasItsOption) {
     EXPECT_EQ(settings.resizeHeight, 720);
     EXPECT_EQ(settings.resizeMode, ResizeMode::stretch);
     EXPECT_FALSE(settings.copyAudio);
+    EXPECT_TRUE(settings.keepTiming);
+    EXPECT_TRUE(settings.recursive);
+    EXPECT_TRUE(settings.skipExisting);
+    EXPECT_EQ(settings.onExisting, OnExisting::skip);
+    EXPECT_EQ(options.report, std::filesystem::path("report.json"));
+    EXPECT_TRUE(options.strict);
 }
 
 TEST(Options, EveryCaseHasItsName) {
@@ -108,6 +129,9 @@ TEST(Options, EveryCaseHasItsName) {
         EXPECT_EQ(
             withOptions({"--sbs-photo-output-format", photos[static_cast<int>(format)]}).settings->sbsPhotoOutputFormat,
             format);
+    for (const auto &[name, wish] : onExistingNames)
+        EXPECT_EQ(withOptions({"--on-existing", std::string(name).c_str()}).settings->onExisting, wish);
+    EXPECT_EQ(onExistingNames.size(), allOnExisting.size());
     const char *const modes[] = {"stretch", "cropFill", "letterbox"};
     for (const ResizeMode mode : allResizeModes)
         EXPECT_EQ(withOptions({"--enable-resize", "--resize-mode", modes[rawValue(mode)]}).settings->resizeMode, mode);
@@ -176,6 +200,8 @@ TEST(Options, NamesOfCasesAreTakenOnlyExactly) {
               "--sbs-output-format: \"MP4 (H.264)\" is none of mp4H264, mp4H265, movHEVC");
     EXPECT_EQ(complaintAbout({"--sbs-photo-output-format", "jpeg"}),
               "--sbs-photo-output-format: \"jpeg\" is none of jpg, png, tiff, heic");
+    EXPECT_EQ(complaintAbout({"--on-existing", "keepBoth"}),
+              "--on-existing: \"keepBoth\" is none of replace, keep-both, skip");
     EXPECT_EQ(complaintAbout({"--resize-mode", "fit"}),
               "--resize-mode: \"fit\" is none of stretch, cropFill, letterbox");
 }

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/ConversionDirection.h"
+#include "model/OnExisting.h"
+#include "model/ResizeMode.h"
+#include "model/SBSOutputFormat.h"
+#include "model/SBSPhotoOutputFormat.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+namespace lumetwin::batch {
+
+/// What options and reports call the cases of an enumeration. The names are stable: scripts hold them.
+template <typename Case, std::size_t count> using CaseNames = std::array<std::pair<std::string_view, Case>, count>;
+
+inline constexpr CaseNames<ConversionDirection, 2> directionNames{
+    {{"spatialToSBS", ConversionDirection::spatialToSBS}, {"sbsToSpatial", ConversionDirection::sbsToSpatial}}};
+inline constexpr CaseNames<SBSOutputFormat, 3> videoFormatNames{{{"mp4H264", SBSOutputFormat::mp4H264},
+                                                                 {"mp4H265", SBSOutputFormat::mp4H265},
+                                                                 {"movHEVC", SBSOutputFormat::movHEVC}}};
+inline constexpr CaseNames<SBSPhotoOutputFormat, 4> photoFormatNames{{{"jpg", SBSPhotoOutputFormat::jpg},
+                                                                      {"png", SBSPhotoOutputFormat::png},
+                                                                      {"tiff", SBSPhotoOutputFormat::tiff},
+                                                                      {"heic", SBSPhotoOutputFormat::heic}}};
+inline constexpr CaseNames<ResizeMode, 3> resizeModeNames{
+    {{"stretch", ResizeMode::stretch}, {"cropFill", ResizeMode::cropFill}, {"letterbox", ResizeMode::letterbox}}};
+inline constexpr CaseNames<OnExisting, 3> onExistingNames{
+    {{"replace", OnExisting::replace}, {"keep-both", OnExisting::keepBoth}, {"skip", OnExisting::skip}}};
+
+template <typename Case, std::size_t count> std::string_view nameOf(Case value, const CaseNames<Case, count> &names) {
+    return std::ranges::find(names, value, [](const auto &entry) { return entry.second; })->first;
+}
+
+} // namespace lumetwin::batch

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/VideoProcessor.h"
+#include "tools/Console.h"
+#include "tools/ProgressLine.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumetwin::batch {
+
+/// Shows a run while it lasts. It sets the processor's callbacks, which come from the run's threads.
+class RunDisplay {
+public:
+    RunDisplay(VideoProcessor &processor, Console &console);
+
+    /// Keeps the progress on the screen up to date until the run is over.
+    void watch();
+
+    /// Prints the summary; to be called when the run is over.
+    void conclude();
+
+    // When the run is over: how it ended, in its own words.
+    bool success() const { return success_; }
+    const std::string &message() const { return message_; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void holdLogged(const std::string &line);
+    void beginFile(std::int64_t index, std::int64_t total, const std::string &name);
+    void noteFrame(std::int64_t current, std::int64_t total);
+    void noteResult(const FileResult &result);
+    void showConverted(const FileResult &result);
+    void complete(bool success, const std::string &message);
+    void redraw();
+
+    VideoProcessor &processor_;
+    Console &console_;
+    const Clock::time_point began_ = Clock::now();
+    std::mutex mutex_; // guards everything below, and the console
+    std::condition_variable completion_;
+    BatchProgress progress_;
+    std::optional<Clock::time_point> firstFrame_;
+    std::vector<std::string> logged_; ///< of the current file
+    std::string message_;
+    bool started_ = false;
+    bool stopShown_ = false;
+    bool success_ = false;
+    bool over_ = false;
+};
+
+} // namespace lumetwin::batch

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/RunDocument.h"
+
+#include "engine/MediaKinds.h"
+#include "engine/WarningTexts.h"
+#include "tools/CaseNames.h"
+#include "tools/Json.h"
+#include "tools/RunTotals.h"
+
+#include <fmt/chrono.h>
+
+#include <system_error>
+
+namespace lumetwin::batch {
+namespace {
+
+/// Raised when a reader of the former form would misread the new one; members may be added without.
+constexpr int formatVersion = 1;
+
+std::string timeOf(std::chrono::system_clock::time_point moment) {
+    return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::chrono::system_clock::to_time_t(moment)));
+}
+
+Json placeOf(const std::filesystem::path &file) {
+    if (file.empty())
+        return nullptr;
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(file, error);
+    return (error ? file : absolute).string();
+}
+
+Json settingsOf(const ConversionSettings &settings) {
+    return {{"horizontalFOV", settings.horizontalFOV},
+            {"disparityAdjustment", settings.disparityAdjustment},
+            {"stereoBaseline", settings.stereoBaseline},
+            {"sbsOutputFormat", nameOf(settings.sbsOutputFormat, videoFormatNames)},
+            {"sbsPhotoOutputFormat", nameOf(settings.sbsPhotoOutputFormat, photoFormatNames)},
+            {"compressionQuality", settings.compressionQuality},
+            {"halfWidth", settings.halfWidth},
+            {"swapLeftRight", settings.swapLeftRight},
+            {"enableResize", settings.enableResize},
+            {"resizeWidth", settings.resizeWidth},
+            {"resizeHeight", settings.resizeHeight},
+            {"resizeMode", nameOf(settings.resizeMode, resizeModeNames)},
+            {"copyAudio", settings.copyAudio},
+            {"keepTiming", settings.keepTiming},
+            {"recursive", settings.recursive},
+            {"skipExisting", settings.skipExisting},
+            {"onExisting", nameOf(settings.onExisting, onExistingNames)}};
+}
+
+Json totalsOf(const RunTotals &totals, std::size_t files) {
+    return {{"files", files},
+            {"converted", totals.converted},
+            {"convertedWithWarnings", totals.withWarnings},
+            {"skipped", totals.skipped},
+            {"upToDate", totals.upToDate},
+            {"failed", totals.failed},
+            {"cancelled", totals.cancelled},
+            {"notReached", totals.notReached}};
+}
+
+Json warningOf(const Warning &warning) {
+    Json values = Json::array();
+    for (const Warning::Value &value : warning.values)
+        std::visit([&](const auto &held) { values.push_back(held); }, value);
+    return {{"kind", rawValue(warning.kind)},
+            {"note", isNote(warning.kind)},
+            {"values", std::move(values)},
+            {"text", warningText(warning)}};
+}
+
+/// Of a film; nothing is known of one that was not begun, and photos have none.
+Json framesOf(const FileResult &result) {
+    const bool wasBegun = result.wasConverted() || result.state == FileState::cancelled;
+    if (!wasBegun || !isVideoFile(result.input))
+        return nullptr;
+    return {{"written", result.framesWritten},
+            {"expected", result.framesExpected > 0 ? Json(result.framesExpected) : Json(nullptr)}};
+}
+
+Json fileOf(const FileResult &result) {
+    Json warnings = Json::array();
+    for (const Warning &warning : result.warnings)
+        warnings.push_back(warningOf(warning));
+    return {{"input", placeOf(result.input)},  {"output", placeOf(result.output)},
+            {"state", rawValue(result.state)}, {"reason", result.reason.empty() ? Json(nullptr) : Json(result.reason)},
+            {"warnings", std::move(warnings)}, {"frames", framesOf(result)},
+            {"seconds", result.seconds},       {"bytes", result.wasConverted() ? Json(result.bytes) : Json(nullptr)}};
+}
+
+} // namespace
+
+std::string runDocument(const RunFacts &facts) {
+    Json files = Json::array();
+    for (const FileResult &result : facts.results)
+        files.push_back(fileOf(result));
+    return jsonText({{"formatVersion", formatVersion},
+                     {"program", "lumetwin-batch"},
+                     {"programVersion", LUMETWIN_VERSION},
+                     {"started", timeOf(facts.started)},
+                     {"finished", timeOf(facts.finished)},
+                     {"stopped", facts.stopped},
+                     {"exitStatus", facts.exitStatus},
+                     {"message", facts.message},
+                     {"direction", nameOf(facts.settings.direction, directionNames)},
+                     {"outputFolder", placeOf(facts.settings.outputFolderURL.value_or(""))},
+                     {"settings", settingsOf(facts.settings)},
+                     {"totals", totalsOf(batch::totalsOf(facts.results), facts.results.size())},
+                     {"files", std::move(files)}});
+}
+
+} // namespace lumetwin::batch
