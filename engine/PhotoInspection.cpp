@@ -40,7 +40,7 @@ std::optional<double> baseline(const media::HeifImage &image) {
 bool isSpatialPhoto(const std::filesystem::path &file) noexcept {
     try {
         const auto heif = heifOf(file);
-        return heif && heif->stereoGroup();
+        return heif && !heif->stereoGroups.empty();
     } catch (const std::exception &) {
         return false;
     }

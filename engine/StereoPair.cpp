@@ -26,16 +26,6 @@ media::HeifFile heifFile(const std::filesystem::path &file) {
     }
 }
 
-/// Indexes of the left and the right image.
-std::pair<std::size_t, std::size_t> eyesOf(const media::HeifStereoGroup &group) {
-    // A group that names nobody means the first two images; one that names the wrong ones is damaged.
-    if (group.entities.empty())
-        return {0, 1};
-    if (!group.left || !group.right)
-        throw SpatialPhotoError::imageExtractionFailed();
-    return {*group.left, *group.right};
-}
-
 } // namespace
 
 StereoPair readStereoPair(const std::filesystem::path &file) {
@@ -46,11 +36,10 @@ StereoPair readStereoPair(const std::filesystem::path &file) {
     if (media::imageKind(file) != media::ImageKind::heif)
         throw SpatialPhotoError::notASpatialPhoto("No stereo pair group found");
     const media::HeifFile heif = heifFile(file);
-    const media::HeifStereoGroup *group = heif.stereoGroup();
-    if (!group)
+    const auto eyes = heif.stereoEyes();
+    if (!eyes)
         throw SpatialPhotoError::notASpatialPhoto("No stereo pair group found");
-    const auto [left, right] = eyesOf(*group);
-    return {heif.images.at(left).item, heif.images.at(right).item};
+    return {heif.images.at(eyes->left).item, heif.images.at(eyes->right).item};
 }
 
 } // namespace lumetwin

@@ -88,10 +88,17 @@ struct HeifImage {
 struct HeifStereoGroup {
     std::uint32_t id = 0;
     std::vector<std::uint32_t> entities; ///< ids as the file has them: left, right
-    /// The images that the ids stand for, as indexes. Both present exactly when the group holds two ids that stand for
-    /// two different images of the file; both absent otherwise.
+    /// The images that the first two ids stand for, as indexes; absent where there is no such id or no such image.
     std::optional<std::size_t> left;
     std::optional<std::size_t> right;
+};
+
+/// Indexes of the images that a pair's eyes see.
+struct HeifEyes {
+    std::size_t left = 0;
+    std::size_t right = 1;
+
+    bool operator==(const HeifEyes &) const = default;
 };
 
 /// What the `meta` box of a HEIF file says (ISO/IEC 23008-12).
@@ -100,10 +107,10 @@ struct HeifFile {
     std::optional<std::size_t> primary;        ///< index of the primary image, where it is one of them
     std::vector<HeifStereoGroup> stereoGroups; ///< in the file's order
 
-    /// The first stereo group that names two images of the file; without one the first; without any nullptr.
-    /// (Other groups may pair the thumbnails.)
-    const HeifStereoGroup *stereoGroup() const;
-    /// The disparity adjustment of that group: its left image's, else its right one's.
+    /// The images of the first stereo group. A group that lacks one of them means the file's first two images. Nothing
+    /// without a group, and for files of fewer than two images.
+    std::optional<HeifEyes> stereoEyes() const;
+    /// The disparity adjustment of those images: the left one's, else the right one's.
     std::optional<std::int32_t> stereoDisparityAdjustment() const;
 };
 

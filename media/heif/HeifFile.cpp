@@ -65,20 +65,19 @@ std::uint64_t HeifPayload::size() const {
     return sum;
 }
 
-const HeifStereoGroup *HeifFile::stereoGroup() const {
-    const auto pair =
-        std::ranges::find_if(stereoGroups, [](const HeifStereoGroup &group) { return group.left.has_value(); });
-    if (pair != stereoGroups.end())
-        return &*pair;
-    return stereoGroups.empty() ? nullptr : &stereoGroups.front();
+std::optional<HeifEyes> HeifFile::stereoEyes() const {
+    if (stereoGroups.empty() || images.size() < 2)
+        return std::nullopt;
+    const HeifStereoGroup &group = stereoGroups.front();
+    return group.left && group.right ? HeifEyes{*group.left, *group.right} : HeifEyes{};
 }
 
 std::optional<std::int32_t> HeifFile::stereoDisparityAdjustment() const {
-    const HeifStereoGroup *group = stereoGroup();
-    if (!group || !group->left)
+    const std::optional<HeifEyes> eyes = stereoEyes();
+    if (!eyes)
         return std::nullopt;
-    const auto left = images[*group->left].disparityAdjustment;
-    return left ? left : images[*group->right].disparityAdjustment;
+    const auto left = images[eyes->left].disparityAdjustment;
+    return left ? left : images[eyes->right].disparityAdjustment;
 }
 
 HeifFile readHeifFile(const std::filesystem::path &file) {

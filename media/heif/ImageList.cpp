@@ -252,14 +252,10 @@ private:
 
     HeifStereoGroup stereoGroup(const EntityGroup &group) const {
         HeifStereoGroup pair{group.id, group.entities, {}, {}};
-        if (group.entities.size() != 2)
-            return pair;
-        const auto left = entity(group.entities[0]);
-        const auto right = entity(group.entities[1]);
-        if (left && right && *left != *right) {
-            pair.left = left;
-            pair.right = right;
-        }
+        if (!group.entities.empty())
+            pair.left = entity(group.entities[0]);
+        if (group.entities.size() > 1)
+            pair.right = entity(group.entities[1]);
         return pair;
     }
 

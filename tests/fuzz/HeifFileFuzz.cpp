@@ -16,12 +16,13 @@ void require(bool holds) {
 /// What the header promises of every file that it accepts.
 void check(const HeifFile &file) {
     for (const HeifStereoGroup &group : file.stereoGroups) {
-        require(group.left.has_value() == group.right.has_value());
-        require(!group.left || (*group.left < file.images.size() && *group.right < file.images.size() &&
-                                *group.left != *group.right && group.entities.size() == 2));
+        require(!group.left || (*group.left < file.images.size() && !group.entities.empty()));
+        require(!group.right || (*group.right < file.images.size() && group.entities.size() > 1));
     }
     require(!file.primary || *file.primary < file.images.size());
-    require((file.stereoGroup() == nullptr) == file.stereoGroups.empty());
+    const auto eyes = file.stereoEyes();
+    require(eyes.has_value() == (!file.stereoGroups.empty() && file.images.size() > 1));
+    require(!eyes || (eyes->left < file.images.size() && eyes->right < file.images.size()));
     file.stereoDisparityAdjustment();
     for (const HeifImage &image : file.images) {
         require(image.width <= std::max(image.codedWidth, image.codedHeight));

@@ -43,8 +43,8 @@ TEST(HeifReader, listsAPhotoOfTwoGridsAsItsTwoImages) {
     EXPECT_THAT(itemsOf(file), ElementsAre(3, 6));
     EXPECT_EQ(file.primary, 1u);
     ASSERT_EQ(file.stereoGroups.size(), 1u);
-    EXPECT_EQ(file.stereoGroup()->left, 1u); // as the group says, not as the file orders them
-    EXPECT_EQ(file.stereoGroup()->right, 0u);
+    EXPECT_EQ(file.stereoEyes()->left, 1u); // as the group says, not as the file orders them
+    EXPECT_EQ(file.stereoEyes()->right, 0u);
     EXPECT_EQ(file.stereoDisparityAdjustment(), 293);
     const HeifImage &right = file.images[0];
     EXPECT_EQ(right.position, (std::array<std::int32_t, 3>{63807, 0, 0}));
@@ -73,19 +73,20 @@ TEST(HeifReader, takesAMonoscopicPrimaryImageForNoEye) {
     const HeifFile file = read(heif);
     EXPECT_EQ(file.images.size(), 3u);
     EXPECT_EQ(file.primary, 0u);
-    EXPECT_EQ(file.stereoGroup()->left, 1u);
-    EXPECT_EQ(file.stereoGroup()->right, 2u);
+    EXPECT_EQ(file.stereoEyes()->left, 1u);
+    EXPECT_EQ(file.stereoEyes()->right, 2u);
 }
 
-TEST(HeifReader, passesByAGroupOfThumbnails) {
+TEST(HeifReader, theFirstStereoGroupCounts) {
     HeifBuilder heif;
-    heif.item(1).item(2).item(3).item(4).refer("thmb", 3, {1}).refer("thmb", 4, {2});
-    heif.group("ster", 8, {3, 4}).group("ster", 9, {2, 1});
-    const HeifFile file = read(heif);
-    EXPECT_EQ(file.stereoGroups.size(), 2u);
-    EXPECT_EQ(file.stereoGroup()->id, 9u);
-    EXPECT_EQ(file.stereoGroup()->left, 1u);
-    EXPECT_EQ(file.stereoGroup()->right, 0u);
+    heif.item(1).item(2).item(3).group("ster", 8, {3, 2}).group("ster", 9, {2, 1});
+    EXPECT_EQ(read(heif).stereoGroups.size(), 2u);
+    EXPECT_EQ(read(heif).stereoEyes(), (HeifEyes{2, 1}));
+
+    HeifBuilder thumbnails; // which are no images of the file
+    thumbnails.item(1).item(2).item(3).item(4).refer("thmb", 3, {1}).refer("thmb", 4, {2});
+    thumbnails.group("ster", 8, {3, 4}).group("ster", 9, {2, 1});
+    EXPECT_EQ(read(thumbnails).stereoEyes(), (HeifEyes{0, 1}));
 }
 
 TEST(HeifReader, seesThroughToneMapsAndAlternatives) {
@@ -98,12 +99,12 @@ TEST(HeifReader, seesThroughToneMapsAndAlternatives) {
     const HeifFile file = read(heif);
     EXPECT_THAT(itemsOf(file), ElementsAre(1, 4));
     EXPECT_EQ(file.primary, 0u);
-    EXPECT_EQ(file.stereoGroup()->left, 0u);
-    EXPECT_EQ(file.stereoGroup()->right, 1u);
+    EXPECT_EQ(file.stereoEyes()->left, 0u);
+    EXPECT_EQ(file.stereoEyes()->right, 1u);
 
     heif.groups.pop_back();
     heif.group("ster", 21, {6, 3}); // the items themselves
-    EXPECT_EQ(read(heif).stereoGroup()->left, 1u);
+    EXPECT_EQ(read(heif).stereoEyes()->left, 1u);
 }
 
 TEST(HeifReader, ignoresOtherGroups) {
@@ -113,22 +114,42 @@ TEST(HeifReader, ignoresOtherGroups) {
     heif.groups.push_back(test::box("slid", {1})); // not even a group
     const HeifFile file = read(heif);
     EXPECT_TRUE(file.stereoGroups.empty());
-    EXPECT_EQ(file.stereoGroup(), nullptr);
+    EXPECT_FALSE(file.stereoEyes());
     EXPECT_FALSE(file.stereoDisparityAdjustment());
 }
 
-TEST(HeifReader, findsNoPairInStereoGroupsThatNameNone) {
-    for (const std::vector<int> &entities :
-         std::vector<std::vector<int>>{{}, {3}, {3, 6, 3}, {3, 3}, {3, 77}, {1, 4}, {7, 7}}) {
+TEST(HeifReader, aGroupThatLacksAnImageMeansTheFirstTwo) {
+    const std::vector<std::vector<int>> incomplete{{}, {6}, {6, 77}, {77, 3}, {1, 4}, {7, 7}};
+    for (const std::vector<int> &entities : incomplete) {
         HeifBuilder heif = test::stereoGrids();
         heif.groups.clear();
         heif.group("ster", 7, entities);
         const HeifFile file = read(heif);
-        ASSERT_NE(file.stereoGroup(), nullptr);
-        EXPECT_EQ(file.stereoGroup()->entities.size(), entities.size());
-        EXPECT_FALSE(file.stereoGroup()->left);
-        EXPECT_FALSE(file.stereoGroup()->right);
+        ASSERT_EQ(file.stereoGroups.size(), 1u);
+        EXPECT_EQ(file.stereoGroups[0].entities.size(), entities.size());
+        EXPECT_EQ(file.stereoEyes(), (HeifEyes{0, 1})) << testing::PrintToString(entities);
+        EXPECT_EQ(file.stereoDisparityAdjustment(), 293);
     }
+}
+
+TEST(HeifReader, aGroupMeansTheImagesThatItNamesFirst) {
+    const std::vector<std::pair<std::vector<int>, HeifEyes>> complete{
+        {{6, 3}, {1, 0}}, {{6, 3, 3}, {1, 0}}, {{6, 6}, {1, 1}}};
+    for (const auto &[entities, eyes] : complete) {
+        HeifBuilder heif = test::stereoGrids();
+        heif.groups.clear();
+        heif.group("ster", 7, entities);
+        EXPECT_EQ(read(heif).stereoEyes(), eyes) << testing::PrintToString(entities);
+    }
+}
+
+TEST(HeifReader, aFileOfOneImageHasNoEyes) {
+    HeifBuilder heif;
+    heif.item(1).group("ster", 7, {1, 1});
+    const HeifFile file = read(heif);
+    EXPECT_EQ(file.stereoGroups.size(), 1u);
+    EXPECT_FALSE(file.stereoEyes());
+    EXPECT_FALSE(file.stereoDisparityAdjustment());
 }
 
 TEST(HeifReader, readsCameraPropertiesUnderTheirFourCharacterNames) {
@@ -262,7 +283,7 @@ TEST(HeifReader, ignoresPropertiesOfGroupsAndPropertiesThatAreNotThere) {
     HeifBuilder heif;
     const int unknown = heif.property(test::uuidBox("a33e221ad1d0464db252780190d1734d", Bytes(7, 1)));
     heif.item(1).item(2).group("ster", 53, {1, 2}).associate(1, {0, unknown, 99}).associate(53, {unknown});
-    EXPECT_TRUE(read(heif).stereoGroup()->left);
+    EXPECT_TRUE(read(heif).stereoGroups.front().left);
 }
 
 TEST(HeifReader, findsTheMetaBoxWhereverItIs) {
@@ -275,7 +296,7 @@ TEST(HeifReader, findsTheMetaBoxWhereverItIs) {
         read(joined({HeifBuilder::type(), test::box("free", {}), u32(0), letters("meta"), payload})).images.size(), 2u);
     auto reversed = children;
     std::ranges::reverse(reversed);
-    EXPECT_EQ(read(HeifBuilder::fileOf(reversed)).stereoGroup()->left, 1u);
+    EXPECT_EQ(read(HeifBuilder::fileOf(reversed)).stereoEyes()->left, 1u);
 }
 
 TEST(HeifReader, refusesWhatIsNoHeifFile) {
@@ -317,8 +338,8 @@ TEST(HeifReader, readsTheSamplePhotos) {
     const auto photo = *samples / "spatial-photo" / "spatial_photo.heic";
     const HeifFile file = readHeifFile(photo);
     EXPECT_THAT(itemsOf(file), ElementsAre(26, 52));
-    EXPECT_EQ(file.stereoGroup()->left, 0u);
-    EXPECT_EQ(file.stereoGroup()->right, 1u);
+    EXPECT_EQ(file.stereoEyes()->left, 0u);
+    EXPECT_EQ(file.stereoEyes()->right, 1u);
     EXPECT_EQ(file.stereoDisparityAdjustment(), 293);
     EXPECT_EQ(file.images[1].position.value()[0], 63807);
     EXPECT_NEAR(file.images[0].pixelIntrinsics()->focalLengthX, 1525.44, 0.01);
@@ -332,7 +353,7 @@ TEST(HeifReader, readsTheSamplePhotos) {
     }
     const auto ordinary = *samples / "ordinary";
     EXPECT_EQ(readHeifFile(ordinary / "two_images_no_group.heic").images.size(), 2u);
-    EXPECT_EQ(readHeifFile(ordinary / "two_images_no_group.heic").stereoGroup(), nullptr);
+    EXPECT_FALSE(readHeifFile(ordinary / "two_images_no_group.heic").stereoEyes());
     EXPECT_EQ(readHeifFile(ordinary / "alpha_512x512.heic").images.size(), 1u);
     EXPECT_EQ(readHeifFile(ordinary / "rgb10_128x128.heif").images.size(), 1u);
 }

@@ -112,8 +112,8 @@ TEST(HeifWriter, writesAPairThatOurReaderAndOthersRead) {
     const HeifFile file = writtenPair(folder / "pair.heic", pair.left, pair.right);
     ASSERT_EQ(file.images.size(), 2u);
     EXPECT_EQ(file.primary, 0u);
-    EXPECT_EQ(file.stereoGroup()->left, 0u);
-    EXPECT_EQ(file.stereoGroup()->right, 1u);
+    EXPECT_EQ(file.stereoEyes()->left, 0u);
+    EXPECT_EQ(file.stereoEyes()->right, 1u);
     EXPECT_EQ(file.stereoDisparityAdjustment(), 250);
     EXPECT_EQ(file.images[1].disparityAdjustment, 250);
     EXPECT_EQ(file.images[0].position, (std::array<std::int32_t, 3>{0, 0, 0}));
@@ -183,7 +183,7 @@ TEST(HeifWriter, writesOrdinaryPhotosToo) {
         const HeifFile file = readHeifFile(folder / "one.heic");
         EXPECT_EQ(file.images.size(), 1u);
         EXPECT_EQ(file.primary, 0u);
-        EXPECT_EQ(file.stereoGroup(), nullptr);
+        EXPECT_TRUE(file.stereoGroups.empty());
         EXPECT_FALSE(file.images[0].intrinsics);
         EXPECT_FALSE(file.images[0].disparityAdjustment);
         EXPECT_LT(decodedErrors(folder / "one.heic", image, {leftDrawing})[0], 2);
@@ -386,7 +386,7 @@ TEST(HeifWriter, writesAHeadsetsPhotoAsTheHeadsetDid) {
     EXPECT_EQ(Bytes(after.begin(), after.begin() + static_cast<std::ptrdiff_t>(places)),
               Bytes(before.begin(), before.begin() + static_cast<std::ptrdiff_t>(places)));
     const HeifFile file = readHeifFile(folder / "again.heic");
-    EXPECT_EQ(file.stereoGroup()->id, 53u);
+    EXPECT_EQ(file.stereoGroups.front().id, 53u);
 }
 
 } // namespace
