@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/SpatialPhotoMetadata.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <numbers>
 
 namespace lumetwin {
@@ -20,6 +22,12 @@ std::int64_t truncated(double value) {
     return static_cast<std::int64_t>(value);
 }
 
+/// Micrometres, cut off as in films; what 32 bits do not hold becomes the nearest number that they do.
+std::int32_t micrometres(double millimetres) {
+    constexpr double largest = std::numeric_limits<std::int32_t>::max();
+    return std::isnan(millimetres) ? 0 : static_cast<std::int32_t>(std::clamp(millimetres * 1000, -largest, largest));
+}
+
 } // namespace
 
 media::SpatialPhotoFacts spatialPhotoFacts(const ConversionSettings &settings, std::int64_t width,
@@ -29,7 +37,7 @@ media::SpatialPhotoFacts spatialPhotoFacts(const ConversionSettings &settings, s
     media::SpatialPhotoFacts facts;
     facts.focalLength = (w / 2) / std::tan((settings.horizontalFOV / 180 * std::numbers::pi) * 0.5);
     facts.principalPoint = {2 * w, 2 * h};
-    facts.rightPosition = {settings.stereoBaseline / 1000, 0, 0};
+    facts.rightPosition = {micrometres(settings.stereoBaseline), 0, 0};
     facts.disparityAdjustment = truncated(settings.disparityAdjustment * 100);
     return facts;
 }

@@ -13,8 +13,9 @@ namespace lumetwin::media {
 struct SpatialPhotoFacts {
     double focalLength = 0;                 ///< pixels; may be infinite
     std::array<double, 2> principalPoint{}; ///< pixels
-    std::array<double, 3> rightPosition{};  ///< of the right camera, metres; the left one is the origin
-    std::int64_t disparityAdjustment = 0;   ///< ten-thousandths of the image width
+    /// Of the right camera, micrometres, x to the right; the left one is the origin.
+    std::array<std::int32_t, 3> rightPosition{};
+    std::int64_t disparityAdjustment = 0; ///< ten-thousandths of the image width
 };
 
 /// Writes a HEIC file of two pictures that form a stereo pair, the left one first and primary, coded at a fixed high

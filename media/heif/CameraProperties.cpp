@@ -45,10 +45,6 @@ Bytes intrinsicsPayload(const FixedIntrinsics &intrinsics) {
     return fields.bytes();
 }
 
-std::int32_t micrometres(double metres) {
-    return saturated(metres * 1e6);
-}
-
 Bytes extrinsicsPayload(const std::array<std::int32_t, 3> &micrometres,
                         std::optional<std::uint32_t> worldCoordinateSystem) {
     constexpr std::uint32_t worldFlag = 0x20;

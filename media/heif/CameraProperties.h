@@ -36,9 +36,6 @@ std::optional<FixedIntrinsics> fixedIntrinsics(double focalLength, double princi
 /// Version, flags and body of `cmin`.
 Bytes intrinsicsPayload(const FixedIntrinsics &intrinsics);
 
-/// Micrometres of metres, rounded to nearest, saturated; 0 for what is no number.
-std::int32_t micrometres(double metres);
-
 /// Version, flags and body of `cmex` (ISO/IEC 23008-12) for a camera that is not turned: components that are 0 and the
 /// rotation are left out.
 Bytes extrinsicsPayload(const std::array<std::int32_t, 3> &micrometres,

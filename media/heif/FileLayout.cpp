@@ -143,9 +143,7 @@ void FileLayout::addCamera(std::vector<std::uint8_t> &properties, const CodedIma
     if (!image.camera)
         return;
     const Camera &camera = *image.camera;
-    const std::array position{micrometres(camera.position[0]), micrometres(camera.position[1]),
-                              micrometres(camera.position[2])};
-    properties.push_back(addProperty(uuidBox(extrinsicsUuid, extrinsicsPayload(position))));
+    properties.push_back(addProperty(uuidBox(extrinsicsUuid, extrinsicsPayload(camera.position))));
     // The numbers are fractions of the size that `ispe` states.
     const double width = isGrid(image) ? image.width : image.tileWidth;
     const double height = isGrid(image) ? image.height : image.tileHeight;

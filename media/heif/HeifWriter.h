@@ -21,7 +21,7 @@ Bytes hevcConfiguration(const std::vector<Bytes> &parameterSets);
 struct Camera {
     double focalLength = 0;                 ///< pixels; may be infinite. With NaN no intrinsics are written.
     std::array<double, 2> principalPoint{}; ///< pixels
-    std::array<double, 3> position{};       ///< metres, x to the right
+    std::array<std::int32_t, 3> position{}; ///< micrometres, x to the right
 };
 
 /// One image, coded as one HEVC picture or as a grid of equally large ones.

@@ -5,6 +5,7 @@
 #include "engine/SpatialPhotoError.h"
 #include "engine/SpatialPhotoMetadata.h"
 #include "engine/SpatialPhotoToSBS.h"
+#include "engine/StereoEncoderSettings.h"
 #include "tests/photo/SpatialPhotos.h"
 
 #include <gmock/gmock.h>
@@ -105,7 +106,7 @@ TEST_F(SBSToSpatial, valuesAreThoseOfTheTable) {
     const media::SpatialPhotoFacts facts = spatialPhotoFacts(settings_, 1920, 1080);
     EXPECT_NEAR(facts.focalLength, 960, 1e-9);
     EXPECT_EQ(facts.principalPoint, (std::array{3840.0, 2160.0}));
-    EXPECT_EQ(facts.rightPosition, (std::array{0.064, 0.0, 0.0}));
+    EXPECT_EQ(facts.rightPosition, (std::array{64000, 0, 0}));
     EXPECT_EQ(facts.disparityAdjustment, 250);
     const std::string info = heifInfo(file("out.heic"));
     EXPECT_THAT(info, HasSubstr("focal length: 960.000000; 960.000000"));
@@ -124,6 +125,32 @@ TEST_F(SBSToSpatial, valuesAreTruncatedNotRounded) {
     EXPECT_EQ(spatialPhotoFacts(settings_, 100, 100).disparityAdjustment, 0);
     convert(drawn(40, 20));
     EXPECT_EQ(photoStereoValues(file("out.heic")).disparity, 0.0);
+}
+
+TEST_F(SBSToSpatial, baselinesAreTruncatedNotRounded) {
+    const auto baseline = [&](double millimetres) {
+        settings_.stereoBaseline = millimetres;
+        return spatialPhotoFacts(settings_, 100, 100).rightPosition[0];
+    };
+    EXPECT_EQ(baseline(63.5), 63500);
+    EXPECT_EQ(baseline(64.0001), 64000);
+    EXPECT_EQ(baseline(63.9999), 63999);
+    EXPECT_EQ(baseline(-63.9999), -63999);
+    EXPECT_EQ(baseline(-0.0005), 0);
+    EXPECT_EQ(baseline(1e300), std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(baseline(std::numeric_limits<double>::quiet_NaN()), 0);
+
+    settings_.stereoBaseline = 63.9999;
+    convert(drawn(40, 20));
+    EXPECT_THAT(heifInfo(file("out.heic")), HasSubstr("camera position (um): 63999"));
+}
+
+TEST_F(SBSToSpatial, baselinesAreThoseOfFilms) {
+    for (int hundredths = 0; hundredths <= 20000; ++hundredths) {
+        settings_.stereoBaseline = hundredths / 100.0;
+        EXPECT_EQ(static_cast<std::uint32_t>(spatialPhotoFacts(settings_, 100, 100).rightPosition[0]),
+                  baselineInMicrometres(settings_.stereoBaseline));
+    }
 }
 
 TEST_F(SBSToSpatial, aDisparityBeyondTheRangeStopsTheProgram) {
@@ -371,7 +398,7 @@ TEST_F(PhotoInspection, ordinaryFilesAreNotSpatial) {
 }
 
 TEST_F(PhotoInspection, readsTheValues) {
-    media::SpatialPhotoFacts facts{32, {32, 32}, {-0.0635, 0, 0}, 150};
+    media::SpatialPhotoFacts facts{32, {32, 32}, {-63500, 0, 0}, 150};
     media::writeSpatialPhoto(file("a.heic"), pictureOf(drawn(64, 64)), pictureOf(drawn(64, 64)), facts, {});
     const StereoValues values = photoStereoValues(file("a.heic"));
     EXPECT_NEAR(values.horizontalFOV.value(), 90, 1e-6);

@@ -25,7 +25,7 @@ constexpr std::size_t idsInGroup = 20; // size, type, version and flags, group i
 
 media::SpatialPhotoFacts factsFor(int width, int height, double fieldOfView) {
     const double focal = width / 2.0 / std::tan(fieldOfView / 360 * std::numbers::pi);
-    return {focal, {width / 2.0, height / 2.0}, {0.064, 0, 0}, 200};
+    return {focal, {width / 2.0, height / 2.0}, {64000, 0, 0}, 200};
 }
 
 void writeSpatialPhoto(const std::filesystem::path &file, const Raster &left, const Raster &right) {

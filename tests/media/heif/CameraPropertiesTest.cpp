@@ -34,7 +34,7 @@ Bytes hexadecimal(std::string_view digits) {
 TEST(CameraProperties, areTheBytesOfAHeadsetsPhoto) {
     EXPECT_EQ(uuidBox(extrinsicsUuid, extrinsicsPayload({0, 0, 0})),
               hexadecimal("0000001C 75756964 4363e914 5b7d4aab 97aebea6 9803b434 00000000"));
-    EXPECT_EQ(uuidBox(extrinsicsUuid, extrinsicsPayload({micrometres(0.063807), 0, 0})),
+    EXPECT_EQ(uuidBox(extrinsicsUuid, extrinsicsPayload({63807, 0, 0})),
               hexadecimal("00000020 75756964 4363e914 5b7d4aab 97aebea6 9803b434 00000001 0000F93F"));
     const double focalLength = std::ldexp(0x2622D86E, -30);
     EXPECT_EQ(uuidBox(intrinsicsUuid, intrinsicsPayload(fixedIntrinsics(focalLength, 0.5, 0.5).value())),
@@ -49,8 +49,8 @@ TEST(CameraProperties, areTheBytesOfTheConformanceFiles) {
     EXPECT_EQ(intrinsicsPayload(intrinsics), hexadecimal("00001A00 02000000 01000000 00800000"));
     intrinsics.anisotropic = {0x029CAAAB, -201, 1};
     EXPECT_EQ(intrinsicsPayload(intrinsics), hexadecimal("00011A01 02000000 01000000 00800000 029CAAAB FFFFFF37"));
-    EXPECT_EQ(extrinsicsPayload({micrometres(0.01), 0, 0}, 1), joined({u32(33), u32(10000), u32(1)}));
-    EXPECT_EQ(extrinsicsPayload({micrometres(-0.03), micrometres(0.05), micrometres(-0.08)}, 1),
+    EXPECT_EQ(extrinsicsPayload({10000, 0, 0}, 1), joined({u32(33), u32(10000), u32(1)}));
+    EXPECT_EQ(extrinsicsPayload({-30000, 50000, -80000}, 1),
               joined({u32(39), u32(static_cast<std::uint32_t>(-30000)), u32(50000),
                       u32(static_cast<std::uint32_t>(-80000)), u32(1)}));
 }
@@ -85,17 +85,9 @@ TEST(CameraProperties, whatNoNumberOfBitsHoldsSaturates) {
     EXPECT_EQ(fixedIntrinsics(1e300, 2, 2)->focalLengthX, 0x7FFFFFFF);
     EXPECT_FALSE(fixedIntrinsics(std::nan(""), 2, 2));
     EXPECT_FALSE(fixedIntrinsics(1, std::nan(""), 2));
-    EXPECT_EQ(micrometres(1e9), 0x7FFFFFFF);
-    EXPECT_EQ(micrometres(-infinity), std::numeric_limits<std::int32_t>::min());
-    EXPECT_EQ(micrometres(std::nan("")), 0);
     EXPECT_EQ(disparityPayload(1'000'000'000'000), u32(0x7FFFFFFF));
     EXPECT_EQ(disparityPayload(std::numeric_limits<std::int64_t>::min()), u32(0x80000000));
     EXPECT_EQ(disparityPayload(-150), u32(static_cast<std::uint32_t>(-150)));
-}
-
-TEST(CameraProperties, millimetresOfTheFormAreWholeMicrometres) {
-    for (int tenths = 0; tenths <= 2000; ++tenths)
-        EXPECT_EQ(micrometres(tenths / 10.0 / 1000), tenths * 100) << tenths;
 }
 
 } // namespace

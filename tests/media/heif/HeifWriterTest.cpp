@@ -72,7 +72,7 @@ Pair codedPair(int width, int height, int tileWidth, int tileHeight) {
               test::codedImage(width, height, tileWidth, tileHeight, rightDrawing)};
     for (CodedImage *eye : {&pair.left, &pair.right})
         eye->camera = Camera{width / 2.0, {2.0 * width, 2.0 * height}, {}};
-    pair.right.camera->position[0] = 0.064;
+    pair.right.camera->position[0] = 64000;
     return pair;
 }
 
