@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ProcessorError.h"
 
+#include "engine/MediaErrorTexts.h"
 #include "engine/SpatialPhotoError.h"
-#include "media/MediaError.h"
 
 #include <new>
 #include <system_error>
@@ -14,23 +14,40 @@ std::string described(const std::string &domain, int code, const std::string &me
     return "Error Domain=" + domain + " Code=" + std::to_string(code) + " \"" + message + "\"";
 }
 
+/// What is rare is told in the words of the one who found it.
+std::string systemMessage(const std::system_error &error) {
+    const bool ofSystem =
+        error.code().category() == std::generic_category() || error.code().category() == std::system_category();
+    const media::MediaReason reason = ofSystem ? media::systemReason(error.code().value()) : media::MediaReason::other;
+    return reason == media::MediaReason::other ? error.what() : text(keyOf(reason));
+}
+
 } // namespace
 
 std::string errorMessage(const std::exception &error) {
-    return dynamic_cast<const std::bad_alloc *>(&error) ? "There is not enough memory." : error.what();
+    if (const auto *processor = dynamic_cast<const ProcessorError *>(&error))
+        return processor->shown();
+    if (const auto *photo = dynamic_cast<const SpatialPhotoError *>(&error))
+        return photo->shown();
+    if (const auto *media = dynamic_cast<const media::MediaError *>(&error))
+        return errorWords(*media).shown;
+    if (dynamic_cast<const std::bad_alloc *>(&error))
+        return text("error.no.memory");
+    if (const auto *system = dynamic_cast<const std::system_error *>(&error))
+        return systemMessage(*system);
+    return error.what();
 }
 
 std::string errorText(const std::exception &error) {
-    std::string message = errorMessage(error);
     if (dynamic_cast<const ProcessorError *>(&error))
-        return described(ProcessorError::domain, ProcessorError::code, message);
+        return described(ProcessorError::domain, ProcessorError::code, error.what());
     if (const auto *photo = dynamic_cast<const SpatialPhotoError *>(&error))
-        return described(SpatialPhotoError::domain, photo->code(), message);
+        return described(SpatialPhotoError::domain, photo->code(), error.what());
     if (const auto *media = dynamic_cast<const media::MediaError *>(&error))
-        return described("Media", media->code(), message);
+        return described("Media", media->code(), error.what());
     if (const auto *system = dynamic_cast<const std::system_error *>(&error))
-        return described(system->code().category().name(), system->code().value(), message);
-    return message;
+        return described(system->code().category().name(), system->code().value(), error.what());
+    return dynamic_cast<const std::bad_alloc *>(&error) ? englishText("error.no.memory") : error.what();
 }
 
 } // namespace lumetwin

@@ -1,23 +1,38 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/Words.h"
+
 #include <exception>
 #include <stdexcept>
 #include <string>
 
 namespace lumetwin {
 
-/// The engine's own error: domain "VideoProcessor", code -1, and a localized message.
+/// The engine's own error: domain "VideoProcessor", code -1, and a message.
 class ProcessorError : public std::runtime_error {
 public:
     static constexpr const char *domain = "VideoProcessor";
     static constexpr int code = -1;
-    using std::runtime_error::runtime_error;
+
+    /// The message is English for the log.
+    explicit ProcessorError(const Words &message) : std::runtime_error(message.english), shown_(message.shown) {}
+
+    /// The message in the user's language.
+    const std::string &shown() const { return shown_; }
+
+private:
+    std::string shown_;
 };
 
 /// The engine error with the given message, to be thrown.
-inline ProcessorError processorError(const std::string &message) {
+inline ProcessorError processorError(const Words &message) {
     return ProcessorError(message);
+}
+
+/// As above; the message is localized already, and the log has it so.
+inline ProcessorError processorError(const std::string &message) {
+    return ProcessorError({message, message});
 }
 
 /// An error in words for the user.

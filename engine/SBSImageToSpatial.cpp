@@ -3,11 +3,11 @@
 
 #include "engine/EyeExtraction.h"
 #include "engine/FileNames.h"
+#include "engine/MediaErrorTexts.h"
 #include "engine/ProcessorError.h"
 #include "engine/SpatialPhotoError.h"
 #include "engine/SpatialPhotoMetadata.h"
 #include "media/ImageFile.h"
-#include "media/MediaError.h"
 #include "media/Memory.h"
 
 #include <future>
@@ -21,8 +21,9 @@ namespace {
 media::StillImage opened(const std::filesystem::path &input) {
     try {
         return media::readImage(input);
-    } catch (const media::MediaError &) {
-        throw processorError("Cannot open photo: " + lastPathComponent(input));
+    } catch (const media::MediaError &error) {
+        throw processorError(
+            because(words("error.photo.cannot.open.format", lastPathComponent(input)), causeOf(error)));
     }
 }
 
@@ -34,8 +35,8 @@ bool possible(const EyeSize &eye) {
 media::Picture emptyEye(int width, int height, const media::Picture &source) {
     try {
         return media::makePicture(width, height, source.format, source.colour);
-    } catch (const std::length_error &) {
-        throw processorError("Failed to render eye images");
+    } catch (const std::length_error &error) {
+        throw processorError(because(words("error.photo.render.eyes.failed"), causeOf(error)));
     }
 }
 
@@ -66,10 +67,10 @@ media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &pr
                          const std::filesystem::path &input) {
     try {
         return media::inSRGB(std::move(eye), profile, input);
-    } catch (const std::length_error &) {
-        throw processorError("Failed to remove alpha");
-    } catch (const media::MediaError &) {
-        throw processorError("Failed to remove alpha");
+    } catch (const std::length_error &error) {
+        throw processorError(because(words("error.photo.remove.alpha.failed"), causeOf(error)));
+    } catch (const media::MediaError &error) {
+        throw processorError(because(words("error.photo.remove.alpha.failed"), causeOf(error)));
     }
 }
 
@@ -77,7 +78,7 @@ media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &pr
 Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, const std::filesystem::path &input) {
     const EyeSize size = eyeSize(settings, source.picture.width, source.picture.height);
     if (!possible(size) || source.picture.width < 2)
-        throw processorError("Failed to render eye images");
+        throw processorError(because(words("error.photo.render.eyes.failed"), causeOfSize(size.width, size.height)));
     const EyeExtraction extraction = eyeExtraction(settings, size, source.picture.width, source.picture.height);
     const auto render = [&](const media::Placement &placement) {
         return opaqueEye(fittedEye(source.picture, placement, extraction.unscaled, size), source.metadata.iccProfile,
@@ -93,15 +94,15 @@ void writePair(const ConversionSettings &settings, Eyes eyes, const media::Image
     const media::SpatialPhotoFacts facts = spatialPhotoFacts(settings, eyes.left.width, eyes.left.height);
     try {
         media::requireWritable(output);
-    } catch (const media::MediaError &) {
-        throw SpatialPhotoError::cannotCreateDestination(output);
+    } catch (const media::MediaError &error) {
+        throw SpatialPhotoError::cannotCreateDestination(output, causeOf(error));
     }
     try {
         media::writeSpatialPhoto(output, std::move(eyes.left), std::move(eyes.right), facts, metadata);
-    } catch (const media::MediaError &) {
-        throw SpatialPhotoError::finalizationFailed(output);
+    } catch (const media::MediaError &error) {
+        throw SpatialPhotoError::finalizationFailed(output, causeOf(error));
     } catch (const std::invalid_argument &) { // more than the format holds
-        throw SpatialPhotoError::finalizationFailed(output);
+        throw SpatialPhotoError::finalizationFailed(output, words(keyOf(media::MediaReason::beyondFormat)));
     }
 }
 

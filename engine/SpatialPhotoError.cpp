@@ -3,30 +3,47 @@
 
 #include "engine/FileNames.h"
 
+#include <cstdint>
+
 namespace lumetwin {
 
-SpatialPhotoError SpatialPhotoError::cannotOpenFile(const std::filesystem::path &file) {
-    return {Case::cannotOpenFile, "Could not open the file: " + lastPathComponent(file)};
+SpatialPhotoError SpatialPhotoError::cannotOpenFile(const std::filesystem::path &file, const Words &cause) {
+    return {Case::cannotOpenFile,
+            because(words("error.photo.cannot.open.file.format", lastPathComponent(file)), cause)};
 }
 
-SpatialPhotoError SpatialPhotoError::notASpatialPhoto(const std::string &reason) {
-    return {Case::notASpatialPhoto, "This is not a spatial photo: " + reason};
+SpatialPhotoError SpatialPhotoError::notASpatialPhoto(const Words &reason, const Words &cause) {
+    return {Case::notASpatialPhoto, because(words("error.photo.not.spatial.format", reason), cause)};
 }
 
-SpatialPhotoError SpatialPhotoError::cannotCreateDestination(const std::filesystem::path &file) {
-    return {Case::cannotCreateDestination, "Could not create the output destination: " + lastPathComponent(file)};
+SpatialPhotoError SpatialPhotoError::cannotCreateDestination(const std::filesystem::path &file, const Words &cause) {
+    return {Case::cannotCreateDestination,
+            because(words("error.photo.cannot.create.destination.format", lastPathComponent(file)), cause)};
 }
 
-SpatialPhotoError SpatialPhotoError::finalizationFailed(const std::filesystem::path &file) {
-    return {Case::finalizationFailed, "Failed to write spatial photo: " + lastPathComponent(file)};
+SpatialPhotoError SpatialPhotoError::finalizationFailed(const std::filesystem::path &file, const Words &cause) {
+    return {Case::finalizationFailed,
+            because(words("error.photo.finalization.failed.format", lastPathComponent(file)), cause)};
 }
 
-SpatialPhotoError SpatialPhotoError::imageExtractionFailed() {
-    return {Case::imageExtractionFailed, "Failed to retrieve left and right images."};
+SpatialPhotoError SpatialPhotoError::imageExtractionFailed(const Words &cause) {
+    return {Case::imageExtractionFailed, because(words("error.photo.extraction.failed"), cause)};
 }
 
 SpatialPhotoError SpatialPhotoError::invalidImage() {
-    return {Case::invalidImage, "Could not convert NSImage to CGImage"};
+    return {Case::invalidImage, words("error.photo.invalid.image")};
+}
+
+Words SpatialPhotoError::tooFewImages(std::size_t count) {
+    return words("error.photo.too.few.images.format", static_cast<std::int64_t>(count));
+}
+
+Words SpatialPhotoError::noContainerProperties() {
+    return words("error.photo.no.container");
+}
+
+Words SpatialPhotoError::noStereoGroup() {
+    return words("error.photo.no.stereo.group");
 }
 
 } // namespace lumetwin

@@ -2,6 +2,7 @@
 #include "engine/SpatialPhotoToSBS.h"
 
 #include "engine/FileNames.h"
+#include "engine/MediaErrorTexts.h"
 #include "engine/MediaKinds.h"
 #include "engine/ProcessorError.h"
 #include "engine/SBSGeometry.h"
@@ -9,7 +10,6 @@
 #include "engine/StereoPair.h"
 #include "media/ColourConversion.h"
 #include "media/ImageFile.h"
-#include "media/MediaError.h"
 #include "media/Memory.h"
 #include "media/Placement.h"
 #include "media/SpatialPhoto.h"
@@ -41,20 +41,20 @@ ImageKind kindOf(const std::filesystem::path &output) {
 StillImage decodedEye(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples) {
     try {
         return media::readHeifImage(file, item, samples);
-    } catch (const media::MediaError &) {
-        throw SpatialPhotoError::imageExtractionFailed();
+    } catch (const media::MediaError &error) {
+        throw SpatialPhotoError::imageExtractionFailed(causeOf(error));
     }
 }
 
 media::Picture canvasFor(const SBSGeometry &geometry, const media::Picture &eye) {
     constexpr std::int64_t largest = std::numeric_limits<int>::max();
     if (geometry.outW < 1 || geometry.outH < 1 || geometry.outW > largest || geometry.outH > largest)
-        throw processorError("Failed to render SBS image");
+        throw processorError(because(words("error.photo.render.failed"), causeOfSize(geometry.outW, geometry.outH)));
     try {
         return media::makePicture(static_cast<int>(geometry.outW), static_cast<int>(geometry.outH), eye.format,
                                   eye.colour);
-    } catch (const std::length_error &) {
-        throw processorError("Failed to render SBS image");
+    } catch (const std::length_error &error) {
+        throw processorError(because(words("error.photo.render.failed"), causeOf(error)));
     }
 }
 
@@ -75,7 +75,7 @@ public:
 
     void place(media::Picture eye, bool isLeftEye) {
         if (eye.width != width_ || eye.height != height_)
-            throw processorError("The left and right images differ in size");
+            throw processorError(words("error.photo.sizes.differ"));
         if (eye.format.model != format_.model || eye.colour.matrix != canvas_.colour.matrix ||
             eye.colour.range != canvas_.colour.range)
             eye = media::convertColour(eye, format_, canvas_.colour);
@@ -133,15 +133,17 @@ void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKi
     const media::LargeBlockScope memory;
     try {
         media::requireWritable(output);
-    } catch (const media::MediaError &) {
-        throw processorError("Cannot create image destination: " + lastPathComponent(output));
+    } catch (const media::MediaError &error) {
+        throw processorError(
+            because(words("error.photo.no.destination.format", lastPathComponent(output)), causeOf(error)));
     }
+    const Words failed = words("error.photo.write.failed.format", lastPathComponent(output));
     try {
         media::writeImage(output, kind, std::move(image), settings.compressionQuality);
-    } catch (const media::MediaError &) {
-        throw processorError("Failed to write image: " + lastPathComponent(output));
+    } catch (const media::MediaError &error) {
+        throw processorError(because(failed, causeOf(error)));
     } catch (const std::invalid_argument &) { // more than the format holds
-        throw processorError("Failed to write image: " + lastPathComponent(output));
+        throw processorError(because(failed, words(keyOf(media::MediaReason::beyondFormat))));
     }
 }
 

@@ -1,44 +1,43 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/StereoPair.h"
 
+#include "engine/MediaErrorTexts.h"
 #include "engine/SpatialPhotoError.h"
 #include "media/HeifFile.h"
 #include "media/ImageFile.h"
-#include "media/MediaError.h"
 
 namespace lumetwin {
 
 namespace {
 
-int countOf(const std::filesystem::path &file) {
+std::size_t countOf(const std::filesystem::path &file) {
     try {
-        return media::imageCount(file);
-    } catch (const media::MediaError &) {
-        throw SpatialPhotoError::cannotOpenFile(file);
+        return static_cast<std::size_t>(media::imageCount(file));
+    } catch (const media::MediaError &error) {
+        throw SpatialPhotoError::cannotOpenFile(file, causeOf(error));
     }
 }
 
 media::HeifFile heifFile(const std::filesystem::path &file) {
     try {
         return media::readHeifFile(file);
-    } catch (const media::MediaError &) {
-        throw SpatialPhotoError::notASpatialPhoto("The container property cannot be retrieved.");
+    } catch (const media::MediaError &error) {
+        throw SpatialPhotoError::notASpatialPhoto(SpatialPhotoError::noContainerProperties(), causeOf(error));
     }
 }
 
 } // namespace
 
 StereoPair readStereoPair(const std::filesystem::path &file) {
-    const int count = countOf(file);
+    const std::size_t count = countOf(file);
     if (count < 2)
-        throw SpatialPhotoError::notASpatialPhoto(
-            "Does not contain two or more images (count=" + std::to_string(count) + ")");
+        throw SpatialPhotoError::notASpatialPhoto(SpatialPhotoError::tooFewImages(count));
     if (media::imageKind(file) != media::ImageKind::heif)
-        throw SpatialPhotoError::notASpatialPhoto("No stereo pair group found");
+        throw SpatialPhotoError::notASpatialPhoto(SpatialPhotoError::noStereoGroup());
     const media::HeifFile heif = heifFile(file);
     const auto eyes = heif.stereoEyes();
     if (!eyes)
-        throw SpatialPhotoError::notASpatialPhoto("No stereo pair group found");
+        throw SpatialPhotoError::notASpatialPhoto(SpatialPhotoError::noStereoGroup());
     return {heif.images.at(eyes->left).item, heif.images.at(eyes->right).item};
 }
 

@@ -55,6 +55,11 @@ std::atomic<const Language *> &currentLanguage() {
     return current;
 }
 
+std::string textIn(const Language &language, std::string_view key, std::string_view otherwise) {
+    const auto found = language.texts.find(key);
+    return found == language.texts.end() ? std::string(otherwise) : found->second;
+}
+
 } // namespace
 
 std::string text(std::string_view key) {
@@ -62,9 +67,11 @@ std::string text(std::string_view key) {
 }
 
 std::string text(std::string_view key, std::string_view englishDefault) {
-    const auto &texts = currentLanguage().load()->texts;
-    const auto found = texts.find(key);
-    return found == texts.end() ? std::string(englishDefault) : found->second;
+    return textIn(*currentLanguage().load(), key, englishDefault);
+}
+
+std::string englishText(std::string_view key) {
+    return textIn(languages().front(), key, key);
 }
 
 void setTextLocale(std::string_view locale) {

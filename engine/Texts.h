@@ -12,6 +12,8 @@ namespace lumetwin {
 std::string text(std::string_view key);
 /// As above, but the given English text where the table has none.
 std::string text(std::string_view key, std::string_view englishDefault);
+/// The English text of a key, whatever the current language; the key itself where the table has none.
+std::string englishText(std::string_view key);
 
 /// The key's format text, filled printf-style: 64-bit integers, doubles and strings, in the order of the arguments.
 template <typename... Arguments> std::string formatted(std::string_view key, const Arguments &...arguments) {

@@ -127,7 +127,8 @@ Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, medi
         try {
             result = frameLoop();
             if (!writer.failed() && !control.cancelled() && result.written == 0)
-                throw media::MediaError(source.movie.path(), "Cannot decode", 0, "not one frame could be read");
+                throw media::MediaError(source.movie.path(), media::MediaOperation::decode, 0,
+                                        media::MediaReason::noFrame);
         } catch (...) {
             writer.abandon();
             writer.finishVideo();

@@ -139,7 +139,7 @@ void VideoProcessor::handle(const BatchFiles &files, std::size_t index, const Ou
     } catch (const std::exception &error) {
         fail(result, errorText(error), errorMessage(error));
     } catch (...) {
-        fail(result, "unknown error", "unknown error");
+        fail(result, "unknown error", text("error.unknown"));
     }
     result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
 }

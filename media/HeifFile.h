@@ -62,8 +62,10 @@ struct HeifColour {
 
 /// An image that a viewer would list: not hidden, no thumbnail, no auxiliary image, no part of a grid.
 struct HeifImage {
-    std::uint32_t item = 0;       ///< the item's id in the file, as decoders want it
-    std::uint32_t itemType = 0;   ///< four-character code: `hvc1`, `grid`, …
+    std::uint32_t item = 0;     ///< the item's id in the file, as decoders want it
+    std::uint32_t itemType = 0; ///< four-character code: `hvc1`, `grid`, …
+    std::uint32_t coding = 0;   ///< the type of the items that its samples are coded in: `hvc1`, `av01`, …
+    bool encrypted = false;
     std::uint32_t codedWidth = 0; ///< of `ispe`: before all transformations; 0 where the file does not say
     std::uint32_t codedHeight = 0;
     std::uint32_t width = 0; ///< after `clap`, before rotation: the pixel size that the stereo values refer to
@@ -106,6 +108,7 @@ struct HeifFile {
     std::vector<HeifImage> images;             ///< in the order in which the file announces its items
     std::optional<std::size_t> primary;        ///< index of the primary image, where it is one of them
     std::vector<HeifStereoGroup> stereoGroups; ///< in the file's order
+    bool hasMovie = false;                     ///< there is a film or an image sequence in it, too
 
     /// The images of the first stereo group. A group that lacks one of them means the file's first two images. Nothing
     /// without a group, and for files of fewer than two images.
@@ -114,8 +117,8 @@ struct HeifFile {
     std::optional<std::int32_t> stereoDisparityAdjustment() const;
 };
 
-/// Reads headers only and decodes nothing. Throws MediaError when the file is no HEIF file, damaged, or beyond the
-/// limits.
+/// Reads headers only and decodes nothing. Throws MediaError when the file is no HEIF file, an image sequence and
+/// nothing else, damaged, or beyond the limits.
 HeifFile readHeifFile(const std::filesystem::path &file);
 
 /// The bytes of one payload of the file that it was read from. Throws MediaError when they are more than the limit or

@@ -29,8 +29,8 @@ std::string shortened(std::string name, std::size_t size) {
     return name;
 }
 
-[[noreturn]] void fail(const std::filesystem::path &output, const char *operation, int number) {
-    throw MediaError(output, operation, -number, std::generic_category().message(number));
+[[noreturn]] void fail(const std::filesystem::path &output, MediaOperation operation, int number) {
+    throw MediaError::ofSystem(output, operation, number);
 }
 
 } // namespace
@@ -46,7 +46,7 @@ void PartialFile::finish() const {
     std::error_code code;
     std::filesystem::rename(path_, output_, code);
     if (code)
-        fail(output_, "Cannot rename the partial file to", code.value());
+        fail(output_, MediaOperation::rename, code.value());
 }
 
 void PartialFile::discard() const noexcept {
@@ -57,7 +57,7 @@ void PartialFile::discard() const noexcept {
 PartialFileWriter::PartialFileWriter(const PartialFile &file)
     : output_(file.output()), descriptor_(::open(file.path().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) {
     if (descriptor_ < 0)
-        fail(output_, "Cannot create", errno);
+        fail(output_, MediaOperation::create, errno);
 }
 
 PartialFileWriter::~PartialFileWriter() {
@@ -71,7 +71,7 @@ void PartialFileWriter::write(std::span<const std::uint8_t> bytes) {
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
-            fail(output_, "Cannot write", errno);
+            fail(output_, MediaOperation::write, errno);
         bytes = bytes.subspan(static_cast<std::size_t>(count));
     }
 }
@@ -79,7 +79,7 @@ void PartialFileWriter::write(std::span<const std::uint8_t> bytes) {
 void PartialFileWriter::close() {
     // The descriptor is gone whatever close() says.
     if (::close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR)
-        fail(output_, "Cannot write", errno);
+        fail(output_, MediaOperation::write, errno);
 }
 
 } // namespace lumetwin::media

@@ -36,7 +36,7 @@ public:
 
     void read(std::uint64_t position, std::span<std::uint8_t> buffer) const override {
         if (position > size_ || buffer.size() > size_ - position)
-            throw FormatError("the file ends early");
+            throw FormatError("the file ends early", MediaReason::endsEarly);
         if (buffer.size() > ahead_.size())
             return fill(position, buffer);
         // Headers lie close together: a call to the system for each would take most of the time.
@@ -58,7 +58,7 @@ private:
             if (count < 0 && errno == EINTR)
                 continue;
             if (count <= 0)
-                throw FormatError("the file ends early");
+                throw FormatError("the file ends early", MediaReason::endsEarly);
             buffer = buffer.subspan(static_cast<std::size_t>(count));
             position += static_cast<std::uint64_t>(count);
         }
@@ -100,7 +100,7 @@ std::unique_ptr<Source> fromMemory(std::span<const std::uint8_t> bytes) {
 
 bool BoxWalk::next(Box &box) {
     if (end_ > source_->size())
-        throw FormatError("a box reaches beyond the file");
+        throw FormatError("a box reaches beyond the file", MediaReason::endsEarly);
     if (end_ - position_ < headerSize)
         return false;
     if (++*count_ > limit)

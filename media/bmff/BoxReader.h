@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/MediaError.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +18,16 @@ namespace lumetwin::media::bmff {
 /// A file that does not keep to ISO/IEC 14496-12, or asks for more than the reader's limits. Never leaves media/.
 class FormatError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit FormatError(const std::string &details, MediaReason reason = MediaReason::damaged)
+        : std::runtime_error(details), reason_(reason), details_(details) {}
+    explicit FormatError(MediaReason reason) : std::runtime_error(std::string(words(reason))), reason_(reason) {}
+
+    MediaReason reason() const { return reason_; }
+    const std::string &details() const { return details_; }
+
+private:
+    MediaReason reason_;
+    std::string details_;
 };
 
 /// Four characters as the number that files hold.

@@ -8,7 +8,7 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-constexpr const char *operation = "Cannot encode the sound of";
+constexpr MediaOperation operation = MediaOperation::encodeSound;
 constexpr float fullScale = 1.0F / 32768.0F;
 
 } // namespace

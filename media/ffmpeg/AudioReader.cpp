@@ -60,7 +60,7 @@ struct AudioReader::State {
         for (unsigned index = 0; index < input->nb_streams; ++index)
             if (static_cast<int>(index) != stream)
                 input->streams[index]->discard = AVDISCARD_ALL;
-        check(avcodec_open2(decoder.get(), decoder->codec, nullptr), file, "Cannot decode the sound of");
+        check(avcodec_open2(decoder.get(), decoder->codec, nullptr), file, MediaOperation::decodeSound);
         sendPacket();
     }
 
@@ -107,7 +107,7 @@ struct AudioReader::State {
                 continue;
             // Decoded as it stands it would be noise.
             if (ffmpeg::isEncrypted(*packet))
-                throw MediaError(file, "Cannot decode the sound of", AVERROR(EACCES), "it is encrypted");
+                throw MediaError(file, MediaOperation::decodeSound, AVERROR(EACCES), MediaReason::encrypted);
             avcodec_send_packet(decoder.get(), packet.get());
             return;
         }
@@ -183,7 +183,7 @@ struct AudioReader::State {
             return;
         sourceRate = frame->sample_rate;
         sourceFormat = static_cast<AVSampleFormat>(frame->format);
-        check(av_channel_layout_copy(&sourceLayout, &frame->ch_layout), file, "Cannot decode the sound of");
+        check(av_channel_layout_copy(&sourceLayout, &frame->ch_layout), file, MediaOperation::decodeSound);
         AVChannelLayout from = frame->ch_layout;
         if (from.order == AV_CHANNEL_ORDER_UNSPEC)
             av_channel_layout_default(&from, frame->ch_layout.nb_channels);
@@ -193,8 +193,8 @@ struct AudioReader::State {
         const int code = swr_alloc_set_opts2(&context, &to, AV_SAMPLE_FMT_S16, sampleRate, &from, sourceFormat,
                                              sourceRate, 0, nullptr);
         resampler.reset(context);
-        check(code, file, "Cannot decode the sound of");
-        check(swr_init(resampler.get()), file, "Cannot decode the sound of");
+        check(code, file, MediaOperation::decodeSound);
+        check(swr_init(resampler.get()), file, MediaOperation::decodeSound);
     }
 };
 

@@ -11,6 +11,9 @@ namespace {
 // No single block that a file asks for may be larger: an 8192 × 8192 frame of 16 bits takes 384 MiB.
 constexpr std::size_t largestAllocation = std::size_t{1} << 30;
 
+// The library's own codes are made of four characters; smaller ones are the system's.
+constexpr int largestSystemNumber = 4096;
+
 // Failures come as errors; what decoders find to say about single damaged frames is not for the user's terminal.
 [[maybe_unused]] const bool configured = [] {
     av_log_set_level(AV_LOG_QUIET);
@@ -44,11 +47,16 @@ std::string words(int code) {
     return buffer;
 }
 
-MediaError error(const std::filesystem::path &file, const std::string &operation, int code) {
+MediaError error(const std::filesystem::path &file, MediaOperation operation, int code) {
+    const bool ofSystem = code > -largestSystemNumber;
+    if (ofSystem && systemReason(AVUNERROR(code)) != MediaReason::other)
+        return MediaError::ofSystem(file, operation, AVUNERROR(code));
+    if (code == AVERROR_INVALIDDATA)
+        return MediaError(file, operation, code, MediaReason::damaged, words(code));
     return MediaError(file, operation, code, words(code));
 }
 
-int check(int code, const std::filesystem::path &file, const std::string &operation) {
+int check(int code, const std::filesystem::path &file, MediaOperation operation) {
     if (code < 0)
         throw error(file, operation, code);
     return code;
@@ -61,13 +69,13 @@ std::string fileAddress(const std::filesystem::path &file) {
 Input openInput(const std::filesystem::path &file) {
     std::error_code ignored;
     if (std::filesystem::is_directory(file, ignored))
-        throw error(file, "Cannot open", AVERROR(EISDIR));
+        throw error(file, MediaOperation::open, AVERROR(EISDIR));
     if (std::filesystem::is_regular_file(file, ignored) && std::filesystem::file_size(file, ignored) == 0)
-        throw MediaError(file, "Cannot open", AVERROR_INVALIDDATA, "The file is empty");
+        throw MediaError(file, MediaOperation::open, AVERROR_INVALIDDATA, MediaReason::emptyFile);
     AVFormatContext *opened = nullptr;
-    check(avformat_open_input(&opened, fileAddress(file).c_str(), nullptr, nullptr), file, "Cannot open");
+    check(avformat_open_input(&opened, fileAddress(file).c_str(), nullptr, nullptr), file, MediaOperation::open);
     Input input(opened);
-    check(avformat_find_stream_info(input.get(), nullptr), file, "Cannot open");
+    check(avformat_find_stream_info(input.get(), nullptr), file, MediaOperation::open);
     return input;
 }
 
@@ -75,12 +83,12 @@ Codec makeDecoder(const std::filesystem::path &file, const AVStream &stream) {
     const AVCodecParameters &parameters = *stream.codecpar;
     const AVCodec *decoder = avcodec_find_decoder(parameters.codec_id);
     if (!decoder)
-        throw MediaError(file, "Cannot decode", AVERROR_DECODER_NOT_FOUND,
-                         std::string("there is no decoder for ") + avcodec_get_name(parameters.codec_id));
+        throw MediaError(file, MediaOperation::decode, AVERROR_DECODER_NOT_FOUND, MediaReason::noDecoder,
+                         avcodec_get_name(parameters.codec_id));
     Codec codec(avcodec_alloc_context3(decoder));
     if (!codec)
         throw std::bad_alloc();
-    check(avcodec_parameters_to_context(codec.get(), &parameters), file, "Cannot decode");
+    check(avcodec_parameters_to_context(codec.get(), &parameters), file, MediaOperation::decode);
     codec->pkt_timebase = stream.time_base;
     return codec;
 }

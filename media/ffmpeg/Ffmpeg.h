@@ -51,10 +51,10 @@ bool isEncrypted(const AVPacket &packet);
 std::string words(int code);
 
 /// The error of an operation on a file, to be thrown.
-MediaError error(const std::filesystem::path &file, const std::string &operation, int code);
+MediaError error(const std::filesystem::path &file, MediaOperation operation, int code);
 
 /// Throws the operation's error when the code is one; returns the code otherwise.
-int check(int code, const std::filesystem::path &file, const std::string &operation);
+int check(int code, const std::filesystem::path &file, MediaOperation operation);
 
 /// Opens a local file, and only that: names that look like another protocol's address are names.
 /// Throws MediaError ("Cannot open …").

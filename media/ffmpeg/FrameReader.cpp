@@ -95,7 +95,7 @@ struct FrameReader::State {
     }
 
     MediaError encrypted() const {
-        return MediaError(file, "Cannot decode", AVERROR(EACCES), "the movie is encrypted");
+        return MediaError(file, MediaOperation::decode, AVERROR(EACCES), MediaReason::encryptedMovie);
     }
 
     void openDecoder() {
@@ -106,18 +106,18 @@ struct FrameReader::State {
         decoder->max_pixels = largestFrame;
         if (bothViews && decoder->codec_id == AV_CODEC_ID_HEVC)
             askForBothViews();
-        check(avcodec_open2(decoder.get(), decoder->codec, nullptr), file, "Cannot decode");
+        check(avcodec_open2(decoder.get(), decoder->codec, nullptr), file, MediaOperation::decode);
     }
 
     void askForBothViews() {
-        check(av_opt_set(decoder->priv_data, "view_ids", "-1", 0), file, "Cannot decode");
+        check(av_opt_set(decoder->priv_data, "view_ids", "-1", 0), file, MediaOperation::decode);
         guard.emplace(std::span(decoder->extradata, static_cast<std::size_t>(decoder->extradata_size)));
         requireConsistency();
     }
 
     void requireConsistency() const {
         if (!guard->consistent())
-            throw MediaError(file, "Cannot decode", AVERROR_INVALIDDATA, "its parameter sets contradict each other");
+            throw MediaError(file, MediaOperation::decode, AVERROR_INVALIDDATA, MediaReason::contradictoryParameters);
     }
 
     /// The next packet of the track; false at the end, also where the file ends early. Throws where it is encrypted.
@@ -151,7 +151,7 @@ struct FrameReader::State {
             guard->configure({changed, newSize});
             requireConsistency();
         }
-        check(av_packet_make_writable(packet.get()), file, "Cannot decode");
+        check(av_packet_make_writable(packet.get()), file, MediaOperation::decode);
         const auto size = static_cast<std::size_t>(packet->size);
         const std::size_t kept = guard->keep({packet->data, size});
         if (guard->damaged())
@@ -187,7 +187,7 @@ struct FrameReader::State {
             if (code == AVERROR(EAGAIN))
                 continue;
             if (code == AVERROR(ENOMEM))
-                throw ffmpeg::error(file, "Cannot decode", code);
+                throw ffmpeg::error(file, MediaOperation::decode, code);
             if (code < 0 && code != AVERROR_EOF)
                 damaged = true; // this packet's frames are lost, the next ones may be whole
             return true;
@@ -201,7 +201,7 @@ struct FrameReader::State {
             if (code == AVERROR(EAGAIN) || code == AVERROR_EOF)
                 return true;
             if (code == AVERROR(ENOMEM))
-                throw ffmpeg::error(file, "Cannot decode", code);
+                throw ffmpeg::error(file, MediaOperation::decode, code);
             if (code < 0) {
                 damaged = true;
                 return true;

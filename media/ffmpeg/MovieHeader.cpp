@@ -15,7 +15,7 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-constexpr const char *operation = "Cannot complete";
+constexpr MediaOperation operation = MediaOperation::complete;
 
 struct Placed {
     std::streamoff offset;
@@ -46,7 +46,7 @@ Placed readHeader(std::fstream &stream, const std::filesystem::path &file) {
         }
         offset = next;
     }
-    throw MediaError(file, operation, 0, "its header is not where it was written");
+    throw MediaError(file, operation, 0, MediaReason::headerNotFound);
 }
 
 struct TagName {
@@ -84,7 +84,7 @@ std::optional<std::string> lookUp(const MovieTags &tags, const TagName &name) {
 void editMovieHeader(const std::filesystem::path &file, const std::function<void(MovieHeader &)> &edit) {
     std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
     if (!stream)
-        throw MediaError(file, operation, -errno, std::strerror(errno));
+        throw MediaError::ofSystem(file, operation, errno);
     Placed header = readHeader(stream, file);
     const std::size_t before = header.bytes.size();
     edit(header.bytes);
@@ -94,7 +94,7 @@ void editMovieHeader(const std::filesystem::path &file, const std::function<void
                  static_cast<std::streamsize>(header.bytes.size()));
     stream.close();
     if (!stream)
-        throw MediaError(file, operation, -errno, std::strerror(errno));
+        throw MediaError::ofSystem(file, operation, errno);
     if (header.bytes.size() < before)
         std::filesystem::resize_file(file, static_cast<std::uintmax_t>(header.offset) + header.bytes.size());
 }

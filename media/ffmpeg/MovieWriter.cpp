@@ -27,7 +27,7 @@ namespace {
 using ffmpeg::check;
 using ffmpeg::TrackBalance;
 
-constexpr const char *operation = "Cannot write";
+constexpr MediaOperation operation = MediaOperation::write;
 // Pictures that wait for the encoder.
 constexpr std::size_t picturesAhead = 3;
 // How often a writer that waits for its encoder looks whether it is cancelled.
@@ -227,7 +227,7 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
 
     void completeStereoTrack(ffmpeg::MovieHeader &header) {
         if (!ffmpeg::completeStereoEntry(header, *stereo))
-            throw MediaError(output, operation, 0, "the stereo track is not as the muxer should have written it");
+            throw MediaError(output, operation, 0, MediaReason::stereoTrackNotFound);
         ffmpeg::addApertures(header, shownWidth, shownHeight);
     }
 
@@ -281,9 +281,8 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
 
 void MovieWriter::requireSize(const std::filesystem::path &output, std::int64_t width, std::int64_t height) {
     if (width < 1 || height < 1 || width > largestSide || height > largestSide)
-        throw MediaError(output, operation, AVERROR(EINVAL),
-                         "a frame of " + std::to_string(width) + " × " + std::to_string(height) +
-                             " pixels is outside 1 × 1 to 16384 × 16384");
+        throw MediaError(output, operation, AVERROR(EINVAL), MediaReason::beyondFormat,
+                         std::to_string(width) + " × " + std::to_string(height));
 }
 
 MovieWriter::MovieWriter(const std::filesystem::path &output, Container container, MovieTags tags)

@@ -105,7 +105,7 @@ public:
 private:
     x265::AccessUnitSink packets(const PacketSink &sink) {
         return [this, &sink](const x265::AccessUnit &unit) {
-            check(av_new_packet(packet_.get(), static_cast<int>(unit.bytes.size())), file_, "Cannot encode");
+            check(av_new_packet(packet_.get(), static_cast<int>(unit.bytes.size())), file_, MediaOperation::encode);
             std::memcpy(packet_->data, unit.bytes.data(), unit.bytes.size());
             packet_->pts = unit.time;
             const DecodingTimes::Moment decoded = decodingTimes_.next();

@@ -56,11 +56,11 @@ public:
         av_opt_set(codec_->priv_data, "preset", hevc ? hevcPreset : h264Preset, 0);
         if (hevc)
             av_opt_set(codec_->priv_data, "x265-params", hevcOptions, 0);
-        check(avcodec_open2(codec_.get(), library, nullptr), file_, "Cannot encode");
+        check(avcodec_open2(codec_.get(), library, nullptr), file_, MediaOperation::encode);
     }
 
     void describe(AVStream &stream) override {
-        check(avcodec_parameters_from_context(stream.codecpar, codec_.get()), file_, "Cannot encode");
+        check(avcodec_parameters_from_context(stream.codecpar, codec_.get()), file_, MediaOperation::encode);
         if (encoding_.codec == VideoCodec::hevc)
             stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
         stream.avg_frame_rate = codec_->framerate;
@@ -74,12 +74,12 @@ public:
         frame->pts = time;
         frame->duration = duration;
         decodingTimes().add(time, duration);
-        check(avcodec_send_frame(codec_.get(), frame.get()), file_, "Cannot encode");
+        check(avcodec_send_frame(codec_.get(), frame.get()), file_, MediaOperation::encode);
         receive(sink);
     }
 
     void finish(const PacketSink &sink) override {
-        check(avcodec_send_frame(codec_.get(), nullptr), file_, "Cannot encode");
+        check(avcodec_send_frame(codec_.get(), nullptr), file_, MediaOperation::encode);
         receive(sink);
     }
 
@@ -101,7 +101,7 @@ private:
             const int code = avcodec_receive_packet(codec_.get(), packet_.get());
             if (code == AVERROR(EAGAIN) || code == AVERROR_EOF)
                 return;
-            check(code, file_, "Cannot encode");
+            check(code, file_, MediaOperation::encode);
             // (x265's own are undefined for clips shorter than its reordering.)
             const DecodingTimes::Moment decoded = decodingTimes().next();
             packet_->dts = decoded.time;

@@ -18,9 +18,9 @@ template <typename Action> auto withBytesOf(const std::filesystem::path &file, A
         const auto source = bmff::openFile(file);
         return action(*source);
     } catch (const bmff::FormatError &error) {
-        throw MediaError(file, "Cannot read", 0, error.what());
+        throw MediaError(file, MediaOperation::read, 0, error.reason(), error.details());
     } catch (const std::system_error &error) {
-        throw MediaError(file, "Cannot open", -error.code().value(), error.code().message());
+        throw MediaError::ofSystem(file, MediaOperation::open, error.code().value());
     }
 }
 

@@ -80,6 +80,7 @@ public:
         list();
         describe();
         attachMetadata();
+        file_.hasMovie = meta_.hasMovie;
         if (meta_.primaryItem)
             file_.primary = image(*meta_.primaryItem);
         for (const EntityGroup &group : meta_.groups)
@@ -169,6 +170,7 @@ private:
             }
             if (const auto *depths = property<BitDepths>(item))
                 image.bitDepths = depths->channels;
+            image.coding = codingOf(meta_.itemIndexes.at(image.item), image.encrypted);
             image.colour = copyOf<HeifColour>(item);
             if (const auto *profile = property<ColourProfile>(item))
                 image.colourProfile = profile->payload;
@@ -178,6 +180,22 @@ private:
             if (const auto *adjustment = property<DisparityAdjustment>(item))
                 image.disparityAdjustment = adjustment->value;
             transform(image, item);
+        }
+    }
+
+    /// The type of the item that an image's first part is coded in, and whether one on the way to it is encrypted.
+    /// There are no circles: the derivations have been looked at.
+    std::uint32_t codingOf(std::size_t index, bool &encrypted) const {
+        for (;;) {
+            const Item &item = meta_.items[index];
+            encrypted = encrypted || item.encrypted;
+            const auto &parts = derivations_.partsOf(index);
+            if (parts.empty() || parts.front()->to.empty())
+                return item.type;
+            const auto part = meta_.itemIndexes.find(parts.front()->to.front());
+            if (part == meta_.itemIndexes.end())
+                return item.type;
+            index = part->second;
         }
     }
 

@@ -95,12 +95,32 @@ private:
         for (Box box; walk.next(box);) {
             if (box.type == fourCC("ftyp"))
                 typed = true;
-            else if (box.type == fourCC("meta") && typed)
+            else if (box.type == fourCC("meta") && typed) {
+                findMovieBehind(box);
                 return box;
-            else if (!typed)
+            } else if (!typed)
                 break;
+            else
+                noteMovie(box);
         }
-        throw FormatError("it is no HEIF file");
+        throw FormatError(meta_.hasMovie ? MediaReason::imageSequence : MediaReason::noHeifFile);
+    }
+
+    /// Looks at what follows; damage there harms no image.
+    void findMovieBehind(const Box &before) {
+        int boxes = 0;
+        BoxWalk walk(source_, before.end, source_.size(), boxes);
+        try {
+            for (Box box; walk.next(box);)
+                noteMovie(box);
+        } catch (const FormatError &) {
+            return;
+        }
+    }
+
+    /// A box of a movie, or the one that phones keep a whole movie file in.
+    void noteMovie(const Box &box) {
+        meta_.hasMovie = meta_.hasMovie || box.type == fourCC("moov") || box.type == fourCC("mpvd");
     }
 
     BoxWalk children(const Box &box, std::uint64_t skipped = 0) {
@@ -147,7 +167,7 @@ private:
         Item item;
         item.hidden = (head.flags & 1) != 0;
         item.id = head.version == 3 ? fields.u32() : fields.u16();
-        fields.skip(2); // protection
+        item.encrypted = fields.u16() != 0; // index of the protection
         if (head.version == 2 || head.version == 3) {
             item.type = fields.u32();
             text(fields); // name

@@ -28,6 +28,7 @@ struct Item {
     std::uint32_t id = 0;
     std::uint32_t type = 0;
     bool hidden = false;
+    bool encrypted = false;                ///< protected in some way (`ipro`)
     std::string contentType;               ///< of type `mime`
     bool encoded = false;                  ///< of type `mime`: the bytes are compressed
     std::vector<std::uint16_t> properties; ///< indexes into MetaBox::properties, from 1, in order; 0 is none
@@ -58,6 +59,7 @@ struct MetaBox {
     std::uint64_t itemDataBegin = 0; ///< of `idat`, in the file
     std::uint64_t itemDataEnd = 0;
     std::uint64_t fileSize = 0;
+    bool hasMovie = false; ///< the file holds a film or an image sequence, too
 
     const Item *item(std::uint32_t id) const;
 };

@@ -166,7 +166,7 @@ Picture throughProfile(Picture picture, std::span<const std::uint8_t> bytes, con
                                                        standard.get(), formatOf(PT_RGB, 3, sampleBytes, true),
                                                        INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE));
     if (!transform)
-        throw MediaError(file, "Cannot read", 0, "its colour profile cannot be used");
+        throw MediaError(file, MediaOperation::read, 0, MediaReason::unusableProfile);
     ColourTags colour = picture.colour;
     colour.primaries = 1;
     colour.transfer = 13;

@@ -11,7 +11,7 @@ namespace lumetwin::media::images {
 namespace {
 
 [[noreturn]] void fail(const std::filesystem::path &file) {
-    throw MediaError(file, "Cannot write", 0, "the photograph's data could not be added");
+    throw MediaError(file, MediaOperation::write, 0, MediaReason::photographNotAdded);
 }
 
 using Bytes = std::span<std::uint8_t>;

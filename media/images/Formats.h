@@ -2,10 +2,12 @@
 #pragma once
 
 #include "media/ImageFile.h"
+#include "media/MediaError.h"
 #include "media/PartialFile.h"
 
 #include <cstdio>
 #include <memory>
+#include <string>
 
 /// One reader and one writer for each file format; media/ImageFile.h says what they promise. Writers write to the
 /// path they are given, metadata as it is handed to them.
@@ -21,6 +23,10 @@ StandardFile openForReading(const std::filesystem::path &file);
 StandardFile openForWriting(const std::filesystem::path &file);
 /// Closes a file that was written to; throws MediaError when something of it could not be written.
 void closeWritten(StandardFile stream, const std::filesystem::path &file);
+
+/// The error of a library that could not write: the system's reason, where it left one in errno, with the library's
+/// words.
+MediaError writingError(const std::filesystem::path &file, const std::string &libraryWords);
 
 StillImage readJpeg(const std::filesystem::path &file);
 StillImage readPng(const std::filesystem::path &file);

@@ -101,7 +101,7 @@ std::vector<x265::CodedStill> codedTiles(const std::filesystem::path &file, Pict
 void takeStill(const std::filesystem::path &file, x265::CodedStill still, heif::CodedImage &image) {
     heif::Bytes configuration = heif::hevcConfiguration(still.parameterSets);
     if (!image.configuration.empty() && image.configuration != configuration)
-        throw MediaError(file, "Cannot encode", 0, "the tiles need different settings");
+        throw MediaError(file, MediaOperation::encode, 0, MediaReason::encoderFailed);
     image.configuration = std::move(configuration);
     image.tileWidth = static_cast<std::uint32_t>(still.width);
     image.tileHeight = static_cast<std::uint32_t>(still.height);

@@ -11,6 +11,7 @@
 #include <libheif/heif.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <fstream>
 
@@ -37,9 +38,49 @@ using Handle = std::unique_ptr<heif_image_handle, ReleaseHandle>;
 using Image = std::unique_ptr<heif_image, ReleaseImage>;
 using Colour = std::unique_ptr<heif_color_profile_nclx, FreeColour>;
 
+MediaReason reasonOf(const heif_error &error) {
+    switch (error.code) {
+    case heif_error_Memory_allocation_error:
+        return error.subcode == heif_suberror_Security_limit_exceeded ? MediaReason::imageTooLarge
+                                                                      : MediaReason::noMemory;
+    case heif_error_Unsupported_filetype:
+    case heif_error_Unsupported_feature:
+        return MediaReason::unsupported;
+    case heif_error_Invalid_input:
+    case heif_error_Decoder_plugin_error:
+        return error.subcode == heif_suberror_End_of_data ? MediaReason::endsEarly : MediaReason::damaged;
+    default:
+        return MediaReason::other;
+    }
+}
+
 void require(const heif_error &error, const std::filesystem::path &file) {
     if (error.code != heif_error_Ok)
-        throw MediaError(file, "Cannot read", error.code * 10000 + error.subcode, error.message);
+        throw MediaError(file, MediaOperation::read, error.code * 10000 + error.subcode, reasonOf(error),
+                         error.message);
+}
+
+struct Coding {
+    std::uint32_t type;
+    heif_compression_format format;
+    const char *name;
+};
+
+constexpr std::array<Coding, 6> codings{{
+    {bmff::fourCC("avc1"), heif_compression_AVC, "AVC"},
+    {bmff::fourCC("av01"), heif_compression_AV1, "AV1"},
+    {bmff::fourCC("vvc1"), heif_compression_VVC, "VVC"},
+    {bmff::fourCC("evc1"), heif_compression_EVC, "EVC"},
+    {bmff::fourCC("jpeg"), heif_compression_JPEG, "JPEG"},
+    {bmff::fourCC("j2k1"), heif_compression_JPEG2000, "JPEG 2000"},
+}};
+
+void requireDecoder(const std::filesystem::path &file, const HeifImage &image) {
+    if (image.encrypted)
+        throw MediaError(file, MediaOperation::read, 0, MediaReason::encrypted);
+    for (const Coding &coding : codings)
+        if (coding.type == image.coding && heif_have_decoder_for_format(coding.format) == 0)
+            throw MediaError(file, MediaOperation::read, 0, MediaReason::noDecoder, coding.name);
 }
 
 /// The library refuses whole files for the sake of groups, which are none of its business here: they become free space.
@@ -89,7 +130,7 @@ private:
         std::error_code unknown;
         const auto size = std::filesystem::file_size(path, unknown);
         if (unknown || size > (std::uintmax_t{1} << 31))
-            throw MediaError(path, "Cannot read", 0, "the file is too large");
+            throw MediaError(path, MediaOperation::read, 0, MediaReason::fileTooLarge);
         std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
         bytes.resize(std::fread(bytes.data(), 1, bytes.size(), stream.get()));
         return bytes;
@@ -212,7 +253,7 @@ Picture planesOf(const HeifContext &context, const heif_image_handle *handle) {
         std::uint8_t *data = heif_image_get_plane(image.get(), channels[plane], &stride);
         if (!data || heif_image_get_width(image.get(), channels[plane]) < picture.planeWidth(plane) ||
             heif_image_get_height(image.get(), channels[plane]) < picture.planeHeight(plane))
-            throw MediaError(context.file, "Cannot read", 0, "this layout of samples is not supported");
+            throw MediaError(context.file, MediaOperation::read, 0, MediaReason::unsupportedSamples);
         picture.planes[plane] = {data, stride};
     }
     picture.storage = std::move(image);
@@ -249,7 +290,7 @@ Picture rgbOf(const HeifContext &context, const heif_image_handle *handle) {
     int stride = 0;
     const std::uint8_t *data = heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride);
     if (!data)
-        throw MediaError(context.file, "Cannot read", 0, "this layout of samples is not supported");
+        throw MediaError(context.file, MediaOperation::read, 0, MediaReason::unsupportedSamples);
     const int channels = transparent ? 4 : 3;
     const Alpha alpha = !transparent                                       ? Alpha::none
                         : heif_image_handle_is_premultiplied_alpha(handle) ? Alpha::premultiplied
@@ -281,7 +322,9 @@ StillImage read(const HeifContext &context, heif_item_id item, HeifSamples sampl
 StillImage readHeif(const std::filesystem::path &file) {
     const HeifFile heif = readHeifFile(file);
     if (heif.images.empty())
-        throw MediaError(file, "Cannot read", 0, "there is no image in it");
+        throw MediaError(file, MediaOperation::read, 0,
+                         heif.hasMovie ? MediaReason::imageSequence : MediaReason::noImage);
+    requireDecoder(file, heif.images.front());
     return read(HeifContext(file), heif.images.front().item, HeifSamples::coded);
 }
 
@@ -290,8 +333,11 @@ StillImage readHeif(const std::filesystem::path &file) {
 namespace lumetwin::media {
 
 StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples) {
-    const images::HeifContext context(file);
-    return images::read(context, item, samples);
+    const HeifFile heif = readHeifFile(file);
+    const auto image = std::ranges::find(heif.images, item, &HeifImage::item);
+    if (image != heif.images.end())
+        images::requireDecoder(file, *image);
+    return images::read(images::HeifContext(file), item, samples);
 }
 
 } // namespace lumetwin::media

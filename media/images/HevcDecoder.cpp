@@ -28,6 +28,8 @@ heif_error failure(const char *reason, heif_suberror_code part = heif_suberror_U
     return {heif_error_Decoder_plugin_error, part, reason};
 }
 
+constexpr heif_error noMemory{heif_error_Memory_allocation_error, heif_suberror_Unspecified, "not enough memory"};
+
 /// One picture on its way: its NAL units as Annex B.
 struct Decoding {
     std::vector<std::uint8_t> stream;
@@ -47,7 +49,7 @@ int supports(heif_compression_format format) {
 
 heif_error newDecoder(void **decoder) {
     *decoder = new (std::nothrow) Decoding;
-    return *decoder ? success : failure("not enough memory");
+    return *decoder ? success : noMemory;
 }
 
 void freeDecoder(void *decoder) {
@@ -73,7 +75,7 @@ heif_error push(void *decoder, const void *data, std::size_t size) {
         }
         return success;
     } catch (const std::bad_alloc &) {
-        return failure("not enough memory");
+        return noMemory;
     }
 }
 

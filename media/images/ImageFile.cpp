@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <string_view>
 
@@ -22,8 +23,10 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/// Brands of still images in HEVC, and the general one that they come with (ISO/IEC 23008-12, annex B).
-constexpr std::array heifBrands{"heic"sv, "heix"sv, "heim"sv, "heis"sv, "mif1"sv, "mif2"sv,
+/// Brands of still images in HEVC, the general ones that they come with (ISO/IEC 23008-12, annex B), and those of other
+/// codings, of which the reader says that it does not read them.
+constexpr std::array heifBrands{"avci"sv, "avcs"sv, "avif"sv, "avis"sv, "j2ki"sv, "j2is"sv,
+                                "heic"sv, "heix"sv, "heim"sv, "heis"sv, "mif1"sv, "mif2"sv,
                                 "msf1"sv, "hevc"sv, "hevx"sv, "miaf"sv, "1pic"sv};
 
 bool isHeif(std::string_view head) {
@@ -40,8 +43,12 @@ bool isHeif(std::string_view head) {
 ImageKind requireKind(const std::filesystem::path &file) {
     if (const auto kind = imageKind(file))
         return *kind;
+    std::error_code ignored;
+    if (std::filesystem::is_directory(file, ignored))
+        throw MediaError::ofSystem(file, MediaOperation::open, EISDIR);
     images::openForReading(file); // says why, where it cannot be opened
-    throw MediaError(file, "Cannot read", 0, "not an image of a known kind");
+    const bool empty = std::filesystem::is_empty(file, ignored);
+    throw MediaError(file, MediaOperation::read, 0, empty ? MediaReason::emptyFile : MediaReason::unknownImageKind);
 }
 
 /// Code points 5 and 6 of ITU-T H.273 name the same matrix.

@@ -55,4 +55,28 @@ JpegErrors::JpegErrors() {
     manager.output_message = saySomething;
 }
 
+MediaReason JpegErrors::reason() const {
+    switch (code) {
+    case JWRN_JPEG_EOF:
+    case JERR_INPUT_EOF:
+    case JERR_INPUT_EMPTY:
+        return MediaReason::endsEarly;
+    case JERR_SOF_UNSUPPORTED:
+    case JERR_ARITH_NOTIMPL:
+    case JERR_CONVERSION_NOTIMPL:
+    case JERR_CCIR601_NOTIMPL:
+    case JERR_FRACT_SAMPLE_NOTIMPL:
+    case JERR_BAD_PRECISION:
+        return MediaReason::unsupported;
+    case JERR_EMPTY_IMAGE:
+        return MediaReason::emptyImage;
+    case JERR_IMAGE_TOO_BIG:
+        return MediaReason::imageTooLarge;
+    case JERR_OUT_OF_MEMORY:
+        return MediaReason::noMemory;
+    default:
+        return MediaReason::damaged;
+    }
+}
+
 } // namespace lumetwin::media::images

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/MediaError.h"
+
 #include <cstdio>
 
 #include <jpeglib.h>
@@ -19,6 +21,8 @@ struct JpegErrors {
     bool damaged = false; ///< a warning said that compressed data is missing or wrong
 
     JpegErrors();
+    /// What the latest report means.
+    MediaReason reason() const;
 };
 
 /// Runs a step that calls the JPEG library; false when the library gave up, with the reason in `errors`. The step

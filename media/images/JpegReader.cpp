@@ -38,22 +38,22 @@ struct Decoder {
     }
     Decoder(const Decoder &) = delete;
 
-    [[noreturn]] void fail(const std::string &reason) const {
-        throw MediaError(file, "Cannot read", errors.code, reason);
+    [[noreturn]] void fail() const {
+        const bool tooManyScans = codec.input_scan_number > scanLimit;
+        throw MediaError(file, MediaOperation::read, errors.code,
+                         tooManyScans ? MediaReason::tooManyScans : errors.reason(), errors.message);
     }
 
     template <typename Step> void run(const Step &step) {
         if (!succeeds(errors, step))
-            fail(errors.message);
+            fail();
     }
 };
 
 void limitScans(j_common_ptr codec) {
     auto *decompressor = reinterpret_cast<j_decompress_ptr>(codec);
     if (decompressor->input_scan_number > scanLimit) {
-        auto &errors = *static_cast<JpegErrors *>(codec->client_data);
-        std::strcpy(errors.message, "too many scans");
-        std::longjmp(errors.jump, 1);
+        std::longjmp(static_cast<JpegErrors *>(codec->client_data)->jump, 1);
     }
 }
 
@@ -200,7 +200,7 @@ StillImage readJpeg(const std::filesystem::path &file) {
         image.picture = readInterleaved(decoder, image.metadata);
     }
     if (decoder.errors.damaged)
-        decoder.fail(decoder.errors.message);
+        decoder.fail();
     const int channels = image.picture.format.planeCount();
     if (!suits(image.metadata.iccProfile, channels))
         image.metadata.iccProfile.clear();

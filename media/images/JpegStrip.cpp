@@ -36,7 +36,7 @@ struct Encoder {
 
     template <typename Step> void run(const Step &step) {
         if (!succeeds(errors, step))
-            throw MediaError(file, "Cannot write", errors.code, errors.message);
+            throw MediaError(file, MediaOperation::write, errors.code, MediaReason::encoderFailed, errors.message);
     }
 };
 

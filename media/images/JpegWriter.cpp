@@ -128,7 +128,8 @@ int jpegQuality(double quality) {
 void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality) {
     const Picture &picture = image.picture;
     if (picture.width > JPEG_MAX_DIMENSION || picture.height > JPEG_MAX_DIMENSION)
-        throw MediaError(file, "Cannot write", 0, "the image is larger than a JPEG file can be");
+        throw MediaError(file, MediaOperation::write, 0, MediaReason::beyondFormat,
+                         std::to_string(picture.width) + " x " + std::to_string(picture.height));
     const int libraryQuality = jpegQuality(quality);
     const Strips strips = stripsOf(picture, libraryQuality);
     writeJoined(codedStrips(image, strips, libraryQuality, file), picture.height, file);

@@ -21,9 +21,9 @@ std::string sizeText(std::int64_t width, std::int64_t height) {
 
 void checkSize(const std::filesystem::path &file, std::int64_t width, std::int64_t height) {
     if (width < 1 || height < 1)
-        throw MediaError(file, "Cannot read", 0, "the image is empty");
+        throw MediaError(file, MediaOperation::read, 0, MediaReason::emptyImage);
     if (width > maximumSide || height > maximumSide || width * height > maximumPixels)
-        throw MediaError(file, "Cannot read", 0, "the image is too large (" + sizeText(width, height) + ")");
+        throw MediaError(file, MediaOperation::read, 0, MediaReason::imageTooLarge, sizeText(width, height));
 }
 
 Picture makeChecked(const std::filesystem::path &file, int width, int height, PictureFormat format, ColourTags colour) {
@@ -31,9 +31,9 @@ Picture makeChecked(const std::filesystem::path &file, int width, int height, Pi
     try {
         return makePicture(width, height, format, colour);
     } catch (const std::bad_alloc &) {
-        throw MediaError(file, "Cannot read", 0, "not enough memory for " + sizeText(width, height));
-    } catch (const std::length_error &error) {
-        throw MediaError(file, "Cannot read", 0, error.what());
+        throw MediaError(file, MediaOperation::read, 0, MediaReason::noMemory, sizeText(width, height));
+    } catch (const std::length_error &) {
+        throw MediaError(file, MediaOperation::read, 0, MediaReason::imageTooLarge, sizeText(width, height));
     }
 }
 

@@ -29,15 +29,20 @@ struct Decoder {
         info = codec ? png_create_info_struct(codec) : nullptr;
         if (!info) {
             png_destroy_read_struct(&codec, &info, nullptr);
-            throw MediaError(file, "Cannot read", 0, "not enough memory");
+            throw MediaError(file, MediaOperation::read, 0, MediaReason::noMemory);
         }
     }
     ~Decoder() { png_destroy_read_struct(&codec, &info, nullptr); }
     Decoder(const Decoder &) = delete;
 
+    MediaReason reason() const {
+        auto *stream = static_cast<std::FILE *>(png_get_io_ptr(codec));
+        return stream && std::feof(stream) != 0 ? MediaReason::endsEarly : MediaReason::damaged;
+    }
+
     template <typename Step> void run(const Step &step) {
         if (!succeeds(codec, step))
-            throw MediaError(file, "Cannot read", 0, errors.message);
+            throw MediaError(file, MediaOperation::read, 0, reason(), errors.message);
     }
 };
 
@@ -87,7 +92,7 @@ void readInterlaced(Decoder &decoder, PixelLayout layout, const Picture &picture
     const std::size_t stride = (png_get_rowbytes(decoder.codec, decoder.info) + 1) / 2;
     const std::unique_ptr<std::uint16_t[]> whole(new (std::nothrow) std::uint16_t[stride * picture.height]);
     if (!whole)
-        throw MediaError(decoder.file, "Cannot read", 0, "not enough memory");
+        throw MediaError(decoder.file, MediaOperation::read, 0, MediaReason::noMemory);
     const auto rowAt = [&](int y) { return reinterpret_cast<std::uint8_t *>(whole.get() + stride * y); };
     decoder.run([&] {
         for (int pass = 0; pass < passes; ++pass)

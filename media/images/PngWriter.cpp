@@ -5,6 +5,7 @@
 #include "media/images/Rows.h"
 
 #include <bit>
+#include <cerrno>
 #include <new>
 
 namespace lumetwin::media::images {
@@ -25,15 +26,16 @@ struct Encoder {
         info = codec ? png_create_info_struct(codec) : nullptr;
         if (!info) {
             png_destroy_write_struct(&codec, &info);
-            throw MediaError(file, "Cannot write", 0, "not enough memory");
+            throw MediaError(file, MediaOperation::write, 0, MediaReason::noMemory);
         }
     }
     ~Encoder() { png_destroy_write_struct(&codec, &info); }
     Encoder(const Encoder &) = delete;
 
     template <typename Step> void run(const Step &step) {
+        errno = 0;
         if (!succeeds(codec, step))
-            throw MediaError(file, "Cannot write", 0, errors.message);
+            throw writingError(file, errors.message);
     }
 };
 
@@ -91,7 +93,7 @@ void writeRows(Encoder &encoder, const Picture &picture) {
 void writePng(const std::filesystem::path &file, const StillImage &image) {
     const Picture &picture = image.picture;
     if (picture.format.model == ColourModel::yuv)
-        throw MediaError(file, "Cannot write", 0, "PNG holds grey and RGB only");
+        throw MediaError(file, MediaOperation::write, 0, MediaReason::beyondFormat);
     ImageMetadata metadata = image.metadata;
     StandardFile stream = openForWriting(file);
     Encoder encoder(file);

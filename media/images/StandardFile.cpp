@@ -3,17 +3,16 @@
 #include "media/images/Formats.h"
 
 #include <cerrno>
-#include <system_error>
 
 namespace lumetwin::media::images {
 
 namespace {
 
-[[noreturn]] void failWithErrno(const std::filesystem::path &file, const char *operation, int number) {
-    throw MediaError(file, operation, -number, std::generic_category().message(number));
+[[noreturn]] void failWithErrno(const std::filesystem::path &file, MediaOperation operation, int number) {
+    throw MediaError::ofSystem(file, operation, number);
 }
 
-StandardFile open(const std::filesystem::path &file, const char *mode, const char *operation) {
+StandardFile open(const std::filesystem::path &file, const char *mode, MediaOperation operation) {
     StandardFile stream(std::fopen(file.c_str(), mode));
     if (!stream)
         failWithErrno(file, operation, errno);
@@ -23,17 +22,24 @@ StandardFile open(const std::filesystem::path &file, const char *mode, const cha
 } // namespace
 
 StandardFile openForReading(const std::filesystem::path &file) {
-    return open(file, "rbe", "Cannot open");
+    return open(file, "rbe", MediaOperation::open);
 }
 
 StandardFile openForWriting(const std::filesystem::path &file) {
-    return open(file, "wbe", "Cannot create");
+    return open(file, "wbe", MediaOperation::create);
 }
 
 void closeWritten(StandardFile stream, const std::filesystem::path &file) {
     const bool failed = std::ferror(stream.get()) != 0;
     if (std::fclose(stream.release()) != 0 || failed)
-        failWithErrno(file, "Cannot write", errno ? errno : EIO);
+        failWithErrno(file, MediaOperation::write, errno ? errno : EIO);
+}
+
+MediaError writingError(const std::filesystem::path &file, const std::string &libraryWords) {
+    const MediaReason reason = systemReason(errno);
+    if (reason != MediaReason::other)
+        return MediaError::ofSystem(file, MediaOperation::write, errno);
+    return {file, MediaOperation::write, 0, MediaReason::dataRefused, libraryWords};
 }
 
 } // namespace lumetwin::media::images

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/images/Tiff.h"
 
-#include "media/MediaError.h"
-
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 
@@ -31,13 +30,17 @@ TiffFile::TiffFile(const std::filesystem::path &path, const char *mode) : file(p
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, &message);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), passOverWarning, nullptr);
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), allocationLimit);
+    errno = 0;
     tiff.reset(TIFFOpenExt(path.c_str(), mode, options.get()));
-    if (!tiff)
-        fail(*mode == 'r' ? "Cannot open" : "Cannot create", "not a TIFF file");
+    if (tiff)
+        return;
+    if (*mode == 'w' && errno != 0)
+        throw MediaError::ofSystem(file, MediaOperation::create, errno);
+    fail(*mode == 'r' ? MediaOperation::open : MediaOperation::create, MediaReason::damaged);
 }
 
-void TiffFile::fail(const char *operation, const std::string &reason) const {
-    throw MediaError(file, operation, 0, message.empty() ? reason : message);
+void TiffFile::fail(MediaOperation operation, MediaReason reason) const {
+    throw MediaError(file, operation, 0, reason, message);
 }
 
 } // namespace lumetwin::media::images

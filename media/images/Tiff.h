@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/MediaError.h"
+
 #include <tiffio.h>
 
 #include <filesystem>
@@ -24,8 +26,8 @@ struct TiffFile {
     TiffFile(const TiffFile &) = delete;
 
     TIFF *get() const { return tiff.get(); }
-    /// Throws MediaError with the library's latest words, else with the given reason.
-    [[noreturn]] void fail(const char *operation, const std::string &reason) const;
+    /// Throws MediaError with the given reason and the library's latest words.
+    [[noreturn]] void fail(MediaOperation operation, MediaReason reason) const;
 };
 
 } // namespace lumetwin::media::images

@@ -17,7 +17,7 @@ namespace lumetwin::media::images {
 
 namespace {
 
-constexpr const char *reading = "Cannot read";
+constexpr MediaOperation reading = MediaOperation::read;
 constexpr int maximumSamples = 16; // colours, alpha and whatever else of a pixel
 
 /// How a page's samples lie, where this reader takes them as they are.
@@ -142,7 +142,7 @@ Buffer bufferFor(const TiffFile &tiff, std::uint64_t bytes) {
                                                    : new (std::nothrow)
                                                          std::uint16_t[static_cast<std::size_t>(bytes / 2 + 1)]);
     if (!buffer)
-        throw MediaError(tiff.file, reading, 0, "a part of the image is too large");
+        throw MediaError(tiff.file, reading, 0, MediaReason::imageTooLarge);
     return buffer;
 }
 
@@ -150,7 +150,7 @@ void readLines(const TiffFile &tiff, const Page &page, RowTaker &rows) {
     const Buffer buffer = bufferFor(tiff, static_cast<std::uint64_t>(TIFFScanlineSize64(tiff.get())));
     for (int y = 0; y < page.height; ++y) {
         if (TIFFReadScanline(tiff.get(), buffer.get(), static_cast<std::uint32_t>(y), 0) < 0)
-            tiff.fail(reading, "damaged");
+            tiff.fail(reading, MediaReason::damaged);
         rows.take(buffer.get(), 0, y, page.width);
     }
 }
@@ -181,7 +181,7 @@ Piece pieceOf(const TiffFile &tiff, const Page &page) {
     const auto wanted = static_cast<std::uint64_t>(piece.width) * static_cast<std::uint64_t>(piece.height) *
                         static_cast<std::uint64_t>(page.bits / 8 * (page.separate ? 1 : page.channels));
     if (piece.width < 1 || piece.height < 1 || piece.bytes < wanted)
-        tiff.fail(reading, "damaged");
+        tiff.fail(reading, MediaReason::damaged);
     checkSize(tiff.file, piece.width, piece.height);
     return piece;
 }
@@ -196,7 +196,7 @@ void readPiece(const TiffFile &tiff, const Piece &piece, int x, int y, int plane
             ? TIFFReadEncodedTile(tiff.get(), TIFFComputeTile(tiff.get(), column, row, 0, sample), buffer, bytes)
             : TIFFReadEncodedStrip(tiff.get(), TIFFComputeStrip(tiff.get(), row, sample), buffer, bytes);
     if (got < 0)
-        tiff.fail(reading, "damaged");
+        tiff.fail(reading, MediaReason::damaged);
 }
 
 template <typename Sample>
@@ -239,19 +239,19 @@ void readPieces(const TiffFile &tiff, const Page &page, RowTaker &rows) {
 
 /// Palettes, small samples and colour spaces of print go through the library's own conversion to 8-bit RGB.
 void readConverted(const TiffFile &tiff, const Page &page, const Picture &picture) {
-    char reason[1024] = "this kind of TIFF is not supported";
+    char reason[1024] = "";
     TIFFRGBAImage converter;
     if (TIFFRGBAImageOK(tiff.get(), reason) == 0 || TIFFRGBAImageBegin(&converter, tiff.get(), 1, reason) == 0)
-        throw MediaError(tiff.file, reading, 0, reason);
+        throw MediaError(tiff.file, reading, 0, MediaReason::unsupported, reason);
     const std::unique_ptr<TIFFRGBAImage, void (*)(TIFFRGBAImage *)> owner(&converter, TIFFRGBAImageEnd);
     converter.req_orientation = converter.orientation; // rows as they lie in the file
     const std::size_t count = static_cast<std::size_t>(page.width) * page.height;
     const std::unique_ptr<std::uint32_t[]> raster(new (std::nothrow) std::uint32_t[count]);
     if (!raster)
-        throw MediaError(tiff.file, reading, 0, "not enough memory");
+        throw MediaError(tiff.file, reading, 0, MediaReason::noMemory);
     if (TIFFRGBAImageGet(&converter, raster.get(), static_cast<std::uint32_t>(page.width),
                          static_cast<std::uint32_t>(page.height)) == 0)
-        tiff.fail(reading, "damaged");
+        tiff.fail(reading, MediaReason::damaged);
     for (int y = 0; y < page.height; ++y) {
         std::uint8_t *planes[3] = {planeRow<std::uint8_t>(picture, 0, y), planeRow<std::uint8_t>(picture, 1, y),
                                    planeRow<std::uint8_t>(picture, 2, y)};

@@ -7,17 +7,18 @@
 #include "media/images/Tiff.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace lumetwin::media::images {
 
 namespace {
 
-constexpr const char *writing = "Cannot write";
+constexpr MediaOperation writing = MediaOperation::write;
 constexpr std::uint32_t stripBytes = 256 * 1024; // uncompressed; readers decode strip by strip
 
 void setField(const TiffFile &tiff, bool done) {
     if (!done)
-        tiff.fail(writing, "a field was refused");
+        tiff.fail(writing, MediaReason::dataRefused);
 }
 
 void describe(const TiffFile &tiff, const Picture &picture) {
@@ -69,6 +70,7 @@ void widen(std::uint16_t *samples, std::size_t count, int depth) {
 void writeRows(const TiffFile &tiff, const Picture &picture) {
     const std::size_t count = static_cast<std::size_t>(picture.width) * picture.format.planeCount();
     std::vector<std::uint16_t> buffer(count);
+    errno = 0;
     for (int y = 0; y < picture.height; ++y) {
         if (picture.format.depth == 8) {
             gatherRow(picture, y, reinterpret_cast<std::uint8_t *>(buffer.data()));
@@ -77,7 +79,7 @@ void writeRows(const TiffFile &tiff, const Picture &picture) {
             widen(buffer.data(), count, picture.format.depth);
         }
         if (TIFFWriteScanline(tiff.get(), buffer.data(), static_cast<std::uint32_t>(y), 0) < 0)
-            tiff.fail(writing, "the system refused data");
+            throw writingError(tiff.file, tiff.message);
     }
 }
 
@@ -85,7 +87,7 @@ void writeRows(const TiffFile &tiff, const Picture &picture) {
 
 void writeTiff(const std::filesystem::path &file, const StillImage &image) {
     if (image.picture.format.model == ColourModel::yuv)
-        throw MediaError(file, writing, 0, "TIFF pictures are written as grey or RGB");
+        throw MediaError(file, writing, 0, MediaReason::beyondFormat);
     const ExifBlock exif = ExifBlock::parse(image.metadata.exif);
     {
         // "l": little-endian whatever the machine, which is what adding sub-directories relies on.
@@ -94,7 +96,7 @@ void writeTiff(const std::filesystem::path &file, const StillImage &image) {
         setMetadata(tiff, image.metadata, exif);
         writeRows(tiff, image.picture);
         if (TIFFFlush(tiff.get()) == 0)
-            tiff.fail(writing, "the system refused data");
+            throw writingError(tiff.file, tiff.message);
     }
     addSubdirectories(file, exif);
 }

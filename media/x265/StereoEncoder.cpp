@@ -20,7 +20,7 @@ namespace lumetwin::media::x265 {
 
 namespace {
 
-constexpr const char *operation = "Cannot encode";
+constexpr MediaOperation operation = MediaOperation::encode;
 
 // Smaller pictures drift between this encoder and decoders (seen with x265 4.1).
 constexpr int smallestSide = 96;
@@ -118,17 +118,23 @@ struct StereoEncoder::State {
         collectParameterSets();
     }
 
-    MediaError error(int code, const std::string &reason) const { return {file, operation, code, reason}; }
+    MediaError failure(int code, const std::string &details) const {
+        return {file, operation, code, MediaReason::encoderFailed, details};
+    }
+
+    MediaError refusal() const {
+        return {file, operation, 0, MediaReason::pictureRefused,
+                std::to_string(format.width) + " × " + std::to_string(format.height)};
+    }
 
     void open() {
         if (!parameters)
             throw std::bad_alloc();
         if (static_cast<std::int64_t>(codedSide(format.width)) * codedSide(format.height) > mostSamples)
-            throw error(0, "two views of " + std::to_string(format.width) + " × " + std::to_string(format.height) +
-                               " pixels are more than HEVC codes");
+            throw refusal(); // two such views are more than HEVC codes
         const double frameRate = frameRateOf(format);
         if (x265_param_default_preset(parameters.get(), format.preset.c_str(), nullptr) < 0)
-            throw error(0, "there is no preset " + format.preset);
+            throw MediaError(file, operation, 0, "there is no preset " + format.preset);
         setPictureFormat(*parameters, format);
         setColour(*parameters, format.colour);
         setStructure(*parameters, frameRate);
@@ -136,8 +142,7 @@ struct StereoEncoder::State {
         setRate(*parameters, level, baseRate());
         encoder = openEncoder(*parameters);
         if (!encoder)
-            throw error(0, "the two-view encoder does not take pictures of " + std::to_string(format.width) + " × " +
-                               std::to_string(format.height));
+            throw refusal();
     }
 
     /// A bit rate above its level's would change the level, which the encoder refuses.
@@ -147,7 +152,7 @@ struct StereoEncoder::State {
         x265_nal *nals = nullptr;
         std::uint32_t count = 0;
         if (x265_encoder_headers(encoder.get(), &nals, &count) < 0)
-            throw error(0, "no parameter sets");
+            throw failure(0, "no parameter sets");
         for (std::uint32_t index = 0; index < count; ++index) {
             const hevc::NalBytes unit = bytesOf(nals[index]);
             if (hevc::nalType(unit) == hevc::NalType::prefixInformation)
@@ -159,7 +164,7 @@ struct StereoEncoder::State {
                 continue;
             const auto smaller = withConformanceWindow(unit, format.width, format.height);
             if (!smaller)
-                throw error(0, "unexpected parameter sets");
+                throw failure(0, "unexpected parameter sets");
             parameterSets.resize(parameterSets.size() - unit.size() - 4);
             hevc::appendAnnexB(parameterSets, *smaller);
         }
@@ -190,7 +195,7 @@ struct StereoEncoder::State {
         std::uint32_t count = 0;
         const int result = x265_encoder_encode(encoder.get(), &nals, &count, input, output.data());
         if (result < 0)
-            throw error(result, "the two-view encoder failed");
+            throw failure(result, {});
         if (result == 0 || count == 0)
             return false;
         // The rate is constant, so decoding times follow from the coding order. (The encoder's own are undefined for

@@ -21,8 +21,8 @@ constexpr const char *preset = "ultrafast";
 constexpr int smallestSide = 64;
 constexpr int largeSide = 256;
 
-[[noreturn]] void fail(const std::filesystem::path &file, int code, const char *reason) {
-    throw MediaError(file, "Cannot encode", code, reason);
+[[noreturn]] void fail(const std::filesystem::path &file, int code, MediaReason reason) {
+    throw MediaError(file, MediaOperation::encode, code, reason);
 }
 
 Parameters parametersFor(const std::filesystem::path &file, const Picture &picture, int quantiser, int threads) {
@@ -60,9 +60,9 @@ Parameters parametersFor(const std::filesystem::path &file, const Picture &pictu
         colour.chromaLocation = ChromaLocation::centre; // as in JPEG
     setColour(*parameters, colour);
     if (x265_param_parse(parameters.get(), "pools", std::to_string(threads).c_str()) != 0)
-        fail(file, 0, "the encoder does not take its threads");
+        fail(file, 0, MediaReason::encoderFailed);
     if (x265_param_apply_profile(parameters.get(), "mainstillpicture") < 0)
-        fail(file, 0, "the encoder does not take such a picture");
+        fail(file, 0, MediaReason::pictureRefused);
     return parameters;
 }
 
@@ -76,7 +76,7 @@ void collectParameterSets(const std::filesystem::path &file, x265_encoder *encod
     x265_nal *nals = nullptr;
     std::uint32_t count = 0;
     if (x265_encoder_headers(encoder, &nals, &count) < 0)
-        fail(file, 0, "the encoder gave no parameter sets");
+        fail(file, 0, MediaReason::encoderFailed);
     for (std::uint32_t index = 0; index < count; ++index) {
         std::vector<std::uint8_t> unit = bytesOf(nals[index]);
         if (hevc::nalType(unit) > hevc::NalType::picture)
@@ -84,7 +84,7 @@ void collectParameterSets(const std::filesystem::path &file, x265_encoder *encod
         if (cropped && hevc::nalType(unit) == hevc::NalType::sequence) {
             auto window = withConformanceWindow(unit, still.width, still.height);
             if (!window)
-                fail(file, 0, "the encoder gave unexpected parameter sets");
+                fail(file, 0, MediaReason::encoderFailed);
             unit = std::move(*window);
         }
         still.parameterSets.push_back(std::move(unit));
@@ -117,11 +117,11 @@ void encode(const std::filesystem::path &file, x265_encoder *encoder, x265_param
     while (result >= 0 && still.slices.empty()) {
         result = x265_encoder_encode(encoder, &nals, &count, nullptr, nullptr);
         if (result <= 0)
-            fail(file, result, "the encoder failed");
+            fail(file, result, MediaReason::encoderFailed);
         collectSlices(nals, count, still);
     }
     if (result < 0)
-        fail(file, result, "the encoder failed");
+        fail(file, result, MediaReason::encoderFailed);
 }
 
 } // namespace
@@ -138,7 +138,7 @@ CodedStill encodeStill(const std::filesystem::path &file, Picture picture, int q
         parametersFor(file, picture, std::clamp(quantiser, 0, coarsestQuantiser), std::max(1, threads));
     const Encoder encoder = openEncoder(*parameters);
     if (!encoder)
-        fail(file, 0, "the encoder does not take such a picture");
+        fail(file, 0, MediaReason::pictureRefused);
     collectParameterSets(file, encoder.get(), still.width != codedWidth || still.height != codedHeight, still);
     encode(file, encoder.get(), parameters.get(), std::move(picture), still);
     return still;

@@ -18,6 +18,7 @@ namespace lumetwin::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class SBSToSpatial : public testing::Test {
 protected:
@@ -95,7 +96,7 @@ TEST_F(SBSToSpatial, tinyPicturesWork) {
         EXPECT_EQ(eyes[0].height, height);
     }
     writeWithMagick(drawn(1, 5), file("narrow.png"));
-    EXPECT_EQ(failure("narrow.png"), "Failed to render eye images");
+    EXPECT_EQ(failure("narrow.png"), "Failed to render eye images (the image is empty)");
 }
 
 TEST_F(SBSToSpatial, valuesAreThoseOfTheTable) {
@@ -260,7 +261,8 @@ TEST_F(SBSToSpatial, anImpossibleEyeIsAnError) {
     settings_.enableResize = true;
     for (const std::int64_t width : {std::int64_t{0}, std::int64_t{-4}, std::int64_t{70000}, std::int64_t{1} << 40}) {
         settings_.resizeWidth = width;
-        EXPECT_EQ(failure("in.png"), "Failed to render eye images") << width;
+        const char *cause = width > 0 ? "the image is too large" : "the image is empty";
+        EXPECT_EQ(failure("in.png"), std::string("Failed to render eye images (") + cause + ")") << width;
         EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
     }
 }
@@ -268,7 +270,7 @@ TEST_F(SBSToSpatial, anImpossibleEyeIsAnError) {
 TEST_F(SBSToSpatial, aFullDiskIsAnErrorOfTheFinish) {
     writeWithMagick(drawn(64, 32), file("in.png"));
     std::filesystem::create_symlink("/dev/full", file("out.heic.partial"));
-    EXPECT_EQ(failure("in.png"), "Failed to write spatial photo: out.heic");
+    EXPECT_EQ(failure("in.png"), "Failed to write spatial photo: out.heic (No space left on device)");
     EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
 }
 
@@ -303,7 +305,7 @@ TEST_F(SBSToSpatial, aProfileThatSaysNothingIsAnErrorOfTheAlpha) {
     profile[2] = 0;
     profile[3] = static_cast<std::uint8_t>(profile.size());
     media::writeImage(file("in.jpg"), media::ImageKind::jpeg, {pictureOf(drawn(64, 32)), {profile, {}, {}}}, 1);
-    EXPECT_EQ(failure("in.jpg"), "Failed to remove alpha");
+    EXPECT_EQ(failure("in.jpg"), "Failed to remove alpha (its colour profile cannot be used)");
     EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
 }
 
@@ -325,12 +327,47 @@ TEST_F(SBSToSpatial, eyesBeyondOnePictureBecomeGrids) {
     EXPECT_THAT(heifInfo(file("out.heic")), HasSubstr("8300x70"));
 }
 
+TEST_F(SBSToSpatial, whatCannotBeOpenedIsToldWithItsCause) {
+    writeImageSequence(file("C021.heic"));
+    EXPECT_EQ(failure("C021.heic"), "Cannot open photo: C021.heic (an image sequence, not a photo)");
+    std::filesystem::create_directory(file("folder.png"));
+    EXPECT_EQ(failure("folder.png"), "Cannot open photo: folder.png (Is a directory)");
+
+    writeSpatialPhoto(file("a.heic"), drawn(64, 64), drawn(64, 64, 2));
+    encryptItems(file("a.heic"));
+    EXPECT_EQ(failure("a.heic"), "Cannot open photo: a.heic (it is encrypted)");
+    for (const auto &[type, name] : {std::pair("avc1", "AVC"), {"j2k1", "JPEG 2000"}, {"av01", "AV1"}}) {
+        writeSpatialPhoto(file("b.heic"), drawn(64, 64), drawn(64, 64, 2));
+        setCoding(file("b.heic"), type);
+        EXPECT_EQ(failure("b.heic"),
+                  std::string("Cannot open photo: b.heic (there is no decoder for it: ") + name + ")");
+    }
+    EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
+    EXPECT_FALSE(std::filesystem::exists(file("out.heic.partial")));
+}
+
+TEST_F(SBSToSpatial, halfAFileIsToldToEndEarly) {
+    using media::ImageKind;
+    for (const auto &[name, kind] : {std::pair("a.jpg", ImageKind::jpeg),
+                                     {"a.png", ImageKind::png},
+                                     {"a.tiff", ImageKind::tiff},
+                                     {"a.heic", ImageKind::heif}}) {
+        media::writeImage(file(name), kind, {pictureOf(drawn(200, 100)), {}}, 0.9);
+        Bytes bytes = readFile(file(name));
+        bytes.resize(bytes.size() / 2);
+        writeFile(file(name), bytes);
+        const std::string told = failure(name);
+        EXPECT_THAT(told, StartsWith(std::string("Cannot open photo: ") + name + " (")) << name;
+        EXPECT_THAT(told, testing::AnyOf(HasSubstr("it ends early"), HasSubstr("it is damaged"))) << name;
+    }
+}
+
 TEST_F(SBSToSpatial, unreadableSourcesCannotBeOpened) {
-    EXPECT_EQ(failure("none.jpg"), "Cannot open photo: none.jpg");
+    EXPECT_EQ(failure("none.jpg"), "Cannot open photo: none.jpg (No such file or directory)");
     writeFile(file("empty.jpg"), Bytes());
-    EXPECT_EQ(failure("empty.jpg"), "Cannot open photo: empty.jpg");
+    EXPECT_EQ(failure("empty.jpg"), "Cannot open photo: empty.jpg (The file is empty)");
     writeFile(file("text.png"), Bytes{'a', 'b'});
-    EXPECT_EQ(failure("text.png"), "Cannot open photo: text.png");
+    EXPECT_EQ(failure("text.png"), "Cannot open photo: text.png (not an image of a known kind)");
     EXPECT_FALSE(std::filesystem::exists(file("out.heic")));
 }
 

@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/photo/SpatialPhotos.h"
 
+#include "tests/media/bmff/BoxBuilder.h"
+
 #include <cmath>
 #include <numbers>
 #include <stdexcept>
+#include <string_view>
 
 namespace lumetwin::test {
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -68,6 +73,35 @@ void setStereoGroup(const std::filesystem::path &file, const std::vector<std::ui
     for (std::size_t i = 0; i < ids.size(); ++i)
         putNumber(bytes, place + idsInGroup + 4 * i, ids[i]);
     writeFile(file, bytes);
+}
+
+namespace {
+
+/// Where the types of a photo's coded items stand, in `infe` (ISO/IEC 14496-12, 8.11.6): id, protection, type.
+std::vector<std::size_t> placesOfTypes(const std::vector<std::uint8_t> &bytes) {
+    const std::string_view all(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+    std::vector<std::size_t> places;
+    for (std::size_t at = all.find("infe"); at != all.npos; at = all.find("infe", at + 4))
+        if (all.substr(at + 12, 4) == "hvc1")
+            places.push_back(at + 12);
+    return places;
+}
+
+} // namespace
+
+void writeImageSequence(const std::filesystem::path &file) {
+    writeFile(file, joined({box("ftyp", letters("msf1\0\0\0\0msf1hevc"s)), box("moov", Bytes(16, 0)),
+                            box("mdat", Bytes(16, 0))}));
+}
+
+void setCoding(const std::filesystem::path &file, const std::string &type) {
+    for (const std::size_t place : placesOfTypes(readFile(file)))
+        overwrite(file, place, letters(type));
+}
+
+void encryptItems(const std::filesystem::path &file) {
+    for (const std::size_t place : placesOfTypes(readFile(file)))
+        overwrite(file, place - 2, {0, 1});
 }
 
 } // namespace lumetwin::test

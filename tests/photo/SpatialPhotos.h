@@ -23,4 +23,11 @@ void setStereoGroup(const std::filesystem::path &file, const std::vector<std::ui
 /// The ids of a file's first stereo group.
 std::vector<std::uint32_t> stereoGroup(const std::filesystem::path &file);
 
+/// Writes a HEIF file that holds an image sequence and no image.
+void writeImageSequence(const std::filesystem::path &file);
+/// Says that a photo's pictures are coded in another way than HEVC, by the type of their items.
+void setCoding(const std::filesystem::path &file, const std::string &type);
+/// Says that a photo's coded pictures are encrypted.
+void encryptItems(const std::filesystem::path &file);
+
 } // namespace lumetwin::test

@@ -4,12 +4,15 @@
 #include "engine/SpatialPhotoToSBS.h"
 #include "tests/photo/SpatialPhotos.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 namespace lumetwin::test {
 namespace {
+
+using testing::StartsWith;
 
 using Colour = std::array<int, 3>;
 
@@ -290,9 +293,33 @@ TEST_F(SpatialToSBS, eyesOfDifferentSizeAreAnError) {
 }
 
 TEST_F(SpatialToSBS, filesThatAreNoImagesCannotBeOpened) {
-    EXPECT_EQ(failure(), "Could not open the file: in.heic");
+    EXPECT_EQ(failure(), "Could not open the file: in.heic (No such file or directory)");
     writeFile(file("in.heic"), Bytes{1, 2, 3});
-    EXPECT_EQ(failure(), "Could not open the file: in.heic");
+    EXPECT_EQ(failure(), "Could not open the file: in.heic (not an image of a known kind)");
+    writeFile(file("in.heic"), Bytes{});
+    EXPECT_EQ(failure(), "Could not open the file: in.heic (The file is empty)");
+    writeImageSequence(file("in.heic"));
+    EXPECT_EQ(failure(), "Could not open the file: in.heic (an image sequence, not a photo)");
+    writeMarkers(64, 64);
+    Bytes bytes = readFile(file("in.heic"));
+    bytes.resize(placeOfBox(bytes, "meta") + 100);
+    writeFile(file("in.heic"), bytes);
+    EXPECT_EQ(failure(), "Could not open the file: in.heic (it ends early: a box reaches beyond the file)");
+}
+
+TEST_F(SpatialToSBS, codingsThatAreNotReadAreNamed) {
+    for (const auto &[type, name] : {std::pair("avc1", "AVC"), {"j2k1", "JPEG 2000"}, {"av01", "AV1"}}) {
+        writeMarkers(64, 64);
+        setCoding(file("in.heic"), type);
+        EXPECT_EQ(failure(),
+                  std::string("Failed to retrieve left and right images. (there is no decoder for it: ") + name + ")");
+    }
+}
+
+TEST_F(SpatialToSBS, encryptedPhotosAreNamedSo) {
+    writeMarkers(64, 64);
+    encryptItems(file("in.heic"));
+    EXPECT_EQ(failure(), "Failed to retrieve left and right images. (it is encrypted)");
 }
 
 TEST_F(SpatialToSBS, eyesThatCannotBeDecodedAreAnError) {
@@ -302,7 +329,7 @@ TEST_F(SpatialToSBS, eyesThatCannotBeDecodedAreAnError) {
     std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(data), bytes.end(), std::uint8_t{0xFF});
     writeFile(file("in.heic"), bytes);
     for (const char *output : {"out.png", "out.jpg"})
-        EXPECT_EQ(failure(output), "Failed to retrieve left and right images.");
+        EXPECT_THAT(failure(output), StartsWith("Failed to retrieve left and right images. (it is damaged: "));
     EXPECT_FALSE(std::filesystem::exists(file("out.jpg")));
 }
 
@@ -311,7 +338,7 @@ TEST_F(SpatialToSBS, aFullDiskIsAnErrorOfTheWriting) {
     for (const char *name : {"out.jpg", "out.png", "out.tiff", "out.heic"}) {
         // /dev/full takes nothing.
         std::filesystem::create_symlink("/dev/full", file(std::string(name) + ".partial"));
-        EXPECT_EQ(failure(name), std::string("Failed to write image: ") + name);
+        EXPECT_EQ(failure(name), std::string("Failed to write image: ") + name + " (No space left on device)");
         EXPECT_FALSE(std::filesystem::exists(file(name)));
     }
 }
@@ -329,7 +356,7 @@ TEST_F(SpatialToSBS, truncatedPhotosAreErrorsAtEveryLength) {
 
 TEST_F(SpatialToSBS, aMissingFolderIsAnErrorOfTheDestination) {
     writeMarkers(64, 64);
-    EXPECT_EQ(failure("missing/out.jpg"), "Cannot create image destination: out.jpg");
+    EXPECT_EQ(failure("missing/out.jpg"), "Cannot create image destination: out.jpg (No such file or directory)");
 }
 
 TEST_F(SpatialToSBS, anImpossibleCanvasIsAnError) {
@@ -337,7 +364,8 @@ TEST_F(SpatialToSBS, anImpossibleCanvasIsAnError) {
     settings_.enableResize = true;
     for (const std::int64_t width : {std::int64_t{0}, std::int64_t{-4}, std::int64_t{70000}, std::int64_t{1} << 40}) {
         settings_.resizeWidth = width;
-        EXPECT_EQ(failure(), "Failed to render SBS image") << width;
+        const char *cause = width > 0 ? "the image is too large" : "the image is empty";
+        EXPECT_EQ(failure(), std::string("Failed to render SBS image (") + cause + ")") << width;
     }
 }
 

@@ -326,7 +326,7 @@ TEST(HeifReader, namesTheFileInItsErrors) {
     std::filesystem::create_directory(folder / "folder.heic");
     EXPECT_EQ(failure("folder.heic"), "Cannot open folder.heic: Is a directory");
     test::writeFile(folder / "text.heic", std::string("a text that is no photo, whatever it is called"));
-    EXPECT_EQ(failure("text.heic"), "Cannot read text.heic: a box's size is wrong");
+    EXPECT_EQ(failure("text.heic"), "Cannot read text.heic: it is damaged (a box's size is wrong)");
     test::writeFile(folder / "empty.heic", std::string());
     EXPECT_EQ(failure("empty.heic"), "Cannot read empty.heic: it is no HEIF file");
 }

@@ -374,7 +374,8 @@ TEST(HeifWriter, writesAHeadsetsPhotoAsTheHeadsetDid) {
         eye.exif.assign(exif.begin() + 10, exif.end());
         const Bytes xmp = itemBytes(56 + index);
         eye.xmp.assign(xmp.begin(), xmp.end());
-        eye.camera = Camera{2560 * std::ldexp(0x2622D86E, -30), {1280, 1280}, {index * 0.063807, 0, 0}};
+        eye.camera =
+            Camera{2560 * std::ldexp(0x2622D86E, -30), {1280, 1280}, {static_cast<std::int32_t>(index) * 63807, 0, 0}};
     }
     const test::TemporaryFolder folder;
     writtenPair(folder / "again.heic", eyes[0], eyes[1], 293);
