@@ -18,9 +18,11 @@ namespace lumetwin {
 
 namespace {
 
-media::StillImage opened(const std::filesystem::path &input) {
+using media::Cancellation;
+
+media::StillImage opened(const std::filesystem::path &input, const Cancellation &cancellation) {
     try {
-        return media::readImage(input);
+        return media::readImage(input, cancellation);
     } catch (const media::MediaError &error) {
         throw processorError(
             because(words("error.photo.cannot.open.format", lastPathComponent(input)), causeOf(error)));
@@ -42,7 +44,7 @@ media::Picture emptyEye(int width, int height, const media::Picture &source) {
 
 /// One eye of the source, fitted to its size; a part of the source's own picture where that is all there is to do.
 media::Picture fittedEye(const media::Picture &source, const media::Placement &placement, bool unscaled,
-                         const EyeSize &size) {
+                         const EyeSize &size, const Cancellation &cancellation) {
     const int x = static_cast<int>(placement.source.x);
     const int width = static_cast<int>(size.width);
     const int height = static_cast<int>(size.height);
@@ -53,7 +55,7 @@ media::Picture fittedEye(const media::Picture &source, const media::Placement &p
     media::Picture eye = emptyEye(width, height, source);
     if (!unscaled)
         media::Compositor::fillBlack(eye);
-    media::Compositor().place(source, placement, eye);
+    media::Compositor(cancellation).place(source, placement, eye);
     return eye;
 }
 
@@ -64,9 +66,9 @@ struct Eyes {
 
 /// An eye in sRGB, its samples opaque.
 media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &profile,
-                         const std::filesystem::path &input) {
+                         const std::filesystem::path &input, const Cancellation &cancellation) {
     try {
-        return media::inSRGB(std::move(eye), profile, input);
+        return media::inSRGB(std::move(eye), profile, input, cancellation);
     } catch (const std::length_error &error) {
         throw processorError(because(words("error.photo.remove.alpha.failed"), causeOf(error)));
     } catch (const media::MediaError &error) {
@@ -75,14 +77,15 @@ media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &pr
 }
 
 /// Both eyes in sRGB, each prepared on a thread of its own.
-Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, const std::filesystem::path &input) {
+Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, const std::filesystem::path &input,
+                  const Cancellation &cancellation) {
     const EyeSize size = eyeSize(settings, source.picture.width, source.picture.height);
     if (!possible(size) || source.picture.width < 2)
         throw processorError(because(words("error.photo.render.eyes.failed"), causeOfSize(size.width, size.height)));
     const EyeExtraction extraction = eyeExtraction(settings, size, source.picture.width, source.picture.height);
     const auto render = [&](const media::Placement &placement) {
-        return opaqueEye(fittedEye(source.picture, placement, extraction.unscaled, size), source.metadata.iccProfile,
-                         input);
+        return opaqueEye(fittedEye(source.picture, placement, extraction.unscaled, size, cancellation),
+                         source.metadata.iccProfile, input, cancellation);
     };
     auto right = std::async(std::launch::async, render, extraction.right);
     media::Picture left = render(extraction.left);
@@ -90,7 +93,7 @@ Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, 
 }
 
 void writePair(const ConversionSettings &settings, Eyes eyes, const media::ImageMetadata &metadata,
-               const std::filesystem::path &output) {
+               const std::filesystem::path &output, const Cancellation &cancellation) {
     const media::SpatialPhotoFacts facts = spatialPhotoFacts(settings, eyes.left.width, eyes.left.height);
     try {
         media::requireWritable(output);
@@ -98,7 +101,7 @@ void writePair(const ConversionSettings &settings, Eyes eyes, const media::Image
         throw SpatialPhotoError::cannotCreateDestination(output, causeOf(error));
     }
     try {
-        media::writeSpatialPhoto(output, std::move(eyes.left), std::move(eyes.right), facts, metadata);
+        media::writeSpatialPhoto(output, std::move(eyes.left), std::move(eyes.right), facts, metadata, cancellation);
     } catch (const media::MediaError &error) {
         throw SpatialPhotoError::finalizationFailed(output, causeOf(error));
     } catch (const std::invalid_argument &) { // more than the format holds
@@ -106,18 +109,27 @@ void writePair(const ConversionSettings &settings, Eyes eyes, const media::Image
     }
 }
 
+void convert(const ConversionSettings &settings, const std::filesystem::path &input,
+             const std::filesystem::path &output, const Cancellation &cancellation) {
+    const media::LargeBlockScope memory;
+    media::StillImage source = opened(input, cancellation);
+    const media::ImageMetadata metadata{{}, source.metadata.exif, source.metadata.xmp};
+    Eyes eyes = renderedEyes(settings, std::move(source), input, cancellation);
+    cancellation.check();
+    writePair(settings, std::move(eyes), metadata, output, cancellation);
+}
+
 } // namespace
 
 Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
                                  const std::filesystem::path &output, const ConversionControl &control) {
-    const media::LargeBlockScope memory;
-    media::StillImage source = opened(input);
-    const media::ImageMetadata metadata{{}, source.metadata.exif, source.metadata.xmp};
-    Eyes eyes = renderedEyes(settings, std::move(source), input);
-    if (control.cancelled())
+    const Cancellation cancellation([&control] { return control.cancelled(); });
+    try {
+        convert(settings, input, std::filesystem::path(output).replace_extension("heic"), cancellation);
+        return Outcome::ofPhoto({});
+    } catch (const media::Cancelled &) {
         return {};
-    writePair(settings, std::move(eyes), metadata, std::filesystem::path(output).replace_extension("heic"));
-    return Outcome::ofPhoto({});
+    }
 }
 
 } // namespace lumetwin

@@ -22,6 +22,7 @@ namespace lumetwin {
 
 namespace {
 
+using media::Cancellation;
 using media::HeifSamples;
 using media::ImageKind;
 using media::StillImage;
@@ -38,9 +39,10 @@ ImageKind kindOf(const std::filesystem::path &output) {
 }
 
 /// One eye of the pair. Throws SpatialPhotoError when it cannot be decoded.
-StillImage decodedEye(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples) {
+StillImage decodedEye(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples,
+                      const Cancellation &cancellation) {
     try {
-        return media::readHeifImage(file, item, samples);
+        return media::readHeifImage(file, item, samples, cancellation);
     } catch (const media::MediaError &error) {
         throw SpatialPhotoError::imageExtractionFailed(causeOf(error));
     }
@@ -61,7 +63,8 @@ media::Picture canvasFor(const SBSGeometry &geometry, const media::Picture &eye)
 /// Composes one side-by-side picture of eyes that come one after the other or both at once.
 class Composer {
 public:
-    explicit Composer(const ConversionSettings &settings) : settings_(settings) {}
+    Composer(const ConversionSettings &settings, const Cancellation &cancellation)
+        : settings_(settings), cancellation_(cancellation), compositor_(cancellation) {}
 
     void begin(const media::Picture &leftEye) {
         width_ = leftEye.width;
@@ -78,7 +81,7 @@ public:
             throw processorError(words("error.photo.sizes.differ"));
         if (eye.format.model != format_.model || eye.colour.matrix != canvas_.colour.matrix ||
             eye.colour.range != canvas_.colour.range)
-            eye = media::convertColour(eye, format_, canvas_.colour);
+            eye = media::convertColour(eye, format_, canvas_.colour, cancellation_);
         const bool leftHalf = isLeftEye != settings_.swapLeftRight;
         compositor_.place(eye, leftHalf ? geometry_.leftHalf(eye) : geometry_.rightHalf(eye), canvas_);
     }
@@ -87,6 +90,7 @@ public:
 
 private:
     const ConversionSettings &settings_;
+    const Cancellation &cancellation_;
     int width_ = 0;
     int height_ = 0;
     media::PictureFormat format_;
@@ -97,11 +101,12 @@ private:
 
 /// Both eyes are decoded at once; their samples stay as they are coded.
 StillImage composedAsCoded(const ConversionSettings &settings, const std::filesystem::path &file,
-                           const StereoPair &pair) {
-    auto later = std::async(std::launch::async, decodedEye, file, pair.right, HeifSamples::coded);
-    StillImage left = decodedEye(file, pair.left, HeifSamples::coded);
+                           const StereoPair &pair, const Cancellation &cancellation) {
+    auto later =
+        std::async(std::launch::async, [&] { return decodedEye(file, pair.right, HeifSamples::coded, cancellation); });
+    StillImage left = decodedEye(file, pair.left, HeifSamples::coded, cancellation);
     StillImage right = later.get();
-    Composer composer(settings);
+    Composer composer(settings, cancellation);
     composer.begin(left.picture);
     composer.place(std::move(left.picture), true);
     composer.place(std::move(right.picture), false);
@@ -109,27 +114,28 @@ StillImage composedAsCoded(const ConversionSettings &settings, const std::filesy
 }
 
 /// The eyes are decoded one after the other: as RGB they take much memory.
-StillImage composedAsRgb(const ConversionSettings &settings, const std::filesystem::path &file,
-                         const StereoPair &pair) {
-    Composer composer(settings);
-    StillImage left = decodedEye(file, pair.left, HeifSamples::rgb);
+StillImage composedAsRgb(const ConversionSettings &settings, const std::filesystem::path &file, const StereoPair &pair,
+                         const Cancellation &cancellation) {
+    Composer composer(settings, cancellation);
+    StillImage left = decodedEye(file, pair.left, HeifSamples::rgb, cancellation);
     composer.begin(left.picture);
     composer.place(std::move(left.picture), true);
     left.picture = {};
-    composer.place(decodedEye(file, pair.right, HeifSamples::rgb).picture, false);
+    composer.place(decodedEye(file, pair.right, HeifSamples::rgb, cancellation).picture, false);
     return {composer.finish(), std::move(left.metadata)};
 }
 
 /// As the output's format takes it. Gives back the memory that decoding took before coding takes its own.
 StillImage composedImage(const ConversionSettings &settings, const std::filesystem::path &file, const StereoPair &pair,
-                         ImageKind kind) {
+                         ImageKind kind, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
     const bool asRgb = kind == ImageKind::png || kind == ImageKind::tiff;
-    return asRgb ? composedAsRgb(settings, file, pair) : composedAsCoded(settings, file, pair);
+    return asRgb ? composedAsRgb(settings, file, pair, cancellation)
+                 : composedAsCoded(settings, file, pair, cancellation);
 }
 
 void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKind kind,
-                   const std::filesystem::path &output) {
+                   const std::filesystem::path &output, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
     try {
         media::requireWritable(output);
@@ -139,7 +145,7 @@ void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKi
     }
     const Words failed = words("error.photo.write.failed.format", lastPathComponent(output));
     try {
-        media::writeImage(output, kind, std::move(image), settings.compressionQuality);
+        media::writeImage(output, kind, std::move(image), settings.compressionQuality, cancellation);
     } catch (const media::MediaError &error) {
         throw processorError(because(failed, causeOf(error)));
     } catch (const std::invalid_argument &) { // more than the format holds
@@ -151,13 +157,17 @@ void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKi
 
 Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
                                  const std::filesystem::path &output, const ConversionControl &control) {
+    const Cancellation cancellation([&control] { return control.cancelled(); });
     const StereoPair pair = readStereoPair(input);
     const ImageKind kind = kindOf(output);
-    StillImage image = composedImage(settings, input, pair, kind);
-    if (control.cancelled())
+    try {
+        StillImage image = composedImage(settings, input, pair, kind, cancellation);
+        cancellation.check();
+        writeSBSImage(settings, std::move(image), kind, output, cancellation);
+        return Outcome::ofPhoto({});
+    } catch (const media::Cancelled &) {
         return {};
-    writeSBSImage(settings, std::move(image), kind, output);
-    return Outcome::ofPhoto({});
+    }
 }
 
 } // namespace lumetwin

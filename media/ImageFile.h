@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/Cancellation.h"
 #include "media/Picture.h"
 
 #include <cstdint>
@@ -36,8 +37,8 @@ int imageCount(const std::filesystem::path &file);
 /// Reads a file's first image at the precision of its samples: JPEG as Y'CbCr planes where it is coded so, everything
 /// else as grey or RGB. Transparent pixels are drawn onto black; CMYK is converted to sRGB. The orientation that Exif
 /// states is not applied; transformations that HEIF states are part of the picture. Throws MediaError for damaged,
-/// truncated, oversized and unsupported files.
-StillImage readImage(const std::filesystem::path &file);
+/// truncated, oversized and unsupported files. This and what follows throws Cancelled when it is to stop.
+StillImage readImage(const std::filesystem::path &file, const Cancellation &cancellation = {});
 
 enum class HeifSamples {
     coded, ///< as coded: Y'CbCr planes, subsampled as they are
@@ -45,13 +46,16 @@ enum class HeifSamples {
 };
 
 /// Reads one image of a HEIF file by its item's id, with its transformations applied. Throws MediaError.
-StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples);
+StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples,
+                         const Cancellation &cancellation = {});
 
 /// Writes an image under a partial name and renames it when it is complete, replacing what was there. Quality, 0.0 to
 /// 1.0, means something in JPEG and HEIC only. Samples that the format cannot hold are converted: Y'CbCr to
 /// the matrix and range of JFIF for JPEG, to RGB for PNG and TIFF, everything to 8-bit 4:2:0 for HEIC. Orientation,
-/// dimensions and thumbnails in the metadata are corrected for the picture. Throws MediaError.
-void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality);
+/// dimensions and thumbnails in the metadata are corrected for the picture. Throws MediaError. When it is cancelled,
+/// nothing stays, under either name.
+void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality,
+                const Cancellation &cancellation = {});
 
 /// The tags that a JPEG file's samples have by definition (JFIF 1.02): full range, matrix of ITU-R BT.601.
 inline constexpr ColourTags jpegColour{1, 13, 6, ColourRange::full, ChromaLocation::centre};
@@ -59,7 +63,8 @@ inline constexpr ColourTags jpegColour{1, 13, 6, ColourRange::full, ChromaLocati
 /// The picture's colours in sRGB: the same samples where its profile (or, without one, its tags) says sRGB already,
 /// else converted through it with perceptual intent to RGB. RGB samples are converted where they are: the picture must
 /// have no other user. Throws MediaError, which names the file, when the profile is unusable.
-Picture inSRGB(Picture picture, const std::vector<std::uint8_t> &iccProfile, const std::filesystem::path &file);
+Picture inSRGB(Picture picture, const std::vector<std::uint8_t> &iccProfile, const std::filesystem::path &file,
+               const Cancellation &cancellation = {});
 
 /// The largest picture that is read: samples of one plane.
 inline constexpr std::int64_t maximumPixels = std::int64_t{1} << 28;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/Cancellation.h"
 #include "media/Picture.h"
 
 namespace lumetwin::media {
@@ -34,7 +35,7 @@ struct Placement {
 /// must agree. What a geometry needs is built once and kept: one object per thread.
 class Compositor {
 public:
-    Compositor();
+    explicit Compositor(Cancellation cancellation = {});
     ~Compositor();
     Compositor(Compositor &&) noexcept;
     Compositor &operator=(Compositor &&) noexcept;
@@ -43,7 +44,7 @@ public:
     static void fillBlack(Picture &canvas);
     /// A placement with an empty or infinite rectangle leaves the canvas as it is. Throws std::logic_error when the
     /// colour models do not fit, std::length_error for planes of more than 65535 samples a side, std::runtime_error
-    /// when the library refuses.
+    /// when the library refuses, Cancelled when it is to stop.
     void place(const Picture &picture, const Placement &placement, Picture &canvas);
 
 private:

@@ -21,9 +21,9 @@ struct SpatialPhotoFacts {
 /// Writes a HEIC file of two pictures that form a stereo pair, the left one first and primary, coded at a fixed high
 /// quality, under a partial name that becomes the file's own in one rename. Samples are in sRGB; the metadata goes to
 /// both pictures. The pictures are released as they are coded. Throws MediaError; nothing is left under the file's name
-/// then.
+/// then. Throws Cancelled; nothing is left under the partial name either then.
 void writeSpatialPhoto(const std::filesystem::path &file, Picture left, Picture right, const SpatialPhotoFacts &facts,
-                       const ImageMetadata &metadata);
+                       const ImageMetadata &metadata, const Cancellation &cancellation = {});
 
 /// Throws MediaError when a file of this name cannot be created.
 void requireWritable(const std::filesystem::path &file);

@@ -5,6 +5,7 @@
 
 #include <lcms2.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -12,6 +13,8 @@
 namespace lumetwin::media::images {
 
 namespace {
+
+constexpr int stripRows = 64; ///< that are converted at once
 
 struct CloseProfile {
     void operator()(void *profile) const { cmsCloseProfile(profile); }
@@ -154,7 +157,8 @@ bool isSRGB(std::span<const std::uint8_t> bytes) {
     return true;
 }
 
-Picture throughProfile(Picture picture, std::span<const std::uint8_t> bytes, const std::filesystem::path &file) {
+Picture throughProfile(Picture picture, std::span<const std::uint8_t> bytes, const std::filesystem::path &file,
+                       const Cancellation &cancellation) {
     const int channels = picture.format.planeCount();
     const int sampleBytes = picture.format.bytesPerSample();
     const Profile profile = open(bytes);
@@ -174,11 +178,15 @@ Picture throughProfile(Picture picture, std::span<const std::uint8_t> bytes, con
                                 : makePicture(picture.width, picture.height,
                                               {ColourModel::rgb, picture.format.depth, 0, 0}, colour);
     out.colour = colour;
-    cmsDoTransformLineStride(
-        transform.get(), picture.planes[0].data, out.planes[0].data, static_cast<cmsUInt32Number>(picture.width),
-        static_cast<cmsUInt32Number>(picture.height), static_cast<cmsUInt32Number>(picture.planes[0].stride),
-        static_cast<cmsUInt32Number>(out.planes[0].stride), static_cast<cmsUInt32Number>(planeDistance(picture)),
-        static_cast<cmsUInt32Number>(planeDistance(out)));
+    for (int y = 0; y < picture.height; y += stripRows) {
+        cancellation.check();
+        cmsDoTransformLineStride(
+            transform.get(), picture.planes[0].data + y * picture.planes[0].stride,
+            out.planes[0].data + y * out.planes[0].stride, static_cast<cmsUInt32Number>(picture.width),
+            static_cast<cmsUInt32Number>(std::min(stripRows, picture.height - y)),
+            static_cast<cmsUInt32Number>(picture.planes[0].stride), static_cast<cmsUInt32Number>(out.planes[0].stride),
+            static_cast<cmsUInt32Number>(planeDistance(picture)), static_cast<cmsUInt32Number>(planeDistance(out)));
+    }
     return out;
 }
 

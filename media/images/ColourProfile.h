@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/Cancellation.h"
 #include "media/Picture.h"
 
 #include <cstdint>
@@ -28,7 +29,8 @@ bool suits(std::span<const std::uint8_t> profile, int channels);
 
 /// Converts a picture's samples of 8 or 16 bits through a profile to sRGB: RGB where they are, grey into a new RGB
 /// picture. Throws MediaError when the profile is unusable.
-Picture throughProfile(Picture picture, std::span<const std::uint8_t> profile, const std::filesystem::path &file);
+Picture throughProfile(Picture picture, std::span<const std::uint8_t> profile, const std::filesystem::path &file,
+                       const Cancellation &cancellation = {});
 
 /// Converts rows of interleaved CMYK samples, 0 no ink, to interleaved sRGB of the same depth. Without a usable profile
 /// inks are taken as ideal.

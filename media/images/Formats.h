@@ -28,21 +28,22 @@ void closeWritten(StandardFile stream, const std::filesystem::path &file);
 /// words.
 MediaError writingError(const std::filesystem::path &file, const std::string &libraryWords);
 
-StillImage readJpeg(const std::filesystem::path &file);
-StillImage readPng(const std::filesystem::path &file);
-StillImage readTiff(const std::filesystem::path &file);
-StillImage readHeif(const std::filesystem::path &file);
+StillImage readJpeg(const std::filesystem::path &file, const Cancellation &cancellation);
+StillImage readPng(const std::filesystem::path &file, const Cancellation &cancellation);
+StillImage readTiff(const std::filesystem::path &file, const Cancellation &cancellation);
+StillImage readHeif(const std::filesystem::path &file, const Cancellation &cancellation);
 int tiffPageCount(const std::filesystem::path &file);
 
 /// Converts the samples itself.
-void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality);
-void writePng(const std::filesystem::path &file, const StillImage &image);
-void writeTiff(const std::filesystem::path &file, const StillImage &image);
+void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality,
+               const Cancellation &cancellation);
+void writePng(const std::filesystem::path &file, const StillImage &image, const Cancellation &cancellation);
+void writeTiff(const std::filesystem::path &file, const StillImage &image, const Cancellation &cancellation);
 /// The samples are released as they are coded.
-void writeHeif(const PartialFile &file, StillImage image, double quality);
+void writeHeif(const PartialFile &file, StillImage image, double quality, const Cancellation &cancellation);
 
 /// The picture in a form that files of the kind hold: itself, or converted.
-Picture fitted(Picture picture, ImageKind kind);
+Picture fitted(Picture picture, ImageKind kind, const Cancellation &cancellation);
 
 /// The quantiser of HEVC, 6 to 51 where lower is finer, for a quality of 0.0 to 1.0.
 int heifQuantiser(double quality);

@@ -75,14 +75,17 @@ int threadsForEach() {
 
 /// Codes the tiles from the first on in steps, so that workers can share them.
 void codeTiles(const std::filesystem::path &file, const Picture &picture, const Tiling &tiling, int quantiser,
-               int first, int step, std::vector<x265::CodedStill> &stills) {
-    for (int index = first; index < tiling.count(); index += step)
+               int first, int step, std::vector<x265::CodedStill> &stills, const Cancellation &cancellation) {
+    for (int index = first; index < tiling.count(); index += step) {
+        cancellation.check();
         stills[static_cast<std::size_t>(index)] = x265::encodeStill(
             file, tileOf(picture, tiling, index % tiling.columns, index / tiling.columns), quantiser, threadsForEach());
+    }
 }
 
 std::vector<x265::CodedStill> codedTiles(const std::filesystem::path &file, Picture picture, const Tiling &tiling,
-                                         int quantiser, int workers) {
+                                         int quantiser, int workers, const Cancellation &cancellation) {
+    cancellation.check();
     std::vector<x265::CodedStill> stills(static_cast<std::size_t>(tiling.count()));
     if (tiling.count() == 1) {
         stills[0] = x265::encodeStill(file, std::move(picture), quantiser, threadsForEach());
@@ -90,9 +93,10 @@ std::vector<x265::CodedStill> codedTiles(const std::filesystem::path &file, Pict
     }
     std::vector<std::future<void>> others;
     for (int worker = 1; worker < workers; ++worker)
-        others.push_back(std::async(
-            std::launch::async, [&, worker] { codeTiles(file, picture, tiling, quantiser, worker, workers, stills); }));
-    codeTiles(file, picture, tiling, quantiser, 0, workers, stills);
+        others.push_back(std::async(std::launch::async, [&, worker] {
+            codeTiles(file, picture, tiling, quantiser, worker, workers, stills, cancellation);
+        }));
+    codeTiles(file, picture, tiling, quantiser, 0, workers, stills, cancellation);
     for (std::future<void> &other : others)
         other.get();
     return stills;
@@ -111,7 +115,7 @@ void takeStill(const std::filesystem::path &file, x265::CodedStill still, heif::
 } // namespace
 
 heif::CodedImage codedImage(const std::filesystem::path &file, Picture picture, const ImageMetadata &metadata,
-                            int quantiser, GridCoding grid) {
+                            int quantiser, GridCoding grid, const Cancellation &cancellation) {
     const Tiling tiling = tilingOf(picture, grid.longestTileSide);
     heif::CodedImage image;
     image.width = static_cast<std::uint32_t>(picture.width);
@@ -124,7 +128,7 @@ heif::CodedImage codedImage(const std::filesystem::path &file, Picture picture, 
     if (metadata.iccProfile.empty())
         image.colour = HeifColour{picture.colour.primaries, picture.colour.transfer, picture.colour.matrix,
                                   picture.colour.range == ColourRange::full};
-    for (x265::CodedStill &still : codedTiles(file, std::move(picture), tiling, quantiser, grid.workers))
+    for (x265::CodedStill &still : codedTiles(file, std::move(picture), tiling, quantiser, grid.workers, cancellation))
         takeStill(file, std::move(still), image);
     return image;
 }
@@ -140,9 +144,9 @@ int heifQuantiser(double quality) {
     return x265::finestQuantiser;
 }
 
-void writeHeif(const PartialFile &file, StillImage image, double quality) {
-    heif::writeHeif(file,
-                    codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality), {}));
+void writeHeif(const PartialFile &file, StillImage image, double quality, const Cancellation &cancellation) {
+    heif::writeHeif(file, codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality),
+                                     {}, cancellation));
 }
 
 } // namespace images
@@ -153,28 +157,45 @@ namespace {
 constexpr int spatialQuantiser = 14;
 
 heif::CodedImage codedEye(const std::filesystem::path &file, Picture eye, const ImageMetadata &metadata,
-                          const heif::Camera &camera) {
+                          const heif::Camera &camera, const Cancellation &cancellation) {
     const ImageMetadata corrected = images::correctedMetadata(eye, metadata);
-    heif::CodedImage image = images::codedImage(file, images::fitted(std::move(eye), ImageKind::heif), corrected,
-                                                spatialQuantiser, images::eyeCoding);
+    heif::CodedImage image = images::codedImage(file, images::fitted(std::move(eye), ImageKind::heif, cancellation),
+                                                corrected, spatialQuantiser, images::eyeCoding, cancellation);
     image.camera = camera;
     return image;
 }
 
 } // namespace
 
-void writeSpatialPhoto(const std::filesystem::path &file, Picture left, Picture right, const SpatialPhotoFacts &facts,
-                       const ImageMetadata &metadata) {
+namespace {
+
+void writePair(const PartialFile &partial, Picture left, Picture right, const SpatialPhotoFacts &facts,
+               const ImageMetadata &metadata, const Cancellation &cancellation) {
+    const std::filesystem::path &file = partial.output();
     const heif::Camera leftCamera{facts.focalLength, facts.principalPoint, {}};
     const heif::Camera rightCamera{facts.focalLength, facts.principalPoint, facts.rightPosition};
     auto later = std::async(std::launch::async, [&, eye = std::move(right)]() mutable {
-        return codedEye(file, std::move(eye), metadata, rightCamera);
+        return codedEye(file, std::move(eye), metadata, rightCamera, cancellation);
     });
-    const heif::CodedImage leftImage = codedEye(file, std::move(left), metadata, leftCamera);
+    const heif::CodedImage leftImage = codedEye(file, std::move(left), metadata, leftCamera, cancellation);
     const heif::CodedImage rightImage = later.get();
-    const PartialFile partial(file);
+    cancellation.check();
     heif::writeStereoHeif(partial, leftImage, rightImage, facts.disparityAdjustment);
-    partial.finish();
+}
+
+} // namespace
+
+void writeSpatialPhoto(const std::filesystem::path &file, Picture left, Picture right, const SpatialPhotoFacts &facts,
+                       const ImageMetadata &metadata, const Cancellation &cancellation) {
+    const PartialFile partial(file);
+    try {
+        writePair(partial, std::move(left), std::move(right), facts, metadata, cancellation);
+        cancellation.check();
+        partial.finish();
+    } catch (const Cancelled &) {
+        partial.discard();
+        throw;
+    }
 }
 
 void requireWritable(const std::filesystem::path &file) {

@@ -15,7 +15,7 @@ struct GridCoding {
 /// Codes a picture for a HEIC file: alone where one HEVC picture may be so large, else as a grid. Its samples are
 /// released as they are coded. Metadata is taken as it is. Throws MediaError, which names the file.
 heif::CodedImage codedImage(const std::filesystem::path &file, Picture picture, const ImageMetadata &metadata,
-                            int quantiser, GridCoding grid);
+                            int quantiser, GridCoding grid, const Cancellation &cancellation);
 
 /// The metadata as it is true for the picture.
 ImageMetadata correctedMetadata(const Picture &picture, ImageMetadata metadata);

@@ -106,7 +106,8 @@ void hideGroups(std::vector<std::uint8_t> &bytes) {
 /// A HEIF file that the library has opened.
 class HeifContext {
 public:
-    explicit HeifContext(const std::filesystem::path &path) : file(path), bytes_(contentOf(path)) {
+    HeifContext(const std::filesystem::path &path, const Cancellation &asked)
+        : file(path), cancellation(asked), bytes_(contentOf(path)) {
         static const heif_error ready = heif_register_decoder_plugin(hevcDecoder());
         require(ready, file);
         hideGroups(bytes_);
@@ -123,6 +124,7 @@ public:
     }
 
     const std::filesystem::path file;
+    const Cancellation &cancellation;
 
 private:
     static std::vector<std::uint8_t> contentOf(const std::filesystem::path &path) {
@@ -146,11 +148,21 @@ private:
     std::unique_ptr<heif_context, FreeContext> context_;
 };
 
+/// Asked by the library before each tile.
+int stops(void *cancellation) {
+    return static_cast<const Cancellation *>(cancellation)->requested() ? 1 : 0;
+}
+
 Image decode(const HeifContext &context, const heif_image_handle *handle, heif_colorspace space, heif_chroma chroma) {
     const std::unique_ptr<heif_decoding_options, FreeOptions> options(heif_decoding_options_alloc());
-    heif_image *image = nullptr;
-    require(heif_decode_image(handle, &image, space, chroma, options.get()), context.file);
-    return Image(image);
+    options->cancel_decoding = stops;
+    options->progress_user_data = const_cast<Cancellation *>(&context.cancellation);
+    heif_image *decoded = nullptr;
+    const heif_error error = heif_decode_image(handle, &decoded, space, chroma, options.get());
+    Image image(decoded);
+    context.cancellation.check();
+    require(error, context.file);
+    return image;
 }
 
 ColourTags tagsOf(const heif_image *image, const heif_image_handle *handle) {
@@ -296,6 +308,7 @@ Picture rgbOf(const HeifContext &context, const heif_image_handle *handle) {
                         : heif_image_handle_is_premultiplied_alpha(handle) ? Alpha::premultiplied
                                                                            : Alpha::straight;
     for (int y = 0; y < height; ++y) {
+        context.cancellation.check();
         const std::uint8_t *row = data + static_cast<std::ptrdiff_t>(y) * stride;
         if (depth > 8)
             scatterDeep(reinterpret_cast<const std::uint16_t *>(row), channels, alpha, picture, y);
@@ -319,25 +332,28 @@ StillImage read(const HeifContext &context, heif_item_id item, HeifSamples sampl
 
 } // namespace
 
-StillImage readHeif(const std::filesystem::path &file) {
+StillImage readHeif(const std::filesystem::path &file, const Cancellation &cancellation) {
+    cancellation.check();
     const HeifFile heif = readHeifFile(file);
     if (heif.images.empty())
         throw MediaError(file, MediaOperation::read, 0,
                          heif.hasMovie ? MediaReason::imageSequence : MediaReason::noImage);
     requireDecoder(file, heif.images.front());
-    return read(HeifContext(file), heif.images.front().item, HeifSamples::coded);
+    return read(HeifContext(file, cancellation), heif.images.front().item, HeifSamples::coded);
 }
 
 } // namespace lumetwin::media::images
 
 namespace lumetwin::media {
 
-StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples) {
+StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples,
+                         const Cancellation &cancellation) {
+    cancellation.check();
     const HeifFile heif = readHeifFile(file);
     const auto image = std::ranges::find(heif.images, item, &HeifImage::item);
     if (image != heif.images.end())
         images::requireDecoder(file, *image);
-    return images::read(images::HeifContext(file), item, samples);
+    return images::read(images::HeifContext(file, cancellation), item, samples);
 }
 
 } // namespace lumetwin::media

@@ -75,7 +75,7 @@ ImageMetadata correctedMetadata(const Picture &picture, ImageMetadata metadata) 
     return metadata;
 }
 
-Picture fitted(Picture picture, ImageKind kind) {
+Picture fitted(Picture picture, ImageKind kind, const Cancellation &cancellation) {
     PictureFormat format = picture.format;
     ColourTags colour = picture.colour;
     const bool isYuv = format.model == ColourModel::yuv;
@@ -103,7 +103,7 @@ Picture fitted(Picture picture, ImageKind kind) {
         picture.colour = colour;
         return picture;
     }
-    return convertColour(picture, format, colour);
+    return convertColour(picture, format, colour, cancellation);
 }
 
 } // namespace images
@@ -143,41 +143,53 @@ int imageCount(const std::filesystem::path &file) {
     return 1;
 }
 
-StillImage readImage(const std::filesystem::path &file) {
+StillImage readImage(const std::filesystem::path &file, const Cancellation &cancellation) {
     switch (requireKind(file)) {
     case ImageKind::jpeg:
-        return images::readJpeg(file);
+        return images::readJpeg(file, cancellation);
     case ImageKind::png:
-        return images::readPng(file);
+        return images::readPng(file, cancellation);
     case ImageKind::tiff:
-        return images::readTiff(file);
+        return images::readTiff(file, cancellation);
     case ImageKind::heif:
         break;
     }
-    return images::readHeif(file);
+    return images::readHeif(file, cancellation);
 }
 
-void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality) {
-    // What the samples meant before they are converted decides which profile is embedded.
-    image.metadata = images::correctedMetadata(image.picture, std::move(image.metadata));
-    if (kind != ImageKind::jpeg) // whose writer converts strip by strip
-        image.picture = images::fitted(std::move(image.picture), kind);
-    const PartialFile partial(file);
+namespace {
+
+void writeAs(ImageKind kind, const PartialFile &partial, StillImage image, double quality,
+             const Cancellation &cancellation) {
     switch (kind) {
     case ImageKind::jpeg:
-        images::writeJpeg(partial.path(), image, quality);
-        break;
+        return images::writeJpeg(partial.path(), image, quality, cancellation);
     case ImageKind::png:
-        images::writePng(partial.path(), image);
-        break;
+        return images::writePng(partial.path(), image, cancellation);
     case ImageKind::tiff:
-        images::writeTiff(partial.path(), image);
-        break;
+        return images::writeTiff(partial.path(), image, cancellation);
     case ImageKind::heif:
-        images::writeHeif(partial, std::move(image), quality);
-        break;
+        return images::writeHeif(partial, std::move(image), quality, cancellation);
     }
-    partial.finish();
+}
+
+} // namespace
+
+void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality,
+                const Cancellation &cancellation) {
+    const PartialFile partial(file);
+    try {
+        // What the samples meant before they are converted decides which profile is embedded.
+        image.metadata = images::correctedMetadata(image.picture, std::move(image.metadata));
+        if (kind != ImageKind::jpeg) // whose writer converts strip by strip
+            image.picture = images::fitted(std::move(image.picture), kind, cancellation);
+        writeAs(kind, partial, std::move(image), quality, cancellation);
+        cancellation.check();
+        partial.finish();
+    } catch (const Cancelled &) {
+        partial.discard();
+        throw;
+    }
 }
 
 } // namespace lumetwin::media

@@ -24,9 +24,10 @@ struct Decoder {
     JpegErrors errors;
     jpeg_decompress_struct codec{};
     const std::filesystem::path &file;
+    const Cancellation &cancellation;
     bool created = false;
 
-    explicit Decoder(const std::filesystem::path &path) : file(path) {
+    Decoder(const std::filesystem::path &path, const Cancellation &asked) : file(path), cancellation(asked) {
         codec.err = &errors.manager;
         codec.client_data = &errors;
         run([&] { jpeg_create_decompress(&codec); });
@@ -39,6 +40,7 @@ struct Decoder {
     Decoder(const Decoder &) = delete;
 
     [[noreturn]] void fail() const {
+        cancellation.check();
         const bool tooManyScans = codec.input_scan_number > scanLimit;
         throw MediaError(file, MediaOperation::read, errors.code,
                          tooManyScans ? MediaReason::tooManyScans : errors.reason(), errors.message);
@@ -50,9 +52,15 @@ struct Decoder {
     }
 };
 
-void limitScans(j_common_ptr codec) {
+/// What the library calls for each row of blocks; a file of several scans is decoded whole before its first row comes.
+struct Progress : jpeg_progress_mgr {
+    const Cancellation *cancellation = nullptr;
+};
+
+void watch(j_common_ptr codec) {
     auto *decompressor = reinterpret_cast<j_decompress_ptr>(codec);
-    if (decompressor->input_scan_number > scanLimit) {
+    const auto *progress = static_cast<const Progress *>(codec->progress);
+    if (decompressor->input_scan_number > scanLimit || progress->cancellation->requested()) {
         std::longjmp(static_cast<JpegErrors *>(codec->client_data)->jump, 1);
     }
 }
@@ -183,14 +191,15 @@ bool blocksFit(const Decoder &decoder) {
 
 } // namespace
 
-StillImage readJpeg(const std::filesystem::path &file) {
+StillImage readJpeg(const std::filesystem::path &file, const Cancellation &cancellation) {
     const StandardFile stream = openForReading(file);
-    Decoder decoder(file);
+    Decoder decoder(file, cancellation);
     readHeader(decoder, stream.get());
     StillImage image;
     image.metadata = metadataIn(decoder);
-    jpeg_progress_mgr progress{};
-    progress.progress_monitor = limitScans;
+    Progress progress{};
+    progress.progress_monitor = watch;
+    progress.cancellation = &cancellation;
     decoder.codec.progress = &progress;
     const auto format = planarFormat(decoder.codec);
     if (format && blocksFit(decoder)) {

@@ -44,25 +44,28 @@ int contextOf(const Picture &picture) {
     return picture.format.depth > 8 ? 32 : 16;
 }
 
-Picture fittedStrip(const Picture &picture, int first, int rows) {
+Picture fittedStrip(const Picture &picture, int first, int rows, const Cancellation &cancellation) {
     const int context = contextOf(picture);
     const int from = std::max(first - context, 0);
     const int to = std::min(first + rows + context, picture.height);
-    const Picture surrounded = fitted(cropped(picture, 0, from, picture.width, to - from), ImageKind::jpeg);
+    const Picture surrounded =
+        fitted(cropped(picture, 0, from, picture.width, to - from), ImageKind::jpeg, cancellation);
     return cropped(surrounded, 0, first - from, picture.width, std::min(rows, picture.height - first));
 }
 
 /// The strips, each a file of its own, coded on as many threads as there are processors.
 std::vector<JpegBytes> codedStrips(const StillImage &image, const Strips &strips, int quality,
-                                   const std::filesystem::path &file) {
+                                   const std::filesystem::path &file, const Cancellation &cancellation) {
     std::vector<JpegBytes> coded(static_cast<std::size_t>(strips.count));
     std::atomic<int> next = 0;
     const auto work = [&] {
-        for (int index = next++; index < strips.count; index = next++)
+        for (int index = next++; index < strips.count; index = next++) {
+            cancellation.check();
             coded[static_cast<std::size_t>(index)] =
-                codedStrip({fittedStrip(image.picture, index * strips.rows, strips.rows),
+                codedStrip({fittedStrip(image.picture, index * strips.rows, strips.rows, cancellation),
                             index == 0 ? &image.metadata : nullptr, strips.interval},
                            quality, file);
+        }
     };
     std::vector<std::future<void>> others;
     for (int thread = std::min<int>(strips.count, static_cast<int>(std::thread::hardware_concurrency())); thread > 1;
@@ -125,14 +128,15 @@ int jpegQuality(double quality) {
     return 100;
 }
 
-void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality) {
+void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality,
+               const Cancellation &cancellation) {
     const Picture &picture = image.picture;
     if (picture.width > JPEG_MAX_DIMENSION || picture.height > JPEG_MAX_DIMENSION)
         throw MediaError(file, MediaOperation::write, 0, MediaReason::beyondFormat,
                          std::to_string(picture.width) + " x " + std::to_string(picture.height));
     const int libraryQuality = jpegQuality(quality);
     const Strips strips = stripsOf(picture, libraryQuality);
-    writeJoined(codedStrips(image, strips, libraryQuality, file), picture.height, file);
+    writeJoined(codedStrips(image, strips, libraryQuality, file, cancellation), picture.height, file);
 }
 
 } // namespace lumetwin::media::images

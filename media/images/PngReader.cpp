@@ -23,8 +23,9 @@ struct Decoder {
     png_structp codec = nullptr;
     png_infop info = nullptr;
     const std::filesystem::path &file;
+    const Cancellation &cancellation;
 
-    explicit Decoder(const std::filesystem::path &path) : file(path) {
+    Decoder(const std::filesystem::path &path, const Cancellation &asked) : file(path), cancellation(asked) {
         codec = png_create_read_struct(PNG_LIBPNG_VER_STRING, &errors, keepPngError, passOverPngWarning);
         info = codec ? png_create_info_struct(codec) : nullptr;
         if (!info) {
@@ -82,6 +83,7 @@ void readProgressive(Decoder &decoder, PixelLayout layout, const Picture &pictur
     std::vector<std::uint16_t> buffer(png_get_rowbytes(decoder.codec, decoder.info) / 2 + 1);
     auto *row = reinterpret_cast<std::uint8_t *>(buffer.data());
     for (int y = 0; y < picture.height; ++y) {
+        decoder.cancellation.check();
         decoder.run([&] { png_read_row(decoder.codec, row, nullptr); });
         takeRow(row, layout, picture, y);
     }
@@ -96,8 +98,10 @@ void readInterlaced(Decoder &decoder, PixelLayout layout, const Picture &picture
     const auto rowAt = [&](int y) { return reinterpret_cast<std::uint8_t *>(whole.get() + stride * y); };
     decoder.run([&] {
         for (int pass = 0; pass < passes; ++pass)
-            for (int y = 0; y < picture.height; ++y)
+            for (int y = 0; y < picture.height; ++y) {
+                decoder.cancellation.check();
                 png_read_row(decoder.codec, rowAt(y), nullptr);
+            }
     });
     for (int y = 0; y < picture.height; ++y)
         takeRow(rowAt(y), layout, picture, y);
@@ -155,9 +159,9 @@ ImageMetadata metadataIn(Decoder &decoder, int channels) {
 
 } // namespace
 
-StillImage readPng(const std::filesystem::path &file) {
+StillImage readPng(const std::filesystem::path &file, const Cancellation &cancellation) {
     const StandardFile stream = openForReading(file);
-    Decoder decoder(file);
+    Decoder decoder(file, cancellation);
     readHeader(decoder, stream.get());
     const int passes = simplify(decoder);
     const int channels = png_get_channels(decoder.codec, decoder.info);

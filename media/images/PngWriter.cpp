@@ -73,11 +73,12 @@ void widen(std::uint16_t *samples, std::size_t count, int depth) {
         samples[i] = static_cast<std::uint16_t>((samples[i] << (16 - depth)) | (samples[i] >> (2 * depth - 16)));
 }
 
-void writeRows(Encoder &encoder, const Picture &picture) {
+void writeRows(Encoder &encoder, const Picture &picture, const Cancellation &cancellation) {
     const std::size_t count = static_cast<std::size_t>(picture.width) * picture.format.planeCount();
     std::vector<std::uint16_t> buffer(count);
     auto *bytes = reinterpret_cast<std::uint8_t *>(buffer.data());
     for (int y = 0; y < picture.height; ++y) {
+        cancellation.check();
         if (picture.format.depth == 8) {
             gatherRow(picture, y, bytes);
         } else {
@@ -90,7 +91,7 @@ void writeRows(Encoder &encoder, const Picture &picture) {
 
 } // namespace
 
-void writePng(const std::filesystem::path &file, const StillImage &image) {
+void writePng(const std::filesystem::path &file, const StillImage &image, const Cancellation &cancellation) {
     const Picture &picture = image.picture;
     if (picture.format.model == ColourModel::yuv)
         throw MediaError(file, MediaOperation::write, 0, MediaReason::beyondFormat);
@@ -110,7 +111,7 @@ void writePng(const std::filesystem::path &file, const StillImage &image) {
         if (std::endian::native == std::endian::little)
             png_set_swap(encoder.codec);
     });
-    writeRows(encoder, picture);
+    writeRows(encoder, picture, cancellation);
     encoder.run([&] { png_write_end(encoder.codec, nullptr); });
     closeWritten(std::move(stream), file);
 }

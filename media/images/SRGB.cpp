@@ -5,7 +5,8 @@
 
 namespace lumetwin::media {
 
-Picture inSRGB(Picture picture, const std::vector<std::uint8_t> &iccProfile, const std::filesystem::path &file) {
+Picture inSRGB(Picture picture, const std::vector<std::uint8_t> &iccProfile, const std::filesystem::path &file,
+               const Cancellation &cancellation) {
     const bool grey = picture.format.model == ColourModel::grey;
     const std::vector<std::uint8_t> &profile =
         iccProfile.empty() && !grey ? images::profileOf(picture.colour) : iccProfile;
@@ -20,9 +21,9 @@ Picture inSRGB(Picture picture, const std::vector<std::uint8_t> &iccProfile, con
         ColourTags colour = picture.colour;
         colour.matrix = 0;
         colour.range = ColourRange::full;
-        picture = convertColour(picture, wanted, colour);
+        picture = convertColour(picture, wanted, colour, cancellation);
     }
-    return images::throughProfile(std::move(picture), profile, file);
+    return images::throughProfile(std::move(picture), profile, file, cancellation);
 }
 
 } // namespace lumetwin::media

@@ -146,9 +146,10 @@ Buffer bufferFor(const TiffFile &tiff, std::uint64_t bytes) {
     return buffer;
 }
 
-void readLines(const TiffFile &tiff, const Page &page, RowTaker &rows) {
+void readLines(const TiffFile &tiff, const Page &page, RowTaker &rows, const Cancellation &cancellation) {
     const Buffer buffer = bufferFor(tiff, static_cast<std::uint64_t>(TIFFScanlineSize64(tiff.get())));
     for (int y = 0; y < page.height; ++y) {
+        cancellation.check();
         if (TIFFReadScanline(tiff.get(), buffer.get(), static_cast<std::uint32_t>(y), 0) < 0)
             tiff.fail(reading, MediaReason::damaged);
         rows.take(buffer.get(), 0, y, page.width);
@@ -209,7 +210,7 @@ void interleave(const std::vector<Buffer> &planes, std::ptrdiff_t offset, int co
     }
 }
 
-void readPieces(const TiffFile &tiff, const Page &page, RowTaker &rows) {
+void readPieces(const TiffFile &tiff, const Page &page, RowTaker &rows, const Cancellation &cancellation) {
     const Piece piece = pieceOf(tiff, page);
     const int planeCount = page.separate ? page.channels : 1;
     std::vector<Buffer> planes;
@@ -220,6 +221,7 @@ void readPieces(const TiffFile &tiff, const Page &page, RowTaker &rows) {
     const std::ptrdiff_t rowBytes = static_cast<std::ptrdiff_t>(piece.width) * page.channels * (page.bits / 8);
     for (int y = 0; y < page.height; y += piece.height)
         for (int x = 0; x < page.width; x += piece.width) {
+            cancellation.check();
             for (std::size_t plane = 0; plane < planes.size(); ++plane)
                 readPiece(tiff, piece, x, y, static_cast<int>(plane), planes[plane].get());
             const int count = std::min(piece.width, page.width - x);
@@ -237,30 +239,45 @@ void readPieces(const TiffFile &tiff, const Page &page, RowTaker &rows) {
         }
 }
 
+/// Rows of the strip or tile that the file is coded in: a part of one would be decoded with the whole of it each time.
+int rowsAtOnce(const TiffFile &tiff, const Page &page) {
+    const auto rows = TIFFIsTiled(tiff.get()) != 0 ? field<std::uint32_t>(tiff, TIFFTAG_TILELENGTH, 0)
+                                                   : field<std::uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP, 0);
+    return rows == 0 ? page.height : static_cast<int>(std::min(rows, static_cast<std::uint32_t>(page.height)));
+}
+
+void scatterPacked(const std::uint32_t *row, const Picture &picture, int y) {
+    std::uint8_t *planes[3] = {planeRow<std::uint8_t>(picture, 0, y), planeRow<std::uint8_t>(picture, 1, y),
+                               planeRow<std::uint8_t>(picture, 2, y)};
+    for (int x = 0; x < picture.width; ++x) {
+        planes[0][x] = static_cast<std::uint8_t>(TIFFGetR(row[x]));
+        planes[1][x] = static_cast<std::uint8_t>(TIFFGetG(row[x]));
+        planes[2][x] = static_cast<std::uint8_t>(TIFFGetB(row[x]));
+    }
+}
+
 /// Palettes, small samples and colour spaces of print go through the library's own conversion to 8-bit RGB.
-void readConverted(const TiffFile &tiff, const Page &page, const Picture &picture) {
+void readConverted(const TiffFile &tiff, const Page &page, const Picture &picture, const Cancellation &cancellation) {
     char reason[1024] = "";
     TIFFRGBAImage converter;
     if (TIFFRGBAImageOK(tiff.get(), reason) == 0 || TIFFRGBAImageBegin(&converter, tiff.get(), 1, reason) == 0)
         throw MediaError(tiff.file, reading, 0, MediaReason::unsupported, reason);
     const std::unique_ptr<TIFFRGBAImage, void (*)(TIFFRGBAImage *)> owner(&converter, TIFFRGBAImageEnd);
     converter.req_orientation = converter.orientation; // rows as they lie in the file
-    const std::size_t count = static_cast<std::size_t>(page.width) * page.height;
-    const std::unique_ptr<std::uint32_t[]> raster(new (std::nothrow) std::uint32_t[count]);
+    const int rows = rowsAtOnce(tiff, page);
+    const std::unique_ptr<std::uint32_t[]> raster(new (std::nothrow)
+                                                      std::uint32_t[static_cast<std::size_t>(page.width) * rows]);
     if (!raster)
         throw MediaError(tiff.file, reading, 0, MediaReason::noMemory);
-    if (TIFFRGBAImageGet(&converter, raster.get(), static_cast<std::uint32_t>(page.width),
-                         static_cast<std::uint32_t>(page.height)) == 0)
-        tiff.fail(reading, MediaReason::damaged);
-    for (int y = 0; y < page.height; ++y) {
-        std::uint8_t *planes[3] = {planeRow<std::uint8_t>(picture, 0, y), planeRow<std::uint8_t>(picture, 1, y),
-                                   planeRow<std::uint8_t>(picture, 2, y)};
-        const std::uint32_t *row = raster.get() + static_cast<std::size_t>(y) * page.width;
-        for (int x = 0; x < page.width; ++x) {
-            planes[0][x] = static_cast<std::uint8_t>(TIFFGetR(row[x]));
-            planes[1][x] = static_cast<std::uint8_t>(TIFFGetG(row[x]));
-            planes[2][x] = static_cast<std::uint8_t>(TIFFGetB(row[x]));
-        }
+    for (int first = 0; first < page.height; first += rows) {
+        cancellation.check();
+        const int count = std::min(rows, page.height - first);
+        converter.row_offset = first;
+        if (TIFFRGBAImageGet(&converter, raster.get(), static_cast<std::uint32_t>(page.width),
+                             static_cast<std::uint32_t>(count)) == 0)
+            tiff.fail(reading, MediaReason::damaged);
+        for (int row = 0; row < count; ++row)
+            scatterPacked(raster.get() + static_cast<std::size_t>(row) * page.width, picture, first + row);
     }
 }
 
@@ -285,7 +302,7 @@ int tiffPageCount(const std::filesystem::path &file) {
     return std::max<int>(1, static_cast<int>(TIFFNumberOfDirectories(tiff.get())));
 }
 
-StillImage readTiff(const std::filesystem::path &file) {
+StillImage readTiff(const std::filesystem::path &file, const Cancellation &cancellation) {
     const TiffFile tiff(file, "r");
     const Page page = pageOf(tiff);
     const bool plain = isPlain(tiff, page);
@@ -298,11 +315,11 @@ StillImage readTiff(const std::filesystem::path &file) {
     if (plain) {
         RowTaker rows(page, image.picture, image.metadata.iccProfile);
         if (page.separate || TIFFIsTiled(tiff.get()))
-            readPieces(tiff, page, rows);
+            readPieces(tiff, page, rows, cancellation);
         else
-            readLines(tiff, page, rows);
+            readLines(tiff, page, rows, cancellation);
     } else {
-        readConverted(tiff, page, image.picture);
+        readConverted(tiff, page, image.picture, cancellation);
     }
     if (!suits(image.metadata.iccProfile, grey ? 1 : 3))
         image.metadata.iccProfile.clear();

@@ -67,11 +67,12 @@ void widen(std::uint16_t *samples, std::size_t count, int depth) {
         samples[i] = static_cast<std::uint16_t>((samples[i] << (16 - depth)) | (samples[i] >> (2 * depth - 16)));
 }
 
-void writeRows(const TiffFile &tiff, const Picture &picture) {
+void writeRows(const TiffFile &tiff, const Picture &picture, const Cancellation &cancellation) {
     const std::size_t count = static_cast<std::size_t>(picture.width) * picture.format.planeCount();
     std::vector<std::uint16_t> buffer(count);
     errno = 0;
     for (int y = 0; y < picture.height; ++y) {
+        cancellation.check();
         if (picture.format.depth == 8) {
             gatherRow(picture, y, reinterpret_cast<std::uint8_t *>(buffer.data()));
         } else {
@@ -85,7 +86,7 @@ void writeRows(const TiffFile &tiff, const Picture &picture) {
 
 } // namespace
 
-void writeTiff(const std::filesystem::path &file, const StillImage &image) {
+void writeTiff(const std::filesystem::path &file, const StillImage &image, const Cancellation &cancellation) {
     if (image.picture.format.model == ColourModel::yuv)
         throw MediaError(file, writing, 0, MediaReason::beyondFormat);
     const ExifBlock exif = ExifBlock::parse(image.metadata.exif);
@@ -94,7 +95,7 @@ void writeTiff(const std::filesystem::path &file, const StillImage &image) {
         TiffFile tiff(file, "wl");
         describe(tiff, image.picture);
         setMetadata(tiff, image.metadata, exif);
-        writeRows(tiff, image.picture);
+        writeRows(tiff, image.picture, cancellation);
         if (TIFFFlush(tiff.get()) == 0)
             throw writingError(tiff.file, tiff.message);
     }

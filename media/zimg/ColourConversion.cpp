@@ -78,7 +78,8 @@ int evenSize(int size, int shift) {
 
 } // namespace
 
-Picture convertColour(const Picture &picture, PictureFormat format, const ColourTags &colour) {
+Picture convertColour(const Picture &picture, PictureFormat format, const ColourTags &colour,
+                      const Cancellation &cancellation) {
     if (format.model == ColourModel::grey && picture.format.model != ColourModel::grey)
         throw std::logic_error("colour is not reduced to grey");
     PictureFormat from = picture.format;
@@ -90,6 +91,7 @@ Picture convertColour(const Picture &picture, PictureFormat format, const Colour
     };
     const int width = evenSize(picture.width, shift(&PictureFormat::chromaShiftX));
     const int height = evenSize(picture.height, shift(&PictureFormat::chromaShiftY));
+    cancellation.check();
     const Picture source = prepared(picture, from, width, height);
     Picture target = makePicture(width, height, format, colour);
     zimg_graph_builder_params parameters;
@@ -98,7 +100,8 @@ Picture convertColour(const Picture &picture, PictureFormat format, const Colour
     const zimg::Graph graph = zimg::buildGraph(formatOf(source), formatOf(target), parameters);
     zimg::AlignedBytes working;
     working.reserve(zimg::workingSize(graph));
-    zimg::process(graph, planesOf(source), stridesOf(source), planesOf(target), stridesOf(target), working);
+    zimg::process(graph, planesOf(source), stridesOf(source), planesOf(target), stridesOf(target), working,
+                  cancellation);
     return width == picture.width && height == picture.height ? target
                                                               : cropped(target, 0, 0, picture.width, picture.height);
 }

@@ -131,6 +131,9 @@ Plan makePlan(const Picture &picture, const Placement &placement, const Picture 
 struct Compositor::Filters {
     std::list<Plan> plans; ///< most recently used first
     zimg::Workspace workspace;
+    Cancellation cancellation;
+
+    explicit Filters(Cancellation given) : cancellation(std::move(given)) {}
 
     const Plan &planFor(const Picture &picture, const Placement &placement, const Picture &canvas) {
         const auto kept = std::find_if(plans.begin(), plans.end(), [&](const Plan &plan) {
@@ -155,14 +158,14 @@ struct Compositor::Filters {
         const PlaneView window =
             zimg::planeOf(picture, plan.sourcePlane).part(x.windowFirst, y.windowFirst, x.windowCount, y.windowCount);
         if (plan.filter)
-            return paint(plan.filter->run(window, workspace), plan.geometry, canvas);
+            return paint(plan.filter->run(window, workspace, cancellation), plan.geometry, canvas);
         const auto column = static_cast<int>(std::lround(x.regionBegin));
         const auto row = static_cast<int>(std::lround(y.regionBegin));
         paint(window.part(column, row, x.count, y.count), plan.geometry, canvas);
     }
 };
 
-Compositor::Compositor() : filters_(std::make_unique<Filters>()) {}
+Compositor::Compositor(Cancellation cancellation) : filters_(std::make_unique<Filters>(std::move(cancellation))) {}
 Compositor::~Compositor() = default;
 Compositor::Compositor(Compositor &&) noexcept = default;
 Compositor &Compositor::operator=(Compositor &&) noexcept = default;
@@ -176,8 +179,10 @@ void Compositor::place(const Picture &picture, const Placement &placement, Pictu
     if (picture.format.model != ColourModel::grey && picture.format.model != canvas.format.model)
         throw std::logic_error("pictures are placed on canvases of their own colour model");
     const Plan &plan = filters_->planFor(picture, placement, canvas);
-    for (int plane = 0; plane < canvas.format.planeCount(); ++plane)
+    for (int plane = 0; plane < canvas.format.planeCount(); ++plane) {
+        filters_->cancellation.check();
         filters_->paintPlane(plan.planes[static_cast<std::size_t>(plane)], picture, zimg::planeOf(canvas, plane));
+    }
 }
 
 } // namespace lumetwin::media

@@ -86,12 +86,12 @@ PlaneView PlaneFilter::prepared(const PlaneView &source, Workspace &workspace) c
     return copy;
 }
 
-PlaneView PlaneFilter::run(const PlaneView &source, Workspace &workspace) const {
+PlaneView PlaneFilter::run(const PlaneView &source, Workspace &workspace, const Cancellation &cancellation) const {
     const PlaneView input = prepared(source, workspace);
     const PlaneView output = workspace.output(width_, height_, depth_);
     workspace.graph.reserve(workingSize_);
     process(graph_, {input.data, nullptr, nullptr}, {input.stride, 0, 0}, {output.data, nullptr, nullptr},
-            {output.stride, 0, 0}, workspace.graph);
+            {output.stride, 0, 0}, workspace.graph, cancellation);
     return output;
 }
 

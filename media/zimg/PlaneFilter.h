@@ -60,7 +60,7 @@ public:
     explicit PlaneFilter(const Resampling &resampling, Table table = {});
 
     /// The result lies in the workspace.
-    PlaneView run(const PlaneView &source, Workspace &workspace) const;
+    PlaneView run(const PlaneView &source, Workspace &workspace, const Cancellation &cancellation = {}) const;
 
 private:
     PlaneView prepared(const PlaneView &source, Workspace &workspace) const;

@@ -14,6 +14,11 @@ namespace {
     throw std::runtime_error(std::string("pixel conversion: ") + words);
 }
 
+/// Called as rows are done; what is no 0 ends the work.
+int stops(void *user, unsigned, unsigned, unsigned) {
+    return static_cast<const Cancellation *>(user)->requested() ? 1 : 0;
+}
+
 } // namespace
 
 Graph buildGraph(const zimg_image_format &source, const zimg_image_format &target,
@@ -32,7 +37,7 @@ std::size_t workingSize(const Graph &graph) {
 }
 
 void process(const Graph &graph, const Planes &source, const Strides &sourceStrides, const Planes &target,
-             const Strides &targetStrides, const AlignedBytes &working) {
+             const Strides &targetStrides, const AlignedBytes &working, const Cancellation &cancellation) {
     zimg_image_buffer_const from{};
     zimg_image_buffer to{};
     from.version = to.version = ZIMG_API_VERSION;
@@ -40,9 +45,12 @@ void process(const Graph &graph, const Planes &source, const Strides &sourceStri
         from.plane[plane] = {source[plane], sourceStrides[plane], ZIMG_BUFFER_MAX};
         to.plane[plane] = {target[plane], targetStrides[plane], ZIMG_BUFFER_MAX};
     }
-    if (zimg_filter_graph_process(graph.get(), &from, &to, working.data(), nullptr, nullptr, nullptr, nullptr) !=
+    auto *user = const_cast<Cancellation *>(&cancellation);
+    if (zimg_filter_graph_process(graph.get(), &from, &to, working.data(), nullptr, nullptr, stops, user) ==
         ZIMG_ERROR_SUCCESS)
-        fail();
+        return;
+    cancellation.check();
+    fail();
 }
 
 } // namespace lumetwin::media::zimg

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/Cancellation.h"
+
 #include <zimg.h>
 
 #include <array>
@@ -47,8 +49,8 @@ std::size_t workingSize(const Graph &graph);
 using Planes = std::array<std::uint8_t *, 3>;
 using Strides = std::array<std::ptrdiff_t, 3>;
 
-/// Runs a graph over whole planes. Throws std::runtime_error.
+/// Runs a graph over whole planes. Throws std::runtime_error, and Cancelled after the rows that it is at.
 void process(const Graph &graph, const Planes &source, const Strides &sourceStrides, const Planes &target,
-             const Strides &targetStrides, const AlignedBytes &working);
+             const Strides &targetStrides, const AlignedBytes &working, const Cancellation &cancellation);
 
 } // namespace lumetwin::media::zimg
