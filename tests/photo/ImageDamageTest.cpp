@@ -66,7 +66,9 @@ TEST_F(ImageDamage, emptyFilesAreNoImages) {
     for (const char *name : {"a.jpg", "a.png", "a.tiff", "a.heic"}) {
         writeFile(file(name), Bytes());
         EXPECT_EQ(media::imageKind(file(name)), std::nullopt);
-        EXPECT_NE(failure(file(name)).find("not an image"), std::string::npos);
+        EXPECT_EQ(failure(file(name)), std::string("Cannot read ") + name + ": The file is empty");
+        writeFile(file(name), Bytes{1, 2, 3});
+        EXPECT_EQ(failure(file(name)), std::string("Cannot read ") + name + ": not an image of a known kind");
     }
 }
 

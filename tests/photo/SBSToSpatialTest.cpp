@@ -373,7 +373,8 @@ TEST_F(SBSToSpatial, unreadableSourcesCannotBeOpened) {
 
 TEST_F(SBSToSpatial, aMissingFolderIsAnErrorOfTheDestination) {
     writeWithMagick(drawn(80, 40), file("in.png"));
-    EXPECT_EQ(failure("in.png", "missing/out.heic"), "Could not create the output destination: out.heic");
+    EXPECT_EQ(failure("in.png", "missing/out.heic"),
+              "Could not create the output destination: out.heic (No such file or directory)");
 }
 
 TEST_F(SBSToSpatial, theInputSurvivesBeingTheOutput) {

@@ -304,7 +304,7 @@ TEST_F(SpatialToSBS, filesThatAreNoImagesCannotBeOpened) {
     Bytes bytes = readFile(file("in.heic"));
     bytes.resize(placeOfBox(bytes, "meta") + 100);
     writeFile(file("in.heic"), bytes);
-    EXPECT_EQ(failure(), "Could not open the file: in.heic (it ends early: a box reaches beyond the file)");
+    EXPECT_EQ(failure(), "Could not open the file: in.heic (it is damaged: a box's size is wrong)");
 }
 
 TEST_F(SpatialToSBS, codingsThatAreNotReadAreNamed) {
@@ -329,7 +329,7 @@ TEST_F(SpatialToSBS, eyesThatCannotBeDecodedAreAnError) {
     std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(data), bytes.end(), std::uint8_t{0xFF});
     writeFile(file("in.heic"), bytes);
     for (const char *output : {"out.png", "out.jpg"})
-        EXPECT_THAT(failure(output), StartsWith("Failed to retrieve left and right images. (it is damaged: "));
+        EXPECT_THAT(failure(output), StartsWith("Failed to retrieve left and right images. (it ends early: "));
     EXPECT_FALSE(std::filesystem::exists(file("out.jpg")));
 }
 
