@@ -4,6 +4,7 @@
 #include "engine/EyeExtraction.h"
 #include "engine/FileNames.h"
 #include "engine/MediaErrorTexts.h"
+#include "engine/PhotoNotes.h"
 #include "engine/ProcessorError.h"
 #include "engine/SpatialPhotoError.h"
 #include "engine/SpatialPhotoMetadata.h"
@@ -19,6 +20,8 @@ namespace lumetwin {
 namespace {
 
 using media::Cancellation;
+
+constexpr int spatialDepth = 8; ///< bits a sample of the photos that are written
 
 media::StillImage opened(const std::filesystem::path &input, const Cancellation &cancellation) {
     try {
@@ -109,14 +112,17 @@ void writePair(const ConversionSettings &settings, Eyes eyes, const media::Image
     }
 }
 
-void convert(const ConversionSettings &settings, const std::filesystem::path &input,
-             const std::filesystem::path &output, const Cancellation &cancellation) {
+/// Returns what is left behind.
+std::vector<Warning> convert(const ConversionSettings &settings, const std::filesystem::path &input,
+                             const std::filesystem::path &output, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
     media::StillImage source = opened(input, cancellation);
+    std::vector<Warning> notes = photoNotes(input, source.picture.format.depth, spatialDepth);
     const media::ImageMetadata metadata{{}, source.metadata.exif, source.metadata.xmp};
     Eyes eyes = renderedEyes(settings, std::move(source), input, cancellation);
     cancellation.check();
     writePair(settings, std::move(eyes), metadata, output, cancellation);
+    return notes;
 }
 
 } // namespace
@@ -125,8 +131,8 @@ Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const std::
                                  const std::filesystem::path &output, const ConversionControl &control) {
     const Cancellation cancellation([&control] { return control.cancelled(); });
     try {
-        convert(settings, input, std::filesystem::path(output).replace_extension("heic"), cancellation);
-        return Outcome::ofPhoto({});
+        return Outcome::ofPhoto(
+            convert(settings, input, std::filesystem::path(output).replace_extension("heic"), cancellation));
     } catch (const media::Cancelled &) {
         return {};
     }

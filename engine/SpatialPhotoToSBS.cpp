@@ -4,6 +4,7 @@
 #include "engine/FileNames.h"
 #include "engine/MediaErrorTexts.h"
 #include "engine/MediaKinds.h"
+#include "engine/PhotoNotes.h"
 #include "engine/ProcessorError.h"
 #include "engine/SBSGeometry.h"
 #include "engine/SpatialPhotoError.h"
@@ -36,6 +37,11 @@ ImageKind kindOf(const std::filesystem::path &output) {
     if (extension == "heic")
         return ImageKind::heif;
     return ImageKind::jpeg;
+}
+
+/// The most bits a sample that files of the kind hold.
+int depthOf(ImageKind kind) {
+    return kind == ImageKind::png || kind == ImageKind::tiff ? 16 : 8;
 }
 
 /// One eye of the pair. Throws SpatialPhotoError when it cannot be decoded.
@@ -163,8 +169,9 @@ Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::
     try {
         StillImage image = composedImage(settings, input, pair, kind, cancellation);
         cancellation.check();
+        std::vector<Warning> notes = photoNotes(input, image.picture.format.depth, depthOf(kind));
         writeSBSImage(settings, std::move(image), kind, output, cancellation);
-        return Outcome::ofPhoto({});
+        return Outcome::ofPhoto(std::move(notes));
     } catch (const media::Cancelled &) {
         return {};
     }

@@ -109,6 +109,8 @@ struct HeifFile {
     std::optional<std::size_t> primary;        ///< index of the primary image, where it is one of them
     std::vector<HeifStereoGroup> stereoGroups; ///< in the file's order
     bool hasMovie = false;                     ///< there is a film or an image sequence in it, too
+    bool hasGainMap = false;                   ///< one of its items makes an image brighter on HDR screens
+    bool hasDepthMap = false;                  ///< one of its auxiliary images holds distances or disparities
 
     /// The images of the first stereo group. A group that lacks one of them means the file's first two images. Nothing
     /// without a group, and for files of fewer than two images.

@@ -37,7 +37,7 @@ int main(int count, char **words) {
         const lumetwin::ConversionSettings settings;
         long early = 0;
         for (int round = 1; round <= rounds; ++round) {
-            convert(settings, words[2], words[3]);
+            convert(settings, words[2], words[3], {});
             if (round == 50)
                 early = residentKiB();
         }

@@ -20,6 +20,11 @@ constexpr std::array imageTypes{fourCC("hvc1"), fourCC("hev1"), fourCC("lhv1"), 
 // An image with another one that tells how to tone-map it: it stands for the first image that it is made of
 // (ISO/IEC 23008-12, amendment on tone map derivation).
 constexpr std::uint32_t toneMapped = fourCC("tmap");
+constexpr std::string_view gainMapKind = "urn:com:apple:photo:2020:aux:hdrgainmap";
+/// ISO/IEC 23008-12 (6.5.8 and annex B) names the first two; depth cameras write disparities under them, too.
+constexpr std::array<std::string_view, 3> depthKinds{"urn:mpeg:hevc:2015:auxid:2",
+                                                     "urn:mpeg:mpegB:cicp:systems:auxiliary:depth",
+                                                     "urn:com:apple:photo:2018:aux:disparity"};
 constexpr std::string_view xmpContentType = "application/rdf+xml";
 
 bool isImageType(std::uint32_t type) {
@@ -81,6 +86,7 @@ public:
         describe();
         attachMetadata();
         file_.hasMovie = meta_.hasMovie;
+        noteExtras();
         if (meta_.primaryItem)
             file_.primary = image(*meta_.primaryItem);
         for (const EntityGroup &group : meta_.groups)
@@ -109,6 +115,15 @@ private:
         for (std::size_t index = 0; index < meta_.items.size(); ++index)
             if (property<AuxiliaryImage>(meta_.items[index]))
                 excluded_[index] = true;
+    }
+
+    void noteExtras() {
+        for (const Item &item : meta_.items) {
+            const auto *auxiliary = property<AuxiliaryImage>(item);
+            const std::string_view kind = auxiliary ? std::string_view(auxiliary->kind) : std::string_view();
+            file_.hasGainMap = file_.hasGainMap || item.type == toneMapped || kind == gainMapKind;
+            file_.hasDepthMap = file_.hasDepthMap || std::ranges::find(depthKinds, kind) != depthKinds.end();
+        }
     }
 
     /// The item whose picture a tone-mapped item stands for, as an index; nothing where the file does not say.

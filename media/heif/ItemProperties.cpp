@@ -117,6 +117,18 @@ bool isOurs(const Uuid &uuid) {
     return uuid == intrinsicsUuid || uuid == extrinsicsUuid || uuid == disparityUuid;
 }
 
+/// ISO/IEC 23008-12, 6.5.8: version and flags, then text with a zero at its end. A damaged one is auxiliary all the
+/// same.
+AuxiliaryImage auxiliaryImage(const bmff::Source &source, const bmff::Box &box) {
+    constexpr std::uint64_t head = 4;
+    constexpr std::uint64_t longest = 256;
+    if (box.payloadSize() <= head)
+        return {};
+    std::string text(static_cast<std::size_t>(std::min(box.payloadSize() - head, longest)), '\0');
+    source.read(box.begin + head, {reinterpret_cast<std::uint8_t *>(text.data()), text.size()});
+    return {text.substr(0, text.find('\0'))};
+}
+
 } // namespace
 
 Property readProperty(const bmff::Source &source, const bmff::Box &box) {
@@ -142,7 +154,7 @@ Property readProperty(const bmff::Source &source, const bmff::Box &box) {
     case fourCC("cmex"):
         return with(position);
     case fourCC("auxC"):
-        return AuxiliaryImage{};
+        return auxiliaryImage(source, box);
     case fourCC("uuid"):
         return isOurs(box.uuid) ? with([&](Fields fields) { return uuidProperty(box, fields); }) : Property{};
     default:

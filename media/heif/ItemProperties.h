@@ -38,7 +38,9 @@ struct CameraPosition {
 struct DisparityAdjustment {
     std::int32_t value = 0;
 };
-struct AuxiliaryImage {};
+struct AuxiliaryImage {
+    std::string kind; ///< a URN; at most so many characters as say what it is
+};
 
 /// An item property that means something here; the first alternative is any other one.
 using Property = std::variant<std::monostate, ImageSize, BitDepths, HeifColour, ColourProfile, HeifTransform,

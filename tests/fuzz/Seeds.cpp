@@ -99,6 +99,23 @@ Bytes xmpPacket() {
                    "</tiff:ImageWidth><xmp:Thumbnails><rdf:Alt/></xmp:Thumbnails></rdf:Description></x:xmpmeta>");
 }
 
+/// A JPEG file's segments: XMP, and a multi-picture index that names a second image with a gain map.
+Bytes jpegWithExtras() {
+    const auto segment = [](std::uint8_t marker, const Bytes &content) {
+        return joined({u8(0xFF), u8(marker), u16(static_cast<int>(content.size() + 2)), content});
+    };
+    const Bytes head = joined({u8(0xFF), u8(0xD8)});
+    const Bytes end = joined({u8(0xFF), u8(0xD9)});
+    const Bytes packet = joined({letters("http://ns.adobe.com/xap/1.0/"), u8(0), letters("<GCamera:MotionPhoto>1</")});
+    const Bytes xmp = segment(0xE1, packet);
+    constexpr std::uint32_t indexSize = 8 + 2 + 12 + 4 + 32;
+    const Bytes entries = joined({Bytes(16, 0), u32(0), u32(0), u32(indexSize + 2), u32(0)});
+    const Bytes index =
+        joined({letters("MM"), u16(42), u32(8), u16(1), u16(0xB002), u16(7), u32(32), u32(26), u32(0), entries});
+    const Bytes second = segment(0xE2, joined({letters("urn:iso:std:iso:ts:21496:-1"), u8(0)}));
+    return joined({head, xmp, segment(0xE2, joined({letters("MPF"), u8(0), index})), end, head, second, end});
+}
+
 void write(const std::filesystem::path &folder, const std::vector<Bytes> &files) {
     std::filesystem::create_directories(folder);
     int number = 0;
@@ -117,6 +134,7 @@ int main(int count, char **arguments) {
     const std::filesystem::path folder = arguments[1];
     write(folder / "movie_facts", movies());
     write(folder / "heif_file", {stereoGrids().file(), describedPair().file(), wideTables()});
+    write(folder / "jpeg_extras", {jpegWithExtras()});
     write(folder / "exif", {exifBlock(), xmpPacket()});
     return 0;
 }

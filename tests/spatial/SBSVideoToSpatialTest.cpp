@@ -247,9 +247,8 @@ TEST(SBSVideoToSpatial, dropsTheGapsOfAVariableRate) {
     clip.video = {"-c:v", "libx264", "-qp", "6", "-fps_mode", "vfr"};
     toSpatial({}, draw(folder / "in.mp4", clip), folder / "out.mov");
     const auto times = timesOf(folder / "out.mov");
-    ASSERT_EQ(times.size(), 9U);
-    for (std::size_t index = 0; index < times.size(); ++index)
-        EXPECT_EQ(times[index], static_cast<std::int64_t>(index) * times[1]);
+    // Nine frames that are shown for 31/30 s: 600 × 31 / 270, truncated.
+    EXPECT_THAT(times, ElementsAre(0, 68, 136, 204, 272, 340, 408, 476, 544));
     expectViews(folder / "out.mov", 192, 96);
 }
 
@@ -261,11 +260,9 @@ TEST(SBSVideoToSpatial, takesASourceWithoutARateAsThirtyFrames) {
     clip.video = {"-c:v", "libx265", "-x265-params", "log-level=none:vui-timing-info=0", "-f", "hevc"};
     draw(folder / "in.hevc", clip);
     const auto run = toSpatial({}, folder / "in.hevc", folder / "out.mov");
-    const auto times = timesOf(folder / "out.mov");
-    ASSERT_EQ(times.size(), 3U);
+    EXPECT_THAT(timesOf(folder / "out.mov"), ElementsAre(0, 20, 40));
     expectViews(folder / "out.mov", 192, 96);
-    for (const Progress &progress : run.progress)
-        EXPECT_GE(progress.second, 0);
+    EXPECT_THAT(run.progress, ElementsAre(Progress{0, 0})) << "the total is unknown";
 }
 
 TEST(SBSVideoToSpatial, writesClipsOfEveryLength) {

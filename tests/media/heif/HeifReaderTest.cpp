@@ -107,6 +107,56 @@ TEST(HeifReader, seesThroughToneMapsAndAlternatives) {
     EXPECT_EQ(read(heif).stereoEyes()->left, 1u);
 }
 
+TEST(HeifReader, knowsGainMapsAndDepthMaps) {
+    const auto withAuxiliary = [](std::string_view kind) {
+        HeifBuilder heif;
+        heif.item(1).item(2).refer("auxl", 2, {1});
+        heif.associate(2, {heif.property(fullBox("auxC", joined({letters(kind), u8(0), u8(7)})))});
+        return read(heif);
+    };
+    EXPECT_TRUE(withAuxiliary("urn:com:apple:photo:2020:aux:hdrgainmap").hasGainMap);
+    EXPECT_FALSE(withAuxiliary("urn:com:apple:photo:2020:aux:hdrgainmap").hasDepthMap);
+    EXPECT_TRUE(withAuxiliary("urn:mpeg:hevc:2015:auxid:2").hasDepthMap);
+    EXPECT_TRUE(withAuxiliary("urn:mpeg:mpegB:cicp:systems:auxiliary:depth").hasDepthMap);
+    for (const char *kind : {"urn:mpeg:hevc:2015:auxid:1", "urn:com:apple:photo:2018:aux:portraiteffectsmatte", ""}) {
+        EXPECT_FALSE(withAuxiliary(kind).hasDepthMap) << kind;
+        EXPECT_FALSE(withAuxiliary(kind).hasGainMap) << kind;
+    }
+    HeifBuilder toneMapped;
+    toneMapped.item(1).item(2).item(3, "tmap").refer("dimg", 3, {1, 2});
+    EXPECT_TRUE(read(toneMapped).hasGainMap);
+    EXPECT_FALSE(read(test::stereoGrids()).hasGainMap);
+}
+
+TEST(HeifReader, knowsFilmsBeforeAndBehindTheImages) {
+    const Bytes photo = test::stereoGrids().file();
+    EXPECT_FALSE(read(photo).hasMovie);
+    EXPECT_TRUE(read(joined({photo, test::box("moov", Bytes(8, 0))})).hasMovie);
+    EXPECT_TRUE(read(joined({photo, test::box("mpvd", Bytes(8, 0))})).hasMovie);
+    EXPECT_FALSE(read(joined({photo, Bytes{0, 0, 0, 200, 'm', 'o'}})).hasMovie) << "damage behind harms no image";
+    const auto meta = fullBox("meta", test::joinedAll(test::stereoGrids().children()));
+    EXPECT_TRUE(read(joined({HeifBuilder::type(), test::box("moov", Bytes(8, 0)), meta})).hasMovie);
+    try {
+        read(joined({HeifBuilder::type(), test::box("moov", Bytes(8, 0))}));
+        FAIL() << "there is no image in it";
+    } catch (const bmff::FormatError &error) {
+        EXPECT_EQ(error.reason(), MediaReason::imageSequence);
+    }
+}
+
+TEST(HeifReader, knowsCodingsAndEncryptedItems) {
+    HeifBuilder heif;
+    heif.item(1, "av01").item(2, "grid").refer("dimg", 2, {3}).item(3, "avc1").item(4);
+    heif.items.push_back(fullBox("infe", joined({u16(5), u16(1), letters("hvc1"), u8(0)}), 2u << 24));
+    const HeifFile file = read(heif);
+    ASSERT_THAT(itemsOf(file), ElementsAre(1, 2, 4, 5));
+    EXPECT_EQ(file.images[0].coding, bmff::fourCC("av01"));
+    EXPECT_EQ(file.images[1].coding, bmff::fourCC("avc1"));
+    EXPECT_EQ(file.images[2].coding, bmff::fourCC("hvc1"));
+    EXPECT_FALSE(file.images[2].encrypted);
+    EXPECT_TRUE(file.images[3].encrypted);
+}
+
 TEST(HeifReader, ignoresOtherGroups) {
     HeifBuilder heif;
     heif.item(1).item(2).group("eqiv", 5, {1, 2}).group("pymd", 6, {1, 2});
