@@ -2,7 +2,6 @@
 #include "ui/DroppedFiles.h"
 
 #include "engine/InputList.h"
-#include "engine/MediaKinds.h"
 
 #include <QMimeData>
 #include <QUrl>
@@ -24,11 +23,12 @@ bool isFolder(const fs::path &path) {
     return fs::is_directory(path, ignored);
 }
 
-std::vector<fs::path> mediaOf(const fs::path &item) {
+/// The item itself, or what a folder holds.
+std::vector<fs::path> filesOf(const fs::path &item) {
     if (!isFolder(item))
-        return mediaFiles({item});
+        return {item};
     try {
-        return mediaFiles(visibleChildren(item));
+        return visibleChildren(item);
     } catch (const fs::filesystem_error &) {
         return {};
     }
@@ -56,11 +56,13 @@ fs::path localPath(const QByteArray &url) {
 } // namespace
 
 std::vector<fs::path> mediaAmong(const std::vector<fs::path> &items) {
-    std::vector<fs::path> media;
+    std::vector<fs::path> files;
     for (const fs::path &item : items)
-        for (fs::path &file : mediaOf(item))
-            media.push_back(std::move(file));
-    sortByName(media);
+        for (fs::path &file : filesOf(item))
+            files.push_back(std::move(file));
+    std::vector<fs::path> media;
+    for (ListedFile &listed : mediaFiles(files))
+        media.push_back(std::move(listed.file));
     return media;
 }
 
