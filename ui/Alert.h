@@ -12,10 +12,12 @@ enum class AlertStyle { informational, warning };
 struct Alert {
     std::string message;
     std::string informative = {};
-    std::vector<std::string> buttons = {}; ///< the first is the default one; none: the platform's single button
+    std::vector<std::string> buttons = {}; ///< none: the platform's single button
     std::string sideButton = {};           ///< a further button that answers nothing, but does something
     AlertStyle style = AlertStyle::warning;
-    std::string details = {}; ///< shown on demand
+    std::string details = {};     ///< shown on demand
+    int defaultButton = 0;        ///< pressed by Enter: never one that replaces, stops or loses something
+    std::string detailsName = {}; ///< of the details, for screen readers
 };
 
 } // namespace lumetwin

@@ -14,6 +14,9 @@ class AlertBox : public QMessageBox {
 public:
     AlertBox(const Alert &alert, QWidget *parent);
 
+    /// Takes no click and no key for a moment: one that comes now was meant for what has just gone from here.
+    void holdBack();
+
 signals:
     /// Once: the position of the pressed button, or AlertPresenter::dismissed.
     void answered(int button);
@@ -23,9 +26,11 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    void addDetails(const std::string &details);
+    void addDetails(const Alert &alert);
     void addButtons(const Alert &alert);
     void dismiss();
+
+    bool held_ = false;
 };
 
 } // namespace lumetwin

@@ -3,7 +3,10 @@
 
 #include "ui/Alert.h"
 
+#include <QElapsedTimer>
+
 #include <functional>
+#include <memory>
 
 class QWidget;
 
@@ -29,6 +32,10 @@ public:
 class MessageBoxPresenter : public AlertPresenter {
 public:
     void present(const Alert &alert, QWidget *parent, std::function<void(int button)> answered) override;
+
+private:
+    /// Since an alert went unanswered with its parent. Shared with the alerts, which may outlive this.
+    std::shared_ptr<QElapsedTimer> sinceWithdrawal_ = std::make_shared<QElapsedTimer>();
 };
 
 } // namespace lumetwin

@@ -54,6 +54,70 @@ TEST_F(AlertBoxes, TheFirstButtonIsTheDefaultOne) {
     EXPECT_EQ(answers, std::vector{0});
 }
 
+TEST_F(AlertBoxes, EnterPressesTheSafeButtonWhereTheFirstOneIsNot) {
+    Alert dangerous = question;
+    dangerous.defaultButton = 1;
+    AlertBox &box = present(dangerous);
+    EXPECT_EQ(box.defaultButton()->text(), QStringLiteral("Second"));
+    QTest::keyClick(&box, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(answers, std::vector{1});
+}
+
+TEST_F(AlertBoxes, EnterPressesTheButtonThatHasTheFocus) {
+    AlertBox &box = present({.message = "Message", .buttons = {"First", "Second"}, .sideButton = "Show"});
+    for (QAbstractButton *button : box.buttons())
+        if (button->text() == QLatin1String("Show")) {
+            button->setFocus();
+            QTest::keyClick(button, Qt::Key_Return);
+            break;
+        }
+    settle();
+    EXPECT_EQ(answers, std::vector{AlertPresenter::sideButton});
+}
+
+TEST_F(AlertBoxes, AClickMeantForAQuestionThatIsGoneHitsNothing) {
+    auto *asking = new QWidget(&window);
+    MessageBoxPresenter presenter;
+    presenter.present(question, asking, [](int) { FAIL() << "nobody answered"; });
+    settle();
+    delete asking; // the run has ended
+    presenter.present({.message = "Done", .buttons = {"Close"}}, &window,
+                      [this](int button) { answers.push_back(button); });
+    settle();
+    auto *box = window.findChild<AlertBox *>();
+    ASSERT_TRUE(box);
+    QAbstractButton *button = box->buttons().constFirst();
+    EXPECT_FALSE(button->isEnabled());
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::keyClick(box, Qt::Key_Return);
+    QTest::keyClick(box, Qt::Key_Escape);
+    settle();
+    EXPECT_TRUE(answers.empty());
+    ASSERT_TRUE(until([button] { return button->isEnabled(); }));
+    EXPECT_TRUE(box->isVisible());
+    QTest::mouseClick(button, Qt::LeftButton);
+    settle();
+    EXPECT_EQ(answers, std::vector{0});
+}
+
+TEST_F(AlertBoxes, WithoutSuchAQuestionTheyAnswerAtOnce) {
+    MessageBoxPresenter presenter;
+    presenter.present(question, &window, [](int) {});
+    settle();
+    for (const QAbstractButton *button : window.findChild<AlertBox *>()->buttons())
+        EXPECT_TRUE(button->isEnabled());
+}
+
+TEST_F(AlertBoxes, EachOfFourButtonsTellsItsPosition) {
+    for (const auto &[title, position] : {std::pair{"Replace", 0}, {"Cancel", 1}, {"Keep", 2}, {"Skip", 3}}) {
+        answers.clear();
+        press(present({"Message", "More", {"Replace", "Cancel", "Keep", "Skip"}}), title);
+        settle();
+        EXPECT_EQ(answers, std::vector{position});
+    }
+}
+
 TEST_F(AlertBoxes, EscapeAndClosingPressNoButton) {
     QTest::keyClick(&present(question), Qt::Key_Escape);
     settle();
