@@ -19,38 +19,53 @@ constexpr char portalPath[] = "/org/freedesktop/portal/desktop";
 constexpr char settingsInterface[] = "org.freedesktop.portal.Settings";
 constexpr char appearance[] = "org.freedesktop.appearance";
 constexpr char colourScheme[] = "color-scheme";
+constexpr char contrastKey[] = "contrast";
 constexpr uint preferDark = 1; // org.freedesktop.appearance: 0 no preference, 1 dark, 2 light
+constexpr uint preferMore = 1; // 0 no preference, 1 higher contrast
 
 /// Read wraps the value in a variant of its own.
-uint schemeOf(QVariant value) {
+uint numberOf(QVariant value) {
     while (value.canConvert<QDBusVariant>())
         value = qvariant_cast<QDBusVariant>(value).variant();
     return value.toUInt();
 }
 
-void apply(uint scheme) {
-    const bool wantsDark = scheme == preferDark;
-    if (wantsDark != isDark(QApplication::palette()))
-        QApplication::setPalette(wantsDark ? darkPalette() : QApplication::style()->standardPalette());
-}
-
+/// What the desktop's user prefers, told by the portal one by one.
 class SchemeFollower : public QObject {
     Q_OBJECT
 
 public:
     using QObject::QObject;
 
+    void take(const QString &key, uint value) {
+        if (key == QLatin1String(colourScheme))
+            dark_ = value == preferDark;
+        else if (key == QLatin1String(contrastKey))
+            moreContrast_ = value == preferMore;
+        else
+            return;
+        const QPalette now = QApplication::palette();
+        if (dark_ != isDark(now) || moreContrast_ != isHighContrast(now))
+            QApplication::setPalette(moreContrast_ ? highContrastPalette(dark_)
+                                     : dark_       ? darkPalette()
+                                                   : QApplication::style()->standardPalette());
+    }
+
 public slots:
     void settingChanged(const QString &group, const QString &key, const QDBusVariant &value) {
-        if (group == QLatin1String(appearance) && key == QLatin1String(colourScheme))
-            apply(schemeOf(value.variant()));
+        if (group == QLatin1String(appearance))
+            take(key, numberOf(value.variant()));
     }
+
+private:
+    bool dark_ = false;
+    bool moreContrast_ = false;
 };
 
 } // namespace
 
 QPalette darkPalette() {
-    const QColor ground(43, 45, 48), field(30, 31, 34), text(223, 225, 229), faint(128, 130, 134), accent(53, 132, 228);
+    const QColor ground(43, 45, 48), field(30, 31, 34), text(223, 225, 229), faint(150, 152, 156), accent(53, 132, 228);
     QPalette palette(text, ground, ground.lighter(150), ground.darker(180), ground.lighter(120), text, Qt::white, field,
                      ground);
     palette.setColor(QPalette::Button, QColor(60, 63, 67));
@@ -66,12 +81,30 @@ QPalette darkPalette() {
     return palette;
 }
 
+QPalette highContrastPalette(bool dark) {
+    const QColor ground = dark ? Qt::black : Qt::white, ink = dark ? Qt::white : Qt::black;
+    const QColor chosen = dark ? QColor(255, 255, 0) : QColor(0, 0, 128);
+    QPalette palette(ink, ground, ink, ink, ink, ink, ink, ground, ground);
+    palette.setColor(QPalette::Button, ground);
+    for (const QPalette::ColorRole role : {QPalette::AlternateBase, QPalette::ToolTipBase})
+        palette.setColor(role, ground);
+    for (const QPalette::ColorRole role : {QPalette::ToolTipText, QPalette::PlaceholderText})
+        palette.setColor(role, ink);
+    palette.setColor(QPalette::Highlight, chosen);
+    palette.setColor(QPalette::HighlightedText, ground);
+    palette.setColor(QPalette::Link, chosen);
+    const QColor faint = dark ? QColor(170, 170, 170) : QColor(90, 90, 90);
+    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, faint);
+    return palette;
+}
+
 void followUserAppearance() {
     // The desktop's own theme is left alone; Fusion is what there is without one.
     if (QApplication::style()->name() != QLatin1String("fusion"))
         return;
     QApplication::setStyle(new ScaledStyle);
-    if (isDark(QApplication::palette()))
+    if (isDark(QApplication::palette()) || isHighContrast(QApplication::palette()))
         return;
     auto *follower = new SchemeFollower(qApp);
     QDBusConnection bus = sessionBus();
@@ -79,11 +112,12 @@ void followUserAppearance() {
         return;
     bus.connect(QLatin1String(portal), QLatin1String(portalPath), QLatin1String(settingsInterface),
                 QStringLiteral("SettingChanged"), follower, SLOT(settingChanged(QString, QString, QDBusVariant)));
-    call(bus, {portal, portalPath, settingsInterface}, "Read", {QLatin1String(appearance), QLatin1String(colourScheme)},
-         [](const QDBusMessage &answer) {
-             if (answer.type() == QDBusMessage::ReplyMessage)
-                 apply(schemeOf(answer.arguments().value(0)));
-         });
+    for (const char *key : {colourScheme, contrastKey})
+        call(bus, {portal, portalPath, settingsInterface}, "Read", {QLatin1String(appearance), QLatin1String(key)},
+             [follower, key](const QDBusMessage &answer) {
+                 if (answer.type() == QDBusMessage::ReplyMessage)
+                     follower->take(QLatin1String(key), numberOf(answer.arguments().value(0)));
+             });
 }
 
 } // namespace lumetwin

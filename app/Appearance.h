@@ -8,7 +8,10 @@ namespace lumetwin {
 /// A dark palette for desktops that ask for one and have no theme for our toolkit.
 QPalette darkPalette();
 
-/// Follows the desktop's preference for light or dark where the toolkit's own theme does not.
+/// Two colours and one for what is chosen, for desktops that ask for more contrast.
+QPalette highContrastPalette(bool dark);
+
+/// Follows the desktop's preferences for light or dark and for contrast where the toolkit's own theme does not.
 void followUserAppearance();
 
 } // namespace lumetwin

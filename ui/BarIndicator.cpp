@@ -62,7 +62,8 @@ void BarIndicator::paintEvent(QPaintEvent *) {
     const QRectF bar = QRectF(rect());
     QPainterPath track;
     track.addRoundedRect(bar, bar.height() / 2, bar.height() / 2);
-    painter.fillPath(track, white(1, 0.14));
+    const bool plain = isHighContrast(palette());
+    painter.fillPath(track, plain ? palette().color(QPalette::Window) : white(1, 0.14));
     QRectF filled = bar;
     if (indeterminate_) {
         const double phase = std::fmod(static_cast<double>(sinceStart_.elapsed()), 2 * sweep) / sweep;
@@ -75,7 +76,9 @@ void BarIndicator::paintEvent(QPaintEvent *) {
     painter.setClipPath(track);
     QPainterPath part;
     part.addRoundedRect(filled, bar.height() / 2, bar.height() / 2);
-    painter.fillPath(part, fill_);
+    painter.fillPath(part, plain ? palette().color(QPalette::Highlight) : fill_);
+    if (plain)
+        painter.strokePath(track, QPen(palette().color(QPalette::WindowText), 2));
 }
 
 } // namespace lumetwin

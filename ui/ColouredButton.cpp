@@ -50,12 +50,14 @@ void ColouredButton::paintEvent(QPaintEvent *) {
     const PointScale scale = PointScale::current();
     const double radius = cornerRadius_ * scale.y;
     QColor ground = colour();
+    const QColor ink = colour_ ? QColor(Qt::white) : onAccentColour(palette());
+    // Darker, never lighter: the title stays readable.
     if (!isEnabled())
         ground.setAlphaF(0.45F);
     else if (isDown())
         ground = ground.darker(125);
     else if (underMouse())
-        ground = ground.lighter(112);
+        ground = ground.darker(110);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
@@ -63,10 +65,12 @@ void ColouredButton::paintEvent(QPaintEvent *) {
     painter.drawRoundedRect(rect(), radius, radius);
     if (hasFocus()) {
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(Qt::white, 2));
+        painter.setPen(QPen(ink, 2));
         painter.drawRoundedRect(QRectF(rect()).adjusted(3, 3, -3, -3), qMax(1.0, radius - 3), qMax(1.0, radius - 3));
     }
-    painter.setPen(isEnabled() ? QColor(Qt::white) : lumetwin::white(1, 0.7));
+    QColor faded = ink;
+    faded.setAlphaF(0.7F);
+    painter.setPen(isEnabled() ? ink : faded);
     paintTitle(painter);
 }
 

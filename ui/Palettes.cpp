@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/Palettes.h"
 
+#include <QApplication>
 #include <QWidget>
 
 #include <algorithm>
@@ -10,7 +11,8 @@ namespace lumetwin {
 
 namespace {
 
-constexpr double readable = 4.5; // WCAG 2.1, success criterion 1.4.3
+constexpr double readable = 4.5;      // WCAG 2.1, success criterion 1.4.3
+constexpr double highContrast = 19.5; // of 21; the usual palettes stay below
 
 double linear(double component) {
     return component <= 0.04045 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
@@ -54,11 +56,24 @@ bool isDark(const QPalette &palette) {
     return palette.color(QPalette::Window).lightnessF() < palette.color(QPalette::WindowText).lightnessF();
 }
 
+bool isHighContrast(const QPalette &palette) {
+    return contrast(palette.color(QPalette::Active, QPalette::Window),
+                    palette.color(QPalette::Active, QPalette::WindowText)) >= highContrast;
+}
+
 QColor accentColour(const QPalette &palette) {
+    if (isHighContrast(palette))
+        return palette.color(QPalette::Active, QPalette::Highlight);
     return readableOn(Qt::white, palette.color(QPalette::Active, QPalette::Highlight));
 }
 
+QColor onAccentColour(const QPalette &palette) {
+    return isHighContrast(palette) ? palette.color(QPalette::Active, QPalette::HighlightedText) : QColor(Qt::white);
+}
+
 QColor sectionColour(const QPalette &palette) {
+    if (isHighContrast(palette))
+        return palette.color(QPalette::Window);
     return isDark(palette) ? mixed(palette.color(QPalette::Window), Qt::white, 0.07) : palette.color(QPalette::Base);
 }
 
@@ -67,15 +82,32 @@ QColor accentTextColour(const QPalette &palette) {
 }
 
 QColor secondaryTextColour(const QPalette &palette) {
+    if (isHighContrast(palette))
+        return palette.color(QPalette::WindowText);
     const QColor background = sectionColour(palette);
     return readableOn(background, mixed(palette.color(QPalette::WindowText), background, 0.4));
 }
 
+QColor bandColour(const QPalette &palette) {
+    constexpr double opacity = 0.15;
+    const QColor ground = palette.color(QPalette::Active, QPalette::Window);
+    return isHighContrast(palette) ? ground
+                                   : mixed(ground, palette.color(QPalette::Active, QPalette::Highlight), opacity);
+}
+
+QColor bandTextColour(const QPalette &palette) {
+    return readableOn(bandColour(palette), secondaryTextColour(palette));
+}
+
 QColor separatorColour(const QPalette &palette) {
+    if (isHighContrast(palette))
+        return palette.color(QPalette::WindowText);
     return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), isDark(palette) ? 0.22 : 0.18);
 }
 
 QColor indicatorEdgeColour(const QPalette &palette) {
+    if (isHighContrast(palette))
+        return palette.color(QPalette::WindowText);
     return mixed(sectionColour(palette), palette.color(QPalette::WindowText), 0.5);
 }
 
@@ -83,9 +115,16 @@ QColor warningColour(const QPalette &palette) {
     return readableOn(sectionColour(palette), colour(1, 0.58, 0));
 }
 
+QColor errorColour(const QPalette &palette) {
+    return readableOn(sectionColour(palette), colour(0.85, 0.15, 0.15));
+}
+
 void setTextColour(QWidget *widget, const QColor &colour) {
+    const QPalette usual = QApplication::palette();
     QColor faded = colour;
     faded.setAlphaF(colour.alphaF() / 2);
+    if (colour == usual.color(QPalette::Active, QPalette::WindowText))
+        faded = usual.color(QPalette::Disabled, QPalette::WindowText);
     QPalette palette = widget->palette();
     palette.setColor(QPalette::WindowText, colour);
     palette.setColor(QPalette::Disabled, QPalette::WindowText, faded);
