@@ -5,6 +5,7 @@
 #include "app/HelpPages.h"
 #include "app/MainMenu.h"
 #include "app/MainWindowController.h"
+#include "engine/Texts.h"
 #include "ui/BackgroundThreads.h"
 #include "ui/MainThreadQueue.h"
 
@@ -43,11 +44,16 @@ void AppDelegate::showAbout() {
 }
 
 void AppDelegate::openHelpJA() {
-    openHelpPage(helpPathJA);
+    openHelp(helpPathJA);
 }
 
 void AppDelegate::openHelpEN() {
-    openHelpPage(helpPathEN);
+    openHelp(helpPathEN);
+}
+
+void AppDelegate::openHelp(const char *path) {
+    if (!openHelpPage(path))
+        mainWindowController->tell({text("alert.help.title"), text("alert.help.message")});
 }
 
 void AppDelegate::terminate() {

@@ -36,6 +36,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void openHelp(const char *path);
+
     std::unique_ptr<MainWindowController> mainWindowController;
 };
 

@@ -18,13 +18,17 @@ std::string preferredTextLocale(const QStringList &uiLanguages) {
     return "en";
 }
 
-void followUserLanguage() {
-    setTextLocale(preferredTextLocale(QLocale::system().uiLanguages()));
+void translateToolkit() {
     const QString language = QString::fromStdString(std::string(textLanguage()));
     auto *translator = new QTranslator(qApp);
     if (translator->load(QLocale(language), QStringLiteral("qtbase"), QStringLiteral("_"),
                          QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(translator);
+}
+
+void followUserLanguage() {
+    setTextLocale(preferredTextLocale(QLocale::system().uiLanguages()));
+    translateToolkit();
 }
 
 } // namespace lumetwin

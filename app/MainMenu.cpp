@@ -7,6 +7,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 
 namespace lumetwin {
 
@@ -22,12 +23,16 @@ QAction *addItem(QMenu &menu, const char *key, AppDelegate &delegate, void (AppD
 } // namespace
 
 void installMainMenu(QMainWindow &window, AppDelegate &delegate) {
-    QMenu &menu = *window.menuBar()->addMenu(QStringLiteral("Lumetwin"));
+    QMenuBar *bar = window.menuBar();
+    QMenu &menu = *bar->addMenu(QStringLiteral("&Lumetwin"));
+    auto *open = new QShortcut(Qt::Key_F10, &window);
+    QObject::connect(open, &QShortcut::activated, bar, [bar, &menu] { bar->setActiveAction(menu.menuAction()); });
     addItem(menu, "menu.about", delegate, &AppDelegate::showAbout)->setMenuRole(QAction::AboutRole);
     menu.addSeparator();
     QMenu &help = *menu.addMenu(toQString(text("menu.help.web")));
-    addItem(help, "menu.help.japanese", delegate, &AppDelegate::openHelpJA);
-    addItem(help, "menu.help.english", delegate, &AppDelegate::openHelpEN);
+    QAction *japanese = addItem(help, "menu.help.japanese", delegate, &AppDelegate::openHelpJA);
+    QAction *english = addItem(help, "menu.help.english", delegate, &AppDelegate::openHelpEN);
+    (textLanguage() == "ja" ? japanese : english)->setShortcut(QKeySequence::HelpContents);
     menu.addSeparator();
     QAction *quit = addItem(menu, "menu.quit", delegate, &AppDelegate::terminate);
     quit->setShortcut(Qt::CTRL | Qt::Key_Q);

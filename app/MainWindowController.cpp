@@ -87,8 +87,9 @@ bool MainWindowController::windowShouldClose() {
     if (question_)
         return false;
     question_ = new QWidget(window_.get());
-    const Alert question{
+    Alert question{
         text("alert.quit.title"), text("alert.quit.message"), {text("button.stop.quit"), text("button.continue")}};
+    question.defaultButton = 1;
     services_.alerts->present(question, question_, [this](int button) {
         delete question_;
         if (button != 0)
@@ -101,11 +102,19 @@ bool MainWindowController::windowShouldClose() {
 }
 
 void MainWindowController::closeWindow() {
+    // Closing one dialog may delete others.
+    QList<QPointer<QDialog>> dialogs;
     if (!form_->isConverting())
         for (QDialog *dialog : window_->findChildren<QDialog *>())
-            if (dialog->isVisible())
-                dialog->close();
+            dialogs << dialog;
+    for (const QPointer<QDialog> &dialog : dialogs)
+        if (dialog && dialog->isVisible())
+            dialog->close();
     window_->close();
+}
+
+void MainWindowController::tell(const Alert &alert) {
+    services_.alerts->present(alert, window_.get(), [](int) {});
 }
 
 void MainWindowController::openInput(const QStringList &arguments) {

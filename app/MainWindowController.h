@@ -43,6 +43,8 @@ public:
     void showWindow();
     /// Closes the window and the alerts on it; asks first while a batch runs.
     void closeWindow();
+    /// Shows an alert that asks nothing.
+    void tell(const Alert &alert);
     /// Files, folders or file URLs, taken as if they had been dropped on the input.
     void openInput(const QStringList &arguments);
 

@@ -32,23 +32,31 @@ constexpr double lineWidth = 1.5;
 struct Look {
     QColor background;
     QColor border;
+    QColor text;
 };
 
-const Look highlightedLook{colour(0.1, 0.25, 0.5), colour(0.3, 0.6, 1.0)};
-const Look contentLook{colour(0.08, 0.18, 0.1), colour(0.2, 0.6, 0.3, 0.8)};
-const Look emptyLook{colour(0.1, 0.11, 0.15), colour(0.25, 0.3, 0.45, 0.8)};
+const Look highlightedLook{colour(0.1, 0.25, 0.5), colour(0.3, 0.6, 1.0), white(0.95)};
+const Look refusedLook{colour(0.24, 0.09, 0.09), colour(0.9, 0.4, 0.35), colour(1.0, 0.78, 0.74)};
+const Look contentLook{colour(0.08, 0.18, 0.1), colour(0.2, 0.6, 0.3, 0.8), colour(0.4, 0.8, 0.4)};
+const Look emptyLook{colour(0.1, 0.11, 0.15), colour(0.25, 0.3, 0.45, 0.8), white(0.62)};
 const QColor dashes = colour(0.3, 0.35, 0.5, 0.8);
-const QColor placeholderText = white(0.5);
-const QColor contentText = colour(0.4, 0.8, 0.4);
+
+/// In high contrast only the desktop's own colours are used; a hovering drag shows as what is chosen does.
+Look inHighContrast(const QPalette &palette, bool highlighted) {
+    if (highlighted)
+        return {palette.color(QPalette::Highlight), palette.color(QPalette::HighlightedText),
+                palette.color(QPalette::HighlightedText)};
+    return {palette.color(QPalette::Window), palette.color(QPalette::WindowText), palette.color(QPalette::WindowText)};
+}
 
 } // namespace
 
-QString iconOfFiles(const std::vector<fs::path> &files) {
+std::vector<Symbol> symbolsOfFiles(const std::vector<fs::path> &files) {
     const bool photos = std::any_of(files.begin(), files.end(), isPhotoFile);
     const bool videos = std::any_of(files.begin(), files.end(), isVideoFile);
     if (!photos)
-        return QStringLiteral("🎬");
-    return videos ? QStringLiteral("🎬🖼️") : QStringLiteral("🖼️");
+        return {Symbol::film};
+    return videos ? std::vector{Symbol::film, Symbol::picture} : std::vector{Symbol::picture};
 }
 
 DropFolderView::DropFolderView(QWidget *parent) : QWidget(parent), placeholder_(toQString(folderPlaceholder())) {
@@ -58,29 +66,40 @@ DropFolderView::DropFolderView(QWidget *parent) : QWidget(parent), placeholder_(
 void DropFolderView::setupView() {
     setAcceptDrops(true);
     setFocusPolicy(Qt::StrongFocus);
-    iconLabel = new DropIcon(QStringLiteral("📁"), this);
+    setCursor(Qt::PointingHandCursor);
+    iconLabel = new DropIcon(this);
     iconLabel->setObjectName(QStringLiteral("iconLabel"));
     label = new ElidedLabel(placeholder_, this);
     label->setObjectName(QStringLiteral("label"));
-    setTextColour(label, placeholderText);
+    refusalEnd_.setSingleShot(true);
+    connect(&refusalEnd_, &QTimer::timeout, this, &DropFolderView::endRefusal);
     updateAppearance();
 }
 
 void DropFolderView::setPlaceholder(const QString &text) {
     placeholder_ = text;
-    label->setText(text);
+    updateAppearance();
 }
 
 void DropFolderView::layoutLabels() {
     const PointScale scale = PointScale::current();
     const double h = height() / scale.y, w = width() / scale.x;
-    iconLabel->setFont(scale.font(16));
     iconLabel->setGeometry(scale.toQt({8, (h - 20) / 2, 22, 20}, h));
     label->setFont(scale.font(11));
     label->setGeometry(scale.toQt({34, (h - 18) / 2, w - 44, 18}, h));
 }
 
+/// The texts and their colours; what is drawn around them is paintEvent's.
 void DropFolderView::updateAppearance() {
+    label->setText(!refusal_.isEmpty() ? refusal_ : hasContent_ ? content_ : placeholder_);
+    const bool plain = isHighContrast(palette());
+    const QColor ink = plain                 ? inHighContrast(palette(), isHighlighted_).text
+                       : isHighlighted_      ? highlightedLook.text
+                       : !refusal_.isEmpty() ? refusedLook.text
+                       : hasContent_         ? contentLook.text
+                                             : emptyLook.text;
+    setTextColour(label, ink);
+    iconLabel->setColour(ink);
     update();
     QAccessibleEvent changed(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&changed);
@@ -91,36 +110,62 @@ void DropFolderView::setHighlighted(bool highlighted) {
     updateAppearance();
 }
 
-void DropFolderView::showContent(const QString &icon, const QString &text) {
+void DropFolderView::showContent(const std::vector<Symbol> &symbols, const QString &text) {
     hasContent_ = true;
-    iconLabel->setText(icon);
-    label->setText(text);
-    setTextColour(label, contentText);
+    content_ = text;
+    iconLabel->setSymbols(symbols);
+    endRefusal();
+}
+
+void DropFolderView::refuse(const QString &why) {
+    constexpr int longEnoughToRead = 5000; // milliseconds
+    refusal_ = why;
+    refusalEnd_.start(longEnoughToRead);
+    updateAppearance();
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
+void DropFolderView::endRefusal() {
+    refusal_.clear();
+    refusalEnd_.stop();
     updateAppearance();
 }
 
 void DropFolderView::showFolder(const fs::path &folder) {
-    showContent(QStringLiteral("📁"), shownName(folder));
+    showContent({Symbol::folder}, shownName(folder));
 }
 
 void DropFolderView::showFiles(const std::vector<fs::path> &files) {
     const QString text = files.size() == 1 ? shownName(files.front())
                                            : toQString(filesSelected(static_cast<std::int64_t>(files.size())));
-    showContent(iconOfFiles(files), text);
+    showContent(symbolsOfFiles(files), text);
+}
+
+std::string DropFolderView::reasonAgainst(const DroppedInput &input) const {
+    if (onlyFolders_ && !input.folder)
+        return text("drop.refused.no.folder");
+    if (input.empty())
+        return text("drop.refused.no.media");
+    return input.folder && objection ? objection(*input.folder) : std::string();
 }
 
 bool DropFolderView::acceptPaths(const std::vector<fs::path> &paths) {
     const DroppedInput input = classifyDrop(paths);
+    if (const std::string reason = reasonAgainst(input); !reason.empty()) {
+        refuse(toQString(reason));
+        return false;
+    }
     if (input.folder) {
         showFolder(*input.folder);
         if (onFolderDropped)
             onFolderDropped(*input.folder);
-    } else if (!input.files.empty()) {
+    } else {
         showFiles(input.files);
         if (onFilesDropped)
             onFilesDropped(input.files);
     }
-    return !input.empty();
+    return true;
 }
 
 bool DropFolderView::acceptData(const QMimeData &mime) {
@@ -138,12 +183,27 @@ bool DropFolderView::acceptData(const QMimeData &mime) {
     return true;
 }
 
+/// What hovers over a target for folders can be judged at once; of anything else a look into it tells, at the drop.
+bool DropFolderView::mayTake(const QMimeData &mime) const {
+    const std::vector<fs::path> files = localFiles(mime);
+    return !onlyFolders_ || files.empty() || classifyDrop(files).folder;
+}
+
 void DropFolderView::dragEnterEvent(QDragEnterEvent *event) {
     if (!holdsFiles(*event->mimeData()))
         return event->ignore();
-    setHighlighted(true);
-    event->setDropAction(Qt::CopyAction);
+    const bool usable = mayTake(*event->mimeData());
+    setHighlighted(usable);
+    if (!usable)
+        refuse(toQString(lumetwin::text("drop.refused.no.folder")));
+    // Accepted in any case, or nobody would say when the drag has gone.
+    event->setDropAction(usable ? Qt::CopyAction : Qt::IgnoreAction);
     event->accept();
+}
+
+void DropFolderView::dragMoveEvent(QDragMoveEvent *event) {
+    event->setDropAction(isHighlighted_ ? Qt::CopyAction : Qt::IgnoreAction);
+    event->setAccepted(isHighlighted_);
 }
 
 void DropFolderView::dragLeaveEvent(QDragLeaveEvent *) {
@@ -154,6 +214,15 @@ void DropFolderView::dropEvent(QDropEvent *event) {
     setHighlighted(false);
     event->setDropAction(Qt::CopyAction);
     event->setAccepted(acceptData(*event->mimeData()));
+}
+
+void DropFolderView::mousePressEvent(QMouseEvent *event) {
+    event->setAccepted(event->button() == Qt::LeftButton);
+}
+
+void DropFolderView::mouseReleaseEvent(QMouseEvent *event) {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()) && onActivated)
+        onActivated();
 }
 
 void DropFolderView::keyPressEvent(QKeyEvent *event) {
@@ -177,12 +246,18 @@ void DropFolderView::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange)
         layoutLabels();
+    else if (event->type() == QEvent::PaletteChange && iconLabel)
+        updateAppearance();
 }
 
 void DropFolderView::paintEvent(QPaintEvent *) {
     const PointScale scale = PointScale::current();
     const double line = lineWidth * scale.y, radius = cornerRadius * scale.y;
-    const Look &look = isHighlighted_ ? highlightedLook : hasContent_ ? contentLook : emptyLook;
+    const Look look = isHighContrast(palette()) ? inHighContrast(palette(), isHighlighted_)
+                      : isHighlighted_          ? highlightedLook
+                      : !refusal_.isEmpty()     ? refusedLook
+                      : hasContent_             ? contentLook
+                                                : emptyLook;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(look.border, line));
@@ -190,8 +265,8 @@ void DropFolderView::paintEvent(QPaintEvent *) {
     const QRectF edge = QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2);
     painter.drawRoundedRect(edge, radius, radius);
     painter.setBrush(Qt::NoBrush);
-    if (!hasContent_ && !isHighlighted_) {
-        QPen pen(dashes, line);
+    if (!hasContent_ && !isHighlighted_ && refusal_.isEmpty()) {
+        QPen pen(isHighContrast(palette()) ? look.border : dashes, line);
         pen.setDashPattern({5 / lineWidth, 4 / lineWidth}); // Qt counts in line widths
         pen.setCapStyle(Qt::FlatCap);
         painter.setPen(pen);

@@ -2,32 +2,32 @@
 #include "ui/DropIcon.h"
 
 #include <QPainter>
-#include <QTextBoundaryFinder>
 
 namespace lumetwin {
 
-namespace {
-
-QStringList graphemes(const QString &text) {
-    QStringList result;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    for (qsizetype start = 0, end; (end = finder.toNextBoundary()) > start; start = end)
-        result << text.mid(start, end - start);
-    return result;
+DropIcon::DropIcon(QWidget *parent) : QWidget(parent) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
-} // namespace
+void DropIcon::setSymbols(const std::vector<Symbol> &symbols) {
+    symbols_ = symbols;
+    update();
+}
 
-void DropIcon::paintEvent(QPaintEvent *event) {
-    const QStringList icons = graphemes(text());
-    if (icons.size() < 2)
-        return QLabel::paintEvent(event);
+void DropIcon::setColour(const QColor &colour) {
+    colour_ = colour;
+    update();
+}
+
+void DropIcon::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    QFont small = font();
-    small.setPixelSize(qMax(1, font().pixelSize() * 11 / 16));
-    painter.setFont(small);
-    painter.drawText(rect(), Qt::AlignLeft | Qt::AlignTop, icons.first());
-    painter.drawText(rect(), Qt::AlignRight | Qt::AlignBottom, icons.last());
+    const QRectF all(rect());
+    if (symbols_.size() == 1)
+        return drawSymbol(painter, all, symbols_.front(), colour_);
+    const QSizeF part = all.size() * 0.62;
+    drawSymbol(painter, {all.topLeft(), part}, symbols_.front(), colour_);
+    drawSymbol(painter, {QPointF(all.right() - part.width(), all.bottom() - part.height()), part}, symbols_.back(),
+               colour_);
 }
 
 } // namespace lumetwin

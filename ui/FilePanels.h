@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QStringList>
+
 #include <filesystem>
 #include <functional>
 #include <vector>
@@ -24,6 +26,9 @@ public:
     /// One file of any kind.
     virtual void chooseFileToCheck(QWidget *parent, Chosen chosen) = 0;
 };
+
+/// What file dialogs offer to show: all media, videos, photos, everything.
+QStringList mediaFilters();
 
 /// Panels of the desktop.
 class DialogPanels : public FilePanels {

@@ -13,6 +13,7 @@ namespace lumetwin {
 FilesAndFoldersDialog::FilesAndFoldersDialog(QWidget *parent, const QString &title, const QString &prompt)
     : QFileDialog(parent, title) {
     setOption(QFileDialog::DontUseNativeDialog);
+    setOption(QFileDialog::HideNameFilterDetails);
     setFileMode(QFileDialog::ExistingFiles);
     setLabelText(QFileDialog::Accept, prompt);
     // Without a marked entry the dialog would disable its button; here that means the folder itself.

@@ -2,12 +2,15 @@
 #pragma once
 
 #include "engine/Inspection.h"
+#include "engine/PictureFacts.h"
 #include "engine/VideoProcessor.h"
 #include "ui/AlertPresenter.h"
 #include "ui/FilePanels.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace lumetwin {
 
@@ -15,6 +18,8 @@ namespace lumetwin {
 struct SpatialFinding {
     bool isSpatial = false;
     StereoValues values = {};
+    std::optional<PictureFacts> picture = {}; ///< of what is not spatial
+    std::string failure = {};                 ///< why the file cannot be read; empty where it can
 };
 
 /// What the form needs from the world around it. Tests put other answers in.

@@ -1,14 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/HeaderBand.h"
 
+#include "ui/Palettes.h"
+#include "ui/Symbol.h"
+
 #include <QPainter>
 
 namespace lumetwin {
 
 void HeaderBand::paintEvent(QPaintEvent *) {
-    QColor band = palette().color(QPalette::Active, QPalette::Highlight);
-    band.setAlphaF(0.15F);
-    QPainter(this).fillRect(rect(), band);
+    QPainter painter(this);
+    painter.fillRect(rect(), bandColour(palette()));
+    drawSymbol(painter, QRectF(symbolPlace_), Symbol::film, palette().color(QPalette::WindowText));
+}
+
+void HeaderBand::setSymbolPlace(const QRect &place) {
+    symbolPlace_ = place;
+    update();
 }
 
 } // namespace lumetwin

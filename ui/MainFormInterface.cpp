@@ -5,17 +5,23 @@
 #include "ui/ColouredButton.h"
 #include "ui/DropFolderView.h"
 #include "ui/ElidedLabel.h"
+#include "ui/FormValues.h"
 #include "ui/HeaderBand.h"
 #include "ui/Localized.h"
+#include "ui/Mnemonics.h"
+#include "ui/NumberField.h"
 #include "ui/SectionView.h"
 #include "ui/ValueSlider.h"
+#include "ui/WritableFolder.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLineEdit>
+#include <QFrame>
 #include <QRadioButton>
 #include <QScrollArea>
+#include <QShortcut>
+#include <QToolButton>
 
 namespace lumetwin {
 
@@ -30,16 +36,33 @@ QString local(const char *key) {
     return toQString(text(key));
 }
 
-/// The caption's text names the control for screen readers too.
+/// The caption's words name the control for screen readers too.
 void describe(QLabel *caption, QWidget *control) {
     caption->setBuddy(control);
-    control->setAccessibleName(caption->text());
+    control->setAccessibleName(caption->accessibleName());
+}
+
+/// A button's words, and the letter that the Alt key presses it by.
+template <typename Button> Button *labelled(Button *button, const QString &words, char mnemonic) {
+    button->setText(withMnemonic(words, mnemonic));
+    button->setAccessibleName(words);
+    return button;
+}
+
+/// Every number as short as it can be: 10, -100, 19.24.
+std::string number(double value) {
+    return QString::number(value).toStdString();
+}
+
+QString shown(const QKeySequence &keys) {
+    return keys.toString(QKeySequence::NativeText);
 }
 
 } // namespace
 
 void MainViewController::buildInterface() {
-    scrollView = named(new QScrollArea(this), "scrollView");
+    contentView = named(new QWidget(this), "contentView");
+    scrollView = named(new QScrollArea(contentView), "scrollView");
     scrollView->setFrameShape(QFrame::NoFrame);
     scrollView->setFocusPolicy(Qt::NoFocus);
     documentView = named(new QWidget, "documentView");
@@ -52,32 +75,44 @@ void MainViewController::buildInterface() {
     buildSBSOptions();
     buildCommonOptions();
     buildStartButton();
-    setTabOrders();
     scrollView->setWidget(documentView);
+    setTabOrders();
+    setShortcuts();
+    updateResets();
 }
 
-QLabel *MainViewController::caption(QLabel *&label, const std::string &text, QWidget *parent, bool unit) {
+QLabel *MainViewController::caption(QLabel *&label, const std::string &text, QWidget *parent, char mnemonic) {
     if (!label) {
-        label = new QLabel(toQString(text), parent);
+        label = new QLabel(parent);
         label->setTextFormat(Qt::PlainText);
-        label->setProperty("secondary", unit);
+        labelled(label, toQString(text), mnemonic);
+        label->setProperty("secondary", false);
+    }
+    return label;
+}
+
+QLabel *MainViewController::unit(QLabel *&label, const char *text, QWidget *parent) {
+    if (!label) {
+        label = new QLabel(QString::fromUtf8(text), parent);
+        label->setTextFormat(Qt::PlainText);
+        label->setProperty("secondary", true);
     }
     return label;
 }
 
 void MainViewController::buildHeader() {
     headerView = named(new HeaderBand(documentView), "headerView");
-    titleLabel = named(new QLabel(QStringLiteral("🎬  Lumetwin"), headerView), "titleLabel");
+    titleLabel = named(new QLabel(QStringLiteral("Lumetwin"), headerView), "titleLabel");
     subtitleLabel = named(new QLabel(local("app.subtitle"), headerView), "subtitleLabel");
     subtitleLabel->setProperty("secondary", true);
 }
 
 void MainViewController::buildDirection() {
     directionSection = named(new SectionView(local("section.direction"), documentView), "directionSection");
-    spatialToSBSButton =
-        named(new QRadioButton(local("direction.spatial.to.sbs"), directionSection), "spatialToSBSButton");
-    sbsToSpatialButton =
-        named(new QRadioButton(local("direction.sbs.to.spatial"), directionSection), "sbsToSpatialButton");
+    spatialToSBSButton = named(new QRadioButton(directionSection), "spatialToSBSButton");
+    sbsToSpatialButton = named(new QRadioButton(directionSection), "sbsToSpatialButton");
+    labelled(spatialToSBSButton, local("direction.spatial.to.sbs"), 'p');
+    labelled(sbsToSpatialButton, local("direction.sbs.to.spatial"), 'd');
     spatialToSBSButton->setChecked(true);
     auto *tags = new QButtonGroup(this);
     tags->addButton(spatialToSBSButton, 0);
@@ -117,6 +152,10 @@ void MainViewController::buildOutput() {
     outputDropView = named(new DropFolderView(outputSection), "outputDropView");
     outputDropView->setPlaceholder(toQString(folderPlaceholder()));
     outputDropView->setAccessibleName(outputSection->titleLabel->text());
+    outputDropView->takeOnlyFolders();
+    outputDropView->objection = [](const auto &folder) {
+        return canWriteInto(folder) ? "" : formatted("error.output.unwritable.format", shownName(folder).toStdString());
+    };
     outputDropView->onFolderDropped = [this](const auto &folder) { setOutputFolder(folder); };
     outputDropView->onActivated = [this] { selectOutputFolder(); };
     outputSelectBtn = named(new QPushButton(local("button.select.folder"), outputSection), "outputSelectBtn");
@@ -126,34 +165,71 @@ void MainViewController::buildOutput() {
     outputPathLabel->setProperty("secondary", true);
 }
 
-QLineEdit *MainViewController::numberField(const char *name, const QString &start, QLabel *caption) {
-    auto *field = named(new QLineEdit(start, caption->parentWidget()), name);
+NumberField *MainViewController::stereoField(const char *name, const StereoRange &range, QLabel *caption,
+                                             const char *help) {
+    const auto parse = [range](const QString &text) { return fieldValue(range, text); };
+    auto *field = named(new NumberField(fieldText(range, range.start), parse, caption->parentWidget()), name);
     field->setAlignment(Qt::AlignRight);
     describe(caption, field);
+    const std::string low = number(range.minimum), high = number(range.maximum);
+    const QString words = toQString(formatted(help, low, high, number(range.start)));
+    field->setWords(toQString(formatted("field.range.format", low, high)), words);
+    caption->setToolTip(words);
     return field;
+}
+
+NumberField *MainViewController::sizeField(const char *name, std::int64_t start, QLabel *caption) {
+    const auto parse = [](const QString &text) -> std::optional<double> {
+        const auto size = eyeSize(text);
+        return size ? std::optional(static_cast<double>(*size)) : std::nullopt;
+    };
+    auto *field = named(new NumberField(QString::number(start), parse, caption->parentWidget()), name);
+    field->setAlignment(Qt::AlignRight);
+    describe(caption, field);
+    field->setWords(local("field.size"), local("resize.help"));
+    return field;
+}
+
+QToolButton *MainViewController::resetButton(const char *name, const StereoRange &range, QLabel *caption,
+                                             ValueSlider *slider) {
+    auto *button = named(new QToolButton(spatialOptionsView), name);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::StrongFocus);
+    button->setToolTip(toQString(formatted("button.reset.format", number(range.start))));
+    button->setAccessibleName(button->toolTip());
+    button->setAccessibleDescription(caption->accessibleName());
+    connect(button, &QToolButton::clicked, slider, [slider, range] { slider->moveTo(range.start); });
+    return button;
 }
 
 void MainViewController::buildSpatialOptions() {
     spatialOptionsView = named(new QWidget(optionsSection), "spatialOptionsView");
-    const auto slider = [this](const char *name, const StereoRange &range, QLabel *caption) {
-        auto *made = named(new ValueSlider(range, spatialOptionsView), name);
-        made->setAccessibleName(caption->text());
+    QWidget *view = spatialOptionsView;
+    const auto slider = [view](const char *name, const StereoRange &range, QLabel *caption) {
+        auto *made = named(new ValueSlider(range, view), name);
+        made->setAccessibleName(caption->accessibleName());
         return made;
     };
-    QWidget *view = spatialOptionsView;
-    fovSlider = slider("fovSlider", fovRange, caption(lblFOV, text("option.fov"), view));
-    fovField = numberField("fovField", QStringLiteral("63.4"), lblFOV);
-    caption(lblFovUnit, "°", view, true);
-    disparitySlider = slider("disparitySlider", disparityRange, caption(lblDisparity, text("option.disparity"), view));
-    disparityField = numberField("disparityField", QStringLiteral("2.00"), lblDisparity);
-    caption(lblDispUnit, "%", view, true);
-    baselineSlider = slider("baselineSlider", baselineRange, caption(lblBaseline, text("option.baseline"), view));
-    baselineField = numberField("baselineField", QStringLiteral("19.24"), lblBaseline);
-    caption(lblBaseUnit, "mm", view, true);
+    fovSlider = slider("fovSlider", fovRange, caption(lblFOV, text("option.fov"), view, 'h'));
+    fovField = stereoField("fovField", fovRange, lblFOV, "option.fov.help.format");
+    unit(lblFovUnit, "°", view);
+    fovReset = resetButton("fovReset", fovRange, lblFOV, fovSlider);
+    disparitySlider =
+        slider("disparitySlider", disparityRange, caption(lblDisparity, text("option.disparity"), view, 'a'));
+    disparityField = stereoField("disparityField", disparityRange, lblDisparity, "option.disparity.help.format");
+    unit(lblDispUnit, "%", view);
+    disparityReset = resetButton("disparityReset", disparityRange, lblDisparity, disparitySlider);
+    baselineSlider = slider("baselineSlider", baselineRange, caption(lblBaseline, text("option.baseline"), view, 'b'));
+    baselineField = stereoField("baselineField", baselineRange, lblBaseline, "option.baseline.help.format");
+    unit(lblBaseUnit, "mm", view);
+    baselineReset = resetButton("baselineReset", baselineRange, lblBaseline, baselineSlider);
+    for (const auto &[moved, field] :
+         {std::pair{fovSlider, fovField}, {disparitySlider, disparityField}, {baselineSlider, baselineField}})
+        moved->setToolTip(field->toolTip());
     connect(fovSlider, &ValueSlider::moved, this, &MainViewController::fovSliderChanged);
     connect(disparitySlider, &ValueSlider::moved, this, &MainViewController::disparitySliderChanged);
     connect(baselineSlider, &ValueSlider::moved, this, &MainViewController::baselineSliderChanged);
-    const auto follow = [this](QLineEdit *edited, void (MainViewController::*action)()) {
+    const auto follow = [this](NumberField *edited, void (MainViewController::*action)()) {
         connect(edited, &QLineEdit::textChanged, this, action);
         connect(edited, &QLineEdit::editingFinished, this, action);
     };
@@ -172,41 +248,43 @@ void MainViewController::buildSBSOptions() {
         return made;
     };
     QWidget *view = sbsOptionsView;
-    formatPopup = popup("formatPopup", allSBSOutputFormats, caption(lblFmt, text("option.output.format"), view));
+    formatPopup = popup("formatPopup", allSBSOutputFormats, caption(lblFmt, text("option.output.format"), view, 'v'));
     connect(formatPopup, &QComboBox::currentIndexChanged, this, &MainViewController::formatChanged);
     photoFormatPopup = popup("photoFormatPopup", allSBSPhotoOutputFormats,
-                             caption(lblPhotoFmt, text("option.photo.output.format"), view));
+                             caption(lblPhotoFmt, text("option.photo.output.format"), view, 'f'));
     connect(photoFormatPopup, &QComboBox::currentIndexChanged, this, &MainViewController::photoFormatChanged);
-    caption(lblQuality, text("option.quality"), view);
+    caption(lblQuality, text("option.quality"), view, 'q');
     compressionSlider = named(new ValueSlider(qualityRange, view), "compressionSlider");
     describe(lblQuality, compressionSlider);
+    for (QWidget *part : std::initializer_list<QWidget *>{lblQuality, compressionSlider})
+        part->setToolTip(local("option.quality.help"));
     connect(compressionSlider, &ValueSlider::moved, this, &MainViewController::compressionChanged);
     compressionLabel = named(new QLabel(QStringLiteral("75%"), view), "compressionLabel");
-    halfWidthCheck = named(new QCheckBox(local("option.half.width"), view), "halfWidthCheck");
+    halfWidthCheck = labelled(named(new QCheckBox(view), "halfWidthCheck"), local("option.half.width"), 'w');
     connect(halfWidthCheck, &QCheckBox::toggled, this, &MainViewController::halfWidthChanged);
 }
 
 void MainViewController::buildCommonOptions() {
     commonSection = named(new SectionView(local("section.common"), documentView), "commonSection");
     QWidget *view = commonSection;
-    swapLRCheck = named(new QCheckBox(local("option.swap.lr"), view), "swapLRCheck");
+    swapLRCheck = labelled(named(new QCheckBox(view), "swapLRCheck"), local("option.swap.lr"), 's');
     connect(swapLRCheck, &QCheckBox::toggled, this, &MainViewController::swapLRChanged);
-    copyAudioCheck = named(new QCheckBox(local("option.copy.audio"), view), "copyAudioCheck");
+    copyAudioCheck = labelled(named(new QCheckBox(view), "copyAudioCheck"), local("option.copy.audio"), 'u');
     copyAudioCheck->setChecked(true);
     connect(copyAudioCheck, &QCheckBox::toggled, this, &MainViewController::copyAudioChanged);
-    enableResizeCheck = named(new QCheckBox(local("option.enable.resize"), view), "enableResizeCheck");
+    enableResizeCheck = labelled(named(new QCheckBox(view), "enableResizeCheck"), local("option.enable.resize"), 'r');
     connect(enableResizeCheck, &QCheckBox::toggled, this, &MainViewController::enableResizeChanged);
     resizeWidthField =
-        numberField("resizeWidthField", QStringLiteral("1920"), caption(lblEyeW, text("resize.eye.width"), view));
-    caption(lblCross, "×", view, true);
+        sizeField("resizeWidthField", settings->resizeWidth, caption(lblEyeW, text("resize.eye.width"), view, 'e'));
+    unit(lblCross, "×", view);
     resizeHeightField =
-        numberField("resizeHeightField", QStringLiteral("1080"), caption(lblEyeH, text("resize.eye.height"), view));
-    caption(lblPx, "px", view, true);
-    for (QLineEdit *field : {resizeWidthField, resizeHeightField}) {
-        connect(field, &QLineEdit::textChanged, this, &MainViewController::resizeDimChanged);
-        connect(field, &QLineEdit::editingFinished, this, &MainViewController::resizeDimChanged);
+        sizeField("resizeHeightField", settings->resizeHeight, caption(lblEyeH, text("resize.eye.height"), view, 'g'));
+    unit(lblPx, "px", view);
+    for (NumberField *field : {resizeWidthField, resizeHeightField}) {
+        connect(field, &NumberField::textChanged, this, &MainViewController::resizeDimChanged);
+        connect(field, &NumberField::editingFinished, this, &MainViewController::resizeDimChanged);
     }
-    caption(lblResizeMode, text("resize.mode.label"), view);
+    caption(lblResizeMode, text("resize.mode.label"), view, 't');
     resizeModePopup = named(new QComboBox(view), "resizeModePopup");
     resizeModePopup->addItem(toQString(text("resize.mode.stretch", "Stretch to output size (ignore aspect ratio)")));
     resizeModePopup->addItem(toQString(text("resize.mode.cropFill", "Preserve aspect ratio (center crop)")));
@@ -222,23 +300,46 @@ void MainViewController::buildCommonOptions() {
 
 void MainViewController::buildStartButton() {
     const QString title = local("button.start.conversion");
-    startButton = named(new ColouredButton(QStringLiteral("▶  ") + title, 10, documentView), "startButton");
+    startLine = named(new QFrame(contentView), "startLine");
+    startLine->setFrameShape(QFrame::HLine);
+    startButton = named(new ColouredButton(QStringLiteral("▶  ") + title, 10, contentView), "startButton");
     startButton->setAccessibleName(title);
-    startButton->setAutoDefault(false);
     connect(startButton, &QPushButton::clicked, this, &MainViewController::startConversion);
+    // The keypad's key counts as well.
+    auto *keypad = new QShortcut(Qt::CTRL | Qt::Key_Enter, contentView);
+    connect(keypad, &QShortcut::activated, startButton, [this] { startButton->click(); });
 }
 
 void MainViewController::setTabOrders() {
     const QList<QWidget *> order{
-        spatialToSBSButton, sbsToSpatialButton, inputDropView,    inputSelectBtn,    checkSpatialBtn, outputDropView,
-        outputSelectBtn,    fovSlider,          fovField,         disparitySlider,   disparityField,  baselineSlider,
-        baselineField,      formatPopup,        photoFormatPopup, compressionSlider, halfWidthCheck,  swapLRCheck,
-        copyAudioCheck,     enableResizeCheck,  resizeWidthField, resizeHeightField, resizeModePopup, startButton};
+        spatialToSBSButton, sbsToSpatialButton, inputDropView, inputSelectBtn, checkSpatialBtn,   outputDropView,
+        outputSelectBtn,    fovSlider,          fovField,      fovReset,       disparitySlider,   disparityField,
+        disparityReset,     baselineSlider,     baselineField, baselineReset,  formatPopup,       photoFormatPopup,
+        compressionSlider,  halfWidthCheck,     swapLRCheck,   copyAudioCheck, enableResizeCheck, resizeWidthField,
+        resizeHeightField,  resizeModePopup,    startButton};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    for (QWidget *control : order)
+    for (QWidget *control : order) {
         control->installEventFilter(this);
+        // The wheel gives no focus: see eventFilter.
+        if (control->focusPolicy() == Qt::WheelFocus)
+            control->setFocusPolicy(Qt::StrongFocus);
+    }
     updateTabStop();
+}
+
+/// The keys of what has no letter of its own, and Enter, which presses what has the focus.
+void MainViewController::setShortcuts() {
+    const QKeySequence select(QKeySequence::Open), folder(Qt::CTRL | Qt::SHIFT | Qt::Key_O),
+        check(Qt::CTRL | Qt::Key_I), start(Qt::CTRL | Qt::Key_Return);
+    for (const auto &[button, keys] : {std::pair<QPushButton *, QKeySequence>{inputSelectBtn, select},
+                                       {checkSpatialBtn, check},
+                                       {outputSelectBtn, folder},
+                                       {startButton, start}}) {
+        button->setShortcut(keys);
+        button->setToolTip(shown(keys));
+        button->setAutoDefault(true);
+    }
 }
 
 /// The tabulator stops at the chosen direction, however it was chosen; the toolkit lets it stop at the button that had

@@ -5,18 +5,23 @@
 #include "ui/ColouredButton.h"
 #include "ui/DropFolderView.h"
 #include "ui/ElidedLabel.h"
+#include "ui/HeaderBand.h"
 #include "ui/MainFormFrames.h"
+#include "ui/NumberField.h"
 #include "ui/Palettes.h"
+#include "ui/ResizePreview.h"
 #include "ui/SectionView.h"
+#include "ui/Symbol.h"
 #include "ui/ValueSlider.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
-#include <QLineEdit>
+#include <QFrame>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QToolButton>
 
 namespace lumetwin {
 
@@ -25,11 +30,17 @@ namespace {
 constexpr double titleHeight = 24; // points that a section's title takes at its top
 constexpr double textSize = 13;
 constexpr double smallTextSize = 12;
+constexpr double pinnedMargin = 14; // above and below the start button of a low window
+
+int pinnedRow(const PointScale &scale) {
+    constexpr double buttonHeight = 48;
+    return scale.vertical(buttonHeight + 2 * pinnedMargin);
+}
 
 /// Places widgets in a container by their distance from its top.
 class Rows {
 public:
-    explicit Rows(double containerHeight) : height_(containerHeight), scale_(PointScale::current()) {}
+    Rows(double containerHeight, const PointScale &scale) : height_(containerHeight), scale_(scale) {}
 
     void place(QWidget *widget, double x, double top, double width, double height) const {
         widget->setGeometry(scale_.toQt({x, height_ - top - height, width, height}, height_));
@@ -50,7 +61,7 @@ void MainViewController::applyFonts() {
             control->setFont(scale.font(textSize));
     titleLabel->setFont(scale.font(22, QFont::Bold));
     subtitleLabel->setFont(scale.font(smallTextSize));
-    for (QLineEdit *field : {fovField, disparityField, baselineField, resizeWidthField, resizeHeightField})
+    for (NumberField *field : {fovField, disparityField, baselineField, resizeWidthField, resizeHeightField})
         field->setFont(scale.digitFont(smallTextSize));
     for (QLabel *label : {static_cast<QLabel *>(inputPathLabel), static_cast<QLabel *>(outputPathLabel),
                           compressionLabel, resizeWarningLabel})
@@ -63,43 +74,62 @@ void MainViewController::applyColours() {
         if (const QVariant secondary = label->property("secondary"); secondary.isValid())
             setTextColour(label,
                           secondary.toBool() ? secondaryTextColour(palette()) : palette().color(QPalette::WindowText));
+    setTextColour(subtitleLabel, bandTextColour(palette()));
     setTextColour(compressionLabel, accentTextColour(palette()));
-    setTextColour(resizeWarningLabel, warningColour(palette()));
+    setTextColour(resizeWarningLabel, isOddSize(*settings) ? warningColour(palette()) : secondaryTextColour(palette()));
+    setTextColour(startLine, separatorColour(palette()));
+    const int size = PointScale::current().vertical(16);
+    for (QToolButton *button : {fovReset, disparityReset, baselineReset}) {
+        button->setIconSize(QSize(size, size));
+        button->setIcon(symbolIcon(Symbol::reset, palette().color(QPalette::WindowText), size, devicePixelRatioF()));
+    }
 }
 
+/// The form scrolls in a window that is too low for it; the start button stays in sight below it. A window that is too
+/// narrow takes of the right margin first, and then of every width.
 void MainViewController::layoutDocument() {
-    const PointScale scale = PointScale::current();
+    constexpr double buttonRow = 68; // points from the common options' gap to the bottom
+    constexpr double spareMargin = 18;
+    scale_ = PointScale::current();
     const MainFormFrames frames = mainFormFrames(settings->direction, settings->enableResize);
-    const int width = scale.horizontal(MainFormFrames::documentWidth), height = scale.vertical(frames.documentHeight);
-    // A scroll bar may take of the right margin without cutting anything off; a wide window gets wide margins.
-    const int margin = scale.horizontal(18);
-    const QSize room = scrollView->maximumViewportSize();
-    const int bar = height > room.height() ? scrollView->verticalScrollBar()->sizeHint().width() : 0;
-    const int available = room.width() - bar;
-    const int documentWidth = qMax(width - qBound(0, width - available, margin), available);
-    documentView->resize(documentWidth, qMax(height, room.height()));
-    const QPoint origin(qMax(0, (documentWidth - width) / 2), 0);
+    const int formHeight = scale_.vertical(frames.documentHeight - buttonRow);
+    const int room = scale_.vertical(frames.documentHeight) <= height() ? formHeight : height() - pinnedRow(scale_);
+    scrollView->setGeometry(0, 0, width(), qMin(formHeight, room));
+    const int bar = formHeight > room ? scrollView->verticalScrollBar()->sizeHint().width() : 0;
+    const int available = width() - bar;
+    scale_.x = qMin(scale_.x, available / (MainFormFrames::documentWidth - spareMargin));
+    const int formWidth = scale_.horizontal(MainFormFrames::documentWidth);
+    documentView->resize(available, formHeight);
+    const QPoint origin(qMax(0, (available - formWidth) / 2), 0);
     const auto place = [&](QWidget *widget, const PointFrame &frame) {
-        widget->setGeometry(scale.toQt(frame, frames.documentHeight).translated(origin));
+        widget->setGeometry(scale_.toQt(frame, frames.documentHeight).translated(origin));
     };
-    place(startButton, frames.startButton);
     place(commonSection, frames.commonSection);
     place(optionsSection, frames.optionsSection);
     place(outputSection, frames.outputSection);
     place(inputSection, frames.inputSection);
     place(directionSection, frames.directionSection);
     place(headerView, frames.header);
+    place(startButton, frames.startButton);
+    startLine->setVisible(formHeight > room);
+    if (formHeight > room) {
+        startButton->move(startButton->x(), room + scale_.vertical(pinnedMargin));
+        startLine->setGeometry(0, room, width(), 1);
+    }
     layoutSections();
     layoutOptions();
     layoutCommon();
 }
 
 void MainViewController::layoutSections() {
-    const PointScale scale = PointScale::current();
+    const PointScale &scale = scale_;
+    headerView->setSymbolPlace(scale.toQt({20, 31, 28, 28}, 68));
     titleLabel->setGeometry(scale.toQt({20, 30, 680, 28}, 68));
+    titleLabel->setIndent(scale.horizontal(36));
     subtitleLabel->setGeometry(scale.toQt({22, 10, 680, 17}, 68));
-    spatialToSBSButton->setGeometry(scale.toQt({16, 36, 380, 22}, 76));
-    sbsToSpatialButton->setGeometry(scale.toQt({16, 10, 380, 22}, 76));
+    // A little below their usual places: the section's title must not touch them.
+    spatialToSBSButton->setGeometry(scale.toQt({16, 32, 380, 22}, 76));
+    sbsToSpatialButton->setGeometry(scale.toQt({16, 8, 380, 22}, 76));
     inputDropView->setGeometry(scale.toQt({14, 40, 320, 36}, 100));
     inputSelectBtn->setGeometry(scale.toQt({344, 42, 150, 32}, 100));
     checkSpatialBtn->setGeometry(scale.toQt({504, 42, 150, 32}, 100));
@@ -112,45 +142,47 @@ void MainViewController::layoutSections() {
 void MainViewController::layoutOptions() {
     const bool toSpatial = settings->direction == ConversionDirection::sbsToSpatial;
     const double height = toSpatial ? 160 : 180;
-    const Rows section(height);
-    const Rows view(height - titleHeight);
+    const Rows section(height, scale_);
+    const Rows view(height - titleHeight, scale_);
     for (QWidget *options : {spatialOptionsView, sbsOptionsView})
         section.place(options, 0, titleHeight, 680, height - titleHeight);
-    const auto stereo = [&](double top, QLabel *caption, QWidget *slider, QWidget *field, QLabel *unit) {
-        view.place(caption, 16, top, 190, 28);
-        view.place(slider, 210, top, 320, 28);
-        view.place(field, 546, top, 76, 28);
-        view.place(unit, 630, top, 40, 28);
+    const auto stereo = [&](double top, QLabel *caption, QWidget *slider, QWidget *field, QLabel *unit,
+                            QWidget *reset) {
+        view.place(caption, 14, top, 190, 28);
+        view.place(slider, 210, top, 310, 28);
+        view.place(field, 534, top, 76, 28);
+        view.place(unit, 614, top, 31, 28);
+        view.place(reset, 646, top, 26, 28);
     };
-    stereo(10, lblFOV, fovSlider, fovField, lblFovUnit);
-    stereo(50, lblDisparity, disparitySlider, disparityField, lblDispUnit);
-    stereo(90, lblBaseline, baselineSlider, baselineField, lblBaseUnit);
+    stereo(10, lblFOV, fovSlider, fovField, lblFovUnit, fovReset);
+    stereo(50, lblDisparity, disparitySlider, disparityField, lblDispUnit, disparityReset);
+    stereo(90, lblBaseline, baselineSlider, baselineField, lblBaseUnit, baselineReset);
     const auto option = [&](double top, QLabel *caption, QWidget *control) {
-        view.place(caption, 16, top, 190, 28);
+        view.place(caption, 14, top, 190, 28);
         view.place(control, 210, top, 250, 28);
     };
     option(6, lblFmt, formatPopup);
     option(42, lblPhotoFmt, photoFormatPopup);
     option(78, lblQuality, compressionSlider);
     view.place(compressionLabel, 472, 78, 60, 28);
-    view.place(halfWidthCheck, 16, 114, 650, 28);
+    view.place(halfWidthCheck, 14, 114, 650, 28);
     spatialOptionsView->setVisible(toSpatial);
     sbsOptionsView->setVisible(!toSpatial);
 }
 
 void MainViewController::layoutCommon() {
     const bool resizing = settings->enableResize;
-    const Rows section(resizing ? 248 : 138);
-    section.place(swapLRCheck, 16, 28, 650, 28);
-    section.place(copyAudioCheck, 16, 62, 650, 28);
-    section.place(enableResizeCheck, 16, 96, 650, 28);
-    section.place(lblEyeW, 40, 130, 110, 28);
+    const Rows section(resizing ? 248 : 138, scale_);
+    section.place(swapLRCheck, 14, 28, 650, 28);
+    section.place(copyAudioCheck, 14, 62, 650, 28);
+    section.place(enableResizeCheck, 14, 96, 650, 28);
+    section.place(lblEyeW, 40, 130, 113, 28);
     section.place(resizeWidthField, 154, 130, 76, 28);
     section.place(lblCross, 244, 130, 20, 28);
-    section.place(lblEyeH, 274, 130, 110, 28);
+    section.place(lblEyeH, 268, 130, 118, 28);
     section.place(resizeHeightField, 388, 130, 76, 28);
     section.place(lblPx, 472, 130, 40, 28);
-    section.place(lblResizeMode, 40, 166, 110, 28);
+    section.place(lblResizeMode, 40, 166, 113, 28);
     section.place(resizeModePopup, 154, 166, 420, 28);
     section.place(resizeWarningLabel, 40, 202, 630, 40);
     for (QWidget *widget :
@@ -169,7 +201,7 @@ void MainViewController::layoutOptionsArea() {
 
 void MainViewController::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
-    scrollView->setGeometry(rect());
+    contentView->setGeometry(rect());
     layoutDocument();
 }
 
@@ -187,10 +219,16 @@ void MainViewController::changeEvent(QEvent *event) {
 
 bool MainViewController::eventFilter(QObject *watched, QEvent *event) {
     auto *control = qobject_cast<QWidget *>(watched);
-    if (control && event->type() == QEvent::FocusIn)
+    if (!control)
+        return QWidget::eventFilter(watched, event);
+    if (event->type() == QEvent::FocusIn)
         scrollView->ensureWidgetVisible(control, 20, 40);
-    // The wheel scrolls the form; it changes only controls that are in use.
-    if (control && event->type() == QEvent::Wheel && !control->hasFocus()) {
+    else if (event->type() == QEvent::MouseButtonPress)
+        clicked_ = control;
+    else if (event->type() == QEvent::FocusOut && clicked_ == control)
+        clicked_ = nullptr;
+    // The wheel scrolls the form; it changes only what the user clicked.
+    if (event->type() == QEvent::Wheel && clicked_ != control) {
         event->ignore();
         return true;
     }

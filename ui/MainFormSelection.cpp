@@ -3,12 +3,18 @@
 #include "ui/MainViewController.h"
 
 #include "engine/InputList.h"
+#include "ui/BatchPresentation.h"
 #include "ui/DropFolderView.h"
 #include "ui/DroppedFiles.h"
 #include "ui/ElidedLabel.h"
 #include "ui/Localized.h"
 #include "ui/PreflightChecks.h"
+#include "ui/PreflightSequence.h"
 #include "ui/SpatialCheck.h"
+
+#include <QPushButton>
+
+#include <utility>
 
 namespace lumetwin {
 
@@ -42,12 +48,14 @@ void MainViewController::inputChosen(const std::vector<fs::path> &paths) {
 void MainViewController::setInputFolder(const fs::path &folder) {
     settings->inputFolderURL = folder;
     settings->inputFiles.reset();
+    aviSettled_ = false;
     showPath(inputPathLabel, shownPath(folder));
 }
 
 void MainViewController::setInputFiles(const std::vector<fs::path> &files) {
     settings->inputFiles = files;
     settings->inputFolderURL.reset();
+    aviSettled_ = false;
     showPath(inputPathLabel, files.size() == 1 ? shownPath(files.front())
                                                : toQString(filesSelected(static_cast<std::int64_t>(files.size()))));
 }
@@ -58,6 +66,7 @@ void MainViewController::warnOfAVI() {
     const Alert alert{
         text("alert.avi.title"), text("alert.avi.message"), {text("alert.avi.enable.resize"), text("button.continue")}};
     services_.alerts->present(alert, this, [this](int button) {
+        aviSettled_ = button != AlertPresenter::dismissed;
         if (button == 0)
             turnOnResize();
     });
@@ -65,11 +74,17 @@ void MainViewController::warnOfAVI() {
 
 void MainViewController::selectOutputFolder() {
     services_.panels->chooseOutputFolder(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
-        if (!form || paths.empty())
-            return;
-        form->setOutputFolder(paths.front());
-        form->outputDropView->showFolder(paths.front());
+        if (form && !paths.empty())
+            form->outputChosen(paths.front());
     });
+}
+
+void MainViewController::outputChosen(const fs::path &folder) {
+    const std::string objection = outputDropView->objection(folder);
+    if (!objection.empty())
+        return services_.alerts->present({objection, text("error.output.unwritable.message")}, this, [](int) {});
+    setOutputFolder(folder);
+    outputDropView->showFolder(folder);
 }
 
 void MainViewController::setOutputFolder(const fs::path &folder) {
@@ -86,8 +101,36 @@ void MainViewController::showPath(ElidedLabel *label, const QString &path) {
 void MainViewController::checkSpatialMedia() {
     services_.panels->chooseFileToCheck(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
         if (form && !paths.empty())
-            checkSpatialFile(paths.front(), form, form->settings, form->services_);
+            form->checkFile(paths.front());
     });
+}
+
+void MainViewController::checkFile(const fs::path &file) {
+    setChecking(true);
+    checkSpatialFile(file, this, settings, services_, [this](const Alert &answer) {
+        setChecking(false);
+        answer_ = answer;
+        showAnswer();
+    });
+}
+
+void MainViewController::setChecking(bool checking) {
+    const QString words = toQString(text(checking ? "button.checking" : "button.check.spatial"));
+    const bool hadFocus = checkSpatialBtn->hasFocus();
+    checkSpatialBtn->setText(words);
+    setShortcuts(); // which go with the old words
+    checkSpatialBtn->setAccessibleName(words);
+    checkSpatialBtn->setEnabled(!checking);
+    if (hadFocus && checking)
+        inputSelectBtn->setFocus();
+}
+
+/// The answer of a check waits until no batch runs, and none is about to.
+void MainViewController::showAnswer() {
+    if (!answer_ || preflight_ || batch_->state() != BatchPresentation::State::idle)
+        return;
+    const Alert answer = *std::exchange(answer_, {});
+    services_.alerts->present(answer, this, [](int) {});
 }
 
 } // namespace lumetwin

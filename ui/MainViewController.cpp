@@ -6,34 +6,32 @@
 #include "ui/ColouredButton.h"
 #include "ui/FormValues.h"
 #include "ui/Localized.h"
+#include "ui/NumberField.h"
 #include "ui/PreflightSequence.h"
 #include "ui/ResizePreview.h"
 #include "ui/ValueSlider.h"
 
 #include <QCheckBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QRadioButton>
 #include <QScrollArea>
-#include <QSignalBlocker>
+#include <QToolButton>
 
 namespace lumetwin {
 
 namespace {
 
 /// Moving a slider: the value goes into the setting, and its text into the field.
-void takeFromSlider(double value, const StereoRange &range, double &setting, QLineEdit *field) {
+void takeFromSlider(double value, const StereoRange &range, double &setting, NumberField *field) {
     setting = value;
-    const QSignalBlocker quiet(field);
-    field->setText(fieldText(range, value));
+    field->showValue(value, fieldText(range, value));
 }
 
-/// Editing a field: what it stands for goes into the setting and moves the slider; anything else does nothing.
-void takeFromField(const QLineEdit *field, const StereoRange &range, double &setting, ValueSlider *slider) {
-    if (const auto value = fieldValue(range, field->text())) {
-        setting = *value;
-        slider->setDoubleValue(*value);
-    }
+/// Editing a field: what it stands for goes into the setting and moves the slider. What it does not take stands for
+/// the value before the editing, so that no half-typed number is left behind.
+void takeFromField(const NumberField *field, double &setting, ValueSlider *slider) {
+    setting = field->value();
+    slider->setDoubleValue(setting);
 }
 
 } // namespace
@@ -44,7 +42,7 @@ MainViewController::MainViewController(FormServices services, QWidget *parent)
     applyFonts();
     applyColours();
     layoutOptionsArea();
-    batch_ = std::make_unique<BatchPresentation>(scrollView, services_);
+    batch_ = std::make_unique<BatchPresentation>(contentView, services_);
     connect(batch_.get(), &BatchPresentation::batchStarted, this, &MainViewController::batchStarted);
     connect(batch_.get(), &BatchPresentation::batchProgressed, this, &MainViewController::batchProgressed);
     connect(batch_.get(), &BatchPresentation::batchFinished, this, &MainViewController::batchFinished);
@@ -70,28 +68,34 @@ void MainViewController::directionChanged(QAbstractButton *sender) {
 
 void MainViewController::fovSliderChanged(double value) {
     takeFromSlider(value, fovRange, settings->horizontalFOV, fovField);
+    updateResets();
 }
 
 void MainViewController::disparitySliderChanged(double value) {
     takeFromSlider(value, disparityRange, settings->disparityAdjustment, disparityField);
+    updateResets();
 }
 
 void MainViewController::baselineSliderChanged(double value) {
     takeFromSlider(value, baselineRange, settings->stereoBaseline, baselineField);
+    updateResets();
 }
 
 void MainViewController::fovFieldChanged() {
-    takeFromField(fovField, fovRange, settings->horizontalFOV, fovSlider);
+    takeFromField(fovField, settings->horizontalFOV, fovSlider);
+    updateResets();
     updateResizePreview();
 }
 
 void MainViewController::disparityFieldChanged() {
-    takeFromField(disparityField, disparityRange, settings->disparityAdjustment, disparitySlider);
+    takeFromField(disparityField, settings->disparityAdjustment, disparitySlider);
+    updateResets();
     updateResizePreview();
 }
 
 void MainViewController::baselineFieldChanged() {
-    takeFromField(baselineField, baselineRange, settings->stereoBaseline, baselineSlider);
+    takeFromField(baselineField, settings->stereoBaseline, baselineSlider);
+    updateResets();
     updateResizePreview();
 }
 
@@ -139,25 +143,50 @@ void MainViewController::resizeModeChanged(int index) {
 }
 
 void MainViewController::updateResizePreview() {
-    if (settings->enableResize)
-        resizeWarningLabel->setText(toQString(resizePreview(*settings)));
+    if (!settings->enableResize)
+        return;
+    resizeWarningLabel->setText(toQString(resizePreview(*settings)));
+    applyColours();
 }
 
 void MainViewController::takeSizes() {
-    settings->resizeWidth = eyeSize(resizeWidthField->text()).value_or(settings->resizeWidth);
-    settings->resizeHeight = eyeSize(resizeHeightField->text()).value_or(settings->resizeHeight);
+    settings->resizeWidth = static_cast<std::int64_t>(resizeWidthField->value());
+    settings->resizeHeight = static_cast<std::int64_t>(resizeHeightField->value());
+}
+
+void MainViewController::updateResets() {
+    fovReset->setEnabled(settings->horizontalFOV != fovRange.start);
+    disparityReset->setEnabled(settings->disparityAdjustment != disparityRange.start);
+    baselineReset->setEnabled(settings->stereoBaseline != baselineRange.start);
+}
+
+NumberField *MainViewController::wrongField() const {
+    QList<NumberField *> inUse;
+    if (settings->direction == ConversionDirection::sbsToSpatial)
+        inUse = {fovField, disparityField, baselineField};
+    if (settings->enableResize)
+        inUse << resizeWidthField << resizeHeightField;
+    for (NumberField *field : inUse)
+        if (!field->isAccepted())
+            return field;
+    return nullptr;
+}
+
+QString MainViewController::nameOf(const NumberField *field) const {
+    return field->accessibleName();
 }
 
 void MainViewController::commitFields() {
     settings->enableResize = enableResizeCheck->isChecked();
     if (settings->enableResize)
         takeSizes();
-    const auto commit = [](const QLineEdit *field, const StereoRange &range, double &setting) {
-        setting = fieldValue(range, field->text()).value_or(setting);
+    const auto commit = [](const NumberField *field, double &setting) {
+        if (field->isAccepted())
+            setting = field->value();
     };
-    commit(fovField, fovRange, settings->horizontalFOV);
-    commit(disparityField, disparityRange, settings->disparityAdjustment);
-    commit(baselineField, baselineRange, settings->stereoBaseline);
+    commit(fovField, settings->horizontalFOV);
+    commit(disparityField, settings->disparityAdjustment);
+    commit(baselineField, settings->stereoBaseline);
 }
 
 void MainViewController::turnOnResize() {
@@ -173,6 +202,7 @@ void MainViewController::startConversion() {
     if (preflight_ || batch_->state() != BatchPresentation::State::idle)
         return;
     preflight_ = new PreflightSequence(*this, services_);
+    connect(preflight_, &QObject::destroyed, this, &MainViewController::showAnswer);
     preflight_->start();
 }
 
@@ -195,9 +225,11 @@ void MainViewController::updateUse() {
     const QString title = toQString(text(stopping ? "button.stopping" : "button.start.conversion"));
     startButton->setText(stopping ? title : QStringLiteral("▶  ") + title);
     startButton->setAccessibleName(title);
-    scrollView->setEnabled(usable);
+    setShortcuts(); // which go with the old title
+    contentView->setEnabled(usable);
     if (usable)
         startButton->setFocus();
+    showAnswer();
 }
 
 } // namespace lumetwin

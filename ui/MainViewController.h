@@ -2,22 +2,26 @@
 #pragma once
 
 #include "model/ConversionSettings.h"
+#include "ui/Alert.h"
 #include "ui/FormServices.h"
+#include "ui/Points.h"
 
 #include <QPointer>
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QAbstractButton;
 class QCheckBox;
 class QComboBox;
+class QFrame;
 class QLabel;
-class QLineEdit;
 class QPushButton;
 class QRadioButton;
 class QScrollArea;
+class QToolButton;
 
 namespace lumetwin {
 
@@ -25,10 +29,13 @@ class BatchPresentation;
 class ColouredButton;
 class DropFolderView;
 class ElidedLabel;
+class HeaderBand;
+class NumberField;
 class PreflightSequence;
 class ProgressViewController;
 class SectionView;
 class ValueSlider;
+struct StereoRange;
 
 /// The form of the main window. It keeps every field of its settings record in step with a control, runs the checks
 /// before a batch, and presents the progress sheet.
@@ -72,6 +79,13 @@ public:
     void commitFields();
     /// Checks the resize box and shows the size fields.
     void turnOnResize();
+    /// The first field in use that holds something it does not take; none when all are well.
+    NumberField *wrongField() const;
+    /// What a field is for, as it is written before it.
+    QString nameOf(const NumberField *field) const;
+    /// Whether the user has already said what is to become of the AVI files of this input.
+    bool aviSettled() const { return aviSettled_; }
+    void settleAVI() { aviSettled_ = true; }
     void presentProgressSheet();
 
     /// The sheet of the current run; none between runs.
@@ -105,8 +119,12 @@ private:
     void buildStartButton();
     void setTabOrders();
     void updateTabStop();
-    QLabel *caption(QLabel *&label, const std::string &text, QWidget *parent, bool unit = false);
-    QLineEdit *numberField(const char *name, const QString &start, QLabel *caption);
+    void setShortcuts();
+    QLabel *caption(QLabel *&label, const std::string &text, QWidget *parent, char mnemonic = 0);
+    QLabel *unit(QLabel *&label, const char *text, QWidget *parent);
+    NumberField *stereoField(const char *name, const StereoRange &range, QLabel *caption, const char *help);
+    NumberField *sizeField(const char *name, std::int64_t start, QLabel *caption);
+    QToolButton *resetButton(const char *name, const StereoRange &range, QLabel *caption, ValueSlider *slider);
 
     // Looks and layout
     void applyColours();
@@ -116,20 +134,27 @@ private:
     void layoutOptions();
     void layoutCommon();
     void layoutOptionsArea();
+    void layoutStartButton(const PointFrame &frame, double documentHeight, QPoint origin);
     void showPath(ElidedLabel *label, const QString &path);
 
     // State
+    void updateResets();
     void takeSizes();
     void updateResizePreview();
     void setInputFolder(const std::filesystem::path &folder);
     void setInputFiles(const std::vector<std::filesystem::path> &files);
     void inputChosen(const std::vector<std::filesystem::path> &paths);
     void setOutputFolder(const std::filesystem::path &folder);
+    void outputChosen(const std::filesystem::path &folder);
     void warnOfAVI();
     void updateUse();
+    void checkFile(const std::filesystem::path &file);
+    void setChecking(bool checking);
+    void showAnswer();
 
     FormServices services_;
-    QWidget *headerView = nullptr;
+    QWidget *contentView = nullptr; ///< everything: the scrolled form, and below it the start button
+    HeaderBand *headerView = nullptr;
     QLabel *titleLabel = nullptr;
     QLabel *subtitleLabel = nullptr;
     SectionView *directionSection = nullptr;
@@ -148,11 +173,14 @@ private:
     QWidget *spatialOptionsView = nullptr;
     QWidget *sbsOptionsView = nullptr;
     ValueSlider *fovSlider = nullptr;
-    QLineEdit *fovField = nullptr;
+    NumberField *fovField = nullptr;
+    QToolButton *fovReset = nullptr;
     ValueSlider *disparitySlider = nullptr;
-    QLineEdit *disparityField = nullptr;
+    NumberField *disparityField = nullptr;
+    QToolButton *disparityReset = nullptr;
     ValueSlider *baselineSlider = nullptr;
-    QLineEdit *baselineField = nullptr;
+    NumberField *baselineField = nullptr;
+    QToolButton *baselineReset = nullptr;
     QComboBox *formatPopup = nullptr;
     QComboBox *photoFormatPopup = nullptr;
     ValueSlider *compressionSlider = nullptr;
@@ -162,11 +190,12 @@ private:
     QCheckBox *swapLRCheck = nullptr;
     QCheckBox *copyAudioCheck = nullptr;
     QCheckBox *enableResizeCheck = nullptr;
-    QLineEdit *resizeWidthField = nullptr;
-    QLineEdit *resizeHeightField = nullptr;
+    NumberField *resizeWidthField = nullptr;
+    NumberField *resizeHeightField = nullptr;
     QComboBox *resizeModePopup = nullptr;
     QLabel *resizeWarningLabel = nullptr;
     ColouredButton *startButton = nullptr;
+    QFrame *startLine = nullptr; ///< above the start button while the form scrolls behind it
     QScrollArea *scrollView = nullptr;
     QWidget *documentView = nullptr;
     QLabel *lblFOV = nullptr;
@@ -184,6 +213,10 @@ private:
     QLabel *lblPx = nullptr;
     QLabel *lblResizeMode = nullptr;
 
+    QPointer<QWidget> clicked_; ///< the control that the user clicked last; the wheel may change that one
+    PointScale scale_ = PointScale::current(); ///< narrower where the window is
+    bool aviSettled_ = false;
+    std::optional<Alert> answer_; ///< of a check, until it can be shown
     QPointer<PreflightSequence> preflight_;
     std::unique_ptr<BatchPresentation> batch_;
 };

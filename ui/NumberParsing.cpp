@@ -24,7 +24,10 @@ template <typename Number> std::optional<Number> parseWhole(std::string digits) 
 } // namespace
 
 std::optional<double> parseDecimal(const QString &text) {
-    const auto number = parseWhole<double>(text.toStdString());
+    QString pointed = text;
+    if (!text.contains(QLatin1Char('.')) && text.count(QLatin1Char(',')) == 1)
+        pointed.replace(QLatin1Char(','), QLatin1Char('.'));
+    const auto number = parseWhole<double>(pointed.toStdString());
     return number && std::isfinite(*number) ? number : std::nullopt;
 }
 

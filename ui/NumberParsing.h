@@ -8,7 +8,7 @@
 
 namespace lumetwin {
 
-/// The whole text as a finite decimal number with a point, such as "63.4", "-2" or "+.5e1".
+/// The whole text as a finite decimal number with a point or a comma, such as "63.4", "63,4", "-2" or "+.5e1".
 std::optional<double> parseDecimal(const QString &text);
 /// The whole text as a decimal integer: an optional sign and digits, no overflow.
 std::optional<std::int64_t> parseInteger(const QString &text);

@@ -18,6 +18,14 @@ namespace {
 
 constexpr std::size_t mostNamesShown = 5;
 
+std::string sortedLines(std::vector<std::string> names) {
+    std::ranges::sort(names);
+    std::string lines;
+    for (const std::string &name : names)
+        lines += name + "\n";
+    return lines;
+}
+
 Alert directionQuestion(const char *title, const char *message) {
     return {text(title), text(message), {text("button.fix.direction"), text("button.convert.anyway.continue")}};
 }
@@ -75,6 +83,19 @@ std::vector<std::string> existingOutputs(const std::vector<fs::path> &entries, c
     return names;
 }
 
+std::optional<OnExisting> overwriteAnswer(int button) {
+    switch (button) {
+    case 0:
+        return OnExisting::replace;
+    case 2:
+        return OnExisting::keepBoth;
+    case 3:
+        return OnExisting::skip;
+    default:
+        return std::nullopt;
+    }
+}
+
 Alert overwriteQuestion(const std::vector<std::string> &names) {
     std::string list;
     for (std::size_t i = 0; i < std::min(names.size(), mostNamesShown); ++i)
@@ -82,9 +103,15 @@ Alert overwriteQuestion(const std::vector<std::string> &names) {
     if (names.size() > mostNamesShown)
         list +=
             "\n" + formatted("alert.overwrite.more.format", static_cast<std::int64_t>(names.size() - mostNamesShown));
-    return {text("alert.overwrite.title"),
-            formatted("alert.overwrite.message.format", list),
-            {text("button.overwrite"), text("button.cancel")}};
+    Alert question{text("alert.overwrite.title"),
+                   formatted("alert.overwrite.message.format", list),
+                   {text("button.overwrite"), text("button.cancel"), text("button.keep.both"), text("button.skip")}};
+    question.defaultButton = 1;
+    if (names.size() > mostNamesShown) {
+        question.details = sortedLines(names);
+        question.detailsName = text("spoken.replaced");
+    }
+    return question;
 }
 
 } // namespace lumetwin

@@ -34,5 +34,7 @@ std::vector<std::string> existingOutputs(const std::vector<std::filesystem::path
                                          const ConversionSettings &settings);
 
 Alert overwriteQuestion(const std::vector<std::string> &names);
+/// What a button of that question says is to happen to those files; nothing where the start is called off.
+std::optional<OnExisting> overwriteAnswer(int button);
 
 } // namespace lumetwin

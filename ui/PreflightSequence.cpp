@@ -2,13 +2,13 @@
 #include "ui/PreflightSequence.h"
 
 #include "ui/BackgroundThreads.h"
+#include "ui/CheckingDialog.h"
 #include "ui/Localized.h"
 #include "ui/MainThreadQueue.h"
 #include "ui/MainViewController.h"
+#include "ui/NumberField.h"
 #include "ui/PreflightChecks.h"
 
-#include <QProgressBar>
-#include <QProgressDialog>
 #include <QTimer>
 
 #include <chrono>
@@ -33,7 +33,7 @@ PreflightSequence::~PreflightSequence() {
 }
 
 void PreflightSequence::finish() {
-    delete waiting_;
+    endWaiting();
     deleteLater();
 }
 
@@ -53,8 +53,22 @@ void PreflightSequence::checkInputAndOutput() {
         return refuse({text("error.no.input.folder")});
     if (!settings.outputFolderURL)
         return refuse({text("error.no.output.folder")});
+    if (NumberField *wrong = form_.wrongField())
+        return refuseField(*wrong);
     entries_ = inputEntries(settings);
     testCandidates();
+}
+
+/// Nothing is converted with another value than the one that the form shows.
+void PreflightSequence::refuseField(NumberField &field) {
+    const Alert alert{formatted("error.field.format", form_.nameOf(&field).toStdString()), field.takes().toStdString()};
+    services_.alerts->present(alert, &form_, [field = QPointer(&field)](int) {
+        if (!field)
+            return;
+        field->setFocus();
+        field->selectAll();
+    });
+    finish();
 }
 
 /// Opening a thousand files takes its time: it happens beside the interface thread, with the form out of reach.
@@ -85,34 +99,27 @@ void PreflightSequence::testCandidates() {
 }
 
 void PreflightSequence::showWaiting() {
-    const auto total = static_cast<std::int64_t>(test_->candidates.size());
-    waiting_ = new QProgressDialog(&form_);
-    waiting_->setObjectName(QStringLiteral("checking"));
-    waiting_->setWindowTitle(QStringLiteral("Lumetwin"));
-    waiting_->setWindowModality(Qt::WindowModal);
-    waiting_->findChild<QProgressBar *>()->setAccessibleName(toQString(text("spoken.check.progress")));
-    waiting_->setCancelButtonText(toQString(text("button.cancel")));
-    waiting_->setRange(0, static_cast<int>(total));
-    waiting_->setAutoClose(false);
-    waiting_->setAutoReset(false);
-    connect(waiting_, &QProgressDialog::canceled, this, [this] {
+    waiting_ = new CheckingDialog(static_cast<std::int64_t>(test_->candidates.size()), &form_);
+    connect(waiting_, &CheckingDialog::givenUp, this, [this] {
         test_->cancelled = true;
         finish();
     });
-    const auto refresh = [this, total] {
-        const auto tested = static_cast<std::int64_t>(test_->tested);
-        waiting_->setLabelText(toQString(formatted("check.videos.format", tested, total)));
-        waiting_->setValue(static_cast<int>(tested));
-    };
     auto *timer = new QTimer(waiting_);
-    connect(timer, &QTimer::timeout, this, refresh);
+    connect(timer, &QTimer::timeout, waiting_,
+            [dialog = waiting_.data(), test = test_] { dialog->setTested(static_cast<std::int64_t>(test->tested)); });
     timer->start(refreshInterval);
-    refresh();
     waiting_->show();
 }
 
+/// The dialog deletes itself later: it may be at work when it goes.
+void PreflightSequence::endWaiting() {
+    if (waiting_)
+        waiting_->dismiss();
+    waiting_ = nullptr;
+}
+
 void PreflightSequence::candidatesTested() {
-    delete waiting_;
+    endWaiting();
     const auto question = directionMismatch(form_.settings->direction, test_->candidates.size(), test_->spatial);
     if (!question)
         return checkAVI();
@@ -123,7 +130,7 @@ void PreflightSequence::candidatesTested() {
 }
 
 void PreflightSequence::checkAVI() {
-    if (form_.settings->enableResize || !holdsAVI(entries_))
+    if (form_.settings->enableResize || form_.aviSettled() || !holdsAVI(entries_))
         return checkResizeSize();
     const Alert question{text("alert.avi.title"),
                          text("alert.avi.noresize.message"),
@@ -131,6 +138,8 @@ void PreflightSequence::checkAVI() {
     services_.alerts->present(question, &form_, [weak = QPointer(this)](int button) {
         if (!weak)
             return;
+        if (button != AlertPresenter::dismissed)
+            weak->form_.settleAVI();
         if (button == 1)
             return weak->checkResizeSize();
         if (button == 0)
@@ -147,11 +156,15 @@ void PreflightSequence::checkResizeSize() {
 
 void PreflightSequence::checkOverwriting() {
     const std::vector<std::string> names = existingOutputs(entries_, *form_.settings);
+    form_.settings->onExisting = OnExisting::replace;
     if (names.empty())
         return present();
     services_.alerts->present(overwriteQuestion(names), &form_, [weak = QPointer(this)](int button) {
-        if (weak)
-            button == 0 ? weak->present() : weak->finish();
+        if (!weak)
+            return;
+        const auto answer = overwriteAnswer(button);
+        weak->form_.settings->onExisting = answer.value_or(OnExisting::replace);
+        answer ? weak->present() : weak->finish();
     });
 }
 

@@ -10,11 +10,11 @@
 #include <memory>
 #include <vector>
 
-class QProgressDialog;
-
 namespace lumetwin {
 
+class CheckingDialog;
 class MainViewController;
+class NumberField;
 struct Alert;
 
 /// One press of the start button: the checks in their order. Each stops the start or lets the next one run; the last
@@ -40,19 +40,21 @@ private:
     void checkInputAndOutput();
     void testCandidates();
     void showWaiting();
+    void endWaiting();
     void candidatesTested();
     void checkAVI();
     void checkResizeSize();
     void checkOverwriting();
     void present();
     void refuse(const Alert &alert);
+    void refuseField(NumberField &field);
     void finish();
 
     MainViewController &form_;
     FormServices services_;
     std::vector<std::filesystem::path> entries_;
     std::shared_ptr<SpatialTest> test_;
-    QPointer<QProgressDialog> waiting_;
+    QPointer<CheckingDialog> waiting_;
 };
 
 } // namespace lumetwin

@@ -25,6 +25,7 @@ const QColor stopRed = colour(0.7, 0.15, 0.15);
 const QColor closeGreen = colour(0.15, 0.5, 0.25);
 const QColor barBlue = colour(0.25, 0.55, 1.0);
 const QColor barGreen = colour(0.3, 0.75, 0.5);
+const QColor faint = white(0.62); // the faintest grey that can be read on the sheet
 
 QString buttonTitle(const char *symbol, const std::string &title) {
     return QString::fromUtf8(symbol) + QStringLiteral("  ") + toQString(title);
@@ -37,39 +38,45 @@ void ProgressViewController::loadView() {
     setAccessibleName(toQString(text("progress.title")));
 }
 
-QLabel *ProgressViewController::addLabel(const char *name, QLabel *label, const QColor &colour) {
+ElidedLabel *ProgressViewController::addLabel(const char *name, const std::string &text, const QColor &colour) {
+    auto *label = new ElidedLabel(toQString(text), this);
     label->setObjectName(QLatin1String(name));
-    label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignCenter);
-    setTextColour(label, colour);
+    labels_.emplace_back(label, colour);
     return label;
 }
 
 void ProgressViewController::buildInterface() {
-    const auto label = [this](const char *name, const std::string &text, const QColor &colour) {
-        return addLabel(name, new ElidedLabel(toQString(text), this), colour);
-    };
     cancelButton = new ColouredButton(buttonTitle("⏹", text("button.cancel")), 8, this);
     cancelButton->setObjectName(QStringLiteral("cancelButton"));
     cancelButton->setAccessibleName(toQString(text("button.cancel")));
     cancelButton->setColour(stopRed);
     connect(cancelButton, &QPushButton::clicked, this, &ProgressViewController::buttonPressed);
-    elapsedLabel = label("elapsedLabel", text("progress.elapsed.initial"), white(0.5));
-    fileCountLabel = label("fileCountLabel", "0 / 0", colour(0.5, 0.75, 1.0));
+    elapsedLabel = addLabel("elapsedLabel", text("progress.elapsed.initial"), faint);
+    fileCountLabel = addLabel("fileCountLabel", "0 / 0", colour(0.5, 0.75, 1.0));
     overallProgress = new BarIndicator(barBlue, this);
     overallProgress->setObjectName(QStringLiteral("overallProgress"));
     overallProgress->setAccessibleName(toQString(text("spoken.overall.progress")));
-    overallLabel = label("overallLabel", text("progress.files.initial"), white(0.55));
+    overallLabel = addLabel("overallLabel", text("progress.files.initial"), faint);
     fileProgressBar = new BarIndicator(barGreen, this);
     fileProgressBar->setObjectName(QStringLiteral("fileProgressBar"));
     fileProgressBar->setAccessibleName(toQString(text("spoken.file.progress")));
     fileProgressBar->setIndeterminate(true);
-    fileProgressLabel = label("fileProgressLabel", text("progress.frame.initial"), colour(0.4, 0.85, 0.6));
-    fileNameLabel = static_cast<ElidedLabel *>(label("fileNameLabel", text("progress.preparing"), white(0.8)));
-    statusLabel = label("statusLabel", text("progress.starting"), white(0.45));
-    titleLabel = label("titleLabel", text("progress.title"), white(1));
+    fileProgressLabel = addLabel("fileProgressLabel", text("progress.frame.initial"), colour(0.4, 0.85, 0.6));
+    fileNameLabel = addLabel("fileNameLabel", text("progress.preparing"), white(0.8));
+    statusLabel = addLabel("statusLabel", text("progress.starting"), faint);
+    titleLabel = addLabel("titleLabel", text("progress.title"), white(1));
+    cancelButton->setAutoDefault(true);
     setFocusProxy(cancelButton);
+    applyColours();
     layoutWidgets();
+}
+
+/// The sheet is dark with any palette, but one of high contrast.
+void ProgressViewController::applyColours() {
+    const bool plain = isHighContrast(palette());
+    for (const auto &[label, colour] : labels_)
+        setTextColour(label, plain ? palette().color(QPalette::WindowText) : colour);
 }
 
 void ProgressViewController::fitInto(QSize room) {
@@ -110,15 +117,19 @@ void ProgressViewController::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange && titleLabel)
         fitInto(parentWidget() ? parentWidget()->size() : size());
+    else if (event->type() == QEvent::PaletteChange && titleLabel)
+        applyColours();
 }
 
 void ProgressViewController::paintEvent(QPaintEvent *) {
     const double radius = sheetRadius * scale_.y;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(sheetGround);
-    painter.drawRoundedRect(rect(), radius, radius);
+    const bool plain = isHighContrast(palette());
+    painter.setPen(plain ? QPen(palette().color(QPalette::WindowText), 2) : QPen(Qt::NoPen));
+    painter.setBrush(plain ? palette().color(QPalette::Window) : sheetGround);
+    const double edge = plain ? 1 : 0;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(edge, edge, -edge, -edge), radius, radius);
 }
 
 } // namespace lumetwin

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/ProgressTexts.h"
 
+#include "engine/MediaKinds.h"
 #include "engine/Texts.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace lumetwin {
 
@@ -12,6 +15,23 @@ namespace {
 /// Truncated.
 std::int64_t percentOf(double fraction) {
     return static_cast<std::int64_t>(fraction * 100);
+}
+
+const std::string separator = " · ";
+
+std::pair<std::int64_t, std::int64_t> minutesAndSeconds(std::chrono::seconds time) {
+    return {time.count() / 60, time.count() % 60};
+}
+
+std::string reasonAndWayOn(const BatchEnd &end) {
+    if (!end.success)
+        return end.message + "\n" + text("alert.nothing.way.on");
+    std::string words = formatted("alert.all.skipped.format", end.skipped) + "\n";
+    if (end.skipReasons == std::set{text("status.skipped.not.spatial")})
+        return words + text("alert.all.skipped.not.spatial");
+    if (end.skipReasons == std::set{text("status.skipped.spatial")})
+        return words + text("alert.all.skipped.spatial");
+    return words + text("alert.all.skipped.details");
 }
 
 } // namespace
@@ -24,35 +44,65 @@ double batchFraction(std::int64_t filesDone, std::int64_t filesTotal, double fra
     return (static_cast<double>(filesDone) + std::clamp(fractionOfFile, 0.0, 1.0)) / static_cast<double>(filesTotal);
 }
 
-std::string filesText(std::int64_t current, std::int64_t total) {
-    return formatted("progress.files.format", current, total, percentOf(fractionOf(current, total)));
+std::string filesText(std::int64_t current, std::int64_t total, double fraction) {
+    return formatted("progress.files.format", current, total, percentOf(fraction));
 }
 
-std::string framesText(std::int64_t current, std::int64_t total) {
-    if (total < 1)
-        return formatted("progress.frame.processed.format", current);
-    return formatted("progress.frame.format", current, total, percentOf(fractionOf(current, total)));
+std::string framesText(std::int64_t current, std::int64_t total, std::optional<double> rate) {
+    const std::string frames =
+        total < 1 ? formatted("progress.frame.processed.format", current)
+                  : formatted("progress.frame.format", current, total, percentOf(fractionOf(current, total)));
+    return rate ? frames + separator + formatted("progress.rate.format", *rate) : frames;
 }
 
-std::string elapsedText(std::chrono::steady_clock::duration elapsed) {
-    const std::int64_t all = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
-    const std::int64_t minutes = all / 60, seconds = all - minutes * 60;
-    return formatted("progress.elapsed.format", minutes, seconds);
+std::optional<std::chrono::seconds> timeLeft(std::chrono::steady_clock::duration elapsed, double fraction) {
+    using namespace std::chrono;
+    constexpr double enough = 0.01; // of the batch
+    if (elapsed < 5s || fraction < enough || fraction >= 1)
+        return std::nullopt;
+    return seconds(std::llround(duration<double>(elapsed).count() * (1 - fraction) / fraction));
+}
+
+std::string elapsedText(std::chrono::steady_clock::duration elapsed, std::optional<std::chrono::seconds> left) {
+    const auto [minutes, seconds] = minutesAndSeconds(std::chrono::duration_cast<std::chrono::seconds>(elapsed));
+    const std::string past = formatted("progress.elapsed.format", minutes, seconds);
+    if (!left)
+        return past;
+    const auto [minutesLeft, secondsLeft] = minutesAndSeconds(*left);
+    return past + separator + formatted("progress.left.format", minutesLeft, secondsLeft);
+}
+
+std::string workText(const std::string &fileName) {
+    return text(isPhotoFile(fileName) ? "progress.photo" : "progress.frame.calculating");
 }
 
 std::string detailLine(const std::string &fileName, const std::string &reason) {
-    return formatted("detail.file.format", fileName, reason) + "\n";
+    std::string once = reason;
+    if (const auto place = once.find(" " + fileName); place != std::string::npos)
+        once.erase(place, fileName.size() + 1);
+    return formatted("detail.file.format", fileName, once) + "\n";
+}
+
+bool BatchEnd::isEmpty() const {
+    return !anyConverted && (success ? skipped > 0 : message == text("error.no.media.files"));
 }
 
 Alert stopQuestion() {
-    return {text("alert.cancel.title"), text("alert.cancel.message"), {text("button.stop"), text("button.continue")}};
+    Alert question{
+        text("alert.cancel.title"), text("alert.cancel.message"), {text("button.stop"), text("button.continue")}};
+    question.defaultButton = 1;
+    return question;
 }
 
-Alert resultAlert(bool success, const std::string &message, const std::string &details, bool showsOutputs) {
-    Alert alert{text(success ? "alert.conversion.success" : "alert.conversion.error"), message};
-    alert.style = success ? AlertStyle::informational : AlertStyle::warning;
-    alert.details = details;
-    if (showsOutputs)
+Alert resultAlert(const BatchEnd &end) {
+    const bool empty = end.isEmpty();
+    Alert alert{text(empty         ? "alert.nothing.title"
+                     : end.success ? "alert.conversion.success"
+                                   : "alert.conversion.error"),
+                empty ? reasonAndWayOn(end) : end.message};
+    alert.style = end.success && !empty ? AlertStyle::informational : AlertStyle::warning;
+    alert.details = end.details;
+    if (end.showsOutputs)
         alert.sideButton = text("button.show.in.folder");
     return alert;
 }

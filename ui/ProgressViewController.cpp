@@ -72,26 +72,42 @@ void ProgressViewController::connectProcessor() {
 void ProgressViewController::updateProgress(std::int64_t current, std::int64_t total, const std::string &fileName) {
     filesDone_ = current;
     filesTotal_ = total;
-    const double fraction = fractionOf(current, total);
-    overallProgress->setDoubleValue(fraction);
-    overallLabel->setText(toQString(filesText(current, total)));
+    firstReport_.reset();
+    showBatchFraction(fractionOf(current, total));
     fileCountLabel->setText(toQString(formatted("progress.filecount.format", current, total)));
     fileNameLabel->setText(toQString(formatted("progress.processing.format", fileName)));
     statusLabel->setText(toQString(text("progress.converting")));
     fileProgressBar->setIndeterminate(true);
-    fileProgressLabel->setText(toQString(text("progress.frame.calculating")));
+    fileProgressLabel->setText(toQString(workText(fileName)));
+}
+
+/// The bar, its words and whoever listens outside all tell the same share.
+void ProgressViewController::showBatchFraction(double fraction) {
+    fraction_ = fraction;
+    overallProgress->setDoubleValue(fraction);
+    overallLabel->setText(toQString(filesText(filesDone_, filesTotal_, fraction)));
     emit batchProgressed(fraction);
+}
+
+/// Frames per second of the current file, once a second of it has passed.
+std::optional<double> ProgressViewController::frameRate(std::int64_t current) {
+    const auto now = std::chrono::steady_clock::now();
+    if (!firstReport_)
+        firstReport_ = {now, current};
+    const double seconds = std::chrono::duration<double>(now - firstReport_->time).count();
+    const auto frames = static_cast<double>(current - firstReport_->frame);
+    return seconds >= 1 && frames > 0 ? std::optional(frames / seconds) : std::nullopt;
 }
 
 void ProgressViewController::updateFrameProgress(std::int64_t current, std::int64_t total) {
     fileProgressBar->setIndeterminate(total < 1);
-    fileProgressLabel->setText(toQString(framesText(current, total)));
+    fileProgressLabel->setText(toQString(framesText(current, total, frameRate(current))));
     if (total < 1)
         return;
     const double fraction = fractionOf(current, total);
     fileProgressBar->setDoubleValue(fraction);
     if (filesTotal_ > 0)
-        emit batchProgressed(batchFraction(filesDone_, filesTotal_, fraction));
+        showBatchFraction(batchFraction(filesDone_, filesTotal_, fraction));
 }
 
 void ProgressViewController::showSkipped(const std::string &fileName, const std::string &reason) {
@@ -100,11 +116,15 @@ void ProgressViewController::showSkipped(const std::string &fileName, const std:
     fileProgressBar->setIndeterminate(false);
     fileProgressBar->setDoubleValue(0);
     details_ += detailLine(fileName, reason);
+    ++skipped_;
+    skipReasons_.insert(reason);
 }
 
 void ProgressViewController::updateElapsedTime() {
-    if (startTime)
-        elapsedLabel->setText(toQString(elapsedText(std::chrono::steady_clock::now() - *startTime)));
+    if (!startTime)
+        return;
+    const auto elapsed = std::chrono::steady_clock::now() - *startTime;
+    elapsedLabel->setText(toQString(elapsedText(elapsed, timeLeft(elapsed, fraction_))));
 }
 
 void ProgressViewController::conversionFinished(bool success, const std::string &message) {
@@ -112,21 +132,34 @@ void ProgressViewController::conversionFinished(bool success, const std::string 
     if (isCancelled())
         return;
     state_ = State::finished;
-    withdrawQuestion();
+    delete question_; // at once: the alert at the end must know that it follows another one
+    elapsedLabel->setText(toQString(elapsedText(std::chrono::steady_clock::now() - *startTime)));
     fileProgressBar->setIndeterminate(false);
     fileProgressBar->setDoubleValue(1);
     overallProgress->setDoubleValue(1);
     overallLabel->setText(toQString(text("status.done")));
     fileProgressLabel->setText(toQString(text("status.done")));
+    fileCountLabel->setText(toQString(formatted("progress.filecount.format", filesTotal_, filesTotal_)));
     statusLabel->setText(toQString(message));
     turnIntoCloseButton();
+    const BatchEnd end = batchEnd(success, message);
+    const Alert result = resultAlert(end);
+    showEnd(success && !end.isEmpty() ? text("progress.title.done") : result.message);
     emit batchFinished(success, toQString(message));
-    showResult(success, message);
+    showResult(result);
 }
 
-void ProgressViewController::showResult(bool success, const std::string &message) {
+BatchEnd ProgressViewController::batchEnd(bool success, const std::string &message) const {
     const bool showsOutputs = !outputs_.empty() && services_.showInFolder;
-    const Alert alert = resultAlert(success, message, details_, showsOutputs);
+    return {success, message, details_, showsOutputs, skipped_, skipReasons_, !outputs_.empty()};
+}
+
+void ProgressViewController::showEnd(const std::string &title) {
+    titleLabel->setText(toQString(title));
+    setAccessibleName(toQString(title));
+}
+
+void ProgressViewController::showResult(const Alert &alert) {
     services_.alerts->present(alert, this, [this](int button) {
         if (button == AlertPresenter::sideButton)
             services_.showInFolder(settings->outputFolderURL.value_or(outputs_.front().parent_path()), outputs_);
@@ -149,14 +182,14 @@ void ProgressViewController::confirmCancel() {
         return;
     question_ = new QWidget(this);
     services_.alerts->present(stopQuestion(), question_, [this](int button) {
-        withdrawQuestion();
+        endQuestion();
         if (button == 0)
             stop();
     });
 }
 
-/// An alert goes with the widget that it was presented on.
-void ProgressViewController::withdrawQuestion() {
+/// An alert goes with the widget that it was presented on; here it is still telling its answer.
+void ProgressViewController::endQuestion() {
     if (question_)
         question_->deleteLater();
     question_ = nullptr;

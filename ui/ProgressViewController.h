@@ -3,13 +3,19 @@
 
 #include "engine/VideoProcessor.h"
 #include "ui/Points.h"
+#include "ui/ProgressTexts.h"
 #include "ui/Sheet.h"
+
+#include <QColor>
+#include <QPointer>
 
 #include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 class QLabel;
@@ -85,14 +91,19 @@ protected:
 private:
     void loadView();
     void buildInterface();
-    QLabel *addLabel(const char *name, QLabel *label, const QColor &colour);
+    ElidedLabel *addLabel(const char *name, const std::string &text, const QColor &colour);
     void layoutWidgets();
     void startProcessing();
     void connectProcessor();
     void confirmCancel();
-    void withdrawQuestion();
+    void endQuestion();
     void turnIntoCloseButton();
-    void showResult(bool success, const std::string &message);
+    void applyColours();
+    void showBatchFraction(double fraction);
+    std::optional<double> frameRate(std::int64_t current);
+    BatchEnd batchEnd(bool success, const std::string &message) const;
+    void showEnd(const std::string &title);
+    void showResult(const Alert &alert);
     void buttonPressed();
 
     std::shared_ptr<const ConversionSettings> settings;
@@ -112,9 +123,19 @@ private:
     QLabel *elapsedLabel = nullptr;
     QTimer *timerUpdateTimer = nullptr;
 
-    QWidget *question_ = nullptr; ///< stands for the stop confirmation while that is open
+    std::vector<std::pair<QLabel *, QColor>> labels_; ///< with their usual colours
+    QPointer<QWidget> question_;                      ///< stands for the stop confirmation while that is open
     std::int64_t filesDone_ = 0;
     std::int64_t filesTotal_ = 0;
+    double fraction_ = 0; ///< of the whole batch
+    /// Where the speed of the current file is counted from.
+    struct FrameReport {
+        std::chrono::steady_clock::time_point time;
+        std::int64_t frame = 0;
+    };
+    std::optional<FrameReport> firstReport_;
+    std::int64_t skipped_ = 0;
+    std::set<std::string> skipReasons_;
     std::vector<std::filesystem::path> outputs_;
     std::string details_; ///< what was skipped or failed, one file a line
 };

@@ -22,13 +22,18 @@ std::int64_t roundedUpTo16(std::int64_t size) {
     return size > std::numeric_limits<std::int64_t>::max() - missing ? size : size + missing;
 }
 
+bool isOddSize(const ConversionSettings &settings) {
+    return settings.resizeWidth % 2 != 0 || settings.resizeHeight % 2 != 0;
+}
+
 std::string resizePreview(const ConversionSettings &settings) {
     const std::int64_t width = settings.resizeWidth, height = settings.resizeHeight;
     const bool toSBS = settings.direction == ConversionDirection::spatialToSBS;
-    const std::int64_t output = toSBS && !settings.halfWidth ? doubled(width) : width;
-    std::string size = formatted("resize.preview.format", output, height, output / 2, height);
+    const std::int64_t output = settings.halfWidth ? width : doubled(width);
+    const std::string size = toSBS ? formatted("resize.preview.format", output, height, output / 2, height)
+                                   : formatted("resize.preview.spatial.format", width, height);
     const std::int64_t wide = roundedUpTo16(width), high = roundedUpTo16(height);
-    if (width % 2 != 0 || height % 2 != 0)
+    if (isOddSize(settings))
         return size + "  " + formatted("resize.warn.odd.format", wide, high);
     if (toSBS && (width % 16 != 0 || height % 16 != 0))
         return size + "  " + formatted("resize.warn.not16.format", wide, high);

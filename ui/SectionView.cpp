@@ -13,6 +13,7 @@ SectionView::SectionView(const QString &title, QWidget *parent) : QWidget(parent
     titleLabel->setAutoFillBackground(true);
     titleLabel->setBackgroundRole(QPalette::Window);
     titleLabel->setTextFormat(Qt::PlainText);
+    titleLabel->setAlignment(Qt::AlignCenter); // in line with what stands below it
     setAccessibleName(title);
 }
 

@@ -2,6 +2,7 @@
 #include "ui/SpatialCheck.h"
 
 #include "engine/MediaKinds.h"
+#include "engine/ProcessorError.h"
 #include "engine/Texts.h"
 #include "ui/BackgroundThreads.h"
 #include "ui/MainThreadQueue.h"
@@ -23,23 +24,50 @@ std::string valueLines(const StereoValues &values) {
     return lines;
 }
 
+/// What is not spatial is something else, or cannot be read at all.
+void lookAtPicture(const fs::path &file, SpatialFinding &finding) {
+    try {
+        finding.picture = pictureFacts(file);
+    } catch (const std::exception &error) {
+        finding.failure = errorMessage(error);
+    }
+}
+
+Alert whatItIs(const std::string &name, const SpatialFinding &finding, const std::vector<std::string> &buttons) {
+    if (!finding.failure.empty())
+        return {formatted("alert.check.unreadable.format", name), finding.failure, buttons};
+    if (finding.picture && finding.picture->looksSideBySide())
+        return {formatted("alert.check.side.by.side.format", name),
+                formatted("alert.check.side.by.side.size.format", finding.picture->width, finding.picture->height) +
+                    "\n" + text("alert.check.side.by.side.message"),
+                buttons,
+                {},
+                AlertStyle::informational};
+    return {formatted("alert.spatial.check.no.title", name), text("alert.spatial.check.no.message"), buttons};
+}
+
 } // namespace
 
 SpatialFinding inspectFile(const fs::path &file, const std::shared_ptr<const ConversionSettings> &settings) {
-    if (!isPhotoFile(file)) {
-        const StereoValues values = videoStereoValues(file);
-        return {values.stereoBaseline.has_value(), values};
+    SpatialFinding finding;
+    if (isPhotoFile(file)) {
+        finding.isSpatial = VideoProcessor(settings).isSpatialPhoto(file);
+        if (finding.isSpatial)
+            finding.values = photoStereoValues(file);
+    } else {
+        finding.values = videoStereoValues(file);
+        finding.isSpatial = finding.values.stereoBaseline.has_value();
     }
-    if (!VideoProcessor(settings).isSpatialPhoto(file))
-        return {};
-    return {true, photoStereoValues(file)};
+    if (!finding.isSpatial)
+        lookAtPicture(file, finding);
+    return finding;
 }
 
 Alert spatialCheckAlert(const fs::path &file, const SpatialFinding &finding) {
     const std::string name = file.filename().string();
     const std::vector<std::string> buttons{text("button.close")};
     if (!finding.isSpatial)
-        return {formatted("alert.spatial.check.no.title", name), text("alert.spatial.check.no.message"), buttons};
+        return whatItIs(name, finding, buttons);
     std::string lines = valueLines(finding.values);
     if (lines.empty())
         lines = text(isPhotoFile(file) ? "media.type.photo" : "media.type.video");
@@ -47,13 +75,13 @@ Alert spatialCheckAlert(const fs::path &file, const SpatialFinding &finding) {
 }
 
 void checkSpatialFile(const fs::path &file, QWidget *form, const std::shared_ptr<const ConversionSettings> &settings,
-                      const FormServices &services) {
+                      const FormServices &services, const std::function<void(const Alert &answer)> &answered) {
     const QPointer<QWidget> weak(form);
-    BackgroundThreads::shared().run("inspect", [=, inspect = services.inspect, alerts = services.alerts] {
+    BackgroundThreads::shared().run("inspect", [=, inspect = services.inspect] {
         const SpatialFinding finding = inspect ? inspect(file) : inspectFile(file, settings);
         MainThreadQueue::shared().post([=] {
             if (weak)
-                alerts->present(spatialCheckAlert(file, finding), weak, [](int) {});
+                answered(spatialCheckAlert(file, finding));
         });
     });
 }

@@ -16,8 +16,9 @@ SpatialFinding inspectFile(const std::filesystem::path &file,
 /// The alert that tells what was found.
 Alert spatialCheckAlert(const std::filesystem::path &file, const SpatialFinding &finding);
 
-/// Inspects a file beside the interface thread and shows the result on the form.
+/// Inspects a file beside the interface thread; the answer comes on it, unless the form has gone.
 void checkSpatialFile(const std::filesystem::path &file, QWidget *form,
-                      const std::shared_ptr<const ConversionSettings> &settings, const FormServices &services);
+                      const std::shared_ptr<const ConversionSettings> &settings, const FormServices &services,
+                      const std::function<void(const Alert &answer)> &answered);
 
 } // namespace lumetwin

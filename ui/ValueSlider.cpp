@@ -11,9 +11,9 @@ ValueSlider::ValueSlider(const StereoRange &range, QWidget *parent)
     : QSlider(Qt::Horizontal, parent), range_(range), stepsPerUnit_(std::pow(10, range.decimals)),
       doubleValue_(range.start) {
     setRange(position(range.minimum), position(range.maximum));
-    const int whole = maximum() - minimum();
-    setSingleStep(qMax(1, whole / 200));
-    setPageStep(qMax(1, whole / 20));
+    // What the field shows, and ten times that.
+    setSingleStep(1);
+    setPageStep(10);
     setDoubleValue(range.start);
     connect(this, &QSlider::valueChanged, this, &ValueSlider::follow);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/DropFolderView.h"
 #include "support/Scripted.h"
+#include "ui/DropIcon.h"
 #include "ui/DroppedFiles.h"
 #include "ui/Localized.h"
 #include "ui/Palettes.h"
@@ -55,7 +56,7 @@ protected:
         return enter(*mime) && drop(*mime);
     }
     QString label() { return control<QLabel>(view, "label").text(); }
-    QString icon() { return control<QLabel>(view, "iconLabel").text(); }
+    std::vector<Symbol> icon() { return control<DropIcon>(view, "iconLabel").symbols(); }
     QRgb ground() { return view.grab().toImage().pixelColor(view.width() / 2, 4).rgba(); }
 
     ScratchFolder scratch;
@@ -66,7 +67,7 @@ protected:
 
 TEST_F(DropView, IsEmptyAtFirst) {
     EXPECT_EQ(label(), QString::fromStdString(folderPlaceholder()));
-    EXPECT_EQ(icon(), QStringLiteral("📁"));
+    EXPECT_EQ(icon(), std::vector{Symbol::folder});
     EXPECT_FALSE(view.hasContent());
     view.setPlaceholder(QStringLiteral("Here"));
     EXPECT_EQ(label(), QStringLiteral("Here"));
@@ -74,7 +75,7 @@ TEST_F(DropView, IsEmptyAtFirst) {
 }
 
 TEST_F(DropView, LabelsStandInTheMiddle) {
-    EXPECT_EQ(control<QLabel>(view, "iconLabel").geometry(), QRect(8, 8, 22, 20));
+    EXPECT_EQ(control<QWidget>(view, "iconLabel").geometry(), QRect(8, 8, 22, 20));
     EXPECT_EQ(control<QLabel>(view, "label").geometry(), QRect(34, 9, 276, 18));
 }
 
@@ -85,7 +86,7 @@ TEST_F(DropView, OneFolderIsReportedAsAFolder) {
     EXPECT_EQ(folders, std::vector{folder});
     EXPECT_TRUE(fileSets.empty());
     EXPECT_EQ(label(), QStringLiteral("Holiday"));
-    EXPECT_EQ(icon(), QStringLiteral("📁"));
+    EXPECT_EQ(icon(), std::vector{Symbol::folder});
 }
 
 TEST_F(DropView, AnEmptyFolderIsTakenTooAndSoIsOneWithAMediaName) {
@@ -110,10 +111,58 @@ TEST_F(DropView, AFolderAmongFilesContributesItsMedia) {
 TEST_F(DropView, UnsupportedFilesAreRefusedAndLeaveWhatWasThere) {
     EXPECT_TRUE(drop({scratch.file("clip.mov")}));
     EXPECT_FALSE(drop({scratch.file("notes.txt"), scratch.file("data")}));
-    EXPECT_EQ(label(), QStringLiteral("clip.mov"));
     EXPECT_TRUE(view.hasContent());
     EXPECT_FALSE(view.isHighlighted());
     EXPECT_EQ(fileSets.size(), 1U);
+    EXPECT_TRUE(view.isRefusing());
+    EXPECT_EQ(label().toStdString(), text("drop.refused.no.media"));
+    EXPECT_NE(ground(), colour(0.08, 0.18, 0.1).rgba()) << "not green while it refuses";
+    EXPECT_TRUE(until([this] { return label() == QStringLiteral("clip.mov"); })) << "the refusal goes after a while";
+    EXPECT_FALSE(view.isRefusing());
+}
+
+TEST_F(DropView, ATargetForFoldersNeverTurnsGreenForFilesOrTwoFolders) {
+    view.takeOnlyFolders();
+    const QRgb empty = ground();
+    for (const std::vector<fs::path> &wrong :
+         {std::vector{scratch.file("clip.mov")}, std::vector{scratch.folder("a"), scratch.folder("b")},
+          std::vector{scratch.folder("a"), scratch.file("clip.mov")}}) {
+        const auto mime = carrying(wrong);
+        enter(*mime);
+        EXPECT_FALSE(view.isHighlighted()) << "it says at once that it will not take that";
+        EXPECT_FALSE(drop(*mime));
+        EXPECT_FALSE(view.hasContent());
+        EXPECT_TRUE(view.isRefusing());
+        EXPECT_EQ(label().toStdString(), text("drop.refused.no.folder"));
+        EXPECT_NE(ground(), colour(0.08, 0.18, 0.1).rgba());
+        EXPECT_NE(ground(), empty) << "visibly";
+    }
+    EXPECT_TRUE(folders.empty());
+    EXPECT_TRUE(fileSets.empty());
+    EXPECT_TRUE(drop({scratch.folder("a")}));
+    EXPECT_EQ(folders.size(), 1U);
+    EXPECT_EQ(label(), QStringLiteral("a"));
+}
+
+TEST_F(DropView, AFolderWithAnObjectionIsRefusedInItsWords) {
+    view.objection = [](const fs::path &folder) { return folder.filename() == "locked" ? "no way" : ""; };
+    EXPECT_FALSE(drop({scratch.folder("locked")}));
+    EXPECT_EQ(label(), QStringLiteral("no way"));
+    EXPECT_FALSE(view.hasContent());
+    EXPECT_TRUE(drop({scratch.folder("open")}));
+}
+
+TEST_F(DropView, AClickAsksForAChoice) {
+    int asked = 0;
+    view.onActivated = [&asked] { ++asked; };
+    QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(160, 18));
+    QTest::mouseClick(&control<QWidget>(view, "iconLabel"), Qt::LeftButton);
+    EXPECT_GE(asked, 1);
+    const int before = asked;
+    QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(160, 18));
+    QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(160, 18));
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(160, 80));
+    EXPECT_EQ(asked, before) << "let go outside, or with another button";
 }
 
 TEST_F(DropView, OneFileShowsItsNameAndMoreShowTheirNumber) {
@@ -126,10 +175,10 @@ TEST_F(DropView, OneFileShowsItsNameAndMoreShowTheirNumber) {
 }
 
 TEST_F(DropView, IconTellsPhotosVideosOrBoth) {
-    EXPECT_EQ(iconOfFiles({"a.jpg", "b.HEIC", "c.tif"}), QStringLiteral("🖼️"));
-    EXPECT_EQ(iconOfFiles({"a.mov", "b.mp4", "c.jpg"}), QStringLiteral("🎬🖼️"));
-    EXPECT_EQ(iconOfFiles({"a.mov", "b.mp4"}), QStringLiteral("🎬"));
-    EXPECT_EQ(iconOfFiles({"a.txt"}), QStringLiteral("🎬"));
+    EXPECT_EQ(symbolsOfFiles({"a.jpg", "b.HEIC", "c.tif"}), std::vector{Symbol::picture});
+    EXPECT_EQ(symbolsOfFiles({"a.mov", "b.mp4", "c.jpg"}), (std::vector{Symbol::film, Symbol::picture}));
+    EXPECT_EQ(symbolsOfFiles({"a.mov", "b.mp4"}), std::vector{Symbol::film});
+    EXPECT_EQ(symbolsOfFiles({"a.txt"}), std::vector{Symbol::film});
 }
 
 TEST_F(DropView, HasThreeLooks) {

@@ -7,6 +7,7 @@
 #include "ui/Palettes.h"
 #include "ui/Points.h"
 #include "ui/PreflightChecks.h"
+#include "ui/ProgressTexts.h"
 #include "ui/ProgressViewController.h"
 #include "ui/ScaledStyle.h"
 #include "ui/SpatialCheck.h"
@@ -18,8 +19,11 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionButton>
 
@@ -61,7 +65,9 @@ protected:
     /// The width that a widget's text needs.
     static int wanted(const QWidget &widget) {
         if (const auto *label = qobject_cast<const QLabel *>(&widget))
-            return label->wordWrap() ? 0 : label->fontMetrics().horizontalAdvance(label->text());
+            return label->wordWrap() ? 0 : label->fontMetrics().horizontalAdvance(plain(label->text()));
+        if (const auto *button = qobject_cast<const QPushButton *>(&widget)) // its edges may come close
+            return button->fontMetrics().horizontalAdvance(plain(button->text())) + 6;
         if (qobject_cast<const QAbstractButton *>(&widget) || qobject_cast<const QComboBox *>(&widget))
             return widget.sizeHint().width();
         if (const auto *field = qobject_cast<const QLineEdit *>(&widget))
@@ -73,7 +79,8 @@ protected:
         for (const QWidget *widget : window.findChildren<QWidget *>()) {
             if (!widget->isVisibleTo(&window) || qobject_cast<const ElidedLabel *>(widget))
                 continue;
-            EXPECT_LE(wanted(*widget), widget->width()) << nameOf(*widget);
+            EXPECT_LE(wanted(*widget), widget->width())
+                << nameOf(*widget) << " " << widget->accessibleName().toStdString();
             const auto *label = qobject_cast<const QLabel *>(widget);
             if (label && label->wordWrap()) {
                 EXPECT_LE(label->heightForWidth(label->width()), label->height()) << label->text().toStdString();
@@ -81,19 +88,39 @@ protected:
         }
     }
 
-    /// Siblings must not lie upon each other; a section's title keeps its place above all else.
+    /// No two visible widgets of a window lie upon each other, at whatever depth, but a widget and what it holds.
     static void expectNoOverlaps(const QWidget &window) {
-        for (const QWidget *parent : window.findChildren<QWidget *>()) {
-            const QList<QWidget *> children = parent->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
-            for (qsizetype i = 0; i < children.size(); ++i)
-                for (qsizetype j = i + 1; j < children.size(); ++j)
-                    if (children[i]->isVisibleTo(&window) && children[j]->isVisibleTo(&window) &&
-                        !nameOf(*children[i]).empty() &&
-                        children[i]->parentWidget()->inherits("lumetwin::SectionView") &&
-                        !qobject_cast<QRadioButton *>(children[j])) {
-                        EXPECT_FALSE(children[i]->geometry().intersects(children[j]->geometry()))
-                            << nameOf(*children[i]) << " and " << nameOf(*children[j]);
-                    }
+        QList<const QWidget *> shown;
+        for (const QWidget *widget : window.findChildren<QWidget *>())
+            if (widget->isVisibleTo(&window) && !widget->isWindow() && widget->window() == window.window())
+                shown << widget;
+        // What is scrolled away hides behind the rest of the window.
+        const auto place = [&window](const QWidget *widget) {
+            return widget->visibleRegion().boundingRect().translated(widget->mapTo(&window, QPoint()));
+        };
+        for (qsizetype i = 0; i < shown.size(); ++i)
+            for (qsizetype j = i + 1; j < shown.size(); ++j)
+                if (!shown[i]->isAncestorOf(shown[j]) && !shown[j]->isAncestorOf(shown[i])) {
+                    EXPECT_FALSE(place(shown[i]).intersects(place(shown[j])))
+                        << nameOf(*shown[i]) << " and " << nameOf(*shown[j]);
+                }
+    }
+
+    /// That the words of a dialog have the room that they need.
+    static void expectWordsHaveRoom(const QWidget &dialog) {
+        for (const QLabel *label : dialog.findChildren<QLabel *>()) {
+            if (label->text().isEmpty() || !label->isVisible())
+                continue;
+            if (label->wordWrap()) {
+                EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+            } else {
+                const QSize room = label->contentsRect().size(), needed = label->fontMetrics().size(0, label->text());
+                EXPECT_GE(room.width(), needed.width()) << label->text().toStdString();
+                EXPECT_GE(room.height(), needed.height()) << label->text().toStdString();
+            }
+        }
+        for (const QAbstractButton *button : dialog.findChildren<QAbstractButton *>()) {
+            EXPECT_GE(button->width(), button->sizeHint().width()) << button->text().toStdString();
         }
     }
 
@@ -120,6 +147,49 @@ TEST_P(Looks, NothingInTheFormIsCutOffOrOverlaps) {
     }
 }
 
+TEST_P(Looks, NothingIsCutOffAtTheSmallestWidth) {
+    MainViewController form(stage.services());
+    const PointScale scale = PointScale::current();
+    for (const double height : {760.0, 600.0}) {
+        form.resize(scale.horizontal(680), scale.vertical(height));
+        form.show();
+        control<QCheckBox>(form, "enableResizeCheck").setChecked(true);
+        for (const char *direction : {"sbsToSpatialButton", "spatialToSBSButton"}) {
+            control<QRadioButton>(form, direction).click();
+            settle();
+            expectNothingCutOff(form);
+            expectNoOverlaps(form);
+            EXPECT_EQ(control<QScrollArea>(form, "scrollView").horizontalScrollBar()->maximum(), 0);
+        }
+    }
+}
+
+TEST_P(Looks, NoAlertCutsItsWordsOff) {
+    ConversionSettings odd;
+    odd.enableResize = true;
+    odd.resizeWidth = 1921;
+    BatchEnd skipped{.success = true, .skipped = 12};
+    skipped.skipReasons = {text("status.skipped.not.spatial")};
+    const std::string name = "A name of some length, as cameras and people give them.mov";
+    for (const Alert &alert :
+         {Alert{text("error.no.input.folder")}, Alert{text("error.no.output.folder")}, *oddResizeSize(odd),
+          *directionMismatch(ConversionDirection::spatialToSBS, 2, 0),
+          *directionMismatch(ConversionDirection::sbsToSpatial, 2, 1), overwriteQuestion({"a_sbs.mp4", name}),
+          Alert{text("alert.avi.title"), text("alert.avi.noresize.message"), {text("alert.avi.enable.resize")}},
+          Alert{formatted("error.output.unwritable.format", name), text("error.output.unwritable.message")},
+          spatialCheckAlert(name, {}), spatialCheckAlert(name, {true, {63.4, 19.24, 2.0}}), resultAlert(skipped),
+          stopQuestion()}) {
+        QWidget window;
+        window.show();
+        MessageBoxPresenter().present(alert, &window, [](int) {});
+        settle();
+        const auto *box = window.findChild<QMessageBox *>();
+        ASSERT_TRUE(box);
+        expectWordsHaveRoom(*box);
+        expectNoOverlaps(*box);
+    }
+}
+
 TEST_P(Looks, NothingInTheSheetIsCutOff) {
     FormServices services = stage.services();
     services.runBatch = [](VideoProcessor &) {};
@@ -136,6 +206,7 @@ TEST_P(Looks, NothingInTheSheetIsCutOff) {
     *sheet.startTime -= std::chrono::hours(30);
     sheet.updateElapsedTime();
     settle();
+    expectNoOverlaps(sheet);
     for (const QLabel *label : sheet.findChildren<QLabel *>())
         EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width()) << nameOf(*label);
     sheet.stop();

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Texts.h"
-#include "support/Scripted.h"
+#include "support/FormFixture.h"
 #include "ui/DropFolderView.h"
 #include "ui/ElidedLabel.h"
 #include "ui/MainViewController.h"
+#include "ui/NumberField.h"
+#include "ui/Palettes.h"
 #include "ui/PreflightChecks.h"
+#include "ui/ProgressViewController.h"
 #include "ui/ResizePreview.h"
 #include "ui/SectionView.h"
 #include "ui/ValueSlider.h"
@@ -12,12 +15,12 @@
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
 
@@ -25,34 +28,6 @@ namespace lumetwin::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-class MainForm : public testing::Test {
-protected:
-    MainForm() : form(stage.services()) {
-        form.resize(720, 860);
-        form.show();
-        settle();
-    }
-
-    template <typename Widget> Widget &find(const char *name) { return control<Widget>(form, name); }
-    QLineEdit &field(const char *name) { return find<QLineEdit>(name); }
-    ValueSlider &slider(const char *name) { return find<ValueSlider>(name); }
-    QString label(const char *name) { return find<QLabel>(name).text(); }
-    void type(const char *name, const char *text) {
-        field(name).setFocus();
-        field(name).selectAll();
-        QTest::keyClicks(&field(name), QLatin1String(text));
-    }
-    void choose(const std::vector<fs::path> &paths) {
-        stage.panels->choice = paths;
-        find<QPushButton>("inputSelectBtn").click();
-    }
-
-    Stage stage;
-    ScratchFolder scratch;
-    MainViewController form;
-    ConversionSettings &settings = *form.settings;
-};
 
 TEST_F(MainForm, StartsWithTheDefaultsOfTheSettings) {
     EXPECT_TRUE(find<QRadioButton>("spatialToSBSButton").isChecked());
@@ -72,7 +47,7 @@ TEST_F(MainForm, StartsWithTheDefaultsOfTheSettings) {
         EXPECT_FALSE(find<QCheckBox>(off).isChecked()) << off;
     EXPECT_EQ(field("resizeWidthField").text(), QStringLiteral("1920"));
     EXPECT_EQ(field("resizeHeightField").text(), QStringLiteral("1080"));
-    EXPECT_EQ(label("titleLabel"), QStringLiteral("🎬  Lumetwin"));
+    EXPECT_EQ(label("titleLabel"), QStringLiteral("Lumetwin"));
     EXPECT_EQ(label("inputPathLabel"), QStringLiteral("Nothing selected"));
     EXPECT_EQ(find<QPushButton>("startButton").text(), QStringLiteral("▶  Start Conversion"));
 }
@@ -110,68 +85,6 @@ TEST_F(MainForm, DirectionSwitchesTheOptions) {
     QTest::keyClick(&find<QRadioButton>("sbsToSpatialButton"), Qt::Key_Up);
     EXPECT_EQ(settings.direction, ConversionDirection::spatialToSBS) << "arrow keys choose as well";
     EXPECT_EQ(find<SectionView>("optionsSection").height(), 180);
-}
-
-TEST_F(MainForm, SlidersWriteIntoSettingAndField) {
-    slider("fovSlider").setValue(905);
-    EXPECT_EQ(settings.horizontalFOV, 90.5);
-    EXPECT_EQ(field("fovField").text(), QStringLiteral("90.5"));
-    slider("disparitySlider").setValue(-1234);
-    EXPECT_EQ(settings.disparityAdjustment, -12.34);
-    EXPECT_EQ(field("disparityField").text(), QStringLiteral("-12.34"));
-    slider("baselineSlider").setValue(slider("baselineSlider").maximum());
-    EXPECT_EQ(settings.stereoBaseline, 200);
-    EXPECT_EQ(field("baselineField").text(), QStringLiteral("200.00"));
-}
-
-TEST_F(MainForm, FieldOfViewIsTakenUpTo180) {
-    find<QRadioButton>("sbsToSpatialButton").click();
-    settings.horizontalFOV = 63.4;
-    type("fovField", "200");
-    EXPECT_EQ(settings.horizontalFOV, 20) << "\"20\" on the way was in the range";
-    EXPECT_EQ(field("fovField").text(), QStringLiteral("200"));
-    EXPECT_EQ(slider("fovSlider").doubleValue(), 20);
-    type("fovField", "180");
-    EXPECT_EQ(settings.horizontalFOV, 180);
-    EXPECT_EQ(slider("fovSlider").doubleValue(), 180);
-}
-
-TEST_F(MainForm, TextOutOfTheRangeChangesNothing) {
-    field("fovField").setText(QStringLiteral("200"));
-    EXPECT_EQ(settings.horizontalFOV, 63.4);
-    EXPECT_EQ(slider("fovSlider").doubleValue(), 63.4);
-    for (const char *text : {"9.9", "180.1", "", "wide", "63,4"}) {
-        field("fovField").setText(QLatin1String(text));
-        EXPECT_EQ(settings.horizontalFOV, 63.4) << text;
-        EXPECT_EQ(field("fovField").text(), QLatin1String(text)) << "the text stays as typed";
-    }
-    field("disparityField").setText(QStringLiteral("-100"));
-    EXPECT_EQ(settings.disparityAdjustment, -100);
-    EXPECT_EQ(slider("disparitySlider").doubleValue(), -100);
-    field("disparityField").setText(QStringLiteral("-100.5"));
-    EXPECT_EQ(settings.disparityAdjustment, -100);
-    field("baselineField").setText(QStringLiteral("0.5"));
-    EXPECT_EQ(settings.stereoBaseline, 19.24);
-    field("baselineField").setText(QStringLiteral("1"));
-    EXPECT_EQ(settings.stereoBaseline, 1);
-}
-
-TEST_F(MainForm, FieldsTakeMoreDecimalsThanTheSlidersShow) {
-    field("fovField").setText(QStringLiteral("63.4567"));
-    EXPECT_EQ(settings.horizontalFOV, 63.4567);
-    EXPECT_EQ(slider("fovSlider").doubleValue(), 63.4567);
-    EXPECT_EQ(field("fovField").text(), QStringLiteral("63.4567"));
-}
-
-TEST_F(MainForm, ZeroAndLettersLeaveTheResizeSize) {
-    for (const char *text : {"0", "-5", "abc", "", "12.5", "99999999999999999999"}) {
-        field("resizeWidthField").setText(QLatin1String(text));
-        field("resizeHeightField").setText(QLatin1String(text));
-        EXPECT_EQ(settings.resizeWidth, 1920) << text;
-        EXPECT_EQ(settings.resizeHeight, 1080) << text;
-    }
-    field("resizeWidthField").setText(QStringLiteral("+640"));
-    EXPECT_EQ(settings.resizeWidth, 640);
 }
 
 TEST_F(MainForm, ResizePreviewFollowsEveryChange) {
@@ -244,8 +157,8 @@ TEST_F(MainForm, StandsWhereItShould) {
     EXPECT_EQ(find<QWidget>("inputSelectBtn").geometry(), QRect(344, 26, 150, 32));
     EXPECT_EQ(find<QWidget>("checkSpatialBtn").geometry(), QRect(504, 26, 150, 32));
     EXPECT_EQ(find<QWidget>("inputPathLabel").geometry(), QRect(14, 70, 650, 18));
-    EXPECT_EQ(find<QWidget>("spatialToSBSButton").geometry(), QRect(16, 18, 380, 22));
-    EXPECT_EQ(find<QWidget>("sbsToSpatialButton").geometry(), QRect(16, 44, 380, 22));
+    EXPECT_EQ(find<QWidget>("spatialToSBSButton").geometry(), QRect(16, 22, 380, 22));
+    EXPECT_EQ(find<QWidget>("sbsToSpatialButton").geometry(), QRect(16, 46, 380, 22));
 }
 
 TEST_F(MainForm, ScrollsToTheTopAfterLayingOut) {
@@ -351,24 +264,36 @@ TEST_F(MainForm, AVIWithoutResizingIsWarnedOfAtOnce) {
     EXPECT_EQ(stage.alerts->shown.size(), 2U) << "with resizing on there is nothing to warn of";
 }
 
-TEST_F(MainForm, SlidersTellTheirRealValue) {
-    auto *interface = QAccessible::queryAccessibleInterface(&slider("fovSlider"));
-    ASSERT_TRUE(interface->valueInterface());
-    EXPECT_EQ(interface->valueInterface()->currentValue().toDouble(), 63.4);
-    EXPECT_EQ(interface->valueInterface()->maximumValue().toDouble(), 180);
-    interface->valueInterface()->setCurrentValue(90.0);
-    EXPECT_EQ(settings.horizontalFOV, 90);
+TEST_F(MainForm, AnOutputFolderThatCannotBeWrittenToIsRefusedWhenItIsChosen) {
+    stage.panels->choice = {"/proc"};
+    find<QPushButton>("outputSelectBtn").click();
+    ASSERT_EQ(stage.alerts->shown.size(), 1U);
+    EXPECT_EQ(stage.alerts->shown.front().message, formatted("error.output.unwritable.format", std::string("proc")));
+    EXPECT_FALSE(settings.outputFolderURL);
+    auto &box = find<DropFolderView>("outputDropView");
+    EXPECT_FALSE(box.hasContent());
+    EXPECT_FALSE(box.acceptPaths({"/proc"})) << "nor when it is dropped";
+    EXPECT_FALSE(settings.outputFolderURL);
+    EXPECT_TRUE(box.isRefusing());
 }
 
-TEST_F(MainForm, WheelScrollsTheFormAndChangesNoMenu) {
-    form.resize(720, 500);
-    settle();
-    find<QRadioButton>("spatialToSBSButton").setFocus();
-    auto &popup = find<QComboBox>("formatPopup");
-    QWheelEvent wheel(QPointF(5, 5), popup.mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, -120), Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&popup, &wheel);
-    EXPECT_EQ(popup.currentIndex(), 0);
+TEST_F(MainForm, AVIFilesAreAskedAboutOnce) {
+    const fs::path file = scratch.file("old.avi");
+    stage.alerts->answers = {1};
+    choose({file});
+    settings.outputFolderURL = scratch.folder("out");
+    EXPECT_EQ(stage.alerts->shown.size(), 1U);
+    stage.alerts->answers = {1, 1};
+    find<QPushButton>("startButton").click();
+    EXPECT_TRUE(until([this] { return form.progressSheet() || stage.alerts->shown.size() > 2; }));
+    for (std::size_t later = 1; later < stage.alerts->shown.size(); ++later)
+        EXPECT_NE(stage.alerts->shown[later].message, text("alert.avi.title"));
+    ASSERT_TRUE(until([this] { return form.progressSheet() && !form.isConverting(); }));
+    form.progressSheet()->closeTapped();
+    ASSERT_TRUE(until([this] { return find<QPushButton>("startButton").isEnabled(); }));
+    stage.alerts->answers = {1};
+    choose({scratch.file("another.avi")});
+    EXPECT_EQ(stage.alerts->shown.back().message, text("alert.avi.title")) << "of another input again";
 }
 
 TEST(SectionView, TitleFitsItsText) {

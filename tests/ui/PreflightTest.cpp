@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Texts.h"
-#include "support/Scripted.h"
-#include "ui/BackgroundThreads.h"
-#include "ui/MainViewController.h"
+#include "support/PreflightFixture.h"
+#include "ui/NumberField.h"
 #include "ui/PreflightChecks.h"
 #include "ui/ProgressViewController.h"
 #include "ui/ValueSlider.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
-#include <QProgressBar>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -23,47 +21,6 @@ namespace lumetwin::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-class Preflight : public testing::Test {
-protected:
-    Preflight() {
-        services = stage.services();
-        services.runBatch = [](VideoProcessor &) {};
-    }
-    ~Preflight() override {
-        form.reset();
-        BackgroundThreads::shared().waitForAll(patience);
-        settle();
-    }
-
-    MainViewController &open() {
-        form = std::make_unique<MainViewController>(services);
-        form->resize(720, 860);
-        form->show();
-        form->settings->inputFolderURL = input;
-        form->settings->outputFolderURL = output;
-        return *form;
-    }
-    void put(std::initializer_list<const char *> names) const {
-        for (const char *name : names)
-            std::ofstream(input / name) << "x";
-    }
-    /// Presses start and waits until an alert or the sheet has come.
-    void start() {
-        const std::size_t before = stage.alerts->shown.size();
-        control<QPushButton>(*form, "startButton").click();
-        EXPECT_TRUE(until([&] { return form->progressSheet() || stage.alerts->shown.size() > before; }));
-        settle();
-    }
-    const Alert &alert() { return stage.alerts->shown.back(); }
-
-    Stage stage;
-    FormServices services;
-    ScratchFolder scratch;
-    fs::path input = scratch.folder("in");
-    fs::path output = scratch.folder("out");
-    std::unique_ptr<MainViewController> form;
-};
 
 TEST_F(Preflight, NeedsAnInputThenAnOutput) {
     open().settings->inputFolderURL.reset();
@@ -102,6 +59,27 @@ TEST_F(Preflight, ResizeSizesAreCommittedOnlyWhileResizing) {
     form->settings->resizeWidth = 1920;
     form->commitFields();
     EXPECT_EQ(form->settings->resizeWidth, 1920);
+}
+
+TEST_F(Preflight, StartNamesTheFieldThatHoldsSomethingElse) {
+    open();
+    control<QRadioButton>(*form, "sbsToSpatialButton").click();
+    auto &field = control<NumberField>(*form, "fovField");
+    field.setText(QStringLiteral("200"));
+    stage.alerts->answers = {0};
+    start();
+    EXPECT_EQ(alert().message, formatted("error.field.format", text("option.fov")));
+    EXPECT_EQ(alert().informative, formatted("field.range.format", std::string("10"), std::string("180")));
+    EXPECT_FALSE(form->progressSheet());
+    EXPECT_EQ(form->focusWidget(), &field);
+    field.setText(QStringLiteral("100"));
+    control<QCheckBox>(*form, "enableResizeCheck").click();
+    control<QLineEdit>(*form, "resizeHeightField").setText(QStringLiteral("tall"));
+    start();
+    EXPECT_EQ(alert().message, formatted("error.field.format", text("resize.eye.height")));
+    control<QCheckBox>(*form, "enableResizeCheck").click();
+    start();
+    EXPECT_TRUE(form->progressSheet()) << "a field that is not in use is not asked about";
 }
 
 TEST_F(Preflight, OrdinaryVideosTowardsSBSAreQuestioned) {
@@ -238,9 +216,16 @@ TEST(OverwriteQuestion, ListsFiveNamesAndTheNumberOfTheRest) {
     const Alert question = overwriteQuestion(seven);
     EXPECT_EQ(question.message, text("alert.overwrite.title"));
     EXPECT_EQ(question.informative, formatted("alert.overwrite.message.format", "1\n2\n3\n4\n5\n" + more));
-    EXPECT_EQ(question.buttons, (std::vector{text("button.overwrite"), text("button.cancel")}));
+    EXPECT_EQ(question.buttons, (std::vector{text("button.overwrite"), text("button.cancel"), text("button.keep.both"),
+                                             text("button.skip")}));
+    EXPECT_EQ(question.defaultButton, 1) << "Enter replaces nothing";
     EXPECT_EQ(overwriteQuestion({seven.begin(), seven.begin() + 5}).informative,
               formatted("alert.overwrite.message.format", std::string("1\n2\n3\n4\n5")));
+}
+
+TEST(OverwriteQuestion, AllNamesAreListedInOrderOnDemand) {
+    EXPECT_EQ(overwriteQuestion({"f", "b", "e", "a", "d", "c"}).details, "a\nb\nc\nd\ne\nf\n");
+    EXPECT_TRUE(overwriteQuestion({"f", "b", "e", "a", "d"}).details.empty()) << "the message names them all";
 }
 
 TEST_F(Preflight, OverwritingIsAskedForLast) {
@@ -256,6 +241,25 @@ TEST_F(Preflight, OverwritingIsAskedForLast) {
     EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
 }
 
+TEST_F(Preflight, WhatExistsIsReplacedKeptOrSkippedAsTheUserSays) {
+    put({"spatial.mov"});
+    std::ofstream(output / "spatial_sbs.mp4") << "x";
+    for (const auto &[button, wanted] :
+         {std::pair{0, OnExisting::replace}, {2, OnExisting::keepBoth}, {3, OnExisting::skip}}) {
+        open();
+        stage.alerts->answers = {button};
+        start();
+        EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+        EXPECT_EQ(form->settings->onExisting, wanted);
+    }
+    fs::remove(output / "spatial_sbs.mp4");
+    form->progressSheet()->conversionFinished(true, "done");
+    form->progressSheet()->closeTapped();
+    EXPECT_TRUE(until([&] { return control<QPushButton>(*form, "startButton").isEnabled(); }));
+    start();
+    EXPECT_EQ(form->settings->onExisting, OnExisting::replace) << "an earlier answer is not for later runs";
+}
+
 TEST_F(Preflight, AnAnswerAfterTheFormHasGoneDoesNothing) {
     put({"spatial.mov"});
     std::ofstream(output / "spatial_sbs.mp4") << "x";
@@ -266,58 +270,6 @@ TEST_F(Preflight, AnAnswerAfterTheFormHasGoneDoesNothing) {
     answer(0);
 }
 
-TEST_F(Preflight, AThousandCandidatesDoNotFreezeTheWindow) {
-    for (int i = 0; i < 1000; ++i)
-        std::ofstream(input / ("clip" + std::to_string(i) + ".mp4")) << "x";
-    std::atomic<int> tested{0};
-    std::atomic<bool> hold{true};
-    services.isSpatialVideo = [&](const VideoProcessor &, const fs::path &) {
-        while (hold && tested == 500)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        ++tested;
-        return true;
-    };
-    open();
-    control<QPushButton>(*form, "startButton").click();
-    QProgressDialog *waiting = nullptr;
-    ASSERT_TRUE(until([&] { return (waiting = form->findChild<QProgressDialog *>()) && waiting->value() == 500; }))
-        << "the interface goes on working while the candidates are tested";
-    EXPECT_TRUE(waiting->isModal());
-    EXPECT_EQ(waiting->findChild<QProgressBar *>()->accessibleName().toStdString(), text("spoken.check.progress"));
-    EXPECT_EQ(waiting->labelText().toStdString(),
-              formatted("check.videos.format", std::int64_t(500), std::int64_t(1000)));
-    hold = false;
-    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
-    EXPECT_EQ(tested, 1000) << "all of them, not a sample";
-    EXPECT_FALSE(form->findChild<QProgressDialog *>());
-}
-
-TEST_F(Preflight, TheTestOfTheCandidatesCanBeGivenUp) {
-    put({"a.mp4", "b.mp4", "c.mp4"});
-    std::atomic<bool> hold{true};
-    std::atomic<int> tested{0};
-    services.isSpatialVideo = [&](const VideoProcessor &, const fs::path &) {
-        while (hold)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        ++tested;
-        return false;
-    };
-    open();
-    control<QPushButton>(*form, "startButton").click();
-    QProgressDialog *waiting = nullptr;
-    ASSERT_TRUE(until([&] { return (waiting = form->findChild<QProgressDialog *>()) != nullptr; }));
-    waiting->findChild<QPushButton *>()->click();
-    hold = false;
-    settle();
-    EXPECT_TRUE(BackgroundThreads::shared().waitForAll(patience));
-    settle();
-    EXPECT_EQ(tested, 1);
-    EXPECT_TRUE(stage.alerts->shown.empty());
-    EXPECT_FALSE(form->progressSheet());
-    start();
-    EXPECT_EQ(alert().message, text("alert.direction.spatial2sbs.title")) << "start works again";
-}
-
 TEST_F(Preflight, TheSheetCoversTheFormAndGivesItBack) {
     services.runBatch = [](VideoProcessor &processor) { processor.onComplete(true, "done"); };
     open();
@@ -325,6 +277,9 @@ TEST_F(Preflight, TheSheetCoversTheFormAndGivesItBack) {
     start();
     ASSERT_TRUE(form->progressSheet());
     EXPECT_FALSE(scroll.isEnabled());
+    EXPECT_FALSE(control<QPushButton>(*form, "startButton").isEnabled());
+    EXPECT_TRUE(form->progressSheet()->parentWidget()->geometry().contains(
+        control<QPushButton>(*form, "startButton").geometry()));
     EXPECT_TRUE(until([&] { return !form->isConverting(); }));
     EXPECT_FALSE(scroll.isEnabled()) << "until the sheet is closed";
     form->progressSheet()->closeTapped();

@@ -1,86 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/Texts.h"
-#include "support/Scripted.h"
-#include "ui/BackgroundThreads.h"
-#include "ui/BarIndicator.h"
-#include "ui/ColouredButton.h"
+#include "support/SheetFixture.h"
 #include "ui/MainThreadQueue.h"
 #include "ui/Palettes.h"
-#include "ui/ProgressViewController.h"
 
 #include <QAccessible>
-#include <QLabel>
-#include <QPointer>
 #include <QTest>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 
 namespace lumetwin::test {
 namespace {
 
 using std::chrono::seconds;
-
-/// A gate that a batch waits at until the test opens it.
-class Gate {
-public:
-    void open() {
-        const std::lock_guard guard(lock_);
-        isOpen_ = true;
-        opened_.notify_all();
-    }
-    void pass() {
-        std::unique_lock guard(lock_);
-        opened_.wait(guard, [this] { return isOpen_; });
-    }
-
-private:
-    std::mutex lock_;
-    std::condition_variable opened_;
-    bool isOpen_ = false;
-};
-
-class ProgressSheet : public testing::Test {
-protected:
-    ~ProgressSheet() override {
-        gate->open();
-        delete sheet;
-        BackgroundThreads::shared().waitForAll(patience);
-        settle();
-    }
-
-    /// A sheet whose batch waits at the gate and then does what is asked of it.
-    void start(BatchRun batch = [](VideoProcessor &) {}) {
-        services.alerts = &alerts;
-        services.run = [gate = gate, batch](VideoProcessor &processor) {
-            gate->pass();
-            batch(processor);
-        };
-        services.runEnded = [ended = ended] { *ended = true; };
-        auto settings = std::make_shared<ConversionSettings>();
-        settings->outputFolderURL = "/x/out";
-        sheet = new ProgressViewController(settings, services);
-        QObject::connect(sheet, &ProgressViewController::dismissed, sheet, [this] { ++dismissals; });
-        sheet->viewDidLoad();
-        sheet->show();
-    }
-    std::string label(const char *name) { return control<QLabel>(*sheet, name).text().toStdString(); }
-    BarIndicator &bar(const char *name) { return control<BarIndicator>(*sheet, name); }
-    ColouredButton &button() { return control<ColouredButton>(*sheet, "cancelButton"); }
-    bool timerRuns() { return sheet->findChild<QTimer *>()->isActive(); }
-
-    ScriptedAlerts alerts;
-    ProgressViewController::Services services;
-    std::shared_ptr<Gate> gate = std::make_shared<Gate>();
-    std::shared_ptr<bool> ended = std::make_shared<bool>(false);
-    QPointer<ProgressViewController> sheet;
-    int dismissals = 0;
-};
 
 TEST_F(ProgressSheet, BeginsWithItsInitialTexts) {
     start();
@@ -179,55 +114,47 @@ TEST_F(ProgressSheet, MinutesAreNotWrappedIntoHours) {
     EXPECT_NE(label("elapsedLabel").find("62:05"), std::string::npos);
 }
 
-TEST_F(ProgressSheet, FinishesWithAnAlertAndACloseButton) {
+TEST_F(ProgressSheet, BarsWordsAndTitleTellTheSameShare) {
     start();
-    sheet->conversionFinished(true, "Converted: 2, failed: 0");
-    EXPECT_FALSE(timerRuns());
-    EXPECT_EQ(bar("fileProgressBar").doubleValue(), 1);
-    EXPECT_EQ(bar("overallProgress").doubleValue(), 1);
-    EXPECT_EQ(label("overallLabel"), text("status.done"));
-    EXPECT_EQ(label("fileProgressLabel"), text("status.done"));
-    EXPECT_EQ(label("statusLabel"), "Converted: 2, failed: 0");
-    EXPECT_EQ(button().text(), QString::fromUtf8("✓  ") + QString::fromStdString(text("button.close")));
-    EXPECT_EQ(button().colour().rgba(), colour(0.15, 0.5, 0.25).rgba());
-    ASSERT_EQ(alerts.shown.size(), 1U);
-    EXPECT_EQ(alerts.shown.front().message, text("alert.conversion.success"));
-    EXPECT_EQ(alerts.shown.front().informative, "Converted: 2, failed: 0");
-    EXPECT_EQ(alerts.shown.front().style, AlertStyle::informational);
-    EXPECT_TRUE(alerts.shown.front().buttons.empty());
-    alerts.answer(0);
-    EXPECT_EQ(dismissals, 0) << "the sheet stays until it is closed";
-    button().click();
-    EXPECT_EQ(dismissals, 1) << "and closing it asks nothing";
-    EXPECT_EQ(alerts.shown.size(), 1U);
+    double told = 0;
+    QObject::connect(sheet, &ProgressViewController::batchProgressed, sheet, [&](double share) { told = share; });
+    sheet->updateProgress(1, 4, "b.mov");
+    sheet->updateFrameProgress(50, 100);
+    EXPECT_EQ(told, 0.375);
+    EXPECT_EQ(bar("overallProgress").doubleValue(), told);
+    EXPECT_EQ(label("overallLabel"),
+              formatted("progress.files.format", std::int64_t(1), std::int64_t(4), std::int64_t(37)));
 }
 
-TEST_F(ProgressSheet, FailureIsToldAsAWarning) {
+TEST_F(ProgressSheet, TellsTheTimeLeft) {
     start();
-    sheet->conversionFinished(false, "Converted: 1, failed: 1");
-    ASSERT_EQ(alerts.shown.size(), 1U);
-    EXPECT_EQ(alerts.shown.front().message, text("alert.conversion.error"));
-    EXPECT_EQ(alerts.shown.front().style, AlertStyle::warning);
+    sheet->updateProgress(1, 4, "b.mov");
+    *sheet->startTime -= seconds(60);
+    sheet->updateElapsedTime();
+    EXPECT_EQ(label("elapsedLabel"), elapsedText(seconds(60), seconds(180)));
+    sheet->conversionFinished(true, "done");
+    EXPECT_EQ(label("elapsedLabel"), elapsedText(seconds(60))) << "and at the end there is none left";
 }
 
-TEST_F(ProgressSheet, TheAlertAtTheEndLeadsToTheOutputsAndNamesWhatWentWrong) {
-    std::vector<std::filesystem::path> revealed;
-    services.showInFolder = [&revealed](const auto &folder, const auto &outputs) {
-        EXPECT_EQ(folder, "/x/out");
-        revealed = outputs;
-    };
-    start([](VideoProcessor &processor) {
-        processor.onConverted("a.mov", "/x/out/a_sbs.mp4");
-        processor.onSkip("b.mov", "not spatial");
-        processor.onFailure("c.mov", "the file ends too early");
-        processor.onComplete(false, "Converted: 1, failed: 1");
-    });
-    gate->open();
-    ASSERT_TRUE(until([this] { return !alerts.shown.empty(); }));
-    EXPECT_EQ(alerts.shown.front().details, "b.mov: not spatial\nc.mov: the file ends too early\n");
-    EXPECT_EQ(alerts.shown.front().sideButton, text("button.show.in.folder"));
-    alerts.answer(AlertPresenter::sideButton);
-    EXPECT_EQ(revealed, std::vector<std::filesystem::path>{"/x/out/a_sbs.mp4"});
+TEST_F(ProgressSheet, APhotoSaysWhatIsDoneWithIt) {
+    start();
+    sheet->updateProgress(0, 1, "a.heic");
+    EXPECT_EQ(label("fileProgressLabel"), text("progress.photo"));
+}
+
+TEST_F(ProgressSheet, ItsTextsAreReadable) {
+    start();
+    for (const QLabel *shown : sheet->findChildren<QLabel *>())
+        EXPECT_GE(contrast(shown->palette().color(QPalette::WindowText), colour(0.08, 0.09, 0.12)), 4.5)
+            << shown->objectName().toStdString();
+}
+
+TEST_F(ProgressSheet, EnterPressesItsButton) {
+    start();
+    QTest::keyClick(&button(), Qt::Key_Return);
+    ASSERT_EQ(alerts.shown.size(), 1U);
+    EXPECT_EQ(alerts.shown.front().message, text("alert.cancel.title"));
+    EXPECT_EQ(alerts.shown.front().defaultButton, 1) << "a second Enter goes on";
 }
 
 TEST_F(ProgressSheet, StopDismissesAtOnceAndTheLateEndIsSilent) {
@@ -273,17 +200,6 @@ TEST_F(ProgressSheet, AskingTwiceShowsOneQuestion) {
     sheet->cancelTapped();
     sheet->cancelTapped();
     EXPECT_EQ(alerts.shown.size(), 1U);
-}
-
-TEST_F(ProgressSheet, AQuestionIsWithdrawnWhenTheBatchEnds) {
-    start();
-    sheet->cancelTapped();
-    const QPointer<QWidget> question = alerts.anchor;
-    sheet->conversionFinished(true, "done");
-    settle();
-    EXPECT_FALSE(question);
-    EXPECT_EQ(alerts.shown.size(), 2U);
-    EXPECT_EQ(sheet->state(), ProgressViewController::State::finished);
 }
 
 TEST_F(ProgressSheet, MayGoAwayWhileTheBatchRunsOn) {

@@ -1,17 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Appearance.h"
 #include "app/HelpPages.h"
 #include "app/Language.h"
 #include "app/WindowSizes.h"
 #include "engine/Texts.h"
+#include "support/Scripted.h"
+#include "ui/FilePanels.h"
 #include "ui/FormValues.h"
+#include "ui/Localized.h"
 #include "ui/MainFormFrames.h"
+#include "ui/Mnemonics.h"
 #include "ui/NumberParsing.h"
 #include "ui/Palettes.h"
 #include "ui/Points.h"
 #include "ui/ProgressTexts.h"
 #include "ui/ResizePreview.h"
+#include "ui/WritableFolder.h"
 
 #include <QApplication>
+#include <QFile>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 #include <gtest/gtest.h>
 
@@ -25,8 +34,15 @@ TEST(NumberParsing, TakesWholeDecimalNumbers) {
     EXPECT_EQ(parseDecimal(QStringLiteral("-100")), -100.0);
     EXPECT_EQ(parseDecimal(QStringLiteral("+.5")), 0.5);
     EXPECT_EQ(parseDecimal(QStringLiteral("1e2")), 100.0);
-    for (const char *text : {"", " 63.4", "63.4 ", "63,4", "63.4°", "abc", "0x10", "nan", "inf", "+-5", "--5", "1e999"})
+    for (const char *text :
+         {"", " 63.4", "63.4 ", "6,3,4", "1,234.5", "63.4°", "abc", "0x10", "nan", "inf", "+-5", "--5", "1e999"})
         EXPECT_FALSE(parseDecimal(QString::fromUtf8(text))) << text;
+}
+
+TEST(NumberParsing, ACommaIsAsGoodAsAPoint) {
+    EXPECT_EQ(parseDecimal(QStringLiteral("63,4")), 63.4);
+    EXPECT_EQ(parseDecimal(QStringLiteral("-,5")), -0.5);
+    EXPECT_FALSE(parseInteger(QStringLiteral("1,920")));
 }
 
 TEST(NumberParsing, TakesWholeIntegers) {
@@ -62,7 +78,8 @@ TEST(ProgressTexts, CountFilesAndFrames) {
     EXPECT_EQ(fractionOf(120, 100), 1.2);
     EXPECT_EQ(batchFraction(1, 4, 0.5), 0.375);
     EXPECT_EQ(batchFraction(1, 4, 1.2), 0.5) << "more frames than announced fill one file";
-    EXPECT_EQ(filesText(2, 3), formatted("progress.files.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
+    EXPECT_EQ(filesText(2, 3, 0.8),
+              formatted("progress.files.format", std::int64_t(2), std::int64_t(3), std::int64_t(80)));
     EXPECT_EQ(framesText(16, 0), formatted("progress.frame.processed.format", std::int64_t(16)));
     EXPECT_EQ(framesText(2, 3), formatted("progress.frame.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
 }
@@ -72,10 +89,53 @@ TEST(ProgressTexts, TellTheTimeInMinutes) {
     EXPECT_NE(elapsedText(std::chrono::seconds(3725)).find("62:05"), std::string::npos);
 }
 
+TEST(ProgressTexts, TellTheTimeLeftOnceItCanBeKnown) {
+    using std::chrono::seconds;
+    EXPECT_EQ(timeLeft(seconds(60), 0.25), seconds(180));
+    EXPECT_FALSE(timeLeft(seconds(4), 0.25)) << "too early to tell";
+    EXPECT_FALSE(timeLeft(seconds(60), 0));
+    EXPECT_FALSE(timeLeft(seconds(60), 1));
+    EXPECT_EQ(elapsedText(seconds(60), seconds(185)),
+              elapsedText(seconds(60)) + " · " + formatted("progress.left.format", std::int64_t(3), std::int64_t(5)));
+}
+
+TEST(ProgressTexts, TellTheSpeedBehindTheFrames) {
+    EXPECT_EQ(framesText(2, 3, 47.96), framesText(2, 3) + " · " + formatted("progress.rate.format", 47.96));
+}
+
+TEST(ProgressTexts, APhotoSaysWhatIsDoneWithIt) {
+    EXPECT_EQ(workText("a.HEIC"), text("progress.photo"));
+    EXPECT_EQ(workText("a.mov"), text("progress.frame.calculating"));
+}
+
+TEST(ProgressTexts, ADetailNamesItsFileOnce) {
+    EXPECT_EQ(detailLine("a.mov", "Cannot open a.mov: Invalid data"), "a.mov: Cannot open: Invalid data\n");
+    EXPECT_EQ(detailLine("a.mov", "not spatial"), "a.mov: not spatial\n");
+}
+
 TEST(ProgressTexts, OfferTheOutputsOnlyWhereThereAreSome) {
-    EXPECT_EQ(resultAlert(true, "done", "", true).sideButton, text("button.show.in.folder"));
-    EXPECT_TRUE(resultAlert(true, "done", "", false).sideButton.empty());
-    EXPECT_EQ(resultAlert(false, "done", "a.mov: broken\n", false).details, "a.mov: broken\n");
+    EXPECT_EQ(resultAlert({.success = true, .message = "done", .showsOutputs = true}).sideButton,
+              text("button.show.in.folder"));
+    EXPECT_TRUE(resultAlert({.success = true, .message = "done"}).sideButton.empty());
+    EXPECT_EQ(resultAlert({.message = "done", .details = "a.mov: broken\n"}).details, "a.mov: broken\n");
+}
+
+TEST(ProgressTexts, NothingConvertedIsNoSuccess) {
+    BatchEnd end{.success = true, .message = "Converted: 0, failed: 0", .skipped = 3};
+    end.skipReasons = {text("status.skipped.not.spatial")};
+    const Alert alert = resultAlert(end);
+    EXPECT_EQ(alert.style, AlertStyle::warning);
+    EXPECT_EQ(alert.message, text("alert.nothing.title"));
+    EXPECT_NE(alert.informative.find(text("alert.all.skipped.not.spatial")), std::string::npos);
+    end.skipReasons = {text("status.skipped.spatial")};
+    EXPECT_NE(resultAlert(end).informative.find(text("alert.all.skipped.spatial")), std::string::npos);
+    end.skipReasons.insert(text("status.skipped.not.spatial"));
+    EXPECT_NE(resultAlert(end).informative.find(text("alert.all.skipped.details")), std::string::npos);
+    end.anyConverted = true;
+    EXPECT_EQ(resultAlert(end).style, AlertStyle::informational);
+    const Alert empty = resultAlert({.message = text("error.no.media.files")});
+    EXPECT_EQ(empty.message, text("alert.nothing.title"));
+    EXPECT_EQ(empty.informative, text("error.no.media.files") + "\n" + text("alert.nothing.way.on"));
 }
 
 TEST(MainFormFrames, StandWhereTheyShouldWithoutResizing) {
@@ -133,6 +193,9 @@ protected:
     static std::string sizes(std::int64_t a, std::int64_t b, std::int64_t c, std::int64_t d) {
         return formatted("resize.preview.format", a, b, c, d);
     }
+    static std::string eyes(std::int64_t width, std::int64_t height) {
+        return formatted("resize.preview.spatial.format", width, height);
+    }
     ConversionSettings settings;
 };
 
@@ -145,16 +208,16 @@ TEST_F(ResizePreview, WarnsOfSizesThatAreNoMultipleOf16OnlyTowardsSBS) {
     EXPECT_EQ(preview(1000, 1000), sizes(2000, 1000, 1000, 1000) + "  " +
                                        formatted("resize.warn.not16.format", std::int64_t(1008), std::int64_t(1008)));
     settings.direction = ConversionDirection::sbsToSpatial;
-    EXPECT_EQ(preview(1000, 1000), sizes(1000, 1000, 500, 1000));
-    EXPECT_EQ(preview(1001, 1000), sizes(1001, 1000, 500, 1000) + "  " +
-                                       formatted("resize.warn.odd.format", std::int64_t(1008), std::int64_t(1008)));
+    EXPECT_EQ(preview(1000, 1000), eyes(1000, 1000));
+    EXPECT_EQ(preview(1001, 1000),
+              eyes(1001, 1000) + "  " + formatted("resize.warn.odd.format", std::int64_t(1008), std::int64_t(1008)));
 }
 
 TEST_F(ResizePreview, HalfWidthKeepsTheWidthOfOneEye) {
     settings.halfWidth = true;
     EXPECT_EQ(preview(1920, 1088), sizes(1920, 1088, 960, 1088));
     settings.direction = ConversionDirection::sbsToSpatial;
-    EXPECT_EQ(preview(1920, 1088), sizes(1920, 1088, 960, 1088));
+    EXPECT_EQ(preview(1920, 1088), eyes(1920, 1088)) << "of spatial media each eye is a picture of its own";
 }
 
 TEST_F(ResizePreview, HugeSizesDoNotOverflow) {
@@ -195,10 +258,90 @@ TEST(WindowSizes, KeepToASmallScreen) {
 }
 
 TEST(HelpPages, LieUnderTheirPathsOnASecureSite) {
-    EXPECT_EQ(helpPageUrl(helpPathJA).path(), QStringLiteral("/mac/lumetw/index.html"));
-    EXPECT_EQ(helpPageUrl(helpPathEN).path(), QStringLiteral("/mac/lumetw/index_en.html"));
-    EXPECT_EQ(helpPageUrl(helpPathEN).scheme(), QStringLiteral("https"));
-    EXPECT_EQ(helpPageUrl(helpPathEN).host(), QStringLiteral(LUMETWIN_HELP_HOST));
+    const QUrl url = helpSiteUrl(helpPathJA);
+    EXPECT_EQ(url.isValid(), !QStringLiteral(LUMETWIN_HELP_HOST).isEmpty());
+    if (url.isValid()) {
+        EXPECT_EQ(url, QUrl(QStringLiteral("https://" LUMETWIN_HELP_HOST "/mac/lumetw/index.html")));
+    }
+    EXPECT_STREQ(helpPathEN, "/mac/lumetw/index_en.html");
+}
+
+TEST(HelpPages, WithoutASiteTheInstalledOnesAreFound) {
+    const test::ScratchFolder scratch;
+    const QString programs = QString::fromStdString(scratch.folder("bin").string());
+    EXPECT_FALSE(installedHelpUrl(programs, helpPathJA).isValid()) << "nothing is installed";
+    for (const char *path : {helpPathJA, helpPathEN}) {
+        const std::filesystem::path page = scratch.path / ("share/lumetwin/help" + std::string(path));
+        std::filesystem::create_directories(page.parent_path());
+        std::ofstream(page) << "x";
+        const QUrl url = installedHelpUrl(programs, path);
+        EXPECT_TRUE(url.isLocalFile());
+        EXPECT_EQ(url.toLocalFile().toStdString(), std::filesystem::canonical(page).string());
+    }
+}
+
+TEST(Mnemonics, AreMarkedInTheWordsOrBehindThem) {
+    EXPECT_EQ(withMnemonic(QStringLiteral("Video format"), 'f'), QStringLiteral("Video &format"));
+    EXPECT_EQ(withMnemonic(QString::fromUtf8("画質"), 'q').toStdString(), "画質(&Q)");
+    EXPECT_EQ(withMnemonic(QStringLiteral("Sound & picture"), 'p'), QStringLiteral("Sound && &picture"));
+}
+
+TEST(WritableFolder, IsTriedAndLeavesNothingBehind) {
+    const test::ScratchFolder scratch;
+    EXPECT_TRUE(canWriteInto(scratch.path));
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.path));
+    EXPECT_FALSE(canWriteInto(scratch.path / "missing"));
+    EXPECT_FALSE(canWriteInto("/proc"));
+}
+
+TEST(MediaFilters, OfferEveryExtensionInBothCases) {
+    const QStringList filters = mediaFilters();
+    ASSERT_EQ(filters.size(), 4);
+    for (const char *pattern : {"*.mov ", "*.MOV ", "*.heic ", "*.TIF)"})
+        EXPECT_TRUE(filters.first().contains(QLatin1String(pattern))) << pattern;
+    EXPECT_TRUE(filters.last().endsWith(QStringLiteral("(*)")));
+}
+
+TEST(Palettes, HighContrastIsTakenAsItIs) {
+    for (const bool dark : {false, true}) {
+        const QPalette palette = highContrastPalette(dark);
+        EXPECT_TRUE(isHighContrast(palette));
+        EXPECT_EQ(isDark(palette), dark);
+        const QColor ink = palette.color(QPalette::WindowText);
+        for (const QColor &colour :
+             {secondaryTextColour(palette), separatorColour(palette), indicatorEdgeColour(palette)})
+            EXPECT_EQ(colour, ink);
+        EXPECT_EQ(sectionColour(palette), palette.color(QPalette::Window));
+        EXPECT_GE(contrast(onAccentColour(palette), accentColour(palette)), 7);
+        EXPECT_GE(contrast(warningColour(palette), sectionColour(palette)), 4.5);
+        EXPECT_FALSE(isHighContrast(darkPalette()));
+    }
+}
+
+TEST(Localized, EnglishDefaultsAreWhatTheTableSays) {
+    for (const char *language : {"en", "C"}) {
+        setTextLocale(language);
+        EXPECT_EQ(folderPlaceholder(), "Drop folder here");
+        EXPECT_EQ(filesSelected(3), "3 files selected");
+        EXPECT_EQ(filesSelected(1), "1 files selected") << "there is no text of its own for one";
+        EXPECT_EQ(text("resize.mode.stretch"), "Stretch to output size (ignore aspect ratio)");
+        EXPECT_EQ(text("resize.mode.cropFill"), "Preserve aspect ratio (center crop)");
+        EXPECT_EQ(text("resize.mode.letterbox"), "Preserve aspect ratio (letterbox)");
+    }
+    EXPECT_EQ(text("no.such.key", "Drop folder here"), "Drop folder here");
+    EXPECT_EQ(text("no.such.key"), "no.such.key");
+    setTextLocale("en");
+}
+
+TEST(Language, ToolkitAndWindowSpeakTheSame) {
+    if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + QStringLiteral("/qtbase_ja.qm")))
+        GTEST_SKIP() << "the toolkit's translations are not installed";
+    setTextLocale("ja");
+    translateToolkit();
+    EXPECT_EQ(QCoreApplication::translate("QMessageBox", "Show Details...").toStdString(), "詳細を表示...");
+    setTextLocale("en");
+    for (QTranslator *translator : qApp->findChildren<QTranslator *>())
+        QCoreApplication::removeTranslator(translator);
 }
 
 TEST(Language, IsTheFirstOfTheUsersThatHasTexts) {

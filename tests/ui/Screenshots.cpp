@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws every state of the window to pictures: both themes, both languages, several text sizes.
-// screenshots FOLDER [--theme light|dark] [--language en|ja] [--text PERCENT] [--screen WIDTHxHEIGHT]
+// screenshots FOLDER [--theme light|dark|contrast|contrast-dark] [--language en|ja] [--text PERCENT] [--screen
+// WIDTHxHEIGHT]
 #include "app/AboutPanel.h"
 #include "app/AppDelegate.h"
 #include "app/Appearance.h"
@@ -10,10 +11,12 @@
 #include "app/MainWindowController.h"
 #include "app/WindowSizes.h"
 #include "support/Scripted.h"
+#include "ui/CheckingDialog.h"
 #include "ui/DropFolderView.h"
 #include "ui/Localized.h"
 #include "ui/MainViewController.h"
 #include "ui/PreflightChecks.h"
+#include "ui/ProgressTexts.h"
 #include "ui/ProgressViewController.h"
 #include "ui/ScaledStyle.h"
 #include "ui/SpatialCheck.h"
@@ -23,7 +26,6 @@
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QLineEdit>
-#include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -32,7 +34,6 @@
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTranslator>
 #include <QUrl>
 
 #include <iostream>
@@ -60,6 +61,14 @@ public:
         window.shoot("form-resize-not16");
         window.scrollDown();
         window.shoot("form-resize-not16-lower");
+        control<QRadioButton>(window.form(), "sbsToSpatialButton").click();
+        control<QLineEdit>(window.form(), "resizeWidthField").setText(QStringLiteral("1920"));
+        window.shoot("form-to-spatial-resize");
+        control<QLineEdit>(window.form(), "fovField").setText(QStringLiteral("200"));
+        control<QLineEdit>(window.form(), "baselineField").setText(QStringLiteral("63"));
+        window.shoot("form-to-spatial-wrong-value");
+        window.window()->resize(window.window()->minimumSize());
+        window.shoot("form-smallest");
     }
 
     void drops() {
@@ -78,6 +87,8 @@ public:
         window.shoot("filled");
         window.form().openInput({"/home/hana/Videos/" + std::string(180, 'n') + ".mov"});
         window.shoot("filled-long-name");
+        control<DropFolderView>(window.form(), "outputDropView").acceptPaths({"/tmp/a.mov", "/tmp/b.mov"});
+        window.shoot("drop-refused");
     }
 
     void alerts() {
@@ -102,6 +113,14 @@ public:
                              text("alert.quit.message"),
                              {text("button.stop.quit"), text("button.continue")}});
         const SpatialFinding finding{true, {63.4, 19.24, 2.0}};
+        alert("alert-unwritable", {formatted("error.output.unwritable.format", std::string("Archive")),
+                                   text("error.output.unwritable.message")});
+        alert("alert-wrong-value", {formatted("error.field.format", text("option.fov")),
+                                    formatted("field.range.format", std::string("10"), std::string("180"))});
+        BatchEnd skipped{.success = true, .details = "a.mov: x\n", .skipped = 3};
+        skipped.skipReasons = {text("status.skipped.not.spatial")};
+        alert("alert-all-skipped", resultAlert(skipped));
+        alert("alert-nothing-to-convert", resultAlert({.message = text("error.no.media.files")}));
         alert("alert-check-spatial", spatialCheckAlert("/x/clip.mov", finding));
         alert("alert-check-photo", spatialCheckAlert("/x/pair.HEIC", {true, {}}));
         alert("alert-check-not-spatial", spatialCheckAlert("/x/clip.mov", {}));
@@ -134,9 +153,19 @@ public:
         settle();
         sheet.conversionFinished(false, formatted("status.complete", std::int64_t(3), std::int64_t(1)));
         settle();
+        window.awaitButtons();
         window.shootDialog("sheet-finished-problems");
         window.closeDialogs();
         window.shoot("sheet-finished");
+    }
+
+    void checking() {
+        Window window(*this, {});
+        auto *dialog = new CheckingDialog(240, &window.form());
+        dialog->setTested(91);
+        dialog->show();
+        window.shootDialog("checking");
+        dialog->dismiss();
     }
 
     void about() {
@@ -158,6 +187,7 @@ private:
             installMainMenu(*window(), delegate_);
             const WindowSizes sizes =
                 windowSizes(PointScale::current(), photographer.screen_, window()->menuBar()->sizeHint().height());
+            window()->setMinimumSize(sizes.minimum);
             window()->resize(sizes.initial);
             window()->show();
             settle();
@@ -195,6 +225,12 @@ private:
                 }
             photographer_.save(picture, name);
         }
+        /// An alert that follows another one takes no click for a moment.
+        void awaitButtons() const {
+            const auto *alert = window()->findChild<QMessageBox *>();
+            if (!alert || !until([alert] { return alert->buttons().constFirst()->isEnabled(); }))
+                qFatal("an alert that cannot be answered");
+        }
         void closeDialogs() const {
             for (QDialog *dialog : window()->findChildren<QDialog *>())
                 dialog->close();
@@ -220,9 +256,20 @@ private:
     }
 
     void save(const QPixmap &picture, const char *name) const {
+        if (isBlank(picture.toImage()))
+            qFatal("%s is blank", name);
         const QString file = QDir(folder_).filePath(QLatin1String(name) + QStringLiteral(".png"));
         if (!picture.save(file))
             qFatal("cannot write %s", qPrintable(file));
+    }
+
+    /// Whether a picture shows nothing: all of it is of one colour.
+    static bool isBlank(const QImage &picture) {
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (picture.pixel(x, y) != picture.pixel(0, 0))
+                    return false;
+        return true;
     }
 
     QString folder_;
@@ -238,13 +285,12 @@ void takePictures(QCommandLineParser &parser) {
     const QString theme = option(parser, "theme", "light"), language = option(parser, "language", "en");
     const QStringList screen = option(parser, "screen", "1920x1080").split(QLatin1Char('x'));
     setTextLocale(language.toStdString());
-    auto *translator = new QTranslator(qApp);
-    if (translator->load(QLocale(language), QStringLiteral("qtbase"), QStringLiteral("_"),
-                         QStringLiteral("/usr/share/qt6/translations")))
-        QCoreApplication::installTranslator(translator);
+    translateToolkit();
     QApplication::setStyle(new ScaledStyle);
     if (theme == QLatin1String("dark"))
         QApplication::setPalette(darkPalette());
+    else if (theme.startsWith(QLatin1String("contrast")))
+        QApplication::setPalette(highContrastPalette(theme == QLatin1String("contrast-dark")));
     QFont font = QApplication::font();
     font.setPointSizeF(10.0 * option(parser, "text", "100").toDouble() / 100);
     QApplication::setFont(font);
@@ -254,6 +300,7 @@ void takePictures(QCommandLineParser &parser) {
     photographer.drops();
     photographer.alerts();
     photographer.sheet();
+    photographer.checking();
     photographer.about();
 }
 
@@ -271,7 +318,8 @@ int main(int argc, char **argv) {
         parser.addOption({QLatin1String(name), QString(), QLatin1String(name)});
     parser.process(application);
     if (parser.positionalArguments().size() != 1) {
-        std::cerr << "usage: screenshots FOLDER [--theme light|dark] [--language en|ja] [--text PERCENT] "
+        std::cerr << "usage: screenshots FOLDER [--theme light|dark|contrast|contrast-dark] [--language en|ja] [--text "
+                     "PERCENT] "
                      "[--screen WIDTHxHEIGHT]\n";
         return 2;
     }

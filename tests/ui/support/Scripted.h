@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QWidget>
 
 #include <chrono>
@@ -129,6 +130,12 @@ struct Stage {
         return result;
     }
 };
+
+/// Words as they are shown: without the mark of the letter that the Alt key uses, and the letter in brackets.
+inline QString plain(QString words) {
+    static const QRegularExpression added(QStringLiteral("\\(&.\\)$"));
+    return words.remove(added).remove(QLatin1Char('&'));
+}
 
 /// The control of an object name; its absence ends the test.
 template <typename Widget> Widget &control(QWidget &parent, const char *name) {
