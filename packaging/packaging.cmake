@@ -4,7 +4,7 @@
 set(CPACK_PACKAGE_NAME lumetwin)
 set(CPACK_PACKAGE_VENDOR "Lumetwin developers")
 set(CPACK_PACKAGE_CONTACT "Lumetwin developers <dev@lumetwin.example>")
-set(CPACK_PACKAGE_HOMEPAGE_URL "https://${LUMETWIN_HELP_HOST}/mac/lumetw/index_en.html")
+set(CPACK_PACKAGE_HOMEPAGE_URL "https://${LUMETWIN_SITE}/mac/lumetw/index_en.html")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "convert stereoscopic media between spatial and side-by-side")
 set(CPACK_PACKAGE_DESCRIPTION
 "Lumetwin converts stereoscopic videos and photos in batches, from spatial
@@ -25,13 +25,13 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 # Puts documents and manual pages as Debian wants them.
 set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/debian/arrange.cmake")
 
-# What is loaded by name, which dpkg-shlibdeps does not see. X11, the frame of the icon theme and the pictures in the
-# window (emoji) are needed. Wayland (without it the window goes through XWayland), Qt's own texts and a font for
-# Japanese, and what opens web pages, are what a usual desktop wants. The program's icon needs no plugin: Qt's SVG
-# library, which is linked, draws it.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, hicolor-icon-theme, fonts-noto-color-emoji")
+# What is loaded by name, which dpkg-shlibdeps does not see. X11, the frame of the icon theme and Qt's own texts in the
+# user's language are needed. Wayland (without it the window goes through XWayland), a font for Japanese, and what opens
+# web pages, are what a usual desktop wants. The program's pictures need no plugin: Qt's SVG library, which is linked,
+# draws them.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, qt6-translations-l10n, hicolor-icon-theme")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
-    "qt6-wayland, qt6-translations-l10n, fonts-noto-cjk | fonts-japanese-gothic, xdg-utils")
+    "qt6-wayland, fonts-noto-cjk | fonts-japanese-gothic, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-gtk-platformtheme")
 
 include(CPack)

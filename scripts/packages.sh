@@ -10,7 +10,7 @@ packages_build=(
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev libxkbcommon-dev libvulkan-dev
 )
 packages_window=(
-    libqt6svg6 qt6-qpa-plugins qt6-wayland fonts-dejavu-core fonts-noto-cjk fonts-noto-color-emoji
+    libqt6svg6 qt6-qpa-plugins qt6-wayland qt6-translations-l10n fonts-dejavu-core fonts-noto-cjk
 )
 # Since Debian 13 the plugins of libqt6svg6 are a package of their own.
 grep -q '^VERSION_CODENAME=bookworm' /etc/os-release 2>/dev/null || packages_window+=(qt6-svg-plugins)

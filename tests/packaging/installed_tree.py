@@ -5,7 +5,7 @@ import tempfile
 import unittest
 import pathlib
 
-from packaging import BUILD, CMAKE, ID, main, run
+from packaging import BUILD, CMAKE, HELP_FILES, ID, main, run
 
 TREE = {
     "bin/lumetwin", "bin/lumetwin-batch",
@@ -14,7 +14,7 @@ TREE = {
     f"share/icons/hicolor/scalable/apps/{ID}.svg", f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
     "share/man/man1/lumetwin-batch.1", "share/man/man1/lumetwin.1",
     f"share/metainfo/{ID}.metainfo.xml",
-}
+} | HELP_FILES
 
 
 class InstalledTree(unittest.TestCase):

@@ -16,6 +16,10 @@ ID = "example.lumetwin.Lumetwin"
 METAINFO = BUILD / "resources" / f"{ID}.metainfo.xml"
 DESKTOP = SOURCE / "resources/desktop" / f"{ID}.desktop"
 
+HELP = SOURCE / "resources/help"
+# Where an installation puts the help pages.
+HELP_FILES = {f"share/lumetwin/help/{page.relative_to(HELP)}" for page in HELP.rglob("*") if page.is_file()}
+
 
 def read(path):
     return (SOURCE / path).read_text(encoding="utf-8")
