@@ -14,7 +14,7 @@ SOURCE = pathlib.Path(__file__).with_name("drag_source.py")
 TITLE = "drag source"
 URIS = "text/uri-list"
 TRANSFER = "application/vnd.portal.filetransfer"
-EMPTY, HIGHLIGHTED, FILLED = (26, 28, 38), (26, 64, 128), (20, 46, 26)
+EMPTY, HIGHLIGHTED, FILLED, REFUSED = (26, 28, 38), (26, 64, 128), (20, 46, 26), (61, 23, 23)
 
 
 class Drag:
@@ -121,6 +121,17 @@ def files_and_folders(scene):
     assert ended == "refused" or hands.in_wayland, ended  # where Qt finishes every drop that was made
     source.wait_colour(EMPTY)
     assert source.text() == empty
+
+    wrong = Drag(scene, uris(scene.clip))
+
+    def says_so():
+        wrong.over(output.area())
+        return output.colour() == REFUSED
+    wait_for("the output's refusal of a file", says_so)
+    ended = wrong.drop()
+    assert ended == "refused" or hands.in_wayland, ended
+    assert output.text() == scene["drop.refused.no.folder"]
+    output.wait_colour(EMPTY)
 
     left = source.drag(uris(scene.clip))
     left.back()

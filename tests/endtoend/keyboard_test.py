@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A whole conversion with nothing but the keyboard."""
+import pathlib
+
 import gi
 
 gi.require_version("Atspi", "2.0")
@@ -45,8 +47,7 @@ def convert(scene):
     hands.type_words(str(scene.output))
     hands.press_key("Return")
     program.wait_text(str(scene.output))
-    walk_to(program, "push button", scene["button.start.conversion"])
-    hands.press_key("space")
+    hands.press_key("ctrl+Return")
     program.wait_text(scene["alert.conversion.success"])
     wait_for("the alert's button", lambda: focused(program) == ("push button", "OK"))
     hands.press_key("Return")
@@ -54,7 +55,28 @@ def convert(scene):
     hands.press_key("Escape")
     wait_for("the form", lambda: not program.find("progress bar", None))
     assert scene.names() == ["clip_spatial.mov"], scene.names()
+    open_help(scene, program)
+    open_menu(scene, program)
     scene.quit(program)
+
+
+def open_help(scene, program):
+    """The page in the user's language, of those beside the program."""
+    wait_for("the window in front", program.is_in_front)
+    hands.press_key("F1")
+    opened = wait_for("the browser", scene.opened_pages)[0]
+    page = "index.html" if scene.options.language == "ja" else "index_en.html"
+    assert opened.startswith("file:///") and opened.endswith(f"/mac/lumetw/{page}"), opened
+    assert pathlib.Path(opened.removeprefix("file://")).is_file(), opened
+
+
+def open_menu(scene, program):
+    wait_for("the window in front", program.is_in_front)
+    hands.press_key("F10")
+    program.wait("menu item", scene["menu.about"])
+    hands.press_key("Escape")
+    hands.press_key("Escape")
+    wait_for("the menu's end", lambda: not program.find("menu item", scene["menu.about"]))
 
 
 if __name__ == "__main__":

@@ -31,6 +31,20 @@ class Scene:
         self.output.mkdir()
         self.clip = folder / "clip.mp4"
         self.draw(self.clip, 60)
+        self.stand_in_for_a_browser()
+
+    def stand_in_for_a_browser(self):
+        """What opens pages on a desktop; this one only writes them down."""
+        folder = self.folder / "bin"
+        folder.mkdir()
+        browser = folder / "xdg-open"
+        browser.write_text(f'#!/bin/sh\nprintf "%s\\n" "$1" >>"{self.folder}/pages"\n')
+        browser.chmod(0o755)
+        os.environ["PATH"] = f"{folder}:{os.environ['PATH']}"
+
+    def opened_pages(self):
+        pages = self.folder / "pages"
+        return pages.read_text().split() if pages.exists() else []
 
     def __getitem__(self, key):
         return self.texts[key]
