@@ -185,7 +185,6 @@ void VideoProcessor::fail(FileResult &result, const std::string &logged, const s
     result.state = FileState::failed;
     result.reason = message;
     log("[VP] ❌ " + name + ": " + logged);
-    call(onFailure, name, message);
 }
 
 void VideoProcessor::convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result) {
@@ -215,7 +214,6 @@ void VideoProcessor::tell(FileResult &result) {
     const std::string name = lastPathComponent(result.input);
     for (const Warning &warning : result.warnings)
         log("[VP] " + std::string(isNote(warning.kind) ? "ℹ️ " : "⚠️ ") + name + ": " + warningText(warning));
-    call(onConverted, name, result.output);
 }
 
 Outcome VideoProcessor::convertPhoto(const Path &input, const Path &output) {

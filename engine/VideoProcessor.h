@@ -46,10 +46,6 @@ public:
     std::function<void(bool success, const std::string &message)> onComplete;
     /// What became of a file, once that is final: one call for each file of the run.
     std::function<void(const FileResult &result)> onResult;
-    /// A file whose conversion failed, with the error's message (also logged).
-    std::function<void(const std::string &fileName, const std::string &message)> onFailure;
-    /// A file that was converted.
-    std::function<void(const std::string &fileName, const std::filesystem::path &output)> onConverted;
     /// Receives every log line, without its end and safe to print; standard output while empty.
     std::function<void(const std::string &line)> onLog;
 

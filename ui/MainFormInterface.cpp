@@ -272,6 +272,9 @@ void MainViewController::buildCommonOptions() {
     copyAudioCheck = labelled(named(new QCheckBox(view), "copyAudioCheck"), local("option.copy.audio"), 'u');
     copyAudioCheck->setChecked(true);
     connect(copyAudioCheck, &QCheckBox::toggled, this, &MainViewController::copyAudioChanged);
+    keepTimingCheck = labelled(named(new QCheckBox(view), "keepTimingCheck"), local("option.keep.timing"), 'k');
+    keepTimingCheck->setToolTip(local("option.keep.timing.help"));
+    connect(keepTimingCheck, &QCheckBox::toggled, this, &MainViewController::keepTimingChanged);
     enableResizeCheck = labelled(named(new QCheckBox(view), "enableResizeCheck"), local("option.enable.resize"), 'r');
     connect(enableResizeCheck, &QCheckBox::toggled, this, &MainViewController::enableResizeChanged);
     resizeWidthField =
@@ -312,11 +315,11 @@ void MainViewController::buildStartButton() {
 
 void MainViewController::setTabOrders() {
     const QList<QWidget *> order{
-        spatialToSBSButton, sbsToSpatialButton, inputDropView, inputSelectBtn, checkSpatialBtn,   outputDropView,
-        outputSelectBtn,    fovSlider,          fovField,      fovReset,       disparitySlider,   disparityField,
-        disparityReset,     baselineSlider,     baselineField, baselineReset,  formatPopup,       photoFormatPopup,
-        compressionSlider,  halfWidthCheck,     swapLRCheck,   copyAudioCheck, enableResizeCheck, resizeWidthField,
-        resizeHeightField,  resizeModePopup,    startButton};
+        spatialToSBSButton, sbsToSpatialButton, inputDropView,   inputSelectBtn, checkSpatialBtn, outputDropView,
+        outputSelectBtn,    fovSlider,          fovField,        fovReset,       disparitySlider, disparityField,
+        disparityReset,     baselineSlider,     baselineField,   baselineReset,  formatPopup,     photoFormatPopup,
+        compressionSlider,  halfWidthCheck,     swapLRCheck,     copyAudioCheck, keepTimingCheck, enableResizeCheck,
+        resizeWidthField,   resizeHeightField,  resizeModePopup, startButton};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     for (QWidget *control : order) {

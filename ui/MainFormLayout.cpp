@@ -174,7 +174,8 @@ void MainViewController::layoutCommon() {
     const bool resizing = settings->enableResize;
     const Rows section(resizing ? 248 : 138, scale_);
     section.place(swapLRCheck, 14, 28, 650, 28);
-    section.place(copyAudioCheck, 14, 62, 650, 28);
+    section.place(copyAudioCheck, 14, 62, 310, 28);
+    section.place(keepTimingCheck, 340, 62, 330, 28);
     section.place(enableResizeCheck, 14, 96, 650, 28);
     section.place(lblEyeW, 40, 130, 113, 28);
     section.place(resizeWidthField, 154, 130, 76, 28);

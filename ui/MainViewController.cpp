@@ -127,6 +127,10 @@ void MainViewController::copyAudioChanged(bool checked) {
     settings->copyAudio = checked;
 }
 
+void MainViewController::keepTimingChanged(bool checked) {
+    settings->keepTiming = checked;
+}
+
 void MainViewController::enableResizeChanged(bool checked) {
     settings->enableResize = checked;
     updateResizePreview();

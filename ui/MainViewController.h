@@ -65,6 +65,7 @@ public:
     void halfWidthChanged(bool checked);
     void swapLRChanged(bool checked);
     void copyAudioChanged(bool checked);
+    void keepTimingChanged(bool checked);
     void enableResizeChanged(bool checked);
     void resizeDimChanged();
     void resizeModeChanged(int index);
@@ -189,6 +190,7 @@ private:
     SectionView *commonSection = nullptr;
     QCheckBox *swapLRCheck = nullptr;
     QCheckBox *copyAudioCheck = nullptr;
+    QCheckBox *keepTimingCheck = nullptr;
     QCheckBox *enableResizeCheck = nullptr;
     NumberField *resizeWidthField = nullptr;
     NumberField *resizeHeightField = nullptr;

@@ -34,6 +34,13 @@ std::string reasonAndWayOn(const BatchEnd &end) {
     return words + text("alert.all.skipped.details");
 }
 
+/// Also how many files have warnings, and how many were skipped, where there are any.
+std::string messageAndCounts(const BatchEnd &end) {
+    if (end.warned == 0 && end.skipped == 0)
+        return end.message;
+    return end.message + "\n" + formatted("status.warned.skipped.format", end.warned, end.skipped);
+}
+
 } // namespace
 
 double fractionOf(std::int64_t current, std::int64_t total) {
@@ -99,7 +106,7 @@ Alert resultAlert(const BatchEnd &end) {
     Alert alert{text(empty         ? "alert.nothing.title"
                      : end.success ? "alert.conversion.success"
                                    : "alert.conversion.error"),
-                empty ? reasonAndWayOn(end) : end.message};
+                empty ? reasonAndWayOn(end) : messageAndCounts(end)};
     alert.style = end.success && !empty ? AlertStyle::informational : AlertStyle::warning;
     alert.details = end.details;
     if (end.showsOutputs)

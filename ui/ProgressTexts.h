@@ -39,6 +39,7 @@ struct BatchEnd {
     bool showsOutputs = false;
     std::int64_t skipped = 0;               ///< files
     std::set<std::string> skipReasons = {}; ///< each once
+    std::int64_t warned = 0;                ///< converted files that have warnings
     bool anyConverted = false;
 
     /// Whether nothing was converted although nothing failed.

@@ -2,6 +2,8 @@
 // One run of a batch, and what the sheet does with what the batch reports.
 #include "ui/ProgressViewController.h"
 
+#include "engine/FileNames.h"
+#include "engine/WarningTexts.h"
 #include "ui/AlertPresenter.h"
 #include "ui/BackgroundThreads.h"
 #include "ui/BarIndicator.h"
@@ -61,12 +63,7 @@ void ProgressViewController::connectProcessor() {
     processor->onFrameProgress = repost(std::mem_fn(&Self::updateFrameProgress));
     processor->onSkip = repost(std::mem_fn(&Self::showSkipped));
     processor->onComplete = repost(std::mem_fn(&Self::conversionFinished));
-    processor->onFailure = repost([](Self &sheet, const std::string &fileName, const std::string &reason) {
-        sheet.details_ += detailLine(fileName, reason);
-    });
-    processor->onConverted = repost([](Self &sheet, const std::string &, const std::filesystem::path &output) {
-        sheet.outputs_.push_back(output);
-    });
+    processor->onResult = repost(std::mem_fn(&Self::noteResult));
 }
 
 void ProgressViewController::updateProgress(std::int64_t current, std::int64_t total, const std::string &fileName) {
@@ -120,6 +117,18 @@ void ProgressViewController::showSkipped(const std::string &fileName, const std:
     skipReasons_.insert(reason);
 }
 
+void ProgressViewController::noteResult(const FileResult &result) {
+    const std::string name = lastPathComponent(result.input);
+    if (result.state == FileState::failed)
+        details_ += detailLine(name, result.reason);
+    for (const Warning &warning : result.warnings)
+        details_ += detailLine(name, warningText(warning));
+    if (result.wasConverted())
+        outputs_.push_back(result.output);
+    if (result.state == FileState::convertedWithWarnings)
+        ++warned_;
+}
+
 void ProgressViewController::updateElapsedTime() {
     if (!startTime)
         return;
@@ -151,7 +160,7 @@ void ProgressViewController::conversionFinished(bool success, const std::string 
 
 BatchEnd ProgressViewController::batchEnd(bool success, const std::string &message) const {
     const bool showsOutputs = !outputs_.empty() && services_.showInFolder;
-    return {success, message, details_, showsOutputs, skipped_, skipReasons_, !outputs_.empty()};
+    return {success, message, details_, showsOutputs, skipped_, skipReasons_, warned_, !outputs_.empty()};
 }
 
 void ProgressViewController::showEnd(const std::string &title) {

@@ -135,9 +135,10 @@ private:
     };
     std::optional<FrameReport> firstReport_;
     std::int64_t skipped_ = 0;
+    std::int64_t warned_ = 0; ///< converted files that have warnings
     std::set<std::string> skipReasons_;
     std::vector<std::filesystem::path> outputs_;
-    std::string details_; ///< what was skipped or failed, one file a line
+    std::string details_; ///< what was skipped or failed, and warnings, one a line
 };
 
 } // namespace lumetwin

@@ -43,6 +43,7 @@ TEST_F(MainForm, StartsWithTheDefaultsOfTheSettings) {
     EXPECT_EQ(find<QComboBox>("photoFormatPopup").currentIndex(), 0);
     EXPECT_EQ(find<QComboBox>("resizeModePopup").currentIndex(), 2);
     EXPECT_TRUE(find<QCheckBox>("copyAudioCheck").isChecked());
+    EXPECT_FALSE(find<QCheckBox>("keepTimingCheck").isChecked());
     for (const char *off : {"halfWidthCheck", "swapLRCheck", "enableResizeCheck"})
         EXPECT_FALSE(find<QCheckBox>(off).isChecked()) << off;
     EXPECT_EQ(field("resizeWidthField").text(), QStringLiteral("1920"));
@@ -120,9 +121,11 @@ TEST_F(MainForm, ResizeRowsAppearOnlyWhileResizing) {
 TEST_F(MainForm, ChecksAndMenusStoreTheirChoice) {
     find<QCheckBox>("swapLRCheck").click();
     find<QCheckBox>("copyAudioCheck").click();
+    find<QCheckBox>("keepTimingCheck").click();
     find<QCheckBox>("halfWidthCheck").click();
     EXPECT_TRUE(settings.swapLeftRight);
     EXPECT_FALSE(settings.copyAudio);
+    EXPECT_TRUE(settings.keepTiming);
     EXPECT_TRUE(settings.halfWidth);
     find<QComboBox>("formatPopup").setCurrentIndex(2);
     EXPECT_EQ(settings.sbsOutputFormat, SBSOutputFormat::movHEVC);

@@ -148,8 +148,13 @@ public:
         window.shoot("sheet-skipped");
         sheet.cancelTapped();
         window.shootDialog("sheet-stop-question");
-        sheet.runningProcessor()->onConverted("a.mov", "/x/a_sbs.mp4");
-        sheet.runningProcessor()->onFailure("b.mov", "the file ends too early");
+        FileResult converted = result("/x/a.mov", FileState::convertedWithWarnings);
+        converted.output = "/x/a_sbs.mp4";
+        converted.warnings = {{WarningKind::speedChanged, {4.2}}};
+        sheet.runningProcessor()->onResult(converted);
+        FileResult failed = result("/x/b.mov", FileState::failed);
+        failed.reason = "the file ends too early";
+        sheet.runningProcessor()->onResult(failed);
         settle();
         sheet.conversionFinished(false, formatted("status.complete", std::int64_t(3), std::int64_t(1)));
         settle();

@@ -72,14 +72,24 @@ TEST_F(SheetEnd, TheAlertAtTheEndLeadsToTheOutputsAndNamesWhatWentWrong) {
         revealed = outputs;
     };
     start([](VideoProcessor &processor) {
-        processor.onConverted("a.mov", "/x/out/a_sbs.mp4");
+        FileResult converted = result("/x/a.mov", FileState::convertedWithWarnings);
+        converted.output = "/x/out/a_sbs.mp4";
+        converted.warnings = {{WarningKind::withoutSound, {std::string("it is encrypted")}},
+                              {WarningKind::chaptersLeft, {std::int64_t{2}}}};
+        processor.onResult(converted);
         processor.onSkip("b.mov", "not spatial");
-        processor.onFailure("c.mov", "the file ends too early");
+        processor.onResult(result("/x/b.mov", FileState::skipped));
+        FileResult failed = result("/x/c.mov", FileState::failed);
+        failed.reason = "the file ends too early";
+        processor.onResult(failed);
         processor.onComplete(false, "Converted: 1, failed: 1");
     });
     gate->open();
     ASSERT_TRUE(until([this] { return !alerts.shown.empty(); }));
-    EXPECT_EQ(alerts.shown.front().details, "b.mov: not spatial\nc.mov: the file ends too early\n");
+    EXPECT_EQ(alerts.shown.front().details, "a.mov: The video is written without sound (it is encrypted).\n"
+                                            "a.mov: Chapters left out: 2\n"
+                                            "b.mov: not spatial\nc.mov: the file ends too early\n");
+    EXPECT_EQ(alerts.shown.front().informative, "Converted: 1, failed: 1\nWith warnings: 1, skipped: 1");
     EXPECT_EQ(alerts.shown.front().sideButton, text("button.show.in.folder"));
     alerts.answer(AlertPresenter::sideButton);
     EXPECT_EQ(revealed, std::vector<std::filesystem::path>{"/x/out/a_sbs.mp4"});

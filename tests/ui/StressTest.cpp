@@ -33,7 +33,7 @@ void reportLikeMad(VideoProcessor &processor) {
         else if (file % 3 == 0)
             processor.onSkip("clip.mov", "not spatial");
         else
-            processor.onConverted("clip.mov", "/x/clip_sbs.mp4");
+            processor.onResult(result("/x/clip.mov", FileState::converted));
         if (video.joinable())
             video.join();
     }

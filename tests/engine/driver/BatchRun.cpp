@@ -71,11 +71,14 @@ void BatchRun::run(SystemVersion system) {
     batch.onFrameProgress = [&](auto current, auto total) { frames.emplace_back(current, total); };
     batch.onSkip = [&](const auto &name, const auto &reason) { skips.push_back({name, reason}); };
     batch.onComplete = [&](bool success, const auto &message) { completions.push_back({success, message}); };
-    batch.onFailure = [&](const auto &name, const auto &message) { failures.push_back(name + "|" + message); };
-    batch.onConverted = [&](const auto &name, const auto &to) {
-        converted.push_back(name + "|" + to.filename().string());
+    batch.onResult = [&](const FileResult &result) {
+        results.push_back(result);
+        const std::string name = result.input.filename().string();
+        if (result.wasConverted())
+            converted.push_back(name + "|" + result.output.filename().string());
+        if (result.state == FileState::failed)
+            failures.push_back(name + "|" + result.reason);
     };
-    batch.onResult = [&](const FileResult &result) { results.push_back(result); };
     batch.onLog = [&](const auto &line) { log.push_back(line); };
     batch.processAll();
     processor = nullptr;

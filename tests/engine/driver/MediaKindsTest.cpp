@@ -60,8 +60,8 @@ TEST(InputList, TreeIsListedFolderByFolderAndKeepsItsPlaces) {
     test::TemporaryFolder folder;
     for (const char *name : {"b", "a/deep", ".hidden", "out"})
         std::filesystem::create_directories(folder / name);
-    for (const char *name : {"z.mov", "b/2.jpg", "b/1.jpg", "a/3.mov", "a/deep/4.mov", "a/notes.txt", ".hidden/5.mov",
-                             "out/6.mov"})
+    for (const char *name :
+         {"z.mov", "b/2.jpg", "b/1.jpg", "a/3.mov", "a/deep/4.mov", "a/notes.txt", ".hidden/5.mov", "out/6.mov"})
         test::writeFile(folder / name, std::string("x"));
     std::filesystem::create_directory_symlink(folder.path(), folder / "a" / "loop");
     std::vector<std::string> seen;

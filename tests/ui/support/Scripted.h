@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/FileResult.h"
 #include "ui/AlertPresenter.h"
 #include "ui/FilePanels.h"
 #include "ui/FormServices.h"
@@ -20,6 +21,16 @@
 #include <vector>
 
 namespace lumetwin::test {
+
+/// What became of a file, without its details. An output of its name where it was converted.
+inline FileResult result(const std::filesystem::path &input, FileState state) {
+    FileResult result;
+    result.input = input;
+    result.state = state;
+    if (result.wasConverted())
+        result.output = input;
+    return result;
+}
 
 /// Answers alerts from a list, in order, and remembers them. Without an answer an alert stays open.
 class ScriptedAlerts : public AlertPresenter {
