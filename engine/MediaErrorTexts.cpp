@@ -97,7 +97,7 @@ std::string_view keyOf(MediaReason reason) {
     case MediaReason::unusableProfile:
         return "reason.unusable.profile";
     case MediaReason::beyondFormat:
-        return "reason.beyond.format";
+        return "reason.format.exceeded";
     case MediaReason::pictureRefused:
         return "reason.picture.refused";
     case MediaReason::encoderFailed:

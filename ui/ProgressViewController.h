@@ -62,6 +62,7 @@ public:
 
     void updateProgress(std::int64_t current, std::int64_t total, const std::string &fileName);
     void updateFrameProgress(std::int64_t current, std::int64_t total);
+    void noteResult(const FileResult &result);
     void showSkipped(const std::string &fileName, const std::string &reason);
     void conversionFinished(bool success, const std::string &message);
     void updateElapsedTime();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/engine/driver/BatchRun.h"
 
+#include "engine/FileNames.h"
 #include "engine/Texts.h"
 
 #include <utility>
@@ -73,7 +74,7 @@ void BatchRun::run(SystemVersion system) {
     batch.onComplete = [&](bool success, const auto &message) { completions.push_back({success, message}); };
     batch.onResult = [&](const FileResult &result) {
         results.push_back(result);
-        const std::string name = result.input.filename().string();
+        const std::string name = lastPathComponent(result.input);
         if (result.wasConverted())
             converted.push_back(name + "|" + result.output.filename().string());
         if (result.state == FileState::failed)

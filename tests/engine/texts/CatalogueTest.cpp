@@ -132,6 +132,7 @@ const std::map<std::string, std::string> arguments{
     {"note.subtitles.left.format", "d"},
     {"status.complete", "dd"},
     {"status.skipped.exists.format", "s"},
+    {"status.warned.skipped.format", "dd"},
     {"warning.frames.missing.format", "dd"},
     {"warning.same.output.name.format", "s"},
     {"warning.sound.away.format", "f"},

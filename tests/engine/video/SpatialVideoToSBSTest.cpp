@@ -270,7 +270,7 @@ TEST(SpatialVideoToSBS, failsWhereTheSourceCannotBeRead) {
     EXPECT_EQ(failure(folder / "absent.mov", folder / "out.mp4"), "Cannot open absent.mov: No such file or directory");
     test::writeFile(folder / "text.mov", std::string("no movie"));
     EXPECT_EQ(failure(folder / "text.mov", folder / "out.mp4"),
-              "Cannot open text.mov: Invalid data found when processing input");
+              "Cannot open text.mov: it is damaged (Invalid data found when processing input)");
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4.partial"));
 }
 
