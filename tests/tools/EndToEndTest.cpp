@@ -85,10 +85,10 @@ TEST_F(EndToEnd, VideoThereAndBackKeepsTheEyesOnTheirSides) {
     EXPECT_EQ(outputs(), std::set<std::string>{"clip_spatial.mov"});
     EXPECT_EQ(batch({"inspect", out("clip_spatial.mov")}).output, out("clip_spatial.mov") +
                                                                       ": spatial video\n"
-                                                                      "  Field of view: 71.50°\n"
-                                                                      "  Baseline: 63.800 mm\n"
-                                                                      "  Disparity adjustment: -1.25%\n"
-                                                                      "  Eyes: left, right\n"
+                                                                      "  Horizontal field of view: 71.50°\n"
+                                                                      "  Camera baseline: 63.800 mm\n"
+                                                                      "  Disparity adjustment: -1.25 %\n"
+                                                                      "  Views: left, right\n"
                                                                       "  Hero eye: left\n"
                                                                       "  Projection: rect\n");
     const ProgramResult back = batch({"--output", folder / "back", folder / "out"});
@@ -113,8 +113,8 @@ TEST_F(EndToEnd, PhotoThereAndBackKeepsTheEyesOnTheirSides) {
     ASSERT_EQ(there.status, 0) << there.output;
     EXPECT_EQ(outputs(), std::set<std::string>{"photo_spatial.heic"});
     const std::string words = batch({"inspect", out("photo_spatial.heic")}).output;
-    EXPECT_THAT(words, HasSubstr(": spatial photo\n  Field of view: 70.0"));
-    EXPECT_THAT(words, HasSubstr("  Baseline: 64.000 mm\n  Disparity adjustment: 3.00%\n"));
+    EXPECT_THAT(words, HasSubstr(": spatial photo\n  Horizontal field of view: 70.0"));
+    EXPECT_THAT(words, HasSubstr("  Camera baseline: 64.000 mm\n  Disparity adjustment: 3.00 %\n"));
     const ProgramResult back = batch({"--output", folder / "back", "--sbs-photo-output-format", "png", folder / "out"});
     ASSERT_EQ(back.status, 0) << back.output;
     systemFfmpeg({"-i", folder / "back/photo_spatial_sbs.png", "-pix_fmt", "yuv444p", folder / "back/photo.y4m"});

@@ -99,10 +99,10 @@ TEST_F(Inspect, RealSpatialMovie) {
         GTEST_SKIP() << "the folder of sample media is not there";
     const std::string movie = *samples / "spatial-video/water_180_mvhevc_5frames.mov";
     EXPECT_EQ(inspect({movie}).output, movie + ": spatial video\n"
-                                               "  Field of view: 64.00°\n"
-                                               "  Baseline: 19.240 mm\n"
-                                               "  Disparity adjustment: 2.00%\n"
-                                               "  Eyes: left, right\n"
+                                               "  Horizontal field of view: 64.00°\n"
+                                               "  Camera baseline: 19.240 mm\n"
+                                               "  Disparity adjustment: 2.00 %\n"
+                                               "  Views: left, right\n"
                                                "  Projection: rect\n");
     EXPECT_EQ(nlohmann::json::parse(inspect({"--json", movie}).output),
               nlohmann::json::array({{{"file", movie},
@@ -124,9 +124,9 @@ TEST_F(Inspect, RealSpatialPhoto) {
         GTEST_SKIP() << "the folder of sample media is not there";
     const std::string photo = *samples / "spatial-photo/spatial_photo.heic";
     const std::string words = inspect({photo}).output;
-    EXPECT_THAT(words, StartsWith(photo + ": spatial photo\n  Field of view: 80.0"));
-    EXPECT_THAT(words, HasSubstr("  Baseline: 63.807 mm\n"));
-    EXPECT_THAT(words, HasSubstr("  Disparity adjustment: 2.93%\n"));
+    EXPECT_THAT(words, StartsWith(photo + ": spatial photo\n  Horizontal field of view: 80.0"));
+    EXPECT_THAT(words, HasSubstr("  Camera baseline: 63.807 mm\n"));
+    EXPECT_THAT(words, HasSubstr("  Disparity adjustment: 2.93 %\n"));
 }
 
 TEST_F(Inspect, RealOrdinaryMediaIsNotSpatial) {

@@ -148,6 +148,14 @@ TEST_F(MainForm, QualityIsShownTruncated) {
     }
 }
 
+TEST_F(MainForm, NamesTheUnitsOfItsValues) {
+    std::vector<std::string> words;
+    for (const QLabel *label : form.findChildren<QLabel *>())
+        words.push_back(label->text().toStdString());
+    for (const char *unit : {"\u00B0", "%", "mm", "px"})
+        EXPECT_THAT(words, testing::Contains(unit)) << unit;
+}
+
 TEST_F(MainForm, StandsWhereItShould) {
     EXPECT_EQ(find<QWidget>("startButton").geometry(), QRect(20, 764, 680, 48));
     EXPECT_EQ(find<QWidget>("commonSection").geometry(), QRect(20, 612, 680, 138));
