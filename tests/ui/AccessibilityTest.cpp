@@ -160,7 +160,7 @@ protected:
 TEST_P(Reading, EveryControlOfTheFormHasItsNameAndItsValue) {
     inEachState([this] {
         const Things controls = controlsBelow(*form);
-        EXPECT_EQ(controls.size(), 15U + (form->settings->enableResize ? 3 : 0) +
+        EXPECT_EQ(controls.size(), 16U + (form->settings->enableResize ? 3 : 0) +
                                        (form->settings->direction == ConversionDirection::sbsToSpatial ? 2 : 0));
         expectNamesAndValues(controls);
     });
@@ -285,7 +285,7 @@ TEST_P(Reading, WhileTheSheetIsUpItsButtonIsAllThereIsToReach) {
     sheet.conversionFinished(true, "done");
     expectOnlyTheButton("button.close");
     sheet.closeTapped();
-    EXPECT_TRUE(until([this] { return controlsBelow(*form).size() == 15; })) << "and then the form is back";
+    EXPECT_TRUE(until([this] { return controlsBelow(*form).size() == 16; })) << "and then the form is back";
 }
 
 TEST_P(Reading, ProgressBarsHaveNamesAndValuesInEachOfTheirStates) {

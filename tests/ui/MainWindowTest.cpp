@@ -60,6 +60,13 @@ TEST_F(MainWindowTest, AnIdleWindowClosesWithoutAQuestion) {
     EXPECT_TRUE(stage.alerts->shown.empty());
 }
 
+TEST_F(MainWindowTest, TheFirstFocusIsNotOnTheStart) {
+    open();
+    window().activateWindow();
+    settle();
+    EXPECT_NE(form().focusWidget(), &control<QPushButton>(form(), "startButton"));
+}
+
 TEST_F(MainWindowTest, QuittingClosesTheAlertThatIsOpen) {
     services.alerts = std::make_shared<MessageBoxPresenter>();
     open();

@@ -26,9 +26,9 @@ class RealMedia : public testing::Test {
 protected:
     fs::path spatialMovie(const std::string &name) {
         const fs::path clip = draw(folder / "clip.mp4");
-        const fs::path movie = folder / name;
-        VideoProcessor(settings).convertVideo(clip, movie);
-        return movie;
+        VideoProcessor(settings).convertVideo(clip, folder / "written_spatial.mov");
+        fs::rename(folder / "written_spatial.mov", folder / name);
+        return folder / name;
     }
     fs::path sideBySidePhoto(const std::string &name, int width = 640, int height = 180) {
         QImage picture(width, height, QImage::Format_RGB32);
@@ -67,7 +67,8 @@ TEST_F(RealMedia, AFieldOfViewWithoutABaselineIsNotSpatial) {
 
 TEST_F(RealMedia, ASpatialPhotoIsToldWithItsValues) {
     const fs::path photo = folder / "pair.HEIC";
-    VideoProcessor(settings).convertPhoto(sideBySidePhoto("pair.png"), photo);
+    VideoProcessor(settings).convertPhoto(sideBySidePhoto("pair.png"), folder / "pair_spatial.heic");
+    fs::rename(folder / "pair_spatial.heic", photo);
     const SpatialFinding finding = inspectFile(photo, settings);
     EXPECT_TRUE(finding.isSpatial);
     ASSERT_TRUE(finding.values.stereoBaseline);
