@@ -67,7 +67,7 @@ protected:
         if (const auto *label = qobject_cast<const QLabel *>(&widget))
             return label->wordWrap() ? 0 : label->fontMetrics().horizontalAdvance(plain(label->text()));
         if (const auto *button = qobject_cast<const QPushButton *>(&widget)) // its edges may come close
-            return button->fontMetrics().horizontalAdvance(plain(button->text())) + 6;
+            return button->fontMetrics().horizontalAdvance(plain(button->text())) + 2;
         if (qobject_cast<const QAbstractButton *>(&widget) || qobject_cast<const QComboBox *>(&widget))
             return widget.sizeHint().width();
         if (const auto *field = qobject_cast<const QLineEdit *>(&widget))
