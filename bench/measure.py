@@ -15,6 +15,7 @@ import time
 
 SOURCE = pathlib.Path(__file__).resolve().parent.parent
 BATCH = pathlib.Path(os.environ.get("LUMETWIN_BATCH", SOURCE / "build/release/tools/lumetwin-batch"))
+BUILD = BATCH.parent.parent / "bench"
 
 
 def stack():
@@ -77,6 +78,25 @@ def take_turns(rounds, **contestants):
                 costs[name].append(cost)
     return {name: Cost(*(statistics.median(getattr(cost, field) for cost in all_costs) for field in ("wall", "cpu", "peak")))
             for name, all_costs in costs.items()}
+
+
+@dataclasses.dataclass
+class Likeness:
+    psnr: float  # dB, of luma, over all frames
+    ssim: float  # of luma, the mean of the frames
+
+
+def likeness(stream, original, fps, view=""):
+    """How like its original (raw video, y4m) a stream's view is, frame by frame. A raw stream says nothing true of its
+    rate: frames meet by their number, in a time base that holds every time, and both count as limited range."""
+    def frames(pad):
+        return f"{pad}settb=AVTB,setpts=N/{fps}/TB,setparams=range=tv,format=yuv420p"
+    result = subprocess.run(
+        [tool("ffmpeg"), "-nostdin", "-v", "info", "-r", str(fps), "-i", str(stream), "-r", str(fps), "-i", str(original),
+         "-lavfi", f"{frames(f'[0:v{view}]')},split[a1][a2];{frames('[1:v]')},split[b1][b2];"
+                   "[a1][b1]psnr[p];[a2][b2]ssim[s]",
+         "-map", "[p]", "-map", "[s]", "-f", "null", "-"], capture_output=True, text=True, check=True)
+    return Likeness(*(float(re.search(pattern, result.stderr).group(1)) for pattern in (r"PSNR y:([\d.]+|inf)", r"SSIM Y:([\d.]+)")))
 
 
 def psnr(first, second, filters="[0:v][1:v]"):

@@ -5,52 +5,28 @@
     spatial_video.py            everything, more than an hour
     spatial_video.py rate | speed | presets | memory
 """
-import dataclasses
 import json
-import math
 import os
 import pathlib
-import statistics
 import subprocess
 import sys
 import tempfile
 
-from measure import BATCH, Cost, Report, psnr, run, take_turns, together, tool
+from measure import BATCH, BUILD, Cost, Report, run, take_turns, together, tool
 from sbs_video import draw_long_sbs, draw_sbs, ffmpeg
+from two_views import QUALITIES, bits_ratio, independent, raw_video, rule, split, two_encodes, two_views
 
-BUILD = BATCH.parent.parent / "bench"
 STAGES = BUILD / "lumetwin-stages"
-TWO_VIEWS = BUILD / "lumetwin-two-views"
 SHIPPED = "veryfast"
 # What our encoder adds to the preset for the right view, if an encoder of one view is to have it as well.
 SHIPPED_EXTRA = ("--ref", 3, "--max-merge", 3)
 CANDIDATES = ("ultrafast", "superfast", "veryfast", "fast")
-QUALITIES = (0.25, 0.5, 0.75, 1.0)
 ROUNDS = 3
 EYE = (1920, 1080)
 
 
-def rule(quality, eye=EYE, fps=30):
-    """The average bit rate of both views together: 0.15 bits for each pixel of one eye at full quality."""
-    return max(1_000_000, int(eye[0] * eye[1] * fps * 0.15 * quality))
-
-
 def batch(source, folder, *words):
     return run(BATCH, "--direction", "sbsToSpatial", "--output", folder, *words, source)
-
-
-def independent(eye, preset, rate, target, *options):
-    """One eye coded for itself by the x265 of the same stack, with the same key frames."""
-    return (tool("x265"), "--input", eye, "--preset", preset, "--bitrate", max(1, round(rate / 1000)), "--keyint", 60,
-            "--min-keyint", 1, "--no-open-gop", "--no-info", "--log-level", "none", *options, "--output", target)
-
-
-def split(clip, folder):
-    """Raw video of each eye."""
-    eyes = [folder / "left.y4m", folder / "right.y4m"]
-    for index, target in enumerate(eyes):
-        ffmpeg("-i", clip, "-vf", f"crop=iw/2:ih:{index}*iw/2:0", "-pix_fmt", "yuv420p", target)
-    return eyes
 
 
 def draw_cuts(target, seconds, eye, fps):
@@ -79,12 +55,12 @@ def rates(report, title, clip, eye, fps, folder):
 
 def speed(report, clip, folder):
     eyes = split(clip, folder)
-    half = rule(0.75) / 2
+    half = rule(0.75, EYE, 30) / 2
     streams = [folder / "left.hevc", folder / "right.hevc"]
     costs = take_turns(
         ROUNDS,
         ours=lambda: batch(clip, folder),
-        theirs=lambda: together(*(independent(eye, SHIPPED, half, stream) for eye, stream in zip(eyes, streams))))
+        theirs=lambda: together(*(independent(eye, 30, SHIPPED, half, stream) for eye, stream in zip(eyes, streams))))
     report.add("whole conversion, wall, against two x265 on split raw video", costs["ours"].wall / costs["theirs"].wall,
                at_most=1.0)
     report.add("whole conversion, CPU, against two x265 on split raw video", costs["ours"].cpu / costs["theirs"].cpu)
@@ -104,105 +80,31 @@ def against_encoder_alone(report, clip, folder):
     report.add("whole conversion, CPU, against the two-view encoder alone", costs["whole"].cpu / costs["alone"].cpu)
 
 
-def integral(points, low, high, steps=200):
-    """Of the cubic through four points, by Simpson's rule."""
-    def value(x):
-        total = 0
-        for index, (x_here, y_here) in enumerate(points):
-            weight = 1
-            for other, (x_other, _) in enumerate(points):
-                if other != index:
-                    weight *= (x - x_other) / (x_here - x_other)
-            total += weight * y_here
-        return total
-    width = (high - low) / steps
-    return width / 3 * sum((1 if step in (0, steps) else 4 if step % 2 else 2) * value(low + step * width)
-                           for step in range(steps + 1))
-
-
-def bd_rate(ours, theirs):
-    """How many more bits we need at equal quality, as a fraction (Bjøntegaard), from (bits, dB) pairs."""
-    curves = [sorted((quality, math.log(bits)) for bits, quality in points) for points in (ours, theirs)]
-    low = max(curve[0][0] for curve in curves)
-    high = min(curve[-1][0] for curve in curves)
-    mean = [integral(curve, low, high) / (high - low) for curve in curves]
-    return math.exp(mean[0] - mean[1]) - 1
-
-
-def quality_of(stream, eye, view=""):
-    """Luma PSNR of a stream's view against raw video."""
-    return psnr(stream, eye, f"[0:v{view}]setpts=N/30/TB[a];[1:v]setpts=N/30/TB[b];[a][b]")
-
-
-@dataclasses.dataclass
-class RawVideo:
-    frames: pathlib.Path  # side by side
-    eyes: list
-    size: tuple  # of one eye
-
-    def rule(self, quality):
-        return rule(quality, self.size)
-
-
-def raw_video(clip, size, folder, seconds):
-    """The beginning of a clip as raw video of 30 frames per second, whatever its own rate is."""
-    frames = folder / "frames.y4m"
-    ffmpeg("-i", clip, "-t", seconds, "-an", "-vf", "setpts=N/30/TB", "-r", 30, "-pix_fmt", "yuv420p", frames)
-    eyes = split(frames, folder)
-    plain = folder / "frames.yuv"
-    ffmpeg("-i", frames, "-f", "rawvideo", plain)
-    frames.unlink()
-    return RawVideo(plain, eyes, size)
-
-
-def two_views(preset, video, folder):
-    """(bits, dB) of one two-view stream at each quality, and its CPU time."""
-    points, cpu = [], 0
-    stream = folder / "views.hevc"
-    width, height = video.size
-    for quality in QUALITIES:
-        cpu += run(TWO_VIEWS, video.frames, 2 * width, height, preset, video.rule(quality), stream).cpu
-        sides = [quality_of(stream, eye, f":vpos:{side}") for side, eye in zip(("left", "right"), video.eyes)]
-        points.append((stream.stat().st_size, statistics.mean(sides)))
-    return points, cpu
-
-
-def two_encodes(preset, video, folder, *options):
-    """(bits, dB) of two independent streams together at each quality, and their CPU time."""
-    points, cpu = [], 0
-    streams = [folder / "left.hevc", folder / "right.hevc"]
-    for quality in QUALITIES:
-        cpu += sum(run(*independent(eye, preset, video.rule(quality) / 2, stream, *options)).cpu
-                   for eye, stream in zip(video.eyes, streams))
-        sides = [quality_of(stream, eye) for stream, eye in zip(streams, video.eyes)]
-        points.append((sum(stream.stat().st_size for stream in streams), statistics.mean(sides)))
-    return points, cpu
-
-
-def compare_presets(report, title, clip, size, folder, limit=None, seconds=6):
-    video = raw_video(clip, size, folder, seconds)
+def compare_presets(report, title, clip, size, fps, folder, limit=None, seconds=6):
+    video = raw_video(clip, size, fps, folder, seconds)
     ours = {preset: two_views(preset, video, folder) for preset in CANDIDATES}
     theirs = {preset: two_encodes(preset, video, folder) for preset in CANDIDATES}
     best, longest = ours[CANDIDATES[-1]]
     print(f"  {title}\n  {'preset':10} {'CPU of ' + CANDIDATES[-1]:>14} {'bits of ' + CANDIDATES[-1]:>15} "
           f"{'bits of two encodes':>20} {'CPU of two encodes':>19}")
     for preset, (points, cpu) in ours.items():
-        print(f"  {preset:10} {cpu / longest:14.2f} {1 + bd_rate(points, best):15.3f} "
-              f"{1 + bd_rate(points, theirs[preset][0]):20.3f} {cpu / theirs[preset][1]:19.2f}", flush=True)
+        print(f"  {preset:10} {cpu / longest:14.2f} {bits_ratio(points, best):15.3f} "
+              f"{bits_ratio(points, theirs[preset][0]):20.3f} {cpu / theirs[preset][1]:19.2f}", flush=True)
     points, _ = ours[SHIPPED]
     report.add(f"{title}: bits at equal quality against two independent encodes, {SHIPPED}",
-               1 + bd_rate(points, theirs[SHIPPED][0]), at_most=limit)
+               bits_ratio(points, theirs[SHIPPED][0]), at_most=limit)
     report.add(f"{title}: against two with {' '.join(map(str, SHIPPED_EXTRA))}",
-               1 + bd_rate(points, two_encodes(SHIPPED, video, folder, *SHIPPED_EXTRA)[0]))
+               bits_ratio(points, two_encodes(SHIPPED, video, folder, *SHIPPED_EXTRA)[0]))
     for file in (video.frames, *video.eyes):
         file.unlink()
 
 
 def presets(report, clip, folder):
-    compare_presets(report, "drawn", clip, EYE, folder, limit=0.8)
+    compare_presets(report, "drawn", clip, EYE, 30, folder, limit=0.8)
     samples = os.environ.get("LUMETWIN_SAMPLES")
     if samples:
-        compare_presets(report, "filmed", pathlib.Path(samples, "sbs-video/panorama_2048x1024_24fps.mp4"), (1024, 1024), folder)
+        compare_presets(report, "filmed", pathlib.Path(samples, "sbs-video/panorama_2048x1024_24fps.mp4"), (1024, 1024), 24,
+                        folder)
 
 
 def memory(report, folder):

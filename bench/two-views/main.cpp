@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The two-view encoder alone, for the benchmarks: raw 8-bit 4:2:0 side-by-side frames in, an Annex B stream out.
 //
-//   lumetwin-two-views FRAMES WIDTH HEIGHT PRESET BITRATE STREAM
+//   lumetwin-two-views FRAMES WIDTH HEIGHT RATE PRESET BITRATE STREAM
 //
-// WIDTH and HEIGHT are of the whole frame, even, at 30 frames per second; BITRATE is in bits per second.
+// WIDTH and HEIGHT are of the whole frame, even; RATE is in whole frames per second, BITRATE in bits per second.
 
 #include "media/x265/StereoEncoder.h"
 
@@ -36,11 +36,13 @@ void encode(char **words) {
     x265::StereoFormat format;
     format.width = width / 2;
     format.height = std::stoi(words[3]);
-    format.preset = words[4];
-    format.averageBitRate = std::stoll(words[5]);
+    format.timeScale = std::stoi(words[4]);
+    format.frameDuration = 1;
+    format.preset = words[5];
+    format.averageBitRate = std::stoll(words[6]);
     std::ifstream frames(words[1], std::ios::binary);
-    std::ofstream stream(words[6], std::ios::binary);
-    x265::StereoEncoder encoder(words[6], format);
+    std::ofstream stream(words[7], std::ios::binary);
+    x265::StereoEncoder encoder(words[7], format);
     write(stream, encoder.parameterSets());
     const auto sink = [&](const x265::AccessUnit &unit) { write(stream, unit.bytes); };
     PicturePool pool(width, format.height, yuv420);
@@ -56,8 +58,8 @@ void encode(char **words) {
 } // namespace
 
 int main(int count, char **words) {
-    if (count != 7)
-        return std::fprintf(stderr, "usage: lumetwin-two-views FRAMES WIDTH HEIGHT PRESET BITRATE STREAM\n"), 2;
+    if (count != 8)
+        return std::fprintf(stderr, "usage: lumetwin-two-views FRAMES WIDTH HEIGHT RATE PRESET BITRATE STREAM\n"), 2;
     try {
         encode(words);
     } catch (const std::exception &error) {
