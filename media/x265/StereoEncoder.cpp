@@ -6,6 +6,7 @@
 #include "media/hevc/NalUnits.h"
 #include "media/x265/CodingLevel.h"
 #include "media/x265/ConformanceWindow.h"
+#include "media/x265/DecodingTimes.h"
 #include "media/x265/Encoder.h"
 #include "media/x265/StereoRateLoop.h"
 #include "media/x265/StillPassages.h"
@@ -32,6 +33,14 @@ constexpr std::uint32_t mostMergeCandidates = 5;
 // The largest picture of HEVC's levels, 6 to 6.2 (ITU-T H.265, table A.8); no device takes more, and memory ends soon
 // after.
 constexpr std::int64_t mostSamples = 35'651'584;
+
+// The x265 that scripts/patches mends keeps the bit rate of both views together by itself. Others see layer 0 alone,
+// and are told after each access unit what to aim at.
+#ifdef X265_BITRATE_OF_ALL_VIEWS
+constexpr bool keepsRateOfBothViews = true;
+#else
+constexpr bool keepsRateOfBothViews = false;
+#endif
 
 // The 3D reference displays information SEI (ITU-T H.265, G.14): one display, left view 0, right view 1. x265 4.1
 // writes its mantissa one bit too long, and adds three messages with made-up constants.
@@ -84,12 +93,12 @@ void setStructure(x265_param &parameters, double frameRate) {
     parameters.logLevel = X265_LOG_NONE;
 }
 
-void setRate(x265_param &parameters, const CodingLevel &level, double baseRate) {
+void setRate(x265_param &parameters, const CodingLevel &level, double rate) {
     parameters.levelIdc = level.number;
     parameters.bHighTier = 0;
     parameters.rc.rateControlMode = X265_RC_ABR;
-    parameters.rc.bitrate = kilobits(baseRate);
-    parameters.bConfigRCFrame = 1;
+    parameters.rc.bitrate = kilobits(rate);
+    parameters.bConfigRCFrame = !keepsRateOfBothViews;
 }
 
 hevc::NalBytes bytesOf(const x265_nal &nal) {
@@ -108,7 +117,7 @@ struct StereoEncoder::State {
     StillPassages stills;
     PicturePool pool;
     std::vector<std::uint8_t> parameterSets;
-    std::int64_t codedFrames = 0;
+    DecodingTimes decodingTimes;
     bool finished = false;
 
     State(const std::filesystem::path &name, const StereoFormat &stream)
@@ -139,14 +148,18 @@ struct StereoEncoder::State {
         setColour(*parameters, format.colour);
         setStructure(*parameters, frameRate);
         level = codingLevel(parameters->sourceWidth, parameters->sourceHeight, frameRate, format.averageBitRate);
-        setRate(*parameters, level, baseRate());
+        setRate(*parameters, level, askedRate());
+        decodingTimes = DecodingTimes(reordering(), format.frameDuration);
         encoder = openEncoder(*parameters);
         if (!encoder)
             throw refusal();
     }
 
     /// A bit rate above its level's would change the level, which the encoder refuses.
-    double baseRate() const { return std::min(loop.baseRate(), static_cast<double>(level.highestBitRate)); }
+    double askedRate() const {
+        const double rate = keepsRateOfBothViews ? static_cast<double>(format.averageBitRate) : loop.baseRate();
+        return std::min(rate, static_cast<double>(level.highestBitRate));
+    }
 
     void collectParameterSets() {
         x265_nal *nals = nullptr;
@@ -198,13 +211,12 @@ struct StereoEncoder::State {
             throw failure(result, {});
         if (result == 0 || count == 0)
             return false;
-        // The rate is constant, so decoding times follow from the coding order. (The encoder's own are undefined for
-        // clips shorter than its reordering.)
-        AccessUnit unit{{}, output[0].pts, (codedFrames++ - reordering()) * format.frameDuration, false};
+        AccessUnit unit{{}, output[0].pts, decodingTimes.next(), false};
         std::array<double, 2> bits{};
         for (std::uint32_t index = 0; index < count; ++index)
             collect(bytesOf(nals[index]), unit, bits);
-        steer(unit, bits);
+        if (!keepsRateOfBothViews)
+            steer(unit, bits);
         sink(unit);
         return true;
     }
@@ -224,7 +236,7 @@ struct StereoEncoder::State {
         if (stills.endedAt(unit.time) && unit.keyFrame)
             loop.restart(); // a cut to something else: the encoder's rate control begins anew
         loop.account(bits[0], bits[0] + bits[1]);
-        const int asked = kilobits(baseRate());
+        const int asked = kilobits(askedRate());
         if (asked == parameters->rc.bitrate)
             return; // with nothing new, the encoder would take it for a change of everything else
         parameters->rc.bitrate = asked;
@@ -251,7 +263,9 @@ void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64
     const int codedHeight = codedSide(state.format.height);
     const Picture leftCoded = padded(left, codedWidth, codedHeight, state.pool);
     const Picture rightCoded = padded(right, codedWidth, codedHeight, state.pool);
-    state.stills.show(leftCoded, time);
+    if (!keepsRateOfBothViews)
+        state.stills.show(leftCoded, time);
+    state.decodingTimes.show(time);
     std::array<x265_picture, 2> input{state.inputOf(leftCoded, time), state.inputOf(rightCoded, time)};
     state.step(input.data(), sink);
 }
