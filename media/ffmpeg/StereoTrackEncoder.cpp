@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/Padding.h"
-#include "media/ffmpeg/DecodingTimes.h"
 #include "media/ffmpeg/Pictures.h"
 #include "media/ffmpeg/TrackEncoder.h"
 #include "media/x265/StereoEncoder.h"
@@ -95,9 +94,8 @@ public:
 
     void encode(const Picture &left, const Picture *right, std::int64_t time, std::int64_t duration,
                 const PacketSink &sink) override {
-        decodingTimes_.add(time, duration);
         encoder_.encode(padded(left, width_, height_, pool_), padded(right ? *right : left, width_, height_, pool_),
-                        time, packets(sink));
+                        time, packets(sink), duration);
     }
 
     void finish(const PacketSink &sink) override { encoder_.finish(packets(sink)); }
@@ -108,9 +106,8 @@ private:
             check(av_new_packet(packet_.get(), static_cast<int>(unit.bytes.size())), file_, MediaOperation::encode);
             std::memcpy(packet_->data, unit.bytes.data(), unit.bytes.size());
             packet_->pts = unit.time;
-            const DecodingTimes::Moment decoded = decodingTimes_.next();
-            packet_->dts = decoded.time;
-            packet_->duration = decoded.duration;
+            packet_->dts = unit.decodingTime;
+            packet_->duration = unit.duration;
             if (unit.keyFrame)
                 packet_->flags |= AV_PKT_FLAG_KEY;
             sink(*packet_);
@@ -125,7 +122,6 @@ private:
     std::int64_t duration_;
     PicturePool pool_;
     x265::StereoEncoder encoder_;
-    DecodingTimes decodingTimes_{encoder_.reordering()};
     Packet packet_ = makePacket();
 };
 

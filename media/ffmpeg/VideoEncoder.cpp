@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/DecodingTimes.h"
 #include "media/Padding.h"
-#include "media/ffmpeg/DecodingTimes.h"
 #include "media/ffmpeg/Pictures.h"
 #include "media/ffmpeg/TrackEncoder.h"
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/x265/StereoEncoder.h"
 
+#include "media/DecodingTimes.h"
 #include "media/MediaError.h"
 #include "media/Padding.h"
 #include "media/hevc/NalUnits.h"
 #include "media/x265/CodingLevel.h"
 #include "media/x265/ConformanceWindow.h"
-#include "media/x265/DecodingTimes.h"
 #include "media/x265/Encoder.h"
 #include "media/x265/StereoRateLoop.h"
 #include "media/x265/StillPassages.h"
@@ -16,6 +16,7 @@
 #include <cmath>
 #include <new>
 #include <numeric>
+#include <optional>
 
 namespace lumetwin::media::x265 {
 
@@ -117,7 +118,7 @@ struct StereoEncoder::State {
     StillPassages stills;
     PicturePool pool;
     std::vector<std::uint8_t> parameterSets;
-    DecodingTimes decodingTimes;
+    std::optional<DecodingTimes> decodingTimes;
     bool finished = false;
 
     State(const std::filesystem::path &name, const StereoFormat &stream)
@@ -149,7 +150,7 @@ struct StereoEncoder::State {
         setStructure(*parameters, frameRate);
         level = codingLevel(parameters->sourceWidth, parameters->sourceHeight, frameRate, format.averageBitRate);
         setRate(*parameters, level, askedRate());
-        decodingTimes = DecodingTimes(reordering(), format.frameDuration);
+        decodingTimes.emplace(reordering());
         encoder = openEncoder(*parameters);
         if (!encoder)
             throw refusal();
@@ -211,7 +212,8 @@ struct StereoEncoder::State {
             throw failure(result, {});
         if (result == 0 || count == 0)
             return false;
-        AccessUnit unit{{}, output[0].pts, decodingTimes.next(), false};
+        const DecodingTimes::Moment decoded = decodingTimes->next();
+        AccessUnit unit{{}, output[0].pts, decoded.time, decoded.duration, false};
         std::array<double, 2> bits{};
         for (std::uint32_t index = 0; index < count; ++index)
             collect(bytesOf(nals[index]), unit, bits);
@@ -257,7 +259,8 @@ int StereoEncoder::reordering() const {
     return state_->reordering();
 }
 
-void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink) {
+void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink,
+                           std::int64_t duration) {
     State &state = *state_;
     const int codedWidth = codedSide(state.format.width);
     const int codedHeight = codedSide(state.format.height);
@@ -265,7 +268,7 @@ void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64
     const Picture rightCoded = padded(right, codedWidth, codedHeight, state.pool);
     if (!keepsRateOfBothViews)
         state.stills.show(leftCoded, time);
-    state.decodingTimes.show(time);
+    state.decodingTimes->add(time, duration > 0 ? duration : state.format.frameDuration);
     std::array<x265_picture, 2> input{state.inputOf(leftCoded, time), state.inputOf(rightCoded, time)};
     state.step(input.data(), sink);
 }

@@ -33,7 +33,8 @@ struct AccessUnit {
     std::vector<std::uint8_t> bytes;
     std::int64_t time = 0;
     std::int64_t decodingTime = 0;
-    bool keyFrame = false; ///< layer 0's picture is an intra random access point
+    std::int64_t duration = 0; ///< until the next one is decoded
+    bool keyFrame = false;     ///< layer 0's picture is an intra random access point
 };
 
 using AccessUnitSink = std::function<void(const AccessUnit &)>;
@@ -54,8 +55,10 @@ public:
     /// By how many access units coding runs ahead of showing.
     int reordering() const;
 
-    /// Both pictures are 8-bit 4:2:0 of the format's size; samples are copied before this returns. Throws MediaError.
-    void encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink);
+    /// Both pictures are 8-bit 4:2:0 of the format's size; samples are copied before this returns. The duration, in
+    /// ticks, counts for the last frame; 0 is the format's. Throws MediaError.
+    void encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink,
+                std::int64_t duration = 0);
     /// Gives out every access unit that is still under way.
     void finish(const AccessUnitSink &sink);
 

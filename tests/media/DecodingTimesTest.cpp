@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/ffmpeg/DecodingTimes.h"
+#include "media/DecodingTimes.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-namespace lumetwin::media::ffmpeg {
+namespace lumetwin::media {
 namespace {
 
 struct Packet {
@@ -46,9 +46,21 @@ TEST(DecodingTimes, OfAVariableRateLieWhereEarlierPicturesAreShown) {
               (std::vector<Packet>{{90, 10}, {100, 10}, {110, 390}, {500, 5}}));
 }
 
+TEST(DecodingTimes, RiseAndComeBeforeShowingWhereFramesLastDifferently) {
+    // Shown at 0, 10, 90, 91, 200; coded in the order of a small pyramid: 0, 200, 90, 10, 91.
+    const std::vector<Packet> decoded = packets(2, {0, 10, 90, 91, 200}, 20, 3);
+    const std::vector<std::int64_t> shown{0, 200, 90, 10, 91};
+    for (std::size_t index = 0; index < shown.size(); ++index) {
+        EXPECT_LE(decoded[index].time, shown[index]);
+        if (index > 0) {
+            EXPECT_EQ(decoded[index].time, decoded[index - 1].time + decoded[index - 1].duration);
+        }
+    }
+}
+
 TEST(DecodingTimes, OfFilmsThatAreShorterThanTheReordering) {
     EXPECT_EQ(packets(2, {0}, 20, 3), (std::vector<Packet>{{-40, 20}}));
 }
 
 } // namespace
-} // namespace lumetwin::media::ffmpeg
+} // namespace lumetwin::media

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <deque>
 
-namespace lumetwin::media::ffmpeg {
+namespace lumetwin::media {
 
 /// Decoding times of coded pictures, from the times of the pictures as they were handed over and the number of pictures
 /// by which coding runs ahead of showing: the n-th packet is decoded when the picture so many before the n-th is shown.
@@ -49,4 +49,4 @@ private:
     std::int64_t coded_ = 0;
 };
 
-} // namespace lumetwin::media::ffmpeg
+} // namespace lumetwin::media
