@@ -78,8 +78,9 @@ void codeTiles(const std::filesystem::path &file, const Picture &picture, const 
                int first, int step, std::vector<x265::CodedStill> &stills, const Cancellation &cancellation) {
     for (int index = first; index < tiling.count(); index += step) {
         cancellation.check();
-        stills[static_cast<std::size_t>(index)] = x265::encodeStill(
-            file, tileOf(picture, tiling, index % tiling.columns, index / tiling.columns), quantiser, threadsForEach());
+        stills[static_cast<std::size_t>(index)] =
+            x265::encodeStill(file, tileOf(picture, tiling, index % tiling.columns, index / tiling.columns), quantiser,
+                              threadsForEach(), cancellation);
     }
 }
 
@@ -88,7 +89,7 @@ std::vector<x265::CodedStill> codedTiles(const std::filesystem::path &file, Pict
     cancellation.check();
     std::vector<x265::CodedStill> stills(static_cast<std::size_t>(tiling.count()));
     if (tiling.count() == 1) {
-        stills[0] = x265::encodeStill(file, std::move(picture), quantiser, threadsForEach());
+        stills[0] = x265::encodeStill(file, std::move(picture), quantiser, threadsForEach(), cancellation);
         return stills;
     }
     std::vector<std::future<void>> others;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/Abandonable.h"
 #include "media/HeifFile.h"
 #include "media/MediaError.h"
 #include "media/bmff/BoxReader.h"
@@ -330,6 +331,14 @@ StillImage read(const HeifContext &context, heif_item_id item, HeifSamples sampl
     return image;
 }
 
+/// A picture that is coded in one piece cannot be stopped at.
+StillImage readAbandonable(const std::filesystem::path &file, heif_item_id item, HeifSamples samples,
+                           const Cancellation &cancellation) {
+    return abandonable(cancellation, [file, item, samples](const Cancellation &asked) {
+        return read(HeifContext(file, asked), item, samples);
+    });
+}
+
 } // namespace
 
 StillImage readHeif(const std::filesystem::path &file, const Cancellation &cancellation) {
@@ -339,7 +348,7 @@ StillImage readHeif(const std::filesystem::path &file, const Cancellation &cance
         throw MediaError(file, MediaOperation::read, 0,
                          heif.hasMovie ? MediaReason::imageSequence : MediaReason::noImage);
     requireDecoder(file, heif.images.front());
-    return read(HeifContext(file, cancellation), heif.images.front().item, HeifSamples::coded);
+    return readAbandonable(file, heif.images.front().item, HeifSamples::coded, cancellation);
 }
 
 } // namespace lumetwin::media::images
@@ -353,7 +362,7 @@ StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, 
     const auto image = std::ranges::find(heif.images, item, &HeifImage::item);
     if (image != heif.images.end())
         images::requireDecoder(file, *image);
-    return images::read(images::HeifContext(file, cancellation), item, samples);
+    return images::readAbandonable(file, item, samples, cancellation);
 }
 
 } // namespace lumetwin::media

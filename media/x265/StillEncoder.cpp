@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/x265/StillEncoder.h"
 
+#include "media/Abandonable.h"
 #include "media/MediaError.h"
 #include "media/Padding.h"
 #include "media/hevc/NalUnits.h"
@@ -124,9 +125,7 @@ void encode(const std::filesystem::path &file, x265_encoder *encoder, x265_param
         fail(file, result, MediaReason::encoderFailed);
 }
 
-} // namespace
-
-CodedStill encodeStill(const std::filesystem::path &file, Picture picture, int quantiser, int threads) {
+CodedStill coded(const std::filesystem::path &file, Picture picture, int quantiser, int threads) {
     CodedStill still;
     still.width = codedSize(picture.width, 2);
     still.height = codedSize(picture.height, 2);
@@ -142,6 +141,16 @@ CodedStill encodeStill(const std::filesystem::path &file, Picture picture, int q
     collectParameterSets(file, encoder.get(), still.width != codedWidth || still.height != codedHeight, still);
     encode(file, encoder.get(), parameters.get(), std::move(picture), still);
     return still;
+}
+
+} // namespace
+
+CodedStill encodeStill(const std::filesystem::path &file, Picture picture, int quantiser, int threads,
+                       const Cancellation &cancellation) {
+    return abandonable(cancellation,
+                       [file, picture = std::move(picture), quantiser, threads](const Cancellation &) mutable {
+                           return coded(file, std::move(picture), quantiser, threads);
+                       });
 }
 
 } // namespace lumetwin::media::x265

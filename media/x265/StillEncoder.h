@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/Cancellation.h"
 #include "media/Picture.h"
 
 #include <cstdint>
@@ -29,7 +30,8 @@ inline constexpr int coarsestQuantiser = 51;
 /// Codes an 8-bit 4:2:0 picture with one quantiser (ITU-T H.265: 6 more is half the precision). Odd sizes are padded by
 /// repeating the last column and row. Samples are released as soon as the encoder has copied them, where the
 /// caller kept no other copy of the picture. Works on the given number of threads. `file` is named in errors.
-/// Throws MediaError.
-CodedStill encodeStill(const std::filesystem::path &file, Picture picture, int quantiser, int threads);
+/// Throws MediaError, and Cancelled at once when it is to stop.
+CodedStill encodeStill(const std::filesystem::path &file, Picture picture, int quantiser, int threads,
+                       const Cancellation &cancellation = {});
 
 } // namespace lumetwin::media::x265

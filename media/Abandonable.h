@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/Cancellation.h"
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <memory>
+#include <thread>
+#include <type_traits>
+#include <utility>
+
+namespace lumetwin::media {
+
+/// Does work that a library cannot be asked to stop, on a thread of its own, and returns its result. When it is
+/// cancelled, Cancelled is thrown at once, and the thread goes on with what nobody waits for any longer until the
+/// library returns. So the work owns all that it touches. It is handed a Cancellation that it may keep asking then.
+template <typename Work>
+std::invoke_result_t<Work, const Cancellation &> abandonable(const Cancellation &cancellation, Work work) {
+    using Result = std::invoke_result_t<Work, const Cancellation &>;
+    constexpr std::chrono::milliseconds interval{20};
+    const auto abandoned = std::make_shared<std::atomic<bool>>(false);
+    std::packaged_task<Result()> task([abandoned, work = std::move(work)]() mutable {
+        return work(Cancellation([abandoned] { return abandoned->load(); }));
+    });
+    std::future<Result> result = task.get_future();
+    std::thread(std::move(task)).detach();
+    while (result.wait_for(interval) != std::future_status::ready)
+        if (cancellation.requested()) {
+            *abandoned = true;
+            throw Cancelled{};
+        }
+    return result.get();
+}
+
+} // namespace lumetwin::media
