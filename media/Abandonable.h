@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/Cancellation.h"
+#include "media/LingeringThreads.h"
 
 #include <atomic>
 #include <chrono>
@@ -25,12 +26,14 @@ std::invoke_result_t<Work, const Cancellation &> abandonable(const Cancellation 
         return work(Cancellation([abandoned] { return abandoned->load(); }));
     });
     std::future<Result> result = task.get_future();
-    std::thread(std::move(task)).detach();
+    std::thread worker(std::move(task));
     while (result.wait_for(interval) != std::future_status::ready)
         if (cancellation.requested()) {
             *abandoned = true;
+            lingering::leave(std::move(worker));
             throw Cancelled{};
         }
+    worker.join();
     return result.get();
 }
 
