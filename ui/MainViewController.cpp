@@ -42,6 +42,7 @@ MainViewController::MainViewController(FormServices services, QWidget *parent)
     applyFonts();
     applyColours();
     layoutOptionsArea();
+    spatialToSBSButton->setFocus(); // the first control has the focus at first, not the start button
     batch_ = std::make_unique<BatchPresentation>(contentView, services_);
     connect(batch_.get(), &BatchPresentation::batchStarted, this, &MainViewController::batchStarted);
     connect(batch_.get(), &BatchPresentation::batchProgressed, this, &MainViewController::batchProgressed);
