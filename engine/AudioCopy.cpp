@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/AudioCopy.h"
 
-#include "engine/ProcessorError.h"
+#include "engine/MediaErrorTexts.h"
 
 #include <algorithm>
 
@@ -36,7 +36,7 @@ std::optional<AudioCopy> prepareAudioCopy(const media::MovieFile &movie, double 
                 std::make_unique<media::AudioStretcher>(copy.encoding.sampleRate, copy.encoding.channels, stretch);
         return copy;
     } catch (const std::exception &error) {
-        warnings.add(WarningKind::withoutSound, {errorMessage(error)});
+        warnings.add(WarningKind::withoutSound, {causeOf(error).shown});
         return std::nullopt;
     }
 }
@@ -51,7 +51,7 @@ void copyAudio(AudioCopy &copy, media::MovieWriter &writer, const ConversionCont
         }
     } catch (const std::exception &error) {
         // The reader has run dry; what was copied stays.
-        warnings.add(WarningKind::soundEndsEarly, {errorMessage(error)});
+        warnings.add(WarningKind::soundEndsEarly, {causeOf(error).shown});
     }
     if (copy.stretcher)
         writer.append(copy.stretcher->finish());
