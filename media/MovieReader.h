@@ -29,9 +29,9 @@ struct VideoTrack {
     /// When each frame is shown, in the track's ticks, where the file counts frames as they are coded (AVI) and the
     /// times of single frames mean nothing; else null.
     std::shared_ptr<const std::vector<std::int64_t>> listedTimes;
-    Fraction tick;               ///< unit of the frames' times, seconds
-    double startTime = 0;        ///< presentation time of the first frame, seconds
-    int rotation = 0;            ///< degrees, clockwise, that the frames are to be turned by: 0 to 359
+    Fraction tick;        ///< unit of the frames' times, seconds
+    double startTime = 0; ///< presentation time of the first frame, seconds
+    int rotation = 0;     ///< degrees, clockwise, that the frames are to be turned by: 0 to 359
     PictureFormat format;
     ColourTags colour;
 };

@@ -56,8 +56,8 @@ struct AudioEncoding {
 /// started.
 ///
 /// Tracks are added before start(), in the order that they have in the file. Then one thread appends video and another
-/// audio; a track that runs ahead waits for the other, so that memory stays flat. An encoder that cannot stop at once when
-/// the writer is cancelled ends by itself (LingeringThreads.h).
+/// audio; a track that runs ahead waits for the other, so that memory stays flat. An encoder that cannot stop at once
+/// when the writer is cancelled ends by itself (LingeringThreads.h).
 class MovieWriter {
 public:
     /// Throws MediaError for frames that no movie holds; addVideo() asks the same.

@@ -120,7 +120,8 @@ TEST(MovieFile, namesTheFileAndTheCauseOfWhatItCannotOpen) {
     test::writeFile(folder / "text.mov", std::string("This is a letter, not a movie.\n"));
     std::filesystem::create_directory(folder / "folder.mov");
     EXPECT_EQ(openingError(folder / "empty.mov"), "Cannot open empty.mov: The file is empty");
-    EXPECT_EQ(openingError(folder / "text.mov"), "Cannot open text.mov: it is damaged (Invalid data found when processing input)");
+    EXPECT_EQ(openingError(folder / "text.mov"),
+              "Cannot open text.mov: it is damaged (Invalid data found when processing input)");
     EXPECT_EQ(openingError(folder / "folder.mov"), "Cannot open folder.mov: Is a directory");
     EXPECT_EQ(openingError(folder / "absent.mov"), "Cannot open absent.mov: No such file or directory");
 }
