@@ -2,8 +2,8 @@
 #include "app/AboutPanel.h"
 
 #include "app/ApplicationIcon.h"
-#include "ui/Localized.h"
-#include "ui/Points.h"
+#include "ui/widgets/Localized.h"
+#include "ui/widgets/Points.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>

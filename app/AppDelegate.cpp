@@ -5,9 +5,9 @@
 #include "app/HelpPages.h"
 #include "app/MainMenu.h"
 #include "app/MainWindowController.h"
-#include "engine/Texts.h"
-#include "ui/BackgroundThreads.h"
-#include "ui/MainThreadQueue.h"
+#include "engine/texts/Texts.h"
+#include "ui/widgets/BackgroundThreads.h"
+#include "ui/widgets/MainThreadQueue.h"
 
 #include <QApplication>
 #include <QKeyEvent>

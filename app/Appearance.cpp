@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Appearance.h"
 
-#include "ui/Palettes.h"
-#include "ui/ScaledStyle.h"
 #include "ui/desktop/Bus.h"
+#include "ui/widgets/Palettes.h"
+#include "ui/widgets/ScaledStyle.h"
 
 #include <QApplication>
 #include <QDBusVariant>

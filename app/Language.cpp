@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Language.h"
 
-#include "engine/Texts.h"
+#include "engine/texts/Texts.h"
 
 #include <QCoreApplication>
 #include <QLibraryInfo>

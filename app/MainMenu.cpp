@@ -2,7 +2,7 @@
 #include "app/MainMenu.h"
 
 #include "app/AppDelegate.h"
-#include "ui/Localized.h"
+#include "ui/widgets/Localized.h"
 
 #include <QMainWindow>
 #include <QMenu>

@@ -3,11 +3,11 @@
 
 #include "app/ApplicationIcon.h"
 #include "app/WindowSizes.h"
-#include "ui/Localized.h"
-#include "ui/MainViewController.h"
-#include "ui/ProgressViewController.h"
 #include "ui/desktop/DesktopPresence.h"
 #include "ui/desktop/FileManager.h"
+#include "ui/form/MainViewController.h"
+#include "ui/progress/ProgressViewController.h"
+#include "ui/widgets/Localized.h"
 
 #include <QApplication>
 #include <QCloseEvent>

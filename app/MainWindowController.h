@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/FormServices.h"
+#include "ui/form/FormServices.h"
 
 #include <QMainWindow>
 #include <QObject>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/Points.h"
+#include "ui/widgets/Points.h"
 
 #include <QSize>
 

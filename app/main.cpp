@@ -3,8 +3,8 @@
 #include "app/Appearance.h"
 #include "app/ApplicationIcon.h"
 #include "app/Language.h"
-#include "engine/ProgramEnd.h"
-#include "ui/Accessibility.h"
+#include "engine/batch/ProgramEnd.h"
+#include "ui/widgets/Accessibility.h"
 
 #include <QApplication>
 

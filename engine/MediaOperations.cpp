@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/MediaOperations.h"
 
-#include "engine/Inspection.h"
-#include "engine/SBSImageToSpatial.h"
-#include "engine/SBSVideoToSpatial.h"
-#include "engine/SpatialPhotoToSBS.h"
-#include "engine/SpatialVideoToSBS.h"
+#include "engine/inspection/Inspection.h"
+#include "engine/photo/SBSImageToSpatial.h"
+#include "engine/photo/SpatialPhotoToSBS.h"
+#include "engine/video/SBSVideoToSpatial.h"
+#include "engine/video/SpatialVideoToSBS.h"
 
 namespace lumetwin {
 

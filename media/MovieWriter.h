@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/MovieReader.h"
+#include "media/AudioBlock.h"
+#include "media/MovieFile.h"
 #include "media/MovieTags.h"
 #include "media/Picture.h"
 

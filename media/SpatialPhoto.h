@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/ImageFile.h"
+#include "media/Image.h"
 
 #include <array>
 #include <cstdint>

@@ -10,7 +10,7 @@ trap 'rm -rf "$scratch"' EXIT
 
 mkdir -p "$pictures"
 for language in en ja; do
-    "$build/tests/ui/screenshots" "$scratch/$language" --language "$language"
+    "$build/tests/app/screenshots" "$scratch/$language" --language "$language"
     for picture in form:form form-to-spatial:form-to-spatial form-resize-odd:resize filled:filled \
         alert-overwrite:overwrite alert-check-spatial:check sheet-running:progress sheet-finished-problems:finished; do
         # 256 colours are enough for a window, and a third of the size.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/Commands.h"
 
-#include "engine/FileNames.h"
+#include "engine/batch/FileNames.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/Commands.h"
 
-#include "engine/VideoProcessor.h"
+#include "engine/batch/VideoProcessor.h"
 #include "tools/Interruption.h"
 #include "tools/ReportFile.h"
 #include "tools/RunDisplay.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/Commands.h"
 
-#include "engine/FileNames.h"
-#include "engine/MediaDescription.h"
-#include "engine/Texts.h"
+#include "engine/batch/FileNames.h"
+#include "engine/inspection/MediaDescription.h"
+#include "engine/texts/Texts.h"
 #include "tools/Json.h"
 
 #include <cerrno>

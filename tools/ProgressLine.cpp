@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/ProgressLine.h"
 
-#include "engine/FileNames.h"
-#include "engine/Texts.h"
+#include "engine/batch/FileNames.h"
+#include "engine/texts/Texts.h"
 
 #include <fmt/format.h>
 

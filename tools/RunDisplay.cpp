@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/RunDisplay.h"
 
-#include "engine/FileNames.h"
-#include "engine/Texts.h"
-#include "engine/WarningTexts.h"
+#include "engine/batch/FileNames.h"
+#include "engine/texts/Texts.h"
+#include "engine/texts/WarningTexts.h"
 #include "tools/RunTotals.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/VideoProcessor.h"
+#include "engine/batch/VideoProcessor.h"
 #include "tools/Console.h"
 #include "tools/ProgressLine.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/RunDocument.h"
 
-#include "engine/MediaKinds.h"
-#include "engine/WarningTexts.h"
+#include "engine/batch/MediaKinds.h"
+#include "engine/texts/WarningTexts.h"
 #include "tools/CaseNames.h"
 #include "tools/Json.h"
 #include "tools/RunTotals.h"

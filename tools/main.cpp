@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/ProgramEnd.h"
+#include "engine/batch/ProgramEnd.h"
 #include "tools/Commands.h"
 
 int main(int count, char **arguments) {

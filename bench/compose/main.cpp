@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What it costs to put two eyes onto one frame, beside copying the frame. CPU time of the fastest of many turns.
-#include "engine/SBSComposition.h"
+#include "engine/geometry/SBSComposition.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -3,8 +3,8 @@
 //
 //   lumetwin-photo-stages sbs|spatial FILE OUT COUNT   resident KiB after 50 conversions and after COUNT
 
-#include "engine/SBSImageToSpatial.h"
-#include "engine/SpatialPhotoToSBS.h"
+#include "engine/photo/SBSImageToSpatial.h"
+#include "engine/photo/SpatialPhotoToSBS.h"
 
 #include <cstdio>
 #include <cstdlib>

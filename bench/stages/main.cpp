@@ -7,12 +7,13 @@
 //   lumetwin-stages memory sbs|spatial FILE OUT    resident KiB at every 1000th frame of a whole conversion
 //   lumetwin-stages inspect FILE…                  seconds to tell which of the files are spatial
 
-#include "engine/EyeExtraction.h"
-#include "engine/Inspection.h"
-#include "engine/SBSComposition.h"
-#include "engine/SBSVideoToSpatial.h"
-#include "engine/SpatialVideoToSBS.h"
-#include "engine/VideoConversion.h"
+#include "engine/geometry/SBSComposition.h"
+#include "engine/inspection/Inspection.h"
+#include "engine/inspection/VideoInfo.h"
+#include "engine/stereo/EyeExtraction.h"
+#include "engine/video/SBSVideoToSpatial.h"
+#include "engine/video/SpatialVideoToSBS.h"
+#include "engine/video/VideoConversion.h"
 
 #include <chrono>
 #include <cstdio>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/MovieReader.h"
+#include "media/AudioReader.h"
+#include "media/MovieFile.h"
 #include "media/ffmpeg/Ffmpeg.h"
 
 extern "C" {

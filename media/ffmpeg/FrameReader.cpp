@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/FrameReader.h"
 #include "media/BoundedQueue.h"
-#include "media/MovieFacts.h"
+#include "media/StereoMovieFacts.h"
 #include "media/ffmpeg/AccessUnitGuard.h"
 #include "media/ffmpeg/MovieFileState.h"
 #include "media/ffmpeg/Pictures.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/MovieReader.h"
+#include "media/MovieFile.h"
 #include "media/ffmpeg/Ffmpeg.h"
 
 namespace lumetwin::media {

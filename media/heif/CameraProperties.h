@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/heif/BoxWriter.h"
+#include "media/bmff/BoxWriter.h"
 
 #include <array>
 #include <cstdint>

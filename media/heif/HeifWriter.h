@@ -3,7 +3,7 @@
 
 #include "media/HeifFile.h"
 #include "media/PartialFile.h"
-#include "media/heif/BoxWriter.h"
+#include "media/bmff/BoxWriter.h"
 
 #include <array>
 #include <cstdint>

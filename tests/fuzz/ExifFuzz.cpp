@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/images/ExifBlock.h"
-#include "media/images/Xmp.h"
+#include "media/metadata/ExifBlock.h"
+#include "media/metadata/Xmp.h"
 
 #include <cstdlib>
 

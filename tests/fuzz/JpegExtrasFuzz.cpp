@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/images/JpegExtras.h"
+#include "media/jpeg/JpegExtras.h"
 
 #include <cstdlib>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/Conversions.h"
 
-#include "engine/Texts.h"
-#include "engine/WarningTexts.h"
+#include "engine/texts/Texts.h"
+#include "engine/texts/WarningTexts.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "engine/Outcome.h"
-#include "engine/SBSVideoToSpatial.h"
-#include "engine/SpatialVideoToSBS.h"
+#include "engine/video/SBSVideoToSpatial.h"
+#include "engine/video/SpatialVideoToSBS.h"
 #include "tests/support/Clips.h"
 #include "tests/support/TestMedia.h"
 

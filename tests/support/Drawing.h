@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/Placement.h"
+#include "media/Compositor.h"
 
 #include <cstdint>
 #include <random>

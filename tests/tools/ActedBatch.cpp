@@ -8,7 +8,7 @@
 //   note…     is written with a note
 //   plain…    is not spatial (nor is a folder)
 // Everything else is written at once.
-#include "engine/ProcessorError.h"
+#include "engine/texts/ProcessorError.h"
 #include "tools/Commands.h"
 
 #include <chrono>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/RunTotals.h"
 
-#include "engine/Texts.h"
+#include "engine/texts/Texts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/desktop/DesktopPresence.h"
 
-#include "ui/Localized.h"
 #include "ui/desktop/Bus.h"
 #include "ui/desktop/PortalFiles.h"
+#include "ui/widgets/Localized.h"
 
 #include <QApplication>
 #include <QDBusMessage>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/desktop/SleepInhibitor.h"
 
-#include "ui/Localized.h"
 #include "ui/desktop/Bus.h"
+#include "ui/widgets/Localized.h"
 
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/SBSComposition.h"
+#include "engine/geometry/SBSComposition.h"
 
-#include "engine/EyeExtraction.h"
+#include "engine/stereo/EyeExtraction.h"
 #include "tests/support/Drawing.h"
 #include "tests/support/TestMedia.h"
 

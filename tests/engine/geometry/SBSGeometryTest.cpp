@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/SBSGeometry.h"
+#include "engine/geometry/SBSGeometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What holds for the tables as a whole: they know every key of the code and no other, and a translation takes
 // the arguments that the English text takes.
-#include "engine/TextTable.h"
-#include "engine/Texts.h"
+#include "engine/texts/TextTable.h"
+#include "engine/texts/Texts.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/TextTable.h"
+#include "engine/texts/TextTable.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/Texts.h"
+#include "engine/texts/Texts.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/AudioCopy.h"
+#include "engine/video/AudioCopy.h"
 
 #include "tests/support/BoxEdits.h"
 #include "tests/support/Clips.h"

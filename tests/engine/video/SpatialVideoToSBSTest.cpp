@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/SpatialVideoToSBS.h"
+#include "engine/video/SpatialVideoToSBS.h"
 
-#include "engine/ProcessorError.h"
-#include "engine/VideoConversion.h"
+#include "engine/texts/ProcessorError.h"
+#include "engine/video/VideoConversion.h"
 #include "media/MediaError.h"
 #include "tests/support/Clips.h"
 #include "tests/support/Conversions.h"

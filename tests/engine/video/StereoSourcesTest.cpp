@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Spatial movies of every make: containers, boxes that are there or not, either eye in the base layer.
-#include "engine/SpatialVideoToSBS.h"
+#include "engine/video/SpatialVideoToSBS.h"
 
-#include "engine/Inspection.h"
+#include "engine/inspection/Inspection.h"
 #include "media/MediaError.h"
 #include "tests/support/BoxEdits.h"
 #include "tests/support/Clips.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/VideoTiming.h"
+#include "engine/video/VideoTiming.h"
 
 #include <gtest/gtest.h>
 

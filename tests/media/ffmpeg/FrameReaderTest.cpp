@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/FrameReader.h"
 #include "media/MediaError.h"
-#include "media/MovieReader.h"
+#include "media/MovieFile.h"
 #include "tests/support/BoxEdits.h"
 #include "tests/support/TestMedia.h"
 

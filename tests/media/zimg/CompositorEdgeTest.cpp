@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/Placement.h"
+#include "media/Compositor.h"
 #include "tests/support/Drawing.h"
 
 #include <gtest/gtest.h>

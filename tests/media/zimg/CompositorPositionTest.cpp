@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A smooth pattern that is known at every point: wherever a picture of it is placed, each sample must show the
 // pattern's value at the place that the sample stands for.
-#include "media/Placement.h"
+#include "media/Compositor.h"
 #include "tests/support/Drawing.h"
 
 #include <gtest/gtest.h>

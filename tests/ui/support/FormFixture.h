@@ -2,9 +2,9 @@
 #pragma once
 
 #include "support/Scripted.h"
-#include "ui/MainViewController.h"
-#include "ui/NumberField.h"
-#include "ui/ValueSlider.h"
+#include "ui/form/MainViewController.h"
+#include "ui/widgets/NumberField.h"
+#include "ui/widgets/ValueSlider.h"
 
 #include <QLabel>
 #include <QPushButton>

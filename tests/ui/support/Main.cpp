@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/Texts.h"
+#include "engine/texts/Texts.h"
 #include "tests/ui/support/Scripted.h"
-#include "ui/Accessibility.h"
-#include "ui/BackgroundThreads.h"
-#include "ui/MainThreadQueue.h"
+#include "ui/widgets/Accessibility.h"
+#include "ui/widgets/BackgroundThreads.h"
+#include "ui/widgets/MainThreadQueue.h"
 
 #include <QApplication>
 

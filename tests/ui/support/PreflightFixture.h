@@ -2,9 +2,9 @@
 #pragma once
 
 #include "support/Scripted.h"
-#include "ui/BackgroundThreads.h"
-#include "ui/MainViewController.h"
-#include "ui/ProgressViewController.h"
+#include "ui/form/MainViewController.h"
+#include "ui/progress/ProgressViewController.h"
+#include "ui/widgets/BackgroundThreads.h"
 
 #include <QPushButton>
 

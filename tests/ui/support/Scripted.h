@@ -2,9 +2,9 @@
 #pragma once
 
 #include "model/FileResult.h"
-#include "ui/AlertPresenter.h"
-#include "ui/FilePanels.h"
-#include "ui/FormServices.h"
+#include "ui/alerts/AlertPresenter.h"
+#include "ui/files/FilePanels.h"
+#include "ui/form/FormServices.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "support/Scripted.h"
-#include "ui/BackgroundThreads.h"
-#include "ui/BarIndicator.h"
-#include "ui/ColouredButton.h"
-#include "ui/ProgressViewController.h"
+#include "ui/progress/ProgressViewController.h"
+#include "ui/widgets/BackgroundThreads.h"
+#include "ui/widgets/BarIndicator.h"
+#include "ui/widgets/ColouredButton.h"
 
 #include <QLabel>
 #include <QPointer>

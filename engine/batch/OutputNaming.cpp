@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/batch/OutputNaming.h"
+
+#include "engine/batch/FileNames.h"
+#include "engine/batch/MediaKinds.h"
+
+namespace lumetwin {
+namespace {
+
+std::string_view photoExtension(SBSPhotoOutputFormat format) {
+    switch (format) {
+    case SBSPhotoOutputFormat::jpg:
+        return "jpg";
+    case SBSPhotoOutputFormat::png:
+        return "png";
+    case SBSPhotoOutputFormat::tiff:
+        return "tiff";
+    case SBSPhotoOutputFormat::heic:
+        return "heic";
+    }
+    return {};
+}
+
+std::string_view outputExtension(bool isPhoto, const ConversionSettings &settings) {
+    if (settings.direction == ConversionDirection::sbsToSpatial)
+        return isPhoto ? "heic" : "mov";
+    if (isPhoto)
+        return photoExtension(settings.sbsPhotoOutputFormat);
+    return settings.sbsOutputFormat == SBSOutputFormat::movHEVC ? "mov" : "mp4";
+}
+
+} // namespace
+
+std::string outputName(const std::filesystem::path &input, const ConversionSettings &settings) {
+    std::string name = std::filesystem::path(lastPathComponent(input)).stem().string();
+    name += settings.direction == ConversionDirection::sbsToSpatial ? "_spatial." : "_sbs.";
+    return name.append(outputExtension(isPhotoFile(input), settings));
+}
+
+} // namespace lumetwin

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/batch/VideoProcessor.h"
+
+#include "engine/batch/BatchFiles.h"
+#include "engine/batch/FileNames.h"
+#include "engine/batch/InputList.h"
+#include "engine/batch/MediaKinds.h"
+#include "engine/batch/OutputGuard.h"
+#include "engine/batch/OutputPlace.h"
+#include "engine/batch/UpToDate.h"
+#include "engine/texts/ProcessorError.h"
+#include "engine/texts/Texts.h"
+#include "engine/texts/WarningTexts.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace lumetwin {
+namespace {
+
+// The first system that writes MV-HEVC.
+constexpr SystemVersion spatialVideoWriting{14, 4, 0};
+
+using Path = std::filesystem::path;
+
+bool hasWarning(const std::vector<Warning> &warnings) {
+    return std::ranges::any_of(warnings, [](const Warning &warning) { return !isNote(warning.kind); });
+}
+
+std::vector<Path> inputsOf(const BatchFiles &files) {
+    std::vector<Path> inputs;
+    for (std::size_t index = 0; index < files.count(); ++index)
+        inputs.push_back(files.input(index));
+    return inputs;
+}
+
+void printLine(const std::string &line) {
+    const std::string whole = line + '\n';
+    std::fwrite(whole.data(), 1, whole.size(), stdout);
+    std::fflush(stdout);
+}
+
+template <typename Callback, typename... Arguments> void call(const Callback &callback, const Arguments &...arguments) {
+    if (callback)
+        callback(arguments...);
+}
+
+} // namespace
+
+VideoProcessor::VideoProcessor(std::shared_ptr<const ConversionSettings> theSettings, SystemVersion system,
+                               MediaOperations operations)
+    : settings(std::move(theSettings)), system_(system), operations_(std::move(operations)) {}
+
+bool VideoProcessor::isSpatialPhoto(const Path &file) const noexcept {
+    return operations_.isSpatialPhoto(file);
+}
+
+bool VideoProcessor::isSpatialVideo(const Path &file) const noexcept {
+    return operations_.isSpatialVideo(file, system_);
+}
+
+void VideoProcessor::log(const std::string &line) {
+    const std::scoped_lock lock(logMutex_);
+    const std::string safe = printable(line);
+    onLog ? onLog(safe) : printLine(safe);
+}
+
+void VideoProcessor::processAll() {
+    const Ending ending = run();
+    call(onComplete, ending.success, ending.message);
+}
+
+VideoProcessor::Ending VideoProcessor::run() {
+    if (!settings->outputFolderURL || (!settings->inputFiles && !settings->inputFolderURL))
+        return {false, text("error.no.folder")};
+    std::vector<ListedFile> files;
+    try {
+        files = listedFiles();
+    } catch (const std::system_error &error) {
+        return {false, formatted("error.read.input.folder", error.code().message())};
+    }
+    if (files.empty())
+        return {false, text("error.no.media.files")};
+    const BatchFiles batch(*settings, files, [this](const Path &file) {
+        return isPhotoFile(file) ? isSpatialPhoto(file) : isSpatialVideo(file);
+    });
+    return convertFiles(batch);
+}
+
+std::vector<ListedFile> VideoProcessor::listedFiles() const {
+    if (settings->inputFiles)
+        return mediaFiles(*settings->inputFiles);
+    if (settings->recursive)
+        return mediaTree(*settings->inputFolderURL, *settings->outputFolderURL);
+    return mediaFiles(visibleChildren(*settings->inputFolderURL));
+}
+
+VideoProcessor::Ending VideoProcessor::convertFiles(const BatchFiles &files) {
+    const OutputGuard guard(inputsOf(files), [&](std::size_t index) { return files.suits(index); });
+    results_.resize(files.count());
+    for (std::size_t index = 0; index < files.count(); ++index)
+        results_[index].input = files.input(index);
+    const auto total = static_cast<std::int64_t>(files.count());
+    for (std::size_t index = 0; index < files.count(); ++index) {
+        if (!cancelRequested) {
+            call(onProgress, static_cast<std::int64_t>(index), total, files.name(index));
+            handle(files, index, guard);
+        }
+        call(onResult, results_[index]);
+    }
+    return ending();
+}
+
+VideoProcessor::Ending VideoProcessor::ending() const {
+    if (cancelRequested)
+        return {false, text("status.cancelled")};
+    const std::int64_t converted = std::ranges::count_if(results_, &FileResult::wasConverted);
+    const std::int64_t failed = std::ranges::count(results_, FileState::failed, &FileResult::state);
+    return {failed == 0, formatted("status.complete", converted, failed)};
+}
+
+void VideoProcessor::handle(const BatchFiles &files, std::size_t index, const OutputGuard &guard) {
+    FileResult &result = results_[index];
+    if (const std::string &obstacle = files.obstacle(index); !obstacle.empty()) {
+        const std::string message = formatted("error.folder.not.readable.format", files.name(index), obstacle);
+        return fail(result, message, message);
+    }
+    if (isSkipped(files, index, result))
+        return;
+    const auto began = std::chrono::steady_clock::now();
+    try {
+        convert(files, index, guard, result);
+    } catch (const std::exception &error) {
+        fail(result, errorText(error), errorMessage(error));
+    } catch (...) {
+        fail(result, "unknown error", text("error.unknown"));
+    }
+    result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
+}
+
+bool VideoProcessor::isSkipped(const BatchFiles &files, std::size_t index, FileResult &result) {
+    if (!files.suits(index)) {
+        const bool isSpatial = files.isSpatial(index);
+        const char *kind = isPhotoFile(result.input) ? " photo" : isSpatial ? " video" : "";
+        skip(result, FileState::skipped, text(isSpatial ? "status.skipped.spatial" : "status.skipped.not.spatial"),
+             std::string(isSpatial ? "spatial" : "not spatial") + kind);
+    } else if (const std::optional<Path> finished = finishedEarlier(files, index)) {
+        result.output = *finished;
+        skip(result, FileState::upToDate, text("status.up.to.date"), "up to date");
+    } else if (!settledOutput(files.output(index), settings->onExisting)) {
+        const std::string name = lastPathComponent(files.output(index));
+        skip(result, FileState::skipped, formatted("status.skipped.exists.format", name), "its result exists");
+    } else {
+        return false;
+    }
+    return true;
+}
+
+std::optional<std::filesystem::path> VideoProcessor::finishedEarlier(const BatchFiles &files, std::size_t index) const {
+    // Of two files whose results have one name, nobody knows which one a result is of.
+    if (!settings->skipExisting || !files.rivals(index).empty())
+        return std::nullopt;
+    for (const Path &place : takenPlaces(files.output(index), settings->onExisting))
+        if (isUpToDate(files.input(index), place))
+            return place;
+    return std::nullopt;
+}
+
+void VideoProcessor::skip(FileResult &result, FileState state, const std::string &reason, const std::string &logged) {
+    const std::string name = lastPathComponent(result.input);
+    result.state = state;
+    result.reason = reason;
+    log("[VP] ⏭ skip (" + logged + ") " + name);
+    call(onSkip, name, reason);
+}
+
+void VideoProcessor::fail(FileResult &result, const std::string &logged, const std::string &message) {
+    const std::string name = lastPathComponent(result.input);
+    result.state = FileState::failed;
+    result.reason = message;
+    log("[VP] ❌ " + name + ": " + logged);
+}
+
+void VideoProcessor::convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result) {
+    const Path output = settledOutput(files.output(index), settings->onExisting).value();
+    guard.check(result.input, output);
+    preparePlace(output, *settings->outputFolderURL);
+    Outcome outcome =
+        isPhotoFile(result.input) ? convertPhoto(result.input, output) : convertVideo(result.input, output);
+    result.framesWritten = outcome.framesWritten;
+    result.framesExpected = outcome.framesExpected;
+    result.warnings = std::move(outcome.warnings);
+    if (!outcome.written) {
+        result.state = FileState::cancelled;
+        return;
+    }
+    if (settings->onExisting == OnExisting::replace)
+        for (const std::size_t rival : files.rivals(index))
+            result.warnings.push_back({WarningKind::sameOutputName, {files.name(rival)}});
+    result.output = output;
+    std::error_code ignored;
+    result.bytes = std::filesystem::file_size(output, ignored);
+    tell(result);
+}
+
+void VideoProcessor::tell(FileResult &result) {
+    result.state = hasWarning(result.warnings) ? FileState::convertedWithWarnings : FileState::converted;
+    const std::string name = lastPathComponent(result.input);
+    for (const Warning &warning : result.warnings)
+        log("[VP] " + std::string(isNote(warning.kind) ? "ℹ️ " : "⚠️ ") + name + ": " + warningText(warning));
+}
+
+Outcome VideoProcessor::convertPhoto(const Path &input, const Path &output) {
+    const ConversionControl control{.cancelRequested = &cancelRequested, .onFrameProgress = {}};
+    if (settings->direction == ConversionDirection::spatialToSBS)
+        return operations_.convertSpatialPhotoToSBS(*settings, input, output, control);
+    return operations_.convertSBSImageToSpatial(*settings, input, output, control);
+}
+
+Outcome VideoProcessor::convertVideo(const Path &input, const Path &output) {
+    const ConversionControl control{.cancelRequested = &cancelRequested, .onFrameProgress = onFrameProgress};
+    if (settings->direction == ConversionDirection::spatialToSBS)
+        return operations_.convertSpatialVideoToSBS(*settings, input, output, control, system_);
+    if (system_ < spatialVideoWriting)
+        throw processorError(text("error.macos14.required"));
+    return operations_.convertSBSVideoToSpatial(*settings, input, output, control, system_);
+}
+
+} // namespace lumetwin

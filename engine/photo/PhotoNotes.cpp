@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/photo/PhotoNotes.h"
+
+#include "media/PhotoExtras.h"
+
+#include <cstdint>
+
+namespace lumetwin {
+
+std::vector<Warning> photoNotes(const std::filesystem::path &input, int depth, int outputDepth) {
+    std::vector<Warning> notes;
+    if (depth > outputDepth)
+        notes.push_back({WarningKind::depthReduced, {std::int64_t{depth}}});
+    const media::PhotoExtras extras = media::photoExtras(input);
+    if (extras.gainMap)
+        notes.push_back({WarningKind::gainMapLeft, {}});
+    if (extras.depthMap)
+        notes.push_back({WarningKind::depthMapLeft, {}});
+    if (extras.film)
+        notes.push_back({WarningKind::motionFilmLeft, {}});
+    return notes;
+}
+
+} // namespace lumetwin

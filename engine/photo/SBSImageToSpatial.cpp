@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/photo/SBSImageToSpatial.h"
+
+#include "engine/batch/FileNames.h"
+#include "engine/photo/PhotoNotes.h"
+#include "engine/photo/SpatialPhotoError.h"
+#include "engine/photo/SpatialPhotoMetadata.h"
+#include "engine/stereo/EyeExtraction.h"
+#include "engine/texts/MediaErrorTexts.h"
+#include "engine/texts/ProcessorError.h"
+#include "media/Compositor.h"
+#include "media/Image.h"
+#include "media/Memory.h"
+
+#include <future>
+#include <limits>
+#include <stdexcept>
+
+namespace lumetwin {
+
+namespace {
+
+using media::Cancellation;
+
+constexpr int spatialDepth = 8; ///< bits a sample of the photos that are written
+
+media::StillImage opened(const std::filesystem::path &input, const Cancellation &cancellation) {
+    try {
+        return media::readImage(input, cancellation);
+    } catch (const media::MediaError &error) {
+        throw processorError(
+            because(words("error.photo.cannot.open.format", lastPathComponent(input)), causeOf(error)));
+    }
+}
+
+bool possible(const EyeSize &eye) {
+    constexpr std::int64_t largest = std::numeric_limits<int>::max();
+    return eye.width > 0 && eye.height > 0 && eye.width <= largest && eye.height <= largest;
+}
+
+media::Picture emptyEye(int width, int height, const media::Picture &source) {
+    try {
+        return media::makePicture(width, height, source.format, source.colour);
+    } catch (const std::length_error &error) {
+        throw processorError(because(words("error.photo.render.eyes.failed"), causeOf(error)));
+    }
+}
+
+/// One eye of the source, fitted to its size; a part of the source's own picture where that is all there is to do.
+media::Picture fittedEye(const media::Picture &source, const media::Placement &placement, bool unscaled,
+                         const EyeSize &size, const Cancellation &cancellation) {
+    const int x = static_cast<int>(placement.source.x);
+    const int width = static_cast<int>(size.width);
+    const int height = static_cast<int>(size.height);
+    const bool betweenChroma =
+        source.format.model == media::ColourModel::yuv && x % (1 << source.format.chromaShiftX) != 0;
+    if (unscaled && !betweenChroma)
+        return media::cropped(source, x, 0, width, height);
+    media::Picture eye = emptyEye(width, height, source);
+    if (!unscaled)
+        media::Compositor::fillBlack(eye);
+    media::Compositor(cancellation).place(source, placement, eye);
+    return eye;
+}
+
+struct Eyes {
+    media::Picture left;
+    media::Picture right;
+};
+
+/// An eye in sRGB, its samples opaque.
+media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &profile,
+                         const std::filesystem::path &input, const Cancellation &cancellation) {
+    try {
+        return media::inSRGB(std::move(eye), profile, input, cancellation);
+    } catch (const std::length_error &error) {
+        throw processorError(because(words("error.photo.remove.alpha.failed"), causeOf(error)));
+    } catch (const media::MediaError &error) {
+        throw processorError(because(words("error.photo.remove.alpha.failed"), causeOf(error)));
+    }
+}
+
+/// Both eyes in sRGB, each prepared on a thread of its own.
+Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, const std::filesystem::path &input,
+                  const Cancellation &cancellation) {
+    const EyeSize size = eyeSize(settings, source.picture.width, source.picture.height);
+    if (!possible(size) || source.picture.width < 2)
+        throw processorError(because(words("error.photo.render.eyes.failed"), causeOfSize(size.width, size.height)));
+    const EyeExtraction extraction = eyeExtraction(settings, size, source.picture.width, source.picture.height);
+    const auto render = [&](const media::Placement &placement) {
+        return opaqueEye(fittedEye(source.picture, placement, extraction.unscaled, size, cancellation),
+                         source.metadata.iccProfile, input, cancellation);
+    };
+    auto right = std::async(std::launch::async, render, extraction.right);
+    media::Picture left = render(extraction.left);
+    return {std::move(left), right.get()};
+}
+
+void writePair(const ConversionSettings &settings, Eyes eyes, const media::ImageMetadata &metadata,
+               const std::filesystem::path &output, const Cancellation &cancellation) {
+    const media::SpatialPhotoFacts facts = spatialPhotoFacts(settings, eyes.left.width, eyes.left.height);
+    try {
+        media::requireWritable(output);
+    } catch (const media::MediaError &error) {
+        throw SpatialPhotoError::cannotCreateDestination(output, causeOf(error));
+    }
+    try {
+        media::writeSpatialPhoto(output, std::move(eyes.left), std::move(eyes.right), facts, metadata, cancellation);
+    } catch (const media::MediaError &error) {
+        throw SpatialPhotoError::finalizationFailed(output, causeOf(error));
+    } catch (const std::invalid_argument &) { // more than the format holds
+        throw SpatialPhotoError::finalizationFailed(output, words(keyOf(media::MediaReason::beyondFormat)));
+    }
+}
+
+/// Returns what is left behind.
+std::vector<Warning> convert(const ConversionSettings &settings, const std::filesystem::path &input,
+                             const std::filesystem::path &output, const Cancellation &cancellation) {
+    const media::LargeBlockScope memory;
+    media::StillImage source = opened(input, cancellation);
+    std::vector<Warning> notes = photoNotes(input, source.picture.format.depth, spatialDepth);
+    const media::ImageMetadata metadata{{}, source.metadata.exif, source.metadata.xmp};
+    Eyes eyes = renderedEyes(settings, std::move(source), input, cancellation);
+    cancellation.check();
+    writePair(settings, std::move(eyes), metadata, output, cancellation);
+    return notes;
+}
+
+} // namespace
+
+Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control) {
+    const Cancellation cancellation([&control] { return control.cancelled(); });
+    try {
+        return Outcome::ofPhoto(
+            convert(settings, input, std::filesystem::path(output).replace_extension("heic"), cancellation));
+    } catch (const media::Cancelled &) {
+        return {};
+    }
+}
+
+} // namespace lumetwin

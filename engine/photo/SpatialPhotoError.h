@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/texts/Words.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace lumetwin {
+
+/// What goes wrong with spatial photos, read or written. The English descriptions are fixed; a cause follows them in
+/// brackets, where there is one.
+class SpatialPhotoError : public std::runtime_error {
+public:
+    enum class Case {
+        cannotOpenFile,
+        notASpatialPhoto,
+        cannotCreateDestination,
+        finalizationFailed,
+        imageExtractionFailed,
+        invalidImage,
+    };
+    static constexpr const char *domain = "SpatialPhotoError";
+
+    static SpatialPhotoError cannotOpenFile(const std::filesystem::path &file, const Words &cause = {});
+    static SpatialPhotoError notASpatialPhoto(const Words &reason, const Words &cause = {});
+    static SpatialPhotoError cannotCreateDestination(const std::filesystem::path &file, const Words &cause = {});
+    static SpatialPhotoError finalizationFailed(const std::filesystem::path &file, const Words &cause = {});
+    static SpatialPhotoError imageExtractionFailed(const Words &cause = {});
+    static SpatialPhotoError invalidImage();
+
+    // The reasons of notASpatialPhoto.
+    static Words tooFewImages(std::size_t count);
+    static Words noContainerProperties();
+    static Words noStereoGroup();
+
+    Case kind() const { return kind_; }
+    /// The position of the case.
+    int code() const { return static_cast<int>(kind_); }
+    /// The description in the user's language.
+    const std::string &shown() const { return shown_; }
+
+private:
+    SpatialPhotoError(Case kind, const Words &description)
+        : std::runtime_error(description.english), kind_(kind), shown_(description.shown) {}
+
+    Case kind_;
+    std::string shown_;
+};
+
+} // namespace lumetwin

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/texts/WarningTexts.h"
+
+#include "engine/texts/Texts.h"
+
+#include <fmt/args.h>
+
+#include <cmath>
+
+namespace lumetwin {
+namespace {
+
+std::string_view keyOf(WarningKind kind) {
+    switch (kind) {
+    case WarningKind::speedChanged:
+        return "warning.speed.faster.format";
+    case WarningKind::soundAway:
+        return "warning.sound.away.format";
+    case WarningKind::framesMissing:
+        return "warning.frames.missing.format";
+    case WarningKind::withoutSound:
+        return "warning.without.sound.format";
+    case WarningKind::soundEndsEarly:
+        return "warning.sound.ends.early.format";
+    case WarningKind::sameOutputName:
+        return "warning.same.output.name.format";
+    case WarningKind::soundTracksLeft:
+        return "note.sound.tracks.left.format";
+    case WarningKind::subtitlesLeft:
+        return "note.subtitles.left.format";
+    case WarningKind::chaptersLeft:
+        return "note.chapters.left.format";
+    case WarningKind::rotationLeft:
+        return "note.rotation.left.format";
+    case WarningKind::depthReduced:
+        return "note.depth.reduced.format";
+    case WarningKind::gainMapLeft:
+        return "note.gain.map.left";
+    case WarningKind::depthMapLeft:
+        return "note.depth.map.left";
+    case WarningKind::motionFilmLeft:
+        return "note.motion.film.left";
+    }
+    return {};
+}
+
+} // namespace
+
+std::string warningText(const Warning &warning) {
+    if (warning.kind == WarningKind::speedChanged) {
+        const double percent = std::get<double>(warning.values.at(0));
+        return formatted(percent < 0 ? "warning.speed.slower.format" : keyOf(warning.kind), std::abs(percent));
+    }
+    fmt::dynamic_format_arg_store<fmt::printf_context> values;
+    for (const Warning::Value &value : warning.values)
+        std::visit([&](const auto &held) { values.push_back(held); }, value);
+    return fmt::vsprintf(text(keyOf(warning.kind)), fmt::basic_format_args<fmt::printf_context>(values));
+}
+
+} // namespace lumetwin

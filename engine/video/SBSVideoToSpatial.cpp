@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/video/SBSVideoToSpatial.h"
+
+#include "engine/batch/OutputPlace.h"
+#include "engine/stereo/EyeExtraction.h"
+#include "engine/video/StereoEncoderSettings.h"
+#include "engine/video/VideoConversion.h"
+#include "media/Compositor.h"
+
+namespace lumetwin {
+
+namespace {
+
+// Frames between two reports of progress.
+constexpr std::int64_t progressInterval = 8;
+
+/// Cuts frames into pictures of the two eyes.
+class EyeCutter {
+public:
+    EyeCutter(const EyeExtraction &extraction, const EyeSize &eye, const media::ColourTags &colour)
+        : extraction_(extraction), colour_(colour),
+          pool_(static_cast<int>(eye.width), static_cast<int>(eye.height), media::yuv420, colour) {}
+
+    media::Picture left(const media::Picture &frame) { return cut(frame, extraction_.left); }
+    media::Picture right(const media::Picture &frame) { return cut(frame, extraction_.right); }
+
+private:
+    /// Whether the eye is a part of the frame's own memory.
+    bool isPartOf(const media::Picture &frame, const media::Placement &placement) const {
+        return extraction_.unscaled && frame.format == media::yuv420 && frame.colour == colour_ &&
+               static_cast<int>(placement.source.x) % 2 == 0 &&
+               placement.source.x + placement.source.width <= frame.width && placement.source.height <= frame.height;
+    }
+
+    media::Picture cut(const media::Picture &frame, const media::Placement &placement) {
+        if (isPartOf(frame, placement))
+            return media::cropped(frame, static_cast<int>(placement.source.x), 0,
+                                  static_cast<int>(placement.source.width), static_cast<int>(placement.source.height));
+        media::Picture canvas = pool_.take();
+        media::Compositor::fillBlack(canvas);
+        const media::Placement shown = withinPicture(placement, frame.width, frame.height);
+        if (shown.source.width > 0 && shown.source.height > 0)
+            compositor_.place(frame, shown, canvas);
+        return canvas;
+    }
+
+    EyeExtraction extraction_;
+    media::ColourTags colour_;
+    media::PicturePool pool_;
+    media::Compositor compositor_;
+};
+
+/// The frame loop of one file.
+class FrameLoop {
+public:
+    FrameLoop(EyeCutter cutter, const VideoSource &source, media::FrameReader &reader, media::MovieWriter &writer,
+              const ConversionControl &control)
+        : cutter_(std::move(cutter)), timing_(source.timing), clock_(source.timing, source.info.track), reader_(reader),
+          writer_(writer), control_(control) {}
+
+    FrameLoopResult run() {
+        while (!control_.cancelled() && !writer_.failed()) {
+            const std::optional<media::Frame> frame = reader_.next();
+            if (!frame || frame->count == 0)
+                break;
+            const media::Picture &picture = frame->pictures[0].picture;
+            const OutputClock::Moment moment = clock_.next(*frame);
+            writer_.append(cutter_.left(picture), cutter_.right(picture), moment.time, moment.duration);
+            if (frameIndex_ % progressInterval == 0 && control_.onFrameProgress)
+                control_.onFrameProgress(frameIndex_, timing_.totalFrames);
+            ++frameIndex_;
+        }
+        return {frameIndex_, clock_.farthestFromSound()};
+    }
+
+private:
+    EyeCutter cutter_;
+    VideoTiming timing_;
+    OutputClock clock_;
+    media::FrameReader &reader_;
+    media::MovieWriter &writer_;
+    const ConversionControl &control_;
+    std::int64_t frameIndex_ = 0;
+};
+
+} // namespace
+
+Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
+                                 const std::filesystem::path &output, const ConversionControl &control,
+                                 SystemVersion system) {
+    VideoSource source(settings, input, control);
+    const VideoInfo &info = source.info;
+    const EyeSize eye = eyeSize(settings, info.width, info.height);
+    media::FrameReader reader(source.movie, info.track, media::Views::base);
+
+    std::filesystem::path file = output;
+    file.replace_extension("mov");
+    media::MovieWriter::requireSize(file, eye.width, eye.height); // larger ones would overflow the settings' arithmetic
+    media::StereoVideoEncoding encoding = stereoVideoEncoding(outputSettings(settings, eye, source.timing.rate, system),
+                                                              source.frameRate(), info.track.colour);
+    encoding.pixelAspect = outputPixelAspect(settings, info);
+    requireSpace(file, source.estimatedBytes(encoding.averageBitRate));
+
+    media::MovieWriter writer(file, media::Container::quickTime, source.movie.tags());
+    writer.addVideo(encoding);
+    if (source.audio)
+        writer.addAudio(source.audio->encoding);
+    writer.start(source.timing.timeScale);
+
+    FrameLoop loop(EyeCutter(eyeExtraction(settings, eye, info.width, info.height), eye, info.track.colour), source,
+                   reader, writer, control);
+    return runVideoConversion(source, reader, writer, {"spatial.video", "spatial.audio"}, control,
+                              [&] { return loop.run(); });
+}
+
+} // namespace lumetwin

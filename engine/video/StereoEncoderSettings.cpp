@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/video/StereoEncoderSettings.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+namespace lumetwin {
+
+namespace {
+
+constexpr double bitsPerPixel = 0.15;
+constexpr std::int64_t smallestBitRate = 1'000'000;
+constexpr std::uint32_t bgra = 0x42475241; // "BGRA"
+
+// The systems that know the projection and the field of view as properties of the encoder.
+constexpr SystemVersion projectionKind{15, 0, 0};
+constexpr SystemVersion fieldOfViewKey{14, 4, 0};
+
+/// A number that no setting of the form leads to: a mistake of ours, not of a file.
+[[noreturn]] void fatal(const char *reason) {
+    std::fprintf(stderr, "Fatal error: %s\n", reason);
+    std::abort();
+}
+
+/// A double whose truncation lies in (below, above).
+double inRange(double value, double below, double above, const char *reason) {
+    if (!std::isfinite(value) || value <= below || value >= above)
+        fatal(reason);
+    return value;
+}
+
+template <std::size_t Count> std::vector<std::int64_t> listOf(const std::array<std::int64_t, Count> &identifiers) {
+    return {identifiers.begin(), identifiers.end()};
+}
+
+EncoderProperties compressionProperties(const ConversionSettings &settings, const EyeSize &eye, double fps,
+                                        SystemVersion system) {
+    EncoderProperties table{
+        {"kVTCompressionPropertyKey_MVHEVCVideoLayerIDs", listOf(MVHEVCVideoLayerIDs)},
+        {"kVTCompressionPropertyKey_MVHEVCViewIDs", listOf(MVHEVCViewIDs)},
+        {"kVTCompressionPropertyKey_MVHEVCLeftAndRightViewIDs", listOf(MVHEVCLeftAndRightViewIDs)},
+        {"kVTCompressionPropertyKey_HasLeftStereoEyeView", true},
+        {"kVTCompressionPropertyKey_HasRightStereoEyeView", true},
+        {"kVTCompressionPropertyKey_AverageBitRate", spatialBitRate(eye, fps, settings.compressionQuality)},
+        {"kVTCompressionPropertyKey_ProfileLevel", std::string("kVTProfileLevel_HEVC_Main_AutoLevel")},
+    };
+    if (system >= projectionKind)
+        table.push_back({"kVTCompressionPropertyKey_ProjectionKind",
+                         std::string("kCMFormatDescriptionProjectionKind_Rectilinear")});
+    table.push_back({"kVTCompressionPropertyKey_StereoCameraBaseline", baselineInMicrometres(settings.stereoBaseline)});
+    table.push_back({system >= fieldOfViewKey ? "kVTCompressionPropertyKey_HorizontalFieldOfView"
+                                              : "kCMFormatDescriptionExtension_HorizontalFieldOfView",
+                     fieldOfViewInThousandths(settings.horizontalFOV)});
+    table.push_back({"kVTCompressionPropertyKey_HorizontalDisparityAdjustment",
+                     disparityInTenThousandths(settings.disparityAdjustment)});
+    return table;
+}
+
+/// An entry that the table always has.
+template <typename Value> const Value &entry(const EncoderProperties &table, std::string_view key) {
+    const Value *value = find<Value>(table, key);
+    if (!value)
+        fatal("an entry of the encoder's settings is missing");
+    return *value;
+}
+
+/// Sizes beyond the media layer's limits stay beyond them, so that it refuses them.
+int side(std::int64_t size) {
+    return static_cast<int>(std::clamp<std::int64_t>(size, 0, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+EyeSize eyeSize(const ConversionSettings &settings, std::int64_t sourceWidth, std::int64_t sourceHeight) {
+    if (settings.enableResize)
+        return {settings.resizeWidth, settings.resizeHeight};
+    return {sourceWidth / 2, sourceHeight};
+}
+
+std::int64_t spatialBitRate(const EyeSize &eye, double fps, double quality) {
+    std::int64_t pixels = 0;
+    if (__builtin_mul_overflow(eye.width, eye.height, &pixels))
+        fatal("the size of an eye overflows");
+    constexpr double beyond = 9223372036854775808.0; // 2^63
+    const double rate = static_cast<double>(pixels) * fps * bitsPerPixel * quality;
+    const double held = inRange(rate, std::nextafter(-beyond, -std::numeric_limits<double>::infinity()), beyond,
+                                "the bit rate is out of range");
+    return std::max(static_cast<std::int64_t>(held), smallestBitRate);
+}
+
+std::uint32_t baselineInMicrometres(double millimetres) {
+    return static_cast<std::uint32_t>(
+        inRange(millimetres * 1000, -1, 4294967296.0, "the stereo baseline is out of range"));
+}
+
+std::uint32_t fieldOfViewInThousandths(double degrees) {
+    return static_cast<std::uint32_t>(inRange(degrees * 1000, -1, 4294967296.0, "the field of view is out of range"));
+}
+
+std::int32_t disparityInTenThousandths(double percent) {
+    return static_cast<std::int32_t>(
+        inRange(percent * 100, -2147483649.0, 2147483648.0, "the disparity adjustment is out of range"));
+}
+
+EncoderProperties outputSettings(const ConversionSettings &settings, const EyeSize &eye, double fps,
+                                 SystemVersion system) {
+    return {
+        {"AVVideoCodecKey", std::string("AVVideoCodecTypeHEVC")},
+        {"AVVideoWidthKey", eye.width},
+        {"AVVideoHeightKey", eye.height},
+        {"AVVideoCompressionPropertiesKey", compressionProperties(settings, eye, fps, system)},
+    };
+}
+
+EncoderProperties pixelBufferAttributes(const EyeSize &eye) {
+    return {
+        {"kCVPixelBufferPixelFormatTypeKey", bgra},
+        {"kCVPixelBufferWidthKey", eye.width},
+        {"kCVPixelBufferHeightKey", eye.height},
+        {"kCVPixelBufferIOSurfacePropertiesKey", EncoderProperties{}},
+    };
+}
+
+media::StereoVideoEncoding stereoVideoEncoding(const EncoderProperties &outputSettings, double frameRate,
+                                               const media::ColourTags &colour) {
+    const auto &compression = entry<EncoderProperties>(outputSettings, "AVVideoCompressionPropertiesKey");
+    const auto *fieldOfView = find<std::uint32_t>(compression, "kVTCompressionPropertyKey_HorizontalFieldOfView");
+    if (!fieldOfView)
+        fieldOfView = &entry<std::uint32_t>(compression, "kCMFormatDescriptionExtension_HorizontalFieldOfView");
+    media::StereoVideoEncoding encoding;
+    encoding.width = side(entry<std::int64_t>(outputSettings, "AVVideoWidthKey"));
+    encoding.height = side(entry<std::int64_t>(outputSettings, "AVVideoHeightKey"));
+    encoding.averageBitRate = entry<std::int64_t>(compression, "kVTCompressionPropertyKey_AverageBitRate");
+    encoding.frameRate = frameRate;
+    encoding.colour = colour;
+    encoding.baseline = entry<std::uint32_t>(compression, "kVTCompressionPropertyKey_StereoCameraBaseline");
+    encoding.horizontalFieldOfView = *fieldOfView;
+    encoding.disparityAdjustment =
+        entry<std::int32_t>(compression, "kVTCompressionPropertyKey_HorizontalDisparityAdjustment");
+    encoding.hasLeftEye = entry<bool>(compression, "kVTCompressionPropertyKey_HasLeftStereoEyeView");
+    encoding.hasRightEye = entry<bool>(compression, "kVTCompressionPropertyKey_HasRightStereoEyeView");
+    encoding.rectilinear = find<std::string>(compression, "kVTCompressionPropertyKey_ProjectionKind") != nullptr;
+    return encoding;
+}
+
+} // namespace lumetwin

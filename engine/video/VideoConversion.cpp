@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/video/VideoConversion.h"
+
+#include "media/MediaError.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <exception>
+#include <future>
+#include <thread>
+
+#include <pthread.h>
+
+namespace lumetwin {
+
+namespace {
+
+constexpr std::chrono::milliseconds cancelInterval{20};
+constexpr int outputDepth = 8;            // bits a sample
+constexpr double tellableSpeed = 0.5;     // percent
+constexpr double tellableDistance = 0.06; // seconds
+constexpr double bitsPerPixel = 0.15;
+constexpr std::int64_t smallestBitRate = 1'000'000;
+constexpr double largestBitRate = 9e18; // what a 64-bit integer holds
+
+/// A thread of the given name (at most 15 characters are kept) that passes an exception on.
+class NamedThread {
+public:
+    NamedThread(const char *name, std::function<void()> work)
+        : thread_([this, name, work = std::move(work)] {
+              pthread_setname_np(pthread_self(), name);
+              try {
+                  work();
+              } catch (...) {
+                  failure_ = std::current_exception();
+              }
+              end_.set_value();
+          }) {}
+    NamedThread(const NamedThread &) = delete;
+    NamedThread &operator=(const NamedThread &) = delete;
+    ~NamedThread() {
+        if (thread_.joinable())
+            thread_.join();
+    }
+
+    /// Whether the end came within that time.
+    bool endsWithin(std::chrono::milliseconds time) const { return ended_.wait_for(time) == std::future_status::ready; }
+
+    /// Waits for the end; the exception that ended it, if any.
+    std::exception_ptr wait() {
+        thread_.join();
+        return failure_;
+    }
+
+private:
+    std::exception_ptr failure_;
+    std::promise<void> end_;
+    std::future<void> ended_ = end_.get_future();
+    std::thread thread_;
+};
+
+void addNotes(VideoSource &source, bool copiesSound) {
+    const media::OtherContents others = source.movie.otherContents();
+    const auto note = [&](WarningKind kind, int count) {
+        if (count > 0)
+            source.warnings.add(kind, {std::int64_t{count}});
+    };
+    if (copiesSound)
+        note(WarningKind::soundTracksLeft, others.audioTracks);
+    note(WarningKind::subtitlesLeft, others.subtitleTracks);
+    note(WarningKind::chaptersLeft, others.chapters);
+    note(WarningKind::rotationLeft, source.info.track.rotation);
+    if (source.info.track.format.depth > outputDepth)
+        note(WarningKind::depthReduced, source.info.track.format.depth);
+}
+
+/// What is known once all frames are written.
+void addWarnings(VideoSource &source, const media::FrameReader &reader, const FrameLoopResult &result) {
+    if (reader.damaged())
+        source.warnings.add(WarningKind::framesMissing, {result.written, source.expectedFrames()});
+    const double percent = (1 / source.timing.stretch - 1) * 100;
+    if (std::abs(percent) > tellableSpeed)
+        source.warnings.add(WarningKind::speedChanged, {percent});
+    if (source.audio && result.farthestFromSound > tellableDistance)
+        source.warnings.add(WarningKind::soundAway, {result.farthestFromSound});
+}
+
+} // namespace
+
+media::PixelAspect outputPixelAspect(const ConversionSettings &settings, const VideoInfo &info) {
+    return settings.enableResize ? media::PixelAspect{} : info.track.pixelAspect;
+}
+
+std::int64_t averageBitRate(double first, double second, double quality) {
+    const double rate = first * second * bitsPerPixel * quality;
+    return rate > smallestBitRate ? static_cast<std::int64_t>(std::min(rate, largestBitRate)) : smallestBitRate;
+}
+
+VideoSource::VideoSource(const ConversionSettings &settings, const std::filesystem::path &input,
+                         const ConversionControl &control)
+    : movie(input, [&] { return control.cancelled(); }), info(loadVideoInfo(movie)),
+      timing(videoTiming(info, settings.keepTiming, settings.copyAudio ? movie.audioTrack() : std::nullopt)) {
+    if (settings.copyAudio)
+        audio = prepareAudioCopy(movie, timing.begin, timing.stretch, warnings);
+    addNotes(*this, settings.copyAudio);
+}
+
+std::int64_t VideoSource::expectedFrames() const {
+    return info.track.frameCount > 0 ? info.track.frameCount : timing.totalFrames;
+}
+
+double VideoSource::estimatedBytes(std::int64_t videoBitRate) const {
+    const double soundBitRate = audio ? static_cast<double>(audio->encoding.bitRate) : 0;
+    return (static_cast<double>(videoBitRate) + soundBitRate) * info.duration * timing.stretch / 8;
+}
+
+double VideoSource::frameRate() const {
+    return timing.keepsTimes ? info.track.pace.rate.value() : timing.framesPerSecond();
+}
+
+Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, media::MovieWriter &writer,
+                           const ThreadNames &names, const ConversionControl &control,
+                           const std::function<FrameLoopResult()> &frameLoop) {
+    FrameLoopResult result;
+    NamedThread video(names.video, [&] {
+        try {
+            result = frameLoop();
+            if (!writer.failed() && !control.cancelled() && result.written == 0)
+                throw media::MediaError(source.movie.path(), media::MediaOperation::decode, 0,
+                                        media::MediaReason::noFrame);
+        } catch (...) {
+            writer.abandon();
+            writer.finishVideo();
+            throw;
+        }
+        if (control.cancelled())
+            writer.abandon();
+        writer.finishVideo();
+    });
+    std::optional<NamedThread> audio;
+    if (source.audio)
+        audio.emplace(names.audio, [&] { copyAudio(*source.audio, writer, control, source.warnings); });
+    // Both may wait for the writer: when the user cancels, it no longer lets anybody wait.
+    while (!video.endsWithin(cancelInterval) || (audio && !audio->endsWithin(cancelInterval)))
+        if (control.cancelled())
+            writer.abandon();
+    if (audio)
+        audio->wait();
+    if (const std::exception_ptr failure = video.wait()) {
+        writer.cancel();
+        std::rethrow_exception(failure);
+    }
+    Outcome outcome{writer.finish([&] { return control.cancelled(); }), result.written, source.expectedFrames(), {}};
+    if (outcome.written)
+        addWarnings(source, reader, result);
+    outcome.warnings = source.warnings.take();
+    return outcome;
+}
+
+} // namespace lumetwin

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/ConversionControl.h"
+#include "engine/Outcome.h"
+#include "engine/inspection/VideoInfo.h"
+#include "engine/video/AudioCopy.h"
+#include "engine/video/VideoTiming.h"
+#include "media/MovieWriter.h"
+#include "model/ConversionSettings.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+
+namespace lumetwin {
+
+/// What a conversion of a video begins with: its facts, its time line, and its sound where there is some to copy.
+class VideoSource {
+public:
+    /// Throws MediaError or ProcessorError where the file holds no video.
+    VideoSource(const ConversionSettings &settings, const std::filesystem::path &input,
+                const ConversionControl &control);
+
+    media::MovieFile movie;
+    VideoInfo info;
+    WarningList warnings;
+    VideoTiming timing;
+    std::optional<AudioCopy> audio;
+
+    /// As the container counts them, else by duration and rate; 0 when unknown.
+    std::int64_t expectedFrames() const;
+    /// Of the whole output, its sound included, at that bit rate of the pictures.
+    double estimatedBytes(std::int64_t videoBitRate) const;
+    /// For the encoder.
+    double frameRate() const;
+};
+
+/// 0.15 bits for each pixel of each frame at full quality, truncated, and never below 1 Mbit/s. `pixels` as a
+/// 64-bit float; multiplied in the order of the arguments.
+std::int64_t averageBitRate(double first, double second, double quality);
+
+/// That of the source; who asks for a size means it as it is shown.
+media::PixelAspect outputPixelAspect(const ConversionSettings &settings, const VideoInfo &info);
+
+/// What the frame loop of a conversion has done.
+struct FrameLoopResult {
+    std::int64_t written = 0;
+    double farthestFromSound = 0; ///< seconds
+};
+
+/// The names of a conversion's threads.
+struct ThreadNames {
+    const char *video;
+    const char *audio;
+};
+
+/// Runs the frame loop and the audio copy beside each other on threads of the given names and waits for both; then
+/// finishes the writer, or cancels it when the user asked for that. An error of the frame loop ends the file: the
+/// writer is cancelled and the error thrown; so it is where not one frame was written. Throws the writer's failure.
+Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, media::MovieWriter &writer,
+                           const ThreadNames &names, const ConversionControl &control,
+                           const std::function<FrameLoopResult()> &frameLoop);
+
+} // namespace lumetwin

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/AudioBlock.h"
+#include "media/MovieFile.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace lumetwin::media {
+
+/// The sample rate that AAC carries (ISO/IEC 14496-3, table 1.18) for a source of the given rate: its own, else the
+/// next higher one, else the highest.
+int aacSampleRate(double sourceRate);
+
+/// Decodes a movie's audio track to 16-bit PCM of the given rate and one or two channels (more are mixed
+/// down), beginning at the given time of the movie: sound before it is cut, a late start and gaps are filled with
+/// silence.
+class AudioReader {
+public:
+    /// Throws MediaError when the track cannot be decoded or is encrypted; next() does where it is further on.
+    AudioReader(const std::filesystem::path &file, const AudioTrack &track, int sampleRate, int channels,
+                double fromTime);
+    ~AudioReader();
+    std::optional<AudioBlock> next();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace lumetwin::media

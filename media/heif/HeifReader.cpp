@@ -1,0 +1,368 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/Abandonable.h"
+#include "media/HeifFile.h"
+#include "media/MediaError.h"
+#include "media/bmff/BoxReader.h"
+#include "media/colour/ColourProfile.h"
+#include "media/heif/HevcDecoder.h"
+#include "media/samples/Formats.h"
+#include "media/samples/Limits.h"
+#include "media/samples/Rows.h"
+
+#include <libheif/heif.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <fstream>
+
+namespace lumetwin::media::images {
+
+namespace {
+
+struct FreeContext {
+    void operator()(heif_context *context) const { heif_context_free(context); }
+};
+struct ReleaseHandle {
+    void operator()(heif_image_handle *handle) const { heif_image_handle_release(handle); }
+};
+struct ReleaseImage {
+    void operator()(heif_image *image) const { heif_image_release(image); }
+};
+struct FreeOptions {
+    void operator()(heif_decoding_options *options) const { heif_decoding_options_free(options); }
+};
+struct FreeColour {
+    void operator()(heif_color_profile_nclx *colour) const { heif_nclx_color_profile_free(colour); }
+};
+using Handle = std::unique_ptr<heif_image_handle, ReleaseHandle>;
+using Image = std::unique_ptr<heif_image, ReleaseImage>;
+using Colour = std::unique_ptr<heif_color_profile_nclx, FreeColour>;
+
+MediaReason reasonOf(const heif_error &error) {
+    switch (error.code) {
+    case heif_error_Memory_allocation_error:
+        return error.subcode == heif_suberror_Security_limit_exceeded ? MediaReason::imageTooLarge
+                                                                      : MediaReason::noMemory;
+    case heif_error_Unsupported_filetype:
+    case heif_error_Unsupported_feature:
+        return MediaReason::unsupported;
+    case heif_error_Invalid_input:
+    case heif_error_Decoder_plugin_error:
+        return error.subcode == heif_suberror_End_of_data ? MediaReason::endsEarly : MediaReason::damaged;
+    default:
+        return MediaReason::other;
+    }
+}
+
+void require(const heif_error &error, const std::filesystem::path &file) {
+    if (error.code != heif_error_Ok)
+        throw MediaError(file, MediaOperation::read, error.code * 10000 + error.subcode, reasonOf(error),
+                         error.message);
+}
+
+struct Coding {
+    std::uint32_t type;
+    heif_compression_format format;
+    const char *name;
+};
+
+constexpr std::array<Coding, 6> codings{{
+    {bmff::fourCC("avc1"), heif_compression_AVC, "AVC"},
+    {bmff::fourCC("av01"), heif_compression_AV1, "AV1"},
+    {bmff::fourCC("vvc1"), heif_compression_VVC, "VVC"},
+    {bmff::fourCC("evc1"), heif_compression_EVC, "EVC"},
+    {bmff::fourCC("jpeg"), heif_compression_JPEG, "JPEG"},
+    {bmff::fourCC("j2k1"), heif_compression_JPEG2000, "JPEG 2000"},
+}};
+
+void requireDecoder(const std::filesystem::path &file, const HeifImage &image) {
+    if (image.encrypted)
+        throw MediaError(file, MediaOperation::read, 0, MediaReason::encrypted);
+    for (const Coding &coding : codings)
+        if (coding.type == image.coding && heif_have_decoder_for_format(coding.format) == 0)
+            throw MediaError(file, MediaOperation::read, 0, MediaReason::noDecoder, coding.name);
+}
+
+/// The library refuses whole files for the sake of groups, which are none of its business here: they become free space.
+void hideGroups(std::vector<std::uint8_t> &bytes) {
+    constexpr std::uint64_t fullBoxHeader = 4;
+    try {
+        const auto source = bmff::fromMemory(bytes);
+        int count = 0;
+        bmff::BoxWalk file(*source, 0, bytes.size(), count);
+        for (bmff::Box outer; file.next(outer);) {
+            if (outer.type != bmff::fourCC("meta") || outer.payloadSize() < fullBoxHeader)
+                continue;
+            bmff::BoxWalk meta(*source, outer.begin + fullBoxHeader, outer.end, count);
+            for (bmff::Box inner; meta.next(inner);)
+                if (inner.type == bmff::fourCC("grpl"))
+                    std::memcpy(bytes.data() + inner.begin - 4, "free", 4);
+        }
+    } catch (const bmff::FormatError &) {
+        // The library will say what is wrong.
+    }
+}
+
+/// A HEIF file that the library has opened.
+class HeifContext {
+public:
+    HeifContext(const std::filesystem::path &path, const Cancellation &asked)
+        : file(path), cancellation(asked), bytes_(contentOf(path)) {
+        static const heif_error ready = heif_register_decoder_plugin(hevcDecoder());
+        require(ready, file);
+        hideGroups(bytes_);
+        context_.reset(heif_context_alloc());
+        setLimits();
+        require(heif_context_read_from_memory_without_copy(context_.get(), bytes_.data(), bytes_.size(), nullptr),
+                file);
+    }
+
+    Handle image(heif_item_id item) const {
+        heif_image_handle *handle = nullptr;
+        require(heif_context_get_image_handle(context_.get(), item, &handle), file);
+        return Handle(handle);
+    }
+
+    const std::filesystem::path file;
+    const Cancellation &cancellation;
+
+private:
+    static std::vector<std::uint8_t> contentOf(const std::filesystem::path &path) {
+        const StandardFile stream = openForReading(path);
+        std::error_code unknown;
+        const auto size = std::filesystem::file_size(path, unknown);
+        if (unknown || size > (std::uintmax_t{1} << 31))
+            throw MediaError(path, MediaOperation::read, 0, MediaReason::fileTooLarge);
+        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+        bytes.resize(std::fread(bytes.data(), 1, bytes.size(), stream.get()));
+        return bytes;
+    }
+
+    void setLimits() {
+        heif_security_limits *limits = heif_context_get_security_limits(context_.get());
+        limits->max_image_size_pixels = static_cast<std::uint64_t>(maximumPixels);
+        limits->max_memory_block_size = std::uint64_t{4} << 30;
+    }
+
+    std::vector<std::uint8_t> bytes_;
+    std::unique_ptr<heif_context, FreeContext> context_;
+};
+
+/// Asked by the library before each tile.
+int stops(void *cancellation) {
+    return static_cast<const Cancellation *>(cancellation)->requested() ? 1 : 0;
+}
+
+Image decode(const HeifContext &context, const heif_image_handle *handle, heif_colorspace space, heif_chroma chroma) {
+    const std::unique_ptr<heif_decoding_options, FreeOptions> options(heif_decoding_options_alloc());
+    options->cancel_decoding = stops;
+    options->progress_user_data = const_cast<Cancellation *>(&context.cancellation);
+    heif_image *decoded = nullptr;
+    const heif_error error = heif_decode_image(handle, &decoded, space, chroma, options.get());
+    Image image(decoded);
+    context.cancellation.check();
+    require(error, context.file);
+    return image;
+}
+
+ColourTags tagsOf(const heif_image *image, const heif_image_handle *handle) {
+    heif_color_profile_nclx *found = nullptr;
+    if (heif_image_get_nclx_color_profile(image, &found).code != heif_error_Ok)
+        heif_image_handle_get_nclx_color_profile(handle, &found);
+    const Colour colour(found);
+    // Without tags the library, like others, takes the matrix of BT.601 and the full range.
+    ColourTags tags{2, 2, 6, ColourRange::full, ChromaLocation::centre};
+    if (!colour)
+        return tags;
+    tags.primaries = colour->color_primaries;
+    tags.transfer = colour->transfer_characteristics;
+    tags.range = colour->full_range_flag ? ColourRange::full : ColourRange::limited;
+    if (colour->matrix_coefficients != heif_matrix_coefficients_unspecified)
+        tags.matrix = colour->matrix_coefficients;
+    return tags;
+}
+
+/// The tags of RGB samples: after its conversion the library no longer tells those of the image.
+ColourTags tagsOfItem(const heif_image_handle *handle) {
+    ColourTags tags{2, 2, 0, ColourRange::full, ChromaLocation::unspecified};
+    heif_color_profile_nclx *found = nullptr;
+    if (heif_image_handle_get_nclx_color_profile(handle, &found).code != heif_error_Ok)
+        return tags;
+    const Colour colour(found);
+    tags.primaries = colour->color_primaries;
+    tags.transfer = colour->transfer_characteristics;
+    return tags;
+}
+
+std::vector<std::uint8_t> profileIn(const heif_image_handle *handle) {
+    const auto type = heif_image_handle_get_color_profile_type(handle);
+    if (type != heif_color_profile_type_prof && type != heif_color_profile_type_rICC)
+        return {};
+    std::vector<std::uint8_t> profile(heif_image_handle_get_raw_color_profile_size(handle));
+    if (profile.empty() || heif_image_handle_get_raw_color_profile(handle, profile.data()).code != heif_error_Ok)
+        return {};
+    return profile;
+}
+
+std::vector<std::uint8_t> block(const heif_image_handle *handle, heif_item_id id) {
+    std::vector<std::uint8_t> bytes(heif_image_handle_get_metadata_size(handle, id));
+    if (bytes.empty() || heif_image_handle_get_metadata(handle, id, bytes.data()).code != heif_error_Ok)
+        return {};
+    return bytes;
+}
+
+/// An Exif item begins with the offset of the TIFF header behind it (ISO/IEC 23008-12, A.2.1).
+std::vector<std::uint8_t> exifIn(const std::vector<std::uint8_t> &item) {
+    if (item.size() < 4)
+        return {};
+    const std::size_t offset =
+        (std::size_t{item[0]} << 24 | std::size_t{item[1]} << 16 | std::size_t{item[2]} << 8 | item[3]) + 4;
+    if (offset >= item.size())
+        return {};
+    return {item.begin() + static_cast<std::ptrdiff_t>(offset), item.end()};
+}
+
+ImageMetadata metadataIn(const heif_image_handle *handle) {
+    ImageMetadata metadata;
+    metadata.iccProfile = profileIn(handle);
+    std::vector<heif_item_id> ids(
+        static_cast<std::size_t>(heif_image_handle_get_number_of_metadata_blocks(handle, nullptr)));
+    heif_image_handle_get_list_of_metadata_block_IDs(handle, nullptr, ids.data(), static_cast<int>(ids.size()));
+    for (const heif_item_id id : ids) {
+        if (std::strcmp(heif_image_handle_get_metadata_type(handle, id), "Exif") == 0 && metadata.exif.empty())
+            metadata.exif = exifIn(block(handle, id));
+        else if (std::strcmp(heif_image_handle_get_metadata_content_type(handle, id), "application/rdf+xml") == 0 &&
+                 metadata.xmp.empty()) {
+            const auto bytes = block(handle, id);
+            metadata.xmp.assign(bytes.begin(), bytes.end());
+        }
+    }
+    return metadata;
+}
+
+/// The samples as decoded, which the picture then keeps alive.
+Picture planesOf(const HeifContext &context, const heif_image_handle *handle) {
+    std::shared_ptr<heif_image> image(decode(context, handle, heif_colorspace_undefined, heif_chroma_undefined));
+    Picture picture;
+    const bool grey = heif_image_get_colorspace(image.get()) == heif_colorspace_monochrome;
+    const bool rgb = heif_image_get_colorspace(image.get()) == heif_colorspace_RGB;
+    const heif_channel first = rgb ? heif_channel_R : heif_channel_Y;
+    const heif_channel channels[3] = {first, rgb ? heif_channel_G : heif_channel_Cb,
+                                      rgb ? heif_channel_B : heif_channel_Cr};
+    const heif_chroma chroma = heif_image_get_chroma_format(image.get());
+    const bool halfWide = chroma == heif_chroma_420 || chroma == heif_chroma_422;
+    picture.width = heif_image_get_primary_width(image.get());
+    picture.height = heif_image_get_primary_height(image.get());
+    checkSize(context.file, picture.width, picture.height);
+    picture.format = {grey  ? ColourModel::grey
+                      : rgb ? ColourModel::rgb
+                            : ColourModel::yuv,
+                      heif_image_get_bits_per_pixel_range(image.get(), first), halfWide ? 1 : 0,
+                      chroma == heif_chroma_420 ? 1 : 0};
+    picture.colour = tagsOf(image.get(), handle);
+    for (int plane = 0; plane < picture.format.planeCount(); ++plane) {
+        int stride = 0;
+        std::uint8_t *data = heif_image_get_plane(image.get(), channels[plane], &stride);
+        if (!data || heif_image_get_width(image.get(), channels[plane]) < picture.planeWidth(plane) ||
+            heif_image_get_height(image.get(), channels[plane]) < picture.planeHeight(plane))
+            throw MediaError(context.file, MediaOperation::read, 0, MediaReason::unsupportedSamples);
+        picture.planes[plane] = {data, stride};
+    }
+    picture.storage = std::move(image);
+    return picture;
+}
+
+heif_chroma interleavedLayout(bool deep, bool alpha) {
+    if (deep)
+        return alpha ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RRGGBB_LE;
+    return alpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB;
+}
+
+/// Draws what is see-through in samples of 9 to 15 bits onto black.
+void scatterDeep(const std::uint16_t *row, int channels, Alpha alpha, const Picture &picture, int y) {
+    const auto full = (1u << picture.format.depth) - 1;
+    for (int plane = 0; plane < 3; ++plane) {
+        auto *out = planeRow<std::uint16_t>(picture, plane, y);
+        for (int x = 0; x < picture.width; ++x) {
+            const std::uint32_t value = row[x * channels + plane];
+            const std::uint32_t opacity = alpha == Alpha::straight ? row[x * channels + 3] : full;
+            out[x] = static_cast<std::uint16_t>((value * opacity + full / 2) / full);
+        }
+    }
+}
+
+Picture rgbOf(const HeifContext &context, const heif_image_handle *handle) {
+    const int depth = heif_image_handle_get_luma_bits_per_pixel(handle);
+    const bool transparent = heif_image_handle_has_alpha_channel(handle) != 0;
+    const Image image = decode(context, handle, heif_colorspace_RGB, interleavedLayout(depth > 8, transparent));
+    const int width = heif_image_get_primary_width(image.get());
+    const int height = heif_image_get_primary_height(image.get());
+    const ColourTags colour = tagsOfItem(handle);
+    Picture picture = makeChecked(context.file, width, height, {ColourModel::rgb, std::max(depth, 8), 0, 0}, colour);
+    int stride = 0;
+    const std::uint8_t *data = heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride);
+    if (!data)
+        throw MediaError(context.file, MediaOperation::read, 0, MediaReason::unsupportedSamples);
+    const int channels = transparent ? 4 : 3;
+    const Alpha alpha = !transparent                                       ? Alpha::none
+                        : heif_image_handle_is_premultiplied_alpha(handle) ? Alpha::premultiplied
+                                                                           : Alpha::straight;
+    for (int y = 0; y < height; ++y) {
+        context.cancellation.check();
+        const std::uint8_t *row = data + static_cast<std::ptrdiff_t>(y) * stride;
+        if (depth > 8)
+            scatterDeep(reinterpret_cast<const std::uint16_t *>(row), channels, alpha, picture, y);
+        else
+            scatterRow(row, PixelLayout{channels, alpha}, picture, 0, y, width);
+    }
+    return picture;
+}
+
+StillImage read(const HeifContext &context, heif_item_id item, HeifSamples samples) {
+    const Handle handle = context.image(item);
+    checkSize(context.file, heif_image_handle_get_width(handle.get()), heif_image_handle_get_height(handle.get()));
+    StillImage image;
+    const bool asCoded = samples == HeifSamples::coded && heif_image_handle_has_alpha_channel(handle.get()) == 0;
+    image.picture = asCoded ? planesOf(context, handle.get()) : rgbOf(context, handle.get());
+    image.metadata = metadataIn(handle.get());
+    if (!suits(image.metadata.iccProfile, image.picture.format.planeCount()))
+        image.metadata.iccProfile.clear();
+    return image;
+}
+
+/// A picture that is coded in one piece cannot be stopped at.
+StillImage readAbandonable(const std::filesystem::path &file, heif_item_id item, HeifSamples samples,
+                           const Cancellation &cancellation) {
+    return abandonable(cancellation, [file, item, samples](const Cancellation &asked) {
+        return read(HeifContext(file, asked), item, samples);
+    });
+}
+
+} // namespace
+
+StillImage readHeif(const std::filesystem::path &file, const Cancellation &cancellation) {
+    cancellation.check();
+    const HeifFile heif = readHeifFile(file);
+    if (heif.images.empty())
+        throw MediaError(file, MediaOperation::read, 0,
+                         heif.hasMovie ? MediaReason::imageSequence : MediaReason::noImage);
+    requireDecoder(file, heif.images.front());
+    return readAbandonable(file, heif.images.front().item, HeifSamples::coded, cancellation);
+}
+
+} // namespace lumetwin::media::images
+
+namespace lumetwin::media {
+
+StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples,
+                         const Cancellation &cancellation) {
+    cancellation.check();
+    const HeifFile heif = readHeifFile(file);
+    const auto image = std::ranges::find(heif.images, item, &HeifImage::item);
+    if (image != heif.images.end())
+        images::requireDecoder(file, *image);
+    return images::readAbandonable(file, item, samples, cancellation);
+}
+
+} // namespace lumetwin::media

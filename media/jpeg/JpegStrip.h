@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/Image.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <span>
+
+namespace lumetwin::media::images {
+
+/// Bytes that the JPEG library has allocated.
+struct JpegBytes {
+    struct Free {
+        void operator()(std::uint8_t *bytes) const { std::free(bytes); }
+    };
+    std::unique_ptr<std::uint8_t, Free> memory;
+    std::size_t size = 0;
+
+    std::span<std::uint8_t> all() const { return {memory.get(), size}; }
+};
+
+struct JpegSize {
+    int width;
+    int height;
+};
+
+/// The smallest part of a picture that is coded by itself, in pixels, once the picture is as JPEG files hold it.
+JpegSize jpegUnit(const PictureFormat &format, int quality);
+
+struct JpegStrip {
+    Picture picture;                         ///< as JPEG files hold it
+    const ImageMetadata *metadata = nullptr; ///< what goes before the samples
+    unsigned restartInterval = 0;            ///< units from one restart marker to the next; 0 for none
+};
+
+/// The strip as a JPEG file of its own, for the quality of the library, 1 to 100. Throws MediaError, which names the
+/// file.
+JpegBytes codedStrip(const JpegStrip &strip, int quality, const std::filesystem::path &file);
+
+} // namespace lumetwin::media::images

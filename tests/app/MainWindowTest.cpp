@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The window and its menu: closing, quitting, the keys that lead to the menu, small sizes.
+#include "app/AppDelegate.h"
+#include "app/MainMenu.h"
+#include "app/MainWindowController.h"
+#include "app/WindowSizes.h"
+#include "engine/texts/Texts.h"
+#include "support/Scripted.h"
+#include "ui/alerts/CheckingDialog.h"
+#include "ui/form/MainViewController.h"
+#include "ui/widgets/BackgroundThreads.h"
+#include "ui/widgets/Points.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+namespace lumetwin::test {
+namespace {
+
+class MainWindowTest : public testing::Test {
+protected:
+    MainWindowTest() : services(stage.services()) {}
+    ~MainWindowTest() override {
+        hold = false;
+        controller.reset();
+        BackgroundThreads::shared().waitForAll(patience);
+        settle();
+    }
+    void open() {
+        controller = std::make_unique<MainWindowController>(services);
+        installMainMenu(window(), delegate);
+        controller->showWindow();
+        settle();
+    }
+    QMainWindow &window() { return *controller->window(); }
+    MainViewController &form() { return *controller->form(); }
+
+    Stage stage;
+    FormServices services;
+    std::atomic<bool> hold{true};
+    AppDelegate delegate;
+    std::unique_ptr<MainWindowController> controller;
+};
+
+TEST_F(MainWindowTest, AnIdleWindowClosesWithoutAQuestion) {
+    open();
+    EXPECT_TRUE(window().close());
+    EXPECT_FALSE(window().isVisible());
+    EXPECT_TRUE(stage.alerts->shown.empty());
+}
+
+TEST_F(MainWindowTest, TheFirstFocusIsNotOnTheStart) {
+    open();
+    window().activateWindow();
+    settle();
+    EXPECT_NE(form().focusWidget(), &control<QPushButton>(form(), "startButton"));
+}
+
+TEST_F(MainWindowTest, QuittingClosesTheAlertThatIsOpen) {
+    services.alerts = std::make_shared<MessageBoxPresenter>();
+    open();
+    control<QPushButton>(form(), "startButton").click();
+    ASSERT_TRUE(until([this] { return window().findChild<QDialog *>() != nullptr; }));
+    controller->closeWindow();
+    settle();
+    EXPECT_FALSE(window().isVisible());
+    EXPECT_FALSE(window().findChild<QDialog *>());
+}
+
+TEST_F(MainWindowTest, QuittingWhileTheInputIsCheckedUsesNoFreedMemory) {
+    const ScratchFolder scratch;
+    scratch.file("a.mov");
+    services.isSpatialVideo = [this](const VideoProcessor &, const std::filesystem::path &) {
+        while (hold)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return true;
+    };
+    open();
+    form().settings->inputFolderURL = form().settings->outputFolderURL = scratch.path;
+    control<QPushButton>(form(), "startButton").click();
+    ASSERT_TRUE(until([this] { return window().findChild<CheckingDialog *>() != nullptr; }));
+    controller->closeWindow();
+    EXPECT_FALSE(window().isVisible());
+    hold = false;
+    settle();
+    EXPECT_FALSE(window().findChild<CheckingDialog *>());
+    EXPECT_FALSE(form().progressSheet()) << "no batch begins in a window that is gone";
+}
+
+TEST_F(MainWindowTest, F10OpensTheMenu) {
+    open();
+    window().activateWindow();
+    QTest::keyClick(&window(), Qt::Key_F10);
+    QMenu *menu = window().menuBar()->actions().constFirst()->menu();
+    EXPECT_TRUE(until([menu] { return menu->isVisible(); }));
+    menu->close();
+}
+
+TEST_F(MainWindowTest, TheKeyForHelpStandsAtThePageInTheUsersLanguage) {
+    for (const auto &[language, own, other] : {std::tuple{"en", "menu.help.english", "menu.help.japanese"},
+                                               {"ja", "menu.help.japanese", "menu.help.english"}}) {
+        setTextLocale(language);
+        open();
+        EXPECT_EQ(control<QAction>(window(), own).shortcut(), QKeySequence(Qt::Key_F1));
+        EXPECT_TRUE(control<QAction>(window(), other).shortcut().isEmpty());
+    }
+    setTextLocale("en");
+}
+
+TEST_F(MainWindowTest, CannotBeMadeSmallerThanItsSmallestSizeAndIsWholeThere) {
+    open();
+    const QSize smallest = window().minimumSize();
+    const WindowSizes wanted =
+        windowSizes(PointScale::current(), window().screen()->availableSize(), window().menuBar()->sizeHint().height());
+    EXPECT_EQ(smallest, wanted.minimum);
+    window().resize(smallest);
+    settle();
+    auto &scroll = control<QScrollArea>(form(), "scrollView");
+    EXPECT_EQ(scroll.horizontalScrollBar()->maximum(), 0);
+    const QWidget &document = *scroll.widget();
+    for (const QWidget *section : document.findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
+        if (section->isVisible() && section->objectName() != QStringLiteral("headerView")) {
+            EXPECT_GE(section->x(), 0) << section->objectName().toStdString();
+            EXPECT_LE(section->geometry().right(), document.width()) << section->objectName().toStdString();
+        }
+}
+
+} // namespace
+} // namespace lumetwin::test

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/batch/VideoProcessor.h"
+#include "tests/support/TestMedia.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+namespace lumetwin::test {
+
+struct Progress {
+    std::int64_t index = 0, total = 0;
+    std::string fileName;
+    bool operator==(const Progress &) const = default;
+};
+
+struct Skip {
+    std::string fileName, reason;
+    bool operator==(const Skip &) const = default;
+};
+
+struct Completion {
+    bool success = false;
+    std::string message;
+    bool operator==(const Completion &) const = default;
+};
+
+/// A batch whose conversions only write down what they were asked for. Files are told to be spatial by name.
+class BatchRun : public testing::Test {
+protected:
+    BatchRun();
+    ~BatchRun() override;
+
+    /// Makes an empty file in the input folder and returns its place.
+    std::filesystem::path file(const std::string &name);
+    void spatial(const std::string &name) { spatialNames.insert(file(name).filename().string()); }
+    /// What the conversion of a file does instead of writing its output.
+    void onConvert(const std::string &name, std::function<void(const ConversionControl *)> action) {
+        actions[name] = std::move(action);
+    }
+    void useFolder() { settings->inputFolderURL = input.path(); }
+
+    void run() { run(SystemVersion::current()); }
+    void run(SystemVersion system);
+
+    TemporaryFolder input, output;
+    std::shared_ptr<ConversionSettings> settings = std::make_shared<ConversionSettings>();
+    std::set<std::string> spatialNames;
+    std::map<std::string, std::function<void(const ConversionControl *)>> actions;
+    VideoProcessor *processor = nullptr; ///< while it runs
+    Outcome nextOutcome;                 ///< what the next conversion tells, but for whether it was written
+    bool finishesAllTheSame = false;     ///< the next conversion that is cancelled has written its output before
+
+    // What was seen.
+    std::vector<Progress> progress;
+    std::vector<Skip> skips;
+    std::vector<Completion> completions;
+    std::vector<FileResult> results;
+    std::vector<std::string> log, failures, converted, calls;
+    std::vector<std::pair<std::int64_t, std::int64_t>> frames;
+    std::vector<std::filesystem::path> sources; ///< of the conversions
+
+private:
+    MediaOperations operations();
+    Outcome convert(const std::string &converter, const std::filesystem::path &from, const std::filesystem::path &to,
+                    const ConversionControl *control);
+};
+
+} // namespace lumetwin::test

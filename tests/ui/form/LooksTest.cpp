@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// That no text is cut off and nothing overlaps, in each language and at each text size.
+#include "engine/texts/Texts.h"
+#include "support/Scripted.h"
+#include "ui/form/MainViewController.h"
+#include "ui/form/PreflightChecks.h"
+#include "ui/form/SpatialCheck.h"
+#include "ui/progress/ProgressTexts.h"
+#include "ui/progress/ProgressViewController.h"
+#include "ui/widgets/ElidedLabel.h"
+#include "ui/widgets/Palettes.h"
+#include "ui/widgets/Points.h"
+#include "ui/widgets/ScaledStyle.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QStyle>
+#include <QStyleOptionButton>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace lumetwin::test {
+namespace {
+
+struct Conditions {
+    const char *language;
+    int textPercent;
+};
+
+void PrintTo(const Conditions &conditions, std::ostream *stream) {
+    *stream << conditions.language << conditions.textPercent;
+}
+
+class Looks : public testing::TestWithParam<Conditions> {
+protected:
+    Looks() {
+        setTextLocale(GetParam().language);
+        QFont font = usual_;
+        font.setPointSizeF(10.0 * GetParam().textPercent / 100);
+        QApplication::setFont(font);
+        QApplication::setStyle(new ScaledStyle);
+    }
+    ~Looks() override {
+        setTextLocale("en");
+        QApplication::setFont(usual_);
+    }
+
+    static std::string nameOf(const QWidget &widget) {
+        return (widget.objectName().isEmpty() ? QLatin1String(widget.metaObject()->className()) : widget.objectName())
+            .toStdString();
+    }
+
+    /// The width that a widget's text needs.
+    static int wanted(const QWidget &widget) {
+        if (const auto *label = qobject_cast<const QLabel *>(&widget))
+            return label->wordWrap() ? 0 : label->fontMetrics().horizontalAdvance(plain(label->text()));
+        if (const auto *button = qobject_cast<const QPushButton *>(&widget)) // its edges may come close
+            return button->fontMetrics().horizontalAdvance(plain(button->text())) + 2;
+        if (qobject_cast<const QAbstractButton *>(&widget) || qobject_cast<const QComboBox *>(&widget))
+            return widget.sizeHint().width();
+        if (const auto *field = qobject_cast<const QLineEdit *>(&widget))
+            return field->fontMetrics().horizontalAdvance(field->text()) + 12;
+        return 0;
+    }
+
+    static void expectNothingCutOff(const QWidget &window) {
+        for (const QWidget *widget : window.findChildren<QWidget *>()) {
+            if (!widget->isVisibleTo(&window) || qobject_cast<const ElidedLabel *>(widget))
+                continue;
+            EXPECT_LE(wanted(*widget), widget->width())
+                << nameOf(*widget) << " " << widget->accessibleName().toStdString();
+            const auto *label = qobject_cast<const QLabel *>(widget);
+            if (label && label->wordWrap()) {
+                EXPECT_LE(label->heightForWidth(label->width()), label->height()) << label->text().toStdString();
+            }
+        }
+    }
+
+    /// No two visible widgets of a window lie upon each other, at whatever depth, but a widget and what it holds.
+    static void expectNoOverlaps(const QWidget &window) {
+        QList<const QWidget *> shown;
+        for (const QWidget *widget : window.findChildren<QWidget *>())
+            if (widget->isVisibleTo(&window) && !widget->isWindow() && widget->window() == window.window())
+                shown << widget;
+        // What is scrolled away hides behind the rest of the window.
+        const auto place = [&window](const QWidget *widget) {
+            return widget->visibleRegion().boundingRect().translated(widget->mapTo(&window, QPoint()));
+        };
+        for (qsizetype i = 0; i < shown.size(); ++i)
+            for (qsizetype j = i + 1; j < shown.size(); ++j)
+                if (!shown[i]->isAncestorOf(shown[j]) && !shown[j]->isAncestorOf(shown[i])) {
+                    EXPECT_FALSE(place(shown[i]).intersects(place(shown[j])))
+                        << nameOf(*shown[i]) << " and " << nameOf(*shown[j]);
+                }
+    }
+
+    /// That the words of a dialog have the room that they need.
+    static void expectWordsHaveRoom(const QWidget &dialog) {
+        for (const QLabel *label : dialog.findChildren<QLabel *>()) {
+            if (label->text().isEmpty() || !label->isVisible())
+                continue;
+            if (label->wordWrap()) {
+                EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+            } else {
+                const QSize room = label->contentsRect().size(), needed = label->fontMetrics().size(0, label->text());
+                EXPECT_GE(room.width(), needed.width()) << label->text().toStdString();
+                EXPECT_GE(room.height(), needed.height()) << label->text().toStdString();
+            }
+        }
+        for (const QAbstractButton *button : dialog.findChildren<QAbstractButton *>()) {
+            EXPECT_GE(button->width(), button->sizeHint().width()) << button->text().toStdString();
+        }
+    }
+
+    Stage stage;
+
+private:
+    const QFont usual_ = QApplication::font();
+};
+
+TEST_P(Looks, NothingInTheFormIsCutOffOrOverlaps) {
+    MainViewController form(stage.services());
+    const PointScale scale = PointScale::current();
+    form.resize(scale.horizontal(720), scale.vertical(860));
+    form.show();
+    control<QCheckBox>(form, "enableResizeCheck").click();
+    for (const char *direction : {"sbsToSpatialButton", "spatialToSBSButton"}) {
+        control<QRadioButton>(form, direction).click();
+        for (const char *width : {"1921", "1000", "1920"}) {
+            control<QLineEdit>(form, "resizeWidthField").setText(QLatin1String(width));
+            settle();
+            expectNothingCutOff(form);
+            expectNoOverlaps(form);
+        }
+    }
+}
+
+TEST_P(Looks, NothingIsCutOffAtTheSmallestWidth) {
+    MainViewController form(stage.services());
+    const PointScale scale = PointScale::current();
+    for (const double height : {760.0, 600.0}) {
+        form.resize(scale.horizontal(680), scale.vertical(height));
+        form.show();
+        control<QCheckBox>(form, "enableResizeCheck").setChecked(true);
+        for (const char *direction : {"sbsToSpatialButton", "spatialToSBSButton"}) {
+            control<QRadioButton>(form, direction).click();
+            settle();
+            expectNothingCutOff(form);
+            expectNoOverlaps(form);
+            EXPECT_EQ(control<QScrollArea>(form, "scrollView").horizontalScrollBar()->maximum(), 0);
+        }
+    }
+}
+
+TEST_P(Looks, NoAlertCutsItsWordsOff) {
+    ConversionSettings odd;
+    odd.enableResize = true;
+    odd.resizeWidth = 1921;
+    BatchEnd skipped{.success = true, .skipped = 12};
+    skipped.skipReasons = {text("status.skipped.not.spatial")};
+    const std::string name = "A name of some length, as cameras and people give them.mov";
+    for (const Alert &alert :
+         {Alert{text("error.no.input.folder")}, Alert{text("error.no.output.folder")}, *oddResizeSize(odd),
+          *directionMismatch(ConversionDirection::spatialToSBS, 2, 0),
+          *directionMismatch(ConversionDirection::sbsToSpatial, 2, 1), overwriteQuestion({"a_sbs.mp4", name}),
+          Alert{text("alert.avi.title"), text("alert.avi.noresize.message"), {text("alert.avi.enable.resize")}},
+          Alert{formatted("error.output.unwritable.format", name), text("error.output.unwritable.message")},
+          spatialCheckAlert(name, {}), spatialCheckAlert(name, {true, {63.4, 19.24, 2.0}}), resultAlert(skipped),
+          stopQuestion()}) {
+        QWidget window;
+        window.show();
+        MessageBoxPresenter().present(alert, &window, [](int) {});
+        settle();
+        const auto *box = window.findChild<QMessageBox *>();
+        ASSERT_TRUE(box);
+        expectWordsHaveRoom(*box);
+        expectNoOverlaps(*box);
+    }
+}
+
+TEST_P(Looks, NothingInTheSheetIsCutOff) {
+    FormServices services = stage.services();
+    services.runBatch = [](VideoProcessor &) {};
+    MainViewController form(services);
+    const PointScale scale = PointScale::current();
+    form.resize(scale.horizontal(720), std::min(scale.vertical(860), 650));
+    form.show();
+    form.presentProgressSheet();
+    settle();
+    ProgressViewController &sheet = *form.progressSheet();
+    EXPECT_TRUE(sheet.parentWidget()->rect().contains(sheet.geometry()));
+    sheet.updateProgress(998, 1000, "clip.mov");
+    sheet.updateFrameProgress(123456, 234567);
+    *sheet.startTime -= std::chrono::hours(30);
+    sheet.updateElapsedTime();
+    settle();
+    expectNoOverlaps(sheet);
+    for (const QLabel *label : sheet.findChildren<QLabel *>())
+        EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width()) << nameOf(*label);
+    sheet.stop();
+    settle();
+}
+
+TEST_P(Looks, AlertsAreNoNarrowColumns) {
+    QWidget window;
+    window.show();
+    const Alert alert{text("alert.direction.spatial2sbs.title"),
+                      text("alert.direction.spatial2sbs.message"),
+                      {text("button.fix.direction"), text("button.convert.anyway.continue")}};
+    MessageBoxPresenter().present(alert, &window, [](int) {});
+    settle();
+    const auto &label = control<QLabel>(window, "qt_msgbox_informativelabel");
+    const int line = label.fontMetrics().horizontalAdvance(QString(45, QLatin1Char('n')));
+    EXPECT_GE(label.width(), std::min(line, window.screen()->availableSize().width() / 2) * 3 / 4);
+    EXPECT_GE(label.height(), label.heightForWidth(label.width())) << "and their text has room";
+}
+
+TEST_P(Looks, LongNamesInAlertsAreNotCutOff) {
+    QWidget window;
+    window.show();
+    const std::string name(90, 'm');
+    MessageBoxPresenter().present(overwriteQuestion({name + ".mov"}), &window, [](int) {});
+    Alert check = spatialCheckAlert(name, {});
+    check.informative += name;
+    MessageBoxPresenter().present(check, &window, [](int) {});
+    settle();
+    const QList<QLabel *> labels = window.findChildren<QLabel *>();
+    ASSERT_GE(labels.size(), 4);
+    for (QLabel *label : labels) {
+        label->setWordWrap(true);
+        const int unbreakable = QLabel(label->text(), label).minimumSizeHint().width();
+        EXPECT_GE(label->width(), std::min(unbreakable, label->fontMetrics().horizontalAdvance(QString(24, u'm'))))
+            << label->text().toStdString();
+    }
+}
+
+TEST(DarkLooks, ARadioButtonWithTheFocusKeepsItsEdge) {
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(45, 45, 48));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    dark.setColor(QPalette::Base, QColor(30, 30, 32));
+    ScaledStyle style;
+    QStyleOptionButton option;
+    option.palette = dark;
+    option.rect = QRect(0, 0, 20, 20);
+    option.state = QStyle::State_Enabled | QStyle::State_HasFocus | QStyle::State_Off;
+    QImage picture(20, 20, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(sectionColour(dark));
+    QPainter painter(&picture);
+    style.drawPrimitive(QStyle::PE_IndicatorRadioButton, &option, &painter, nullptr);
+    painter.end();
+    EXPECT_GE(contrast(picture.pixelColor(10, 0), sectionColour(dark)), 2.5);
+}
+
+/// Whether the picture is a smaller one blown up: all blocks of two by two pixels are of one colour.
+bool isBlownUp(const QImage &picture) {
+    for (int y = 0; y + 1 < picture.height(); y += 2)
+        for (int x = 0; x + 1 < picture.width(); x += 2)
+            for (const QPoint next : {QPoint(1, 0), QPoint(0, 1), QPoint(1, 1)})
+                if (picture.pixel(x, y) != picture.pixel(QPoint(x, y) + next))
+                    return false;
+    return true;
+}
+
+TEST(AlertLooks, SignsAreSharpAtHighResolutions) {
+    const ScaledStyle style;
+    for (const auto sign : {QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxInformation}) {
+        const QImage picture = style.standardIcon(sign, nullptr, nullptr).pixmap(QSize(64, 64), 2).toImage();
+        EXPECT_EQ(picture.size(), QSize(128, 128)) << sign;
+        EXPECT_EQ(picture.devicePixelRatio(), 2) << sign;
+        EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0) << sign;
+        EXPECT_EQ(qAlpha(picture.pixel(64, 80)), 255) << sign;
+        EXPECT_FALSE(isBlownUp(picture)) << sign;
+    }
+}
+
+TEST(AlertLooks, ButtonsHaveWordsAlone) {
+    QApplication::setStyle(new ScaledStyle);
+    QMessageBox alert(QMessageBox::Warning, QString(), QStringLiteral("words"));
+    alert.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+    for (const QAbstractButton *button : alert.buttons())
+        EXPECT_TRUE(button->icon().isNull()) << button->text().toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Everywhere, Looks,
+                         testing::Values(Conditions{"en", 100}, Conditions{"en", 125}, Conditions{"en", 150},
+                                         Conditions{"en", 200}, Conditions{"ja", 100}, Conditions{"ja", 125},
+                                         Conditions{"ja", 150}, Conditions{"ja", 200}),
+                         [](const auto &testInfo) {
+                             return std::string(testInfo.param.language) + std::to_string(testInfo.param.textPercent);
+                         });
+
+} // namespace
+} // namespace lumetwin::test

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The form and its checks with real media instead of told answers.
+#include "engine/batch/VideoProcessor.h"
+#include "engine/texts/Texts.h"
+#include "support/Scripted.h"
+#include "tests/support/BoxEdits.h"
+#include "tests/support/Clips.h"
+#include "tests/support/TestMedia.h"
+#include "ui/form/MainViewController.h"
+#include "ui/form/SpatialCheck.h"
+#include "ui/progress/ProgressViewController.h"
+#include "ui/widgets/BackgroundThreads.h"
+
+#include <QImage>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include <gtest/gtest.h>
+
+namespace lumetwin::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class RealMedia : public testing::Test {
+protected:
+    fs::path spatialMovie(const std::string &name) {
+        const fs::path clip = draw(folder / "clip.mp4");
+        VideoProcessor(settings).convertVideo(clip, folder / "written_spatial.mov");
+        fs::rename(folder / "written_spatial.mov", folder / name);
+        return folder / name;
+    }
+    fs::path sideBySidePhoto(const std::string &name, int width = 640, int height = 180) {
+        QImage picture(width, height, QImage::Format_RGB32);
+        picture.fill(Qt::gray);
+        const fs::path photo = folder / name;
+        EXPECT_TRUE(picture.save(QString::fromStdString(photo.string())));
+        return photo;
+    }
+
+    static std::shared_ptr<ConversionSettings> toSpatial() {
+        auto made = std::make_shared<ConversionSettings>();
+        made->direction = ConversionDirection::sbsToSpatial;
+        return made;
+    }
+
+    TemporaryFolder folder;
+    std::shared_ptr<ConversionSettings> settings = toSpatial();
+};
+
+TEST_F(RealMedia, ASpatialMovieIsToldWithItsValues) {
+    const SpatialFinding finding = inspectFile(spatialMovie("clip.MOV"), settings);
+    EXPECT_TRUE(finding.isSpatial);
+    EXPECT_EQ(finding.values.horizontalFOV, 63.4);
+    EXPECT_EQ(finding.values.stereoBaseline, 19.24);
+    EXPECT_EQ(finding.values.disparity, 2.0);
+}
+
+TEST_F(RealMedia, AFieldOfViewWithoutABaselineIsNotSpatial) {
+    const fs::path movie = remuxed(spatialMovie("written.mov"), folder / "clip.mov");
+    renameBox(movie, "blin", "free");
+    const SpatialFinding finding = inspectFile(movie, settings);
+    EXPECT_FALSE(finding.isSpatial);
+    EXPECT_EQ(finding.values.horizontalFOV, 63.4);
+    EXPECT_EQ(spatialCheckAlert(movie, finding).style, AlertStyle::warning);
+}
+
+TEST_F(RealMedia, ASpatialPhotoIsToldWithItsValues) {
+    const fs::path photo = folder / "pair.HEIC";
+    VideoProcessor(settings).convertPhoto(sideBySidePhoto("pair.png"), folder / "pair_spatial.heic");
+    fs::rename(folder / "pair_spatial.heic", photo);
+    const SpatialFinding finding = inspectFile(photo, settings);
+    EXPECT_TRUE(finding.isSpatial);
+    ASSERT_TRUE(finding.values.stereoBaseline);
+    EXPECT_NEAR(*finding.values.stereoBaseline, 19.24, 0.01);
+}
+
+TEST_F(RealMedia, ASideBySidePictureIsCalledWhatItIs) {
+    for (const fs::path &file : {sideBySidePhoto("pair.png"), draw(folder / "clip.mp4")}) {
+        const Alert alert = spatialCheckAlert(file, inspectFile(file, settings));
+        EXPECT_EQ(alert.message, formatted("alert.check.side.by.side.format", file.filename().string()));
+    }
+    const fs::path single = sideBySidePhoto("single.png", 320, 180);
+    EXPECT_EQ(spatialCheckAlert(single, inspectFile(single, settings)).message,
+              formatted("alert.spatial.check.no.title", std::string("single.png")));
+}
+
+TEST_F(RealMedia, TheDirectionIsQuestionedByWhatTheFilesAre) {
+    Stage stage;
+    FormServices services = stage.services();
+    services.isSpatialVideo = FormServices().isSpatialVideo;
+    services.runBatch = [](VideoProcessor &) {};
+    MainViewController form(services);
+    const fs::path movie = spatialMovie("clip_spatial.mov");
+    form.settings->inputFiles = {folder / "clip.mp4"};
+    form.settings->outputFolderURL = folder.path();
+    stage.alerts->answers = {0, 0};
+    control<QPushButton>(form, "startButton").click();
+    ASSERT_TRUE(until([&] { return stage.alerts->shown.size() == 1; }));
+    EXPECT_EQ(stage.alerts->shown.back().message, text("alert.direction.spatial2sbs.title"));
+    settle();
+    control<QRadioButton>(form, "sbsToSpatialButton").click();
+    form.settings->inputFiles = {folder / "clip.mp4", movie};
+    control<QPushButton>(form, "startButton").click();
+    ASSERT_TRUE(until([&] { return stage.alerts->shown.size() == 2; }));
+    EXPECT_EQ(stage.alerts->shown.back().message, text("alert.direction.sbs2spatial.title"));
+    settle();
+    EXPECT_FALSE(form.progressSheet());
+    BackgroundThreads::shared().waitForAll(patience);
+}
+
+} // namespace
+} // namespace lumetwin::test

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/files/DroppedFiles.h"
+
+#include "engine/batch/InputList.h"
+
+#include <QMimeData>
+#include <QUrl>
+
+#include <algorithm>
+#include <iterator>
+
+namespace lumetwin {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// GTK offers a transfer under both names.
+constexpr const char *transferTypes[] = {"application/vnd.portal.filetransfer", "application/vnd.portal.files"};
+
+bool isFolder(const fs::path &path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
+}
+
+/// The item itself, or what a folder holds.
+std::vector<fs::path> filesOf(const fs::path &item) {
+    if (!isFolder(item))
+        return {item};
+    try {
+        return visibleChildren(item);
+    } catch (const fs::filesystem_error &) {
+        return {};
+    }
+}
+
+/// The path of a file URL of this machine (RFC 8089); empty for any other URL.
+fs::path localPath(const QByteArray &url) {
+    constexpr char scheme[] = "file:";
+    if (qstrnicmp(url.constData(), scheme, 5) != 0)
+        return {};
+    QByteArray rest = url.mid(5);
+    if (rest.startsWith("//")) {
+        const qsizetype slash = rest.indexOf('/', 2);
+        if (slash < 0)
+            return {};
+        rest = rest.mid(slash);
+    }
+    // A folder's URL may end in a slash; its path must not, or it has no name.
+    QByteArray path = QByteArray::fromPercentEncoding(rest);
+    while (path.size() > 1 && path.endsWith('/'))
+        path.chop(1);
+    return path.startsWith('/') && !path.contains('\0') ? fs::path(path.toStdString()) : fs::path();
+}
+
+} // namespace
+
+std::vector<fs::path> mediaAmong(const std::vector<fs::path> &items) {
+    std::vector<fs::path> files;
+    for (const fs::path &item : items)
+        for (fs::path &file : filesOf(item))
+            files.push_back(std::move(file));
+    std::vector<fs::path> media;
+    for (ListedFile &listed : mediaFiles(files))
+        media.push_back(std::move(listed.file));
+    return media;
+}
+
+DroppedInput classifyDrop(const std::vector<fs::path> &dropped) {
+    if (dropped.size() == 1 && isFolder(dropped.front()))
+        return {dropped.front(), {}};
+    return {std::nullopt, mediaAmong(dropped)};
+}
+
+DroppedInput classifyChoice(const std::vector<fs::path> &chosen) {
+    if (chosen.size() == 1 && !isFolder(chosen.front()))
+        return {std::nullopt, chosen};
+    return classifyDrop(chosen);
+}
+
+std::vector<fs::path> localFiles(const QByteArray &uriList) {
+    std::vector<fs::path> files;
+    for (const QByteArray &line : uriList.split('\n'))
+        if (fs::path path = localPath(line.trimmed()); !path.empty())
+            files.push_back(std::move(path));
+    return files;
+}
+
+std::vector<fs::path> localFiles(const QMimeData &data) {
+    // The raw list keeps names that are no UTF-8, which QUrl does not.
+    return localFiles(data.data(QStringLiteral("text/uri-list")));
+}
+
+QByteArray portalTransferKey(const QMimeData &data) {
+    for (const char *type : transferTypes)
+        if (QByteArray key = data.data(QLatin1String(type)); !key.isEmpty())
+            return key.endsWith('\0') ? key.chopped(1) : key;
+    return {};
+}
+
+bool holdsFiles(const QMimeData &data) {
+    // The key is not asked for yet: its answer may begin a transfer.
+    return !localFiles(data).empty() ||
+           std::any_of(std::begin(transferTypes), std::end(transferTypes),
+                       [&](const char *type) { return data.hasFormat(QLatin1String(type)); });
+}
+
+} // namespace lumetwin

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the user selects on the form: the input, the output folder, a file to check.
+#include "ui/form/MainViewController.h"
+
+#include "engine/batch/InputList.h"
+#include "ui/files/DropFolderView.h"
+#include "ui/files/DroppedFiles.h"
+#include "ui/form/PreflightChecks.h"
+#include "ui/form/PreflightSequence.h"
+#include "ui/form/SpatialCheck.h"
+#include "ui/progress/BatchPresentation.h"
+#include "ui/widgets/ElidedLabel.h"
+#include "ui/widgets/Localized.h"
+
+#include <QPushButton>
+
+#include <utility>
+
+namespace lumetwin {
+
+namespace fs = std::filesystem;
+
+bool MainViewController::openInput(const std::vector<fs::path> &paths) {
+    return inputDropView->acceptPaths(paths);
+}
+
+void MainViewController::selectInputFolder() {
+    services_.panels->chooseInput(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
+        if (form)
+            form->inputChosen(paths);
+    });
+}
+
+void MainViewController::inputChosen(const std::vector<fs::path> &paths) {
+    const DroppedInput input = classifyChoice(paths);
+    if (input.empty())
+        return;
+    if (input.folder) {
+        setInputFolder(*input.folder);
+        inputDropView->showFolder(*input.folder);
+    } else {
+        setInputFiles(input.files);
+        inputDropView->showFiles(input.files);
+    }
+    warnOfAVI();
+}
+
+void MainViewController::setInputFolder(const fs::path &folder) {
+    settings->inputFolderURL = folder;
+    settings->inputFiles.reset();
+    aviSettled_ = false;
+    showPath(inputPathLabel, shownPath(folder));
+}
+
+void MainViewController::setInputFiles(const std::vector<fs::path> &files) {
+    settings->inputFiles = files;
+    settings->inputFolderURL.reset();
+    aviSettled_ = false;
+    showPath(inputPathLabel, files.size() == 1 ? shownPath(files.front())
+                                               : toQString(filesSelected(static_cast<std::int64_t>(files.size()))));
+}
+
+void MainViewController::warnOfAVI() {
+    if (settings->enableResize || !holdsAVI(inputEntries(*settings)))
+        return;
+    const Alert alert{
+        text("alert.avi.title"), text("alert.avi.message"), {text("alert.avi.enable.resize"), text("button.continue")}};
+    services_.alerts->present(alert, this, [this](int button) {
+        aviSettled_ = button != AlertPresenter::dismissed;
+        if (button == 0)
+            turnOnResize();
+    });
+}
+
+void MainViewController::selectOutputFolder() {
+    services_.panels->chooseOutputFolder(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
+        if (form && !paths.empty())
+            form->outputChosen(paths.front());
+    });
+}
+
+void MainViewController::outputChosen(const fs::path &folder) {
+    const std::string objection = outputDropView->objection(folder);
+    if (!objection.empty())
+        return services_.alerts->present({objection, text("error.output.unwritable.message")}, this, [](int) {});
+    setOutputFolder(folder);
+    outputDropView->showFolder(folder);
+}
+
+void MainViewController::setOutputFolder(const fs::path &folder) {
+    settings->outputFolderURL = folder;
+    showPath(outputPathLabel, shownPath(folder));
+}
+
+void MainViewController::showPath(ElidedLabel *label, const QString &path) {
+    label->setText(path);
+    label->setProperty("secondary", false);
+    applyColours();
+}
+
+void MainViewController::checkSpatialMedia() {
+    services_.panels->chooseFileToCheck(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
+        if (form && !paths.empty())
+            form->checkFile(paths.front());
+    });
+}
+
+void MainViewController::checkFile(const fs::path &file) {
+    setChecking(true);
+    checkSpatialFile(file, this, settings, services_, [this](const Alert &answer) {
+        setChecking(false);
+        answer_ = answer;
+        showAnswer();
+    });
+}
+
+void MainViewController::setChecking(bool checking) {
+    const QString words = toQString(text(checking ? "button.checking" : "button.check.spatial"));
+    const bool hadFocus = checkSpatialBtn->hasFocus();
+    checkSpatialBtn->setText(words);
+    setShortcuts(); // which go with the old words
+    checkSpatialBtn->setAccessibleName(words);
+    checkSpatialBtn->setEnabled(!checking);
+    if (hadFocus && checking)
+        inputSelectBtn->setFocus();
+}
+
+/// The answer of a check waits until no batch runs, and none is about to.
+void MainViewController::showAnswer() {
+    if (!answer_ || preflight_ || batch_->state() != BatchPresentation::State::idle)
+        return;
+    const Alert answer = *std::exchange(answer_, {});
+    services_.alerts->present(answer, this, [](int) {});
+}
+
+} // namespace lumetwin

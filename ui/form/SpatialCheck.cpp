@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/form/SpatialCheck.h"
+
+#include "engine/batch/MediaKinds.h"
+#include "engine/texts/ProcessorError.h"
+#include "engine/texts/Texts.h"
+#include "ui/widgets/BackgroundThreads.h"
+#include "ui/widgets/MainThreadQueue.h"
+
+namespace lumetwin {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string valueLines(const StereoValues &values) {
+    std::string lines;
+    if (values.horizontalFOV)
+        lines += formatted("alert.spatial.fov.format", *values.horizontalFOV) + "\n";
+    if (values.stereoBaseline)
+        lines += formatted("alert.spatial.baseline.format", *values.stereoBaseline) + "\n";
+    if (values.disparity)
+        lines += formatted("alert.spatial.disparity.format", *values.disparity);
+    return lines;
+}
+
+/// What is not spatial is something else, or cannot be read at all.
+void lookAtPicture(const fs::path &file, SpatialFinding &finding) {
+    try {
+        finding.picture = pictureFacts(file);
+    } catch (const std::exception &error) {
+        finding.failure = errorMessage(error);
+    }
+}
+
+Alert whatItIs(const std::string &name, const SpatialFinding &finding, const std::vector<std::string> &buttons) {
+    if (!finding.failure.empty())
+        return {formatted("alert.check.unreadable.format", name), finding.failure, buttons};
+    if (finding.picture && finding.picture->looksSideBySide())
+        return {formatted("alert.check.side.by.side.format", name),
+                formatted("alert.check.side.by.side.size.format", finding.picture->width, finding.picture->height) +
+                    "\n" + text("alert.check.side.by.side.message"),
+                buttons,
+                {},
+                AlertStyle::informational};
+    return {formatted("alert.spatial.check.no.title", name), text("alert.spatial.check.no.message"), buttons};
+}
+
+} // namespace
+
+SpatialFinding inspectFile(const fs::path &file, const std::shared_ptr<const ConversionSettings> &settings) {
+    SpatialFinding finding;
+    if (isPhotoFile(file)) {
+        finding.isSpatial = VideoProcessor(settings).isSpatialPhoto(file);
+        if (finding.isSpatial)
+            finding.values = photoStereoValues(file);
+    } else {
+        finding.values = videoStereoValues(file);
+        finding.isSpatial = finding.values.stereoBaseline.has_value();
+    }
+    if (!finding.isSpatial)
+        lookAtPicture(file, finding);
+    return finding;
+}
+
+Alert spatialCheckAlert(const fs::path &file, const SpatialFinding &finding) {
+    const std::string name = file.filename().string();
+    const std::vector<std::string> buttons{text("button.close")};
+    if (!finding.isSpatial)
+        return whatItIs(name, finding, buttons);
+    std::string lines = valueLines(finding.values);
+    if (lines.empty())
+        lines = text(isPhotoFile(file) ? "media.type.photo" : "media.type.video");
+    return {formatted("alert.spatial.check.yes.title", name), lines, buttons, {}, AlertStyle::informational};
+}
+
+void checkSpatialFile(const fs::path &file, QWidget *form, const std::shared_ptr<const ConversionSettings> &settings,
+                      const FormServices &services, const std::function<void(const Alert &answer)> &answered) {
+    const QPointer<QWidget> weak(form);
+    BackgroundThreads::shared().run("inspect", [=, inspect = services.inspect] {
+        const SpatialFinding finding = inspect ? inspect(file) : inspectFile(file, settings);
+        MainThreadQueue::shared().post([=] {
+            if (weak)
+                answered(spatialCheckAlert(file, finding));
+        });
+    });
+}
+
+} // namespace lumetwin

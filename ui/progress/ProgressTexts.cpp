@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/progress/ProgressTexts.h"
+
+#include "engine/batch/MediaKinds.h"
+#include "engine/texts/Texts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace lumetwin {
+
+namespace {
+
+/// Truncated.
+std::int64_t percentOf(double fraction) {
+    return static_cast<std::int64_t>(fraction * 100);
+}
+
+const std::string separator = " · ";
+
+std::pair<std::int64_t, std::int64_t> minutesAndSeconds(std::chrono::seconds time) {
+    return {time.count() / 60, time.count() % 60};
+}
+
+std::string reasonAndWayOn(const BatchEnd &end) {
+    if (!end.success)
+        return end.message + "\n" + text("alert.nothing.way.on");
+    std::string words = formatted("alert.all.skipped.format", end.skipped) + "\n";
+    if (end.skipReasons == std::set{text("status.skipped.not.spatial")})
+        return words + text("alert.all.skipped.not.spatial");
+    if (end.skipReasons == std::set{text("status.skipped.spatial")})
+        return words + text("alert.all.skipped.spatial");
+    return words + text("alert.all.skipped.details");
+}
+
+/// Also how many files have warnings, and how many were skipped, where there are any.
+std::string messageAndCounts(const BatchEnd &end) {
+    if (end.warned == 0 && end.skipped == 0)
+        return end.message;
+    return end.message + "\n" + formatted("status.warned.skipped.format", end.warned, end.skipped);
+}
+
+} // namespace
+
+double fractionOf(std::int64_t current, std::int64_t total) {
+    return total < 1 ? 0 : static_cast<double>(current) / static_cast<double>(total);
+}
+
+double batchFraction(std::int64_t filesDone, std::int64_t filesTotal, double fractionOfFile) {
+    return (static_cast<double>(filesDone) + std::clamp(fractionOfFile, 0.0, 1.0)) / static_cast<double>(filesTotal);
+}
+
+std::string filesText(std::int64_t current, std::int64_t total, double fraction) {
+    return formatted("progress.files.format", current, total, percentOf(fraction));
+}
+
+std::string framesText(std::int64_t current, std::int64_t total, std::optional<double> rate) {
+    const std::string frames =
+        total < 1 ? formatted("progress.frame.processed.format", current)
+                  : formatted("progress.frame.format", current, total, percentOf(fractionOf(current, total)));
+    return rate ? frames + separator + formatted("progress.rate.format", *rate) : frames;
+}
+
+std::optional<std::chrono::seconds> timeLeft(std::chrono::steady_clock::duration elapsed, double fraction) {
+    using namespace std::chrono;
+    constexpr double enough = 0.01; // of the batch
+    if (elapsed < 5s || fraction < enough || fraction >= 1)
+        return std::nullopt;
+    return seconds(std::llround(duration<double>(elapsed).count() * (1 - fraction) / fraction));
+}
+
+std::string elapsedText(std::chrono::steady_clock::duration elapsed, std::optional<std::chrono::seconds> left) {
+    const auto [minutes, seconds] = minutesAndSeconds(std::chrono::duration_cast<std::chrono::seconds>(elapsed));
+    const std::string past = formatted("progress.elapsed.format", minutes, seconds);
+    if (!left)
+        return past;
+    const auto [minutesLeft, secondsLeft] = minutesAndSeconds(*left);
+    return past + separator + formatted("progress.left.format", minutesLeft, secondsLeft);
+}
+
+std::string workText(const std::string &fileName) {
+    return text(isPhotoFile(fileName) ? "progress.photo" : "progress.frame.calculating");
+}
+
+std::string detailLine(const std::string &fileName, const std::string &reason) {
+    std::string once = reason;
+    if (const auto place = once.find(" " + fileName); place != std::string::npos)
+        once.erase(place, fileName.size() + 1);
+    return formatted("detail.file.format", fileName, once) + "\n";
+}
+
+bool BatchEnd::isEmpty() const {
+    return !anyConverted && (success ? skipped > 0 : message == text("error.no.media.files"));
+}
+
+Alert stopQuestion() {
+    Alert question{
+        text("alert.cancel.title"), text("alert.cancel.message"), {text("button.stop"), text("button.continue")}};
+    question.defaultButton = 1;
+    return question;
+}
+
+Alert resultAlert(const BatchEnd &end) {
+    const bool empty = end.isEmpty();
+    Alert alert{text(empty         ? "alert.nothing.title"
+                     : end.success ? "alert.conversion.success"
+                                   : "alert.conversion.error"),
+                empty ? reasonAndWayOn(end) : messageAndCounts(end)};
+    alert.style = end.success && !empty ? AlertStyle::informational : AlertStyle::warning;
+    alert.details = end.details;
+    if (end.showsOutputs)
+        alert.sideButton = text("button.show.in.folder");
+    return alert;
+}
+
+} // namespace lumetwin

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// One run of a batch, and what the sheet does with what the batch reports.
+#include "ui/progress/ProgressViewController.h"
+
+#include "engine/batch/FileNames.h"
+#include "engine/texts/WarningTexts.h"
+#include "ui/alerts/AlertPresenter.h"
+#include "ui/progress/ProgressTexts.h"
+#include "ui/widgets/BackgroundThreads.h"
+#include "ui/widgets/BarIndicator.h"
+#include "ui/widgets/ElidedLabel.h"
+#include "ui/widgets/Localized.h"
+#include "ui/widgets/MainThreadQueue.h"
+
+#include <QKeyEvent>
+#include <QPointer>
+#include <QTimer>
+
+namespace lumetwin {
+
+ProgressViewController::ProgressViewController(std::shared_ptr<const ConversionSettings> theSettings, Services services,
+                                               QWidget *parent)
+    : Sheet(parent), settings(std::move(theSettings)), services_(std::move(services)) {
+    loadView();
+}
+
+ProgressViewController::~ProgressViewController() = default;
+
+void ProgressViewController::viewDidLoad() {
+    buildInterface();
+    startProcessing();
+}
+
+void ProgressViewController::startProcessing() {
+    startTime = std::chrono::steady_clock::now();
+    timerUpdateTimer = new QTimer(this);
+    connect(timerUpdateTimer, &QTimer::timeout, this, &ProgressViewController::updateElapsedTime);
+    timerUpdateTimer->start(500);
+    processor = std::make_shared<VideoProcessor>(settings);
+    connectProcessor();
+    // The thread keeps the processor alive, not the sheet.
+    BackgroundThreads::shared().run("batch", [processor = processor, services = services_] {
+        services.run(*processor);
+        if (services.runEnded)
+            MainThreadQueue::shared().post(services.runEnded);
+    });
+}
+
+/// Each callback posts itself, from whatever thread, to the interface thread and does nothing there once the sheet
+/// has gone.
+void ProgressViewController::connectProcessor() {
+    const QPointer<ProgressViewController> weak(this);
+    const auto repost = [weak](auto operation) {
+        return [weak, operation](const auto &...arguments) {
+            MainThreadQueue::shared().post([weak, operation, arguments...] {
+                if (weak)
+                    operation(*weak, arguments...);
+            });
+        };
+    };
+    using Self = ProgressViewController;
+    processor->onProgress = repost(std::mem_fn(&Self::updateProgress));
+    processor->onFrameProgress = repost(std::mem_fn(&Self::updateFrameProgress));
+    processor->onSkip = repost(std::mem_fn(&Self::showSkipped));
+    processor->onComplete = repost(std::mem_fn(&Self::conversionFinished));
+    processor->onResult = repost(std::mem_fn(&Self::noteResult));
+}
+
+void ProgressViewController::updateProgress(std::int64_t current, std::int64_t total, const std::string &fileName) {
+    filesDone_ = current;
+    filesTotal_ = total;
+    firstReport_.reset();
+    showBatchFraction(fractionOf(current, total));
+    fileCountLabel->setText(toQString(formatted("progress.filecount.format", current, total)));
+    fileNameLabel->setText(toQString(formatted("progress.processing.format", fileName)));
+    statusLabel->setText(toQString(text("progress.converting")));
+    fileProgressBar->setIndeterminate(true);
+    fileProgressLabel->setText(toQString(workText(fileName)));
+}
+
+/// The bar, its words and whoever listens outside all tell the same share.
+void ProgressViewController::showBatchFraction(double fraction) {
+    fraction_ = fraction;
+    overallProgress->setDoubleValue(fraction);
+    overallLabel->setText(toQString(filesText(filesDone_, filesTotal_, fraction)));
+    emit batchProgressed(fraction);
+}
+
+/// Frames per second of the current file, once a second of it has passed.
+std::optional<double> ProgressViewController::frameRate(std::int64_t current) {
+    const auto now = std::chrono::steady_clock::now();
+    if (!firstReport_)
+        firstReport_ = {now, current};
+    const double seconds = std::chrono::duration<double>(now - firstReport_->time).count();
+    const auto frames = static_cast<double>(current - firstReport_->frame);
+    return seconds >= 1 && frames > 0 ? std::optional(frames / seconds) : std::nullopt;
+}
+
+void ProgressViewController::updateFrameProgress(std::int64_t current, std::int64_t total) {
+    fileProgressBar->setIndeterminate(total < 1);
+    fileProgressLabel->setText(toQString(framesText(current, total, frameRate(current))));
+    if (total < 1)
+        return;
+    const double fraction = fractionOf(current, total);
+    fileProgressBar->setDoubleValue(fraction);
+    if (filesTotal_ > 0)
+        showBatchFraction(batchFraction(filesDone_, filesTotal_, fraction));
+}
+
+void ProgressViewController::showSkipped(const std::string &fileName, const std::string &reason) {
+    fileNameLabel->setText(toQString(fileName));
+    fileProgressLabel->setText(toQString(reason));
+    fileProgressBar->setIndeterminate(false);
+    fileProgressBar->setDoubleValue(0);
+    details_ += detailLine(fileName, reason);
+    ++skipped_;
+    skipReasons_.insert(reason);
+}
+
+void ProgressViewController::noteResult(const FileResult &result) {
+    const std::string name = lastPathComponent(result.input);
+    if (result.state == FileState::failed)
+        details_ += detailLine(name, result.reason);
+    for (const Warning &warning : result.warnings)
+        details_ += detailLine(name, warningText(warning));
+    if (result.wasConverted())
+        outputs_.push_back(result.output);
+    if (result.state == FileState::convertedWithWarnings)
+        ++warned_;
+}
+
+void ProgressViewController::updateElapsedTime() {
+    if (!startTime)
+        return;
+    const auto elapsed = std::chrono::steady_clock::now() - *startTime;
+    elapsedLabel->setText(toQString(elapsedText(elapsed, timeLeft(elapsed, fraction_))));
+}
+
+void ProgressViewController::conversionFinished(bool success, const std::string &message) {
+    timerUpdateTimer->stop();
+    if (isCancelled())
+        return;
+    state_ = State::finished;
+    delete question_; // at once: the alert at the end must know that it follows another one
+    elapsedLabel->setText(toQString(elapsedText(std::chrono::steady_clock::now() - *startTime)));
+    fileProgressBar->setIndeterminate(false);
+    fileProgressBar->setDoubleValue(1);
+    overallProgress->setDoubleValue(1);
+    overallLabel->setText(toQString(text("status.done")));
+    fileProgressLabel->setText(toQString(text("status.done")));
+    fileCountLabel->setText(toQString(formatted("progress.filecount.format", filesTotal_, filesTotal_)));
+    statusLabel->setText(toQString(message));
+    turnIntoCloseButton();
+    const BatchEnd end = batchEnd(success, message);
+    const Alert result = resultAlert(end);
+    showEnd(success && !end.isEmpty() ? text("progress.title.done") : result.message);
+    emit batchFinished(success, toQString(message));
+    showResult(result);
+}
+
+BatchEnd ProgressViewController::batchEnd(bool success, const std::string &message) const {
+    const bool showsOutputs = !outputs_.empty() && services_.showInFolder;
+    return {success, message, details_, showsOutputs, skipped_, skipReasons_, warned_, !outputs_.empty()};
+}
+
+void ProgressViewController::showEnd(const std::string &title) {
+    titleLabel->setText(toQString(title));
+    setAccessibleName(toQString(title));
+}
+
+void ProgressViewController::showResult(const Alert &alert) {
+    services_.alerts->present(alert, this, [this](int button) {
+        if (button == AlertPresenter::sideButton)
+            services_.showInFolder(settings->outputFolderURL.value_or(outputs_.front().parent_path()), outputs_);
+    });
+}
+
+void ProgressViewController::buttonPressed() {
+    if (state_ == State::finished)
+        closeTapped();
+    else
+        cancelTapped();
+}
+
+void ProgressViewController::cancelTapped() {
+    confirmCancel();
+}
+
+void ProgressViewController::confirmCancel() {
+    if (state_ != State::running || question_)
+        return;
+    question_ = new QWidget(this);
+    services_.alerts->present(stopQuestion(), question_, [this](int button) {
+        endQuestion();
+        if (button == 0)
+            stop();
+    });
+}
+
+/// An alert goes with the widget that it was presented on; here it is still telling its answer.
+void ProgressViewController::endQuestion() {
+    if (question_)
+        question_->deleteLater();
+    question_ = nullptr;
+}
+
+void ProgressViewController::stop() {
+    if (state_ != State::running)
+        return closeTapped();
+    state_ = State::cancelled;
+    processor->cancelRequested = true;
+    timerUpdateTimer->stop();
+    emit dismissed();
+}
+
+void ProgressViewController::closeTapped() {
+    emit dismissed();
+}
+
+void ProgressViewController::hideEvent(QHideEvent *event) {
+    QWidget::hideEvent(event);
+    // Minimizing the window hides the sheet too, but does not put it away.
+    if (timerUpdateTimer && !event->spontaneous())
+        timerUpdateTimer->stop();
+}
+
+void ProgressViewController::keyPressEvent(QKeyEvent *event) {
+    if (event->matches(QKeySequence::Cancel))
+        buttonPressed();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+} // namespace lumetwin

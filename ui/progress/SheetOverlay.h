@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "ui/progress/Sheet.h"
+
+#include <QPointer>
+
+namespace lumetwin {
+
+/// Presents a sheet on a window's content: covers and dims the content and keeps the sheet in its middle.
+/// The sheet is part of the window and not a window of its own, because a window that is blocked by another one hears
+/// nothing of being closed; this one can ask.
+class SheetOverlay : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Covers the content and takes the sheet.
+    SheetOverlay(QWidget *content, Sheet *sheet);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void cover();
+
+    QPointer<QWidget> content_;
+    Sheet *sheet_;
+};
+
+} // namespace lumetwin

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/widgets/ValueSlider.h"
+
+#include <QSignalBlocker>
+
+#include <cmath>
+
+namespace lumetwin {
+
+ValueSlider::ValueSlider(const StereoRange &range, QWidget *parent)
+    : QSlider(Qt::Horizontal, parent), range_(range), stepsPerUnit_(std::pow(10, range.decimals)),
+      doubleValue_(range.start) {
+    setRange(position(range.minimum), position(range.maximum));
+    // What the field shows, and ten times that.
+    setSingleStep(1);
+    setPageStep(10);
+    setDoubleValue(range.start);
+    connect(this, &QSlider::valueChanged, this, &ValueSlider::follow);
+}
+
+int ValueSlider::position(double value) const {
+    return static_cast<int>(std::lround(value * stepsPerUnit_));
+}
+
+void ValueSlider::setDoubleValue(double value) {
+    const QSignalBlocker quiet(this);
+    doubleValue_ = value;
+    setValue(position(value));
+}
+
+void ValueSlider::follow(int position) {
+    doubleValue_ = position / stepsPerUnit_;
+    emit moved(doubleValue_);
+}
+
+} // namespace lumetwin
