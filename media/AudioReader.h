@@ -4,7 +4,6 @@
 #include "media/AudioBlock.h"
 #include "media/MovieFile.h"
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -20,8 +19,7 @@ int aacSampleRate(double sourceRate);
 class AudioReader {
 public:
     /// Throws MediaError when the track cannot be decoded or is encrypted; next() does where it is further on.
-    AudioReader(const std::filesystem::path &file, const AudioTrack &track, int sampleRate, int channels,
-                double fromTime);
+    AudioReader(const InputFile &file, const AudioTrack &track, int sampleRate, int channels, double fromTime);
     ~AudioReader();
     std::optional<AudioBlock> next();
 

@@ -1,20 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/Image.h"
 
-#include "media/ColourConversion.h"
-#include "media/HeifFile.h"
 #include "media/MediaError.h"
-#include "media/PartialFile.h"
-#include "media/colour/ColourProfile.h"
+#include "media/SpatialPhoto.h"
+#include "media/colour/PictureFor.h"
 #include "media/heif/HeifOutput.h"
-#include "media/metadata/ExifBlock.h"
-#include "media/metadata/Xmp.h"
-#include "media/samples/Formats.h"
+#include "media/heif/HeifReader.h"
+#include "media/jpeg/Jpeg.h"
+#include "media/jpeg/JpegExtras.h"
+#include "media/metadata/CorrectedMetadata.h"
+#include "media/png/Png.h"
+#include "media/tiff/TiffImage.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <fstream>
+#include <future>
+#include <optional>
+#include <stdexcept>
 #include <string_view>
 
 namespace lumetwin::media {
@@ -40,82 +42,20 @@ bool isHeif(std::string_view head) {
     return false;
 }
 
-ImageKind requireKind(const std::filesystem::path &file) {
+ImageKind requireKind(const InputFile &file) {
     if (const auto kind = imageKind(file))
         return *kind;
-    std::error_code ignored;
-    if (std::filesystem::is_directory(file, ignored))
-        throw MediaError::ofSystem(file, MediaOperation::open, EISDIR);
-    images::openForReading(file); // says why, where it cannot be opened
-    const bool empty = std::filesystem::is_empty(file, ignored);
-    throw MediaError(file, MediaOperation::read, 0, empty ? MediaReason::emptyFile : MediaReason::unknownImageKind);
-}
-
-/// Code points 5 and 6 of ITU-T H.273 name the same matrix.
-bool isBT601(int one, int other) {
-    return one >= 5 && one <= 6 && other >= 5 && other <= 6;
+    throw MediaError(file.path(), MediaOperation::read, 0,
+                     file.size() == 0 ? MediaReason::emptyFile : MediaReason::unknownImageKind);
 }
 
 } // namespace
 
-namespace images {
-
-ImageMetadata correctedMetadata(const Picture &picture, ImageMetadata metadata) {
-    ExifBlock exif = ExifBlock::parse(metadata.exif);
-    metadata.exif.clear();
-    if (!exif.empty()) {
-        exif.describePicture(picture.width, picture.height);
-        if (metadata.iccProfile.empty() && picture.colour.primaries == jpegColour.primaries)
-            exif.describeSRGB();
-        metadata.exif = exif.bytes();
-    }
-    metadata.xmp = correctedXmp(std::move(metadata.xmp), picture.width, picture.height);
-    if (metadata.iccProfile.empty() && picture.format.model != ColourModel::grey)
-        metadata.iccProfile = profileOf(picture.colour);
-    return metadata;
-}
-
-Picture fitted(Picture picture, ImageKind kind, const Cancellation &cancellation) {
-    PictureFormat format = picture.format;
-    ColourTags colour = picture.colour;
-    const bool isYuv = format.model == ColourModel::yuv;
-    if (kind == ImageKind::jpeg) {
-        format.depth = 8;
-        if (isYuv) {
-            format.chromaShiftX = std::min(format.chromaShiftX, 1);
-            colour.matrix = jpegColour.matrix;
-            colour.range = jpegColour.range;
-        }
-    } else if (kind == ImageKind::heif) {
-        format = yuv420;
-        if (!isYuv) {
-            colour.matrix = jpegColour.matrix;
-            colour.range = jpegColour.range;
-            colour.chromaLocation = jpegColour.chromaLocation;
-        }
-    } else if (isYuv) {
-        format = {ColourModel::rgb, format.depth, 0, 0};
-        colour.matrix = 0;
-        colour.range = ColourRange::full;
-    }
-    const bool sameMatrix = colour.matrix == picture.colour.matrix || isBT601(colour.matrix, picture.colour.matrix);
-    if (format == picture.format && sameMatrix && colour.range == picture.colour.range) {
-        picture.colour = colour;
-        return picture;
-    }
-    return convertColour(picture, format, colour, cancellation);
-}
-
-} // namespace images
-
-std::optional<ImageKind> imageKind(const std::filesystem::path &file) noexcept {
+std::optional<ImageKind> imageKind(const InputFile &file) noexcept {
     try {
-        if (!std::filesystem::is_regular_file(file))
-            return std::nullopt; // a pipe that nobody writes to would be waited for
-        std::ifstream stream(file, std::ios::binary);
-        std::array<char, 256> bytes{};
-        stream.read(bytes.data(), bytes.size());
-        const std::string_view head(bytes.data(), static_cast<std::size_t>(stream.gcount()));
+        std::array<std::uint8_t, 256> bytes{};
+        const std::size_t count = file.readAt(0, bytes);
+        const std::string_view head(reinterpret_cast<const char *>(bytes.data()), count);
         if (head.starts_with("\xFF\xD8\xFF"sv))
             return ImageKind::jpeg;
         if (head.starts_with("\x89PNG\r\n\x1A\n"sv))
@@ -125,71 +65,109 @@ std::optional<ImageKind> imageKind(const std::filesystem::path &file) noexcept {
                 return ImageKind::tiff;
         if (isHeif(head))
             return ImageKind::heif;
-    } catch (const std::exception &) {
+    } catch (const MediaError &) {
     }
     return std::nullopt;
 }
 
-int imageCount(const std::filesystem::path &file) {
-    switch (requireKind(file)) {
-    case ImageKind::tiff:
-        return images::tiffPageCount(file);
-    case ImageKind::heif:
-        return static_cast<int>(readHeifFile(file).images.size());
-    case ImageKind::jpeg:
-    case ImageKind::png:
-        break;
+struct ImageFile::Opened {
+    explicit Opened(const InputFile &input) : file(input), kind(requireKind(input)) {
+        if (kind == ImageKind::heif)
+            heif.emplace(input);
     }
-    return 1;
+
+    InputFile file;
+    ImageKind kind;
+    std::optional<heif::HeifReader> heif;
+};
+
+ImageFile::ImageFile(const InputFile &file) : opened_(std::make_shared<const Opened>(file)) {}
+
+const std::filesystem::path &ImageFile::path() const {
+    return opened_->file.path();
 }
 
-StillImage readImage(const std::filesystem::path &file, const Cancellation &cancellation) {
-    switch (requireKind(file)) {
+ImageKind ImageFile::kind() const {
+    return opened_->kind;
+}
+
+int ImageFile::imageCount() const {
+    if (opened_->heif)
+        return static_cast<int>(opened_->heif->headers().images.size());
+    return kind() == ImageKind::tiff ? images::tiffPageCount(opened_->file) : 1;
+}
+
+PhotoExtras ImageFile::extras() const noexcept {
+    try {
+        if (opened_->heif) {
+            const HeifFile &headers = opened_->heif->headers();
+            return {headers.hasGainMap, headers.hasDepthMap, headers.hasMovie};
+        }
+        if (kind() == ImageKind::jpeg)
+            return images::jpegExtras(*bmff::openFile(opened_->file));
+    } catch (const std::exception &) {
+        return {};
+    }
+    return {};
+}
+
+StillImage ImageFile::read(const Cancellation &cancellation) const {
+    switch (kind()) {
     case ImageKind::jpeg:
-        return images::readJpeg(file, cancellation);
+        return images::readJpeg(opened_->file, cancellation);
     case ImageKind::png:
-        return images::readPng(file, cancellation);
+        return images::readPng(opened_->file, cancellation);
     case ImageKind::tiff:
-        return images::readTiff(file, cancellation);
+        return images::readTiff(opened_->file, cancellation);
     case ImageKind::heif:
         break;
     }
-    return images::readHeif(file, cancellation);
+    return opened_->heif->readFirst(cancellation);
 }
 
-namespace {
+StereoPhotoFacts stereoPhotoFacts(const ImageFile &file) {
+    return file.opened_->heif ? file.opened_->heif->stereoFacts() : StereoPhotoFacts{};
+}
 
-void writeAs(ImageKind kind, const PartialFile &partial, StillImage image, double quality,
-             const Cancellation &cancellation) {
+void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTaker &take,
+                      const Cancellation &cancellation) {
+    const auto eyes = file.opened_->heif ? file.opened_->heif->headers().stereoEyes() : std::nullopt;
+    if (!eyes)
+        throw std::logic_error("a photo without a stereo pair");
+    const auto read = [&](std::size_t image) { return file.opened_->heif->read(image, samples, cancellation); };
+    if (samples == PhotoSamples::rgb) {
+        take(Eye::left, read(eyes->left));
+        take(Eye::right, read(eyes->right));
+        return;
+    }
+    auto later = std::async(std::launch::async, read, eyes->right);
+    StillImage left = read(eyes->left);
+    StillImage right = later.get();
+    take(Eye::left, std::move(left));
+    take(Eye::right, std::move(right));
+}
+
+void writeImage(const OutputFile &file, ImageKind kind, StillImage image, double quality,
+                const Cancellation &cancellation) {
+    // What the samples meant before they are converted decides which profile is embedded.
+    image.metadata = images::correctedMetadata(image.picture, std::move(image.metadata));
+    if (kind != ImageKind::jpeg) // whose writer converts strip by strip
+        image.picture = images::pictureFor(kind, std::move(image.picture), cancellation);
     switch (kind) {
     case ImageKind::jpeg:
-        return images::writeJpeg(partial.path(), image, quality, cancellation);
+        images::writeJpeg(file, image, quality, cancellation);
+        break;
     case ImageKind::png:
-        return images::writePng(partial.path(), image, cancellation);
+        images::writePng(file, image, cancellation);
+        break;
     case ImageKind::tiff:
-        return images::writeTiff(partial.path(), image, cancellation);
+        images::writeTiff(file, image, cancellation);
+        break;
     case ImageKind::heif:
-        return images::writeHeif(partial, std::move(image), quality, cancellation);
+        images::writeHeif(file, std::move(image), quality, cancellation);
+        break;
     }
-}
-
-} // namespace
-
-void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality,
-                const Cancellation &cancellation) {
-    const PartialFile partial(file);
-    try {
-        // What the samples meant before they are converted decides which profile is embedded.
-        image.metadata = images::correctedMetadata(image.picture, std::move(image.metadata));
-        if (kind != ImageKind::jpeg) // whose writer converts strip by strip
-            image.picture = images::fitted(std::move(image.picture), kind, cancellation);
-        writeAs(kind, partial, std::move(image), quality, cancellation);
-        cancellation.check();
-        partial.finish();
-    } catch (const Cancelled &) {
-        partial.discard();
-        throw;
-    }
+    cancellation.check();
 }
 
 } // namespace lumetwin::media

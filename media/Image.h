@@ -2,10 +2,15 @@
 #pragma once
 
 #include "media/Cancellation.h"
+#include "media/InputFile.h"
+#include "media/OutputFile.h"
+#include "media/PhotoExtras.h"
 #include "media/Picture.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,7 +21,7 @@ enum class ImageKind { jpeg, png, tiff, heif };
 
 /// The kind of image that a file's first bytes announce, whatever it is called; nothing for other files and for
 /// those that cannot be read.
-std::optional<ImageKind> imageKind(const std::filesystem::path &file) noexcept;
+std::optional<ImageKind> imageKind(const InputFile &file) noexcept;
 
 /// What an image file holds beside its samples.
 struct ImageMetadata {
@@ -30,31 +35,47 @@ struct StillImage {
     ImageMetadata metadata;
 };
 
-/// How many images a file offers: pages of a TIFF, images of a HEIF file that are not hidden, auxiliary
-/// or thumbnails, else 1. Throws MediaError when the file is no image.
-int imageCount(const std::filesystem::path &file);
+// See SpatialPhoto.h.
+enum class Eye;
+enum class PhotoSamples;
+struct StereoPhotoFacts;
+using EyeTaker = std::function<void(Eye eye, StillImage image)>;
 
-/// Reads a file's first image at the precision of its samples: JPEG as Y'CbCr planes where it is coded so, everything
-/// else as grey or RGB. Transparent pixels are drawn onto black; CMYK is converted to sRGB. The orientation that Exif
-/// states is not applied; transformations that HEIF states are part of the picture. Throws MediaError for damaged,
-/// truncated, oversized and unsupported files. This and what follows throws Cancelled when it is to stop.
-StillImage readImage(const std::filesystem::path &file, const Cancellation &cancellation = {});
+/// An image file whose headers have been read. A value: copies share what was read. Any thread may use it.
+class ImageFile {
+public:
+    /// Throws MediaError when the file is no image, and for a HEIF file whose headers are damaged.
+    explicit ImageFile(const InputFile &file);
 
-enum class HeifSamples {
-    coded, ///< as coded: Y'CbCr planes, subsampled as they are
-    rgb,   ///< converted to RGB
+    const std::filesystem::path &path() const;
+    ImageKind kind() const;
+    /// How many images the file offers: pages of a TIFF, images of a HEIF file that are not hidden, auxiliary or
+    /// thumbnails, else 1. Throws MediaError.
+    int imageCount() const;
+    /// What lies beside its pictures; nothing where that cannot be read.
+    PhotoExtras extras() const noexcept;
+
+    /// The file's first image at the precision of its samples: JPEG as Y'CbCr planes where it is coded so, everything
+    /// else as grey or RGB. Transparent pixels are drawn onto black; CMYK is converted to sRGB. The orientation that
+    /// Exif states is not applied; transformations that HEIF states are part of the picture. Throws MediaError for
+    /// damaged, truncated, oversized and unsupported files, and Cancelled when it is to stop.
+    StillImage read(const Cancellation &cancellation = {}) const;
+
+private:
+    friend StereoPhotoFacts stereoPhotoFacts(const ImageFile &file);
+    friend void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTaker &take,
+                                 const Cancellation &cancellation);
+
+    struct Opened;
+    std::shared_ptr<const Opened> opened_;
 };
 
-/// Reads one image of a HEIF file by its item's id, with its transformations applied. Throws MediaError.
-StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples,
-                         const Cancellation &cancellation = {});
-
-/// Writes an image under a partial name and renames it when it is complete, replacing what was there. Quality, 0.0 to
+/// Writes an image. Quality, 0.0 to
 /// 1.0, means something in JPEG and HEIC only. Samples that the format cannot hold are converted: Y'CbCr to
 /// the matrix and range of JFIF for JPEG, to RGB for PNG and TIFF, everything to 8-bit 4:2:0 for HEIC. Orientation,
-/// dimensions and thumbnails in the metadata are corrected for the picture. Throws MediaError. When it is cancelled,
-/// nothing stays, under either name.
-void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality,
+/// dimensions and thumbnails in the metadata are corrected for the picture. Throws MediaError, and Cancelled when it is
+/// to stop.
+void writeImage(const OutputFile &file, ImageKind kind, StillImage image, double quality,
                 const Cancellation &cancellation = {});
 
 /// The tags that a JPEG file's samples have by definition (JFIF 1.02): full range, matrix of ITU-R BT.601.

@@ -56,6 +56,8 @@ std::string_view words(MediaReason reason) {
         return "Permission denied";
     case MediaReason::isFolder:
         return "Is a directory";
+    case MediaReason::noRegularFile:
+        return "it is not a regular file";
     case MediaReason::noSpace:
         return "No space left on device";
     case MediaReason::readOnly:

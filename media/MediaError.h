@@ -31,6 +31,7 @@ enum class MediaReason {
     noSuchFile,
     noPermission,
     isFolder,
+    noRegularFile, ///< a pipe, a device, …
     noSpace,
     readOnly,
     beyondSystemLimit, ///< the file system or the user's limit holds no larger file

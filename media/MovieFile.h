@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/FrameTimes.h"
+#include "media/InputFile.h"
 #include "media/MovieTags.h"
 #include "media/Picture.h"
 #include "media/PixelAspect.h"
@@ -54,10 +55,11 @@ struct OtherContents {
 class MovieFile {
 public:
     /// Reads the headers, and the whole file where they do not list the frames; that ends early, with fewer frames,
-    /// once `cancelled` says so. Throws MediaError when the file cannot be opened or is no movie.
-    explicit MovieFile(const std::filesystem::path &file, const std::function<bool()> &cancelled = {});
+    /// once `cancelled` says so. Throws MediaError when the file is no movie.
+    explicit MovieFile(const InputFile &file, const std::function<bool()> &cancelled = {});
     ~MovieFile();
 
+    const InputFile &file() const;
     const std::filesystem::path &path() const;
     std::optional<VideoTrack> videoTrack() const;
     std::optional<AudioTrack> audioTrack() const;

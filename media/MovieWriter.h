@@ -4,6 +4,7 @@
 #include "media/AudioBlock.h"
 #include "media/MovieFile.h"
 #include "media/MovieTags.h"
+#include "media/OutputFile.h"
 #include "media/Picture.h"
 
 #include <cstdint>
@@ -52,9 +53,7 @@ struct AudioEncoding {
     std::int64_t bitRate = 192000;
 };
 
-/// Writes a movie under a partial name (PartialFile) until it is complete; finish() gives it its own name. cancel()
-/// removes the partial file, a failure leaves it. Destroying an unfinished writer leaves it too, unless nothing was
-/// started.
+/// Writes a movie. A file whose writer failed, or was destroyed before finish(), can be read up to its last fragment.
 ///
 /// Tracks are added before start(), in the order that they have in the file. Then one thread appends video and another
 /// audio; a track that runs ahead waits for the other, so that memory stays flat. An encoder that cannot stop at once
@@ -64,8 +63,7 @@ public:
     /// Throws MediaError for frames that no movie holds; addVideo() asks the same.
     static void requireSize(const std::filesystem::path &output, std::int64_t width, std::int64_t height);
 
-    /// Throws MediaError when the partial file cannot be created.
-    MovieWriter(const std::filesystem::path &output, Container container, MovieTags tags);
+    MovieWriter(const OutputFile &output, Container container, MovieTags tags);
     ~MovieWriter();
 
     void addAudio(const AudioEncoding &encoding);
@@ -88,9 +86,9 @@ public:
     void abandon();
 
     /// Completes the file. Throws the first failure of this writer. Where `cancelled` says so before it is complete, it
-    /// ends without a file, like cancel(), and returns false.
+    /// ends like cancel(), and returns false.
     bool finish(const std::function<bool()> &cancelled = {});
-    /// Ends without a file. Throws a failure that had happened before.
+    /// Ends; the file is not a movie then, and the caller removes it. Throws a failure that had happened before.
     void cancel();
 
 private:

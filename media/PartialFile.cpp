@@ -11,6 +11,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace lumetwin::media {
@@ -33,53 +34,44 @@ std::string shortened(std::string name, std::size_t size) {
     throw MediaError::ofSystem(output, operation, number);
 }
 
+int created(const std::filesystem::path &partial, const std::filesystem::path &output) {
+    const int descriptor = ::open(partial.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (descriptor < 0)
+        fail(output, MediaOperation::create, errno);
+    return descriptor;
+}
+
 } // namespace
 
-PartialFile::PartialFile(std::filesystem::path output) : output_(std::move(output)), path_(nameFor(output_)) {}
+PartialFile::PartialFile(std::filesystem::path output)
+    : output_(std::move(output)), path_(nameFor(output_)), file_(created(path_, output_), output_) {}
+
+PartialFile::~PartialFile() {
+    struct stat facts {};
+    if (!isOver_ && ::fstat(file_.descriptor(), &facts) == 0 && facts.st_size == 0)
+        discard();
+}
 
 std::filesystem::path PartialFile::nameFor(const std::filesystem::path &output) {
     return output.parent_path() /
            (shortened(output.filename().string(), NAME_MAX - suffix.size()) + std::string(suffix));
 }
 
-void PartialFile::finish() const {
+void PartialFile::finish() {
+    // Some file systems tell only now that the disk is full.
+    if (::fdatasync(file_.descriptor()) != 0 && errno != EINVAL && errno != EROFS)
+        fail(output_, MediaOperation::write, errno);
     std::error_code code;
     std::filesystem::rename(path_, output_, code);
     if (code)
         fail(output_, MediaOperation::rename, code.value());
+    isOver_ = true;
 }
 
-void PartialFile::discard() const noexcept {
+void PartialFile::discard() noexcept {
     std::error_code ignored;
     std::filesystem::remove(path_, ignored);
-}
-
-PartialFileWriter::PartialFileWriter(const PartialFile &file)
-    : output_(file.output()), descriptor_(::open(file.path().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) {
-    if (descriptor_ < 0)
-        fail(output_, MediaOperation::create, errno);
-}
-
-PartialFileWriter::~PartialFileWriter() {
-    if (descriptor_ >= 0)
-        ::close(descriptor_);
-}
-
-void PartialFileWriter::write(std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            fail(output_, MediaOperation::write, errno);
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-    }
-}
-
-void PartialFileWriter::close() {
-    // The descriptor is gone whatever close() says.
-    if (::close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR)
-        fail(output_, MediaOperation::write, errno);
+    isOver_ = true;
 }
 
 } // namespace lumetwin::media

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <filesystem>
-
 namespace lumetwin::media {
 
 /// What a photo holds beside its picture and its metadata.
@@ -13,8 +11,5 @@ struct PhotoExtras {
 
     bool operator==(const PhotoExtras &) const = default;
 };
-
-/// By the headers of a JPEG or HEIF file; nothing for others, and for files that cannot be read.
-PhotoExtras photoExtras(const std::filesystem::path &file) noexcept;
 
 } // namespace lumetwin::media

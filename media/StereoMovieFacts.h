@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/InputFile.h"
+
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -25,6 +26,6 @@ struct StereoMovieFacts {
 
 /// Reads a QuickTime or ISO base media file's headers, never its media data. A file that is damaged, of another
 /// kind, or unreadable gives facts without a video track; nothing is thrown.
-StereoMovieFacts readStereoMovieFacts(const std::filesystem::path &file) noexcept;
+StereoMovieFacts readStereoMovieFacts(const InputFile &file) noexcept;
 
 } // namespace lumetwin::media

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/BatchOptions.h"
 
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "tools/OptionTable.h"
 
 #include <system_error>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/Commands.h"
 
-#include "engine/batch/FileNames.h"
+#include "engine/texts/FileNames.h"
 
 #include <fmt/format.h>
 
@@ -40,7 +40,7 @@ int run(BatchOptions options, const std::function<MediaOperations()> &operations
         console.print("lumetwin-batch " LUMETWIN_VERSION);
         return told(allWell);
     case Command::inspect:
-        return told(inspectCommand(options, console));
+        return told(inspectCommand(options, console, operations()));
     case Command::convert:
         break;
     }

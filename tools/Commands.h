@@ -19,10 +19,10 @@ inline constexpr int interrupted = 130;
 int convertCommand(BatchOptions &options, Console &console, MediaOperations operations);
 
 /// Describes the files; the exit status: files that cannot be read have failed.
-int inspectCommand(const BatchOptions &options, Console &console);
+int inspectCommand(const BatchOptions &options, Console &console, const MediaOperations &operations);
 
 /// The whole program. The arguments include the program's name.
 int runBatchTool(int count, const char *const *arguments,
-                 const std::function<MediaOperations()> &operations = MediaOperations::standard);
+                 const std::function<MediaOperations()> &operations = MediaOperations::inProcess);
 
 } // namespace lumetwin::batch

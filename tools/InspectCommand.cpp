@@ -1,37 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/Commands.h"
 
-#include "engine/batch/FileNames.h"
-#include "engine/inspection/MediaDescription.h"
+#include "engine/texts/FileNames.h"
+#include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
 #include "tools/Json.h"
 
-#include <cerrno>
-#include <fstream>
+#include <cstdio>
 #include <optional>
-#include <system_error>
+#include <string>
 
 namespace lumetwin::batch {
 namespace {
 
-using Kind = MediaDescription::Kind;
-using Eye = MediaDescription::Eye;
-
-/// Why a file cannot be read at all; empty when it can.
-std::string obstacle(const std::filesystem::path &file) {
-    std::error_code error;
-    const auto status = std::filesystem::status(file, error);
-    if (!std::filesystem::exists(status))
-        return std::make_error_code(std::errc::no_such_file_or_directory).message();
-    if (std::filesystem::is_directory(status))
-        return std::make_error_code(std::errc::is_a_directory).message();
-    if (!std::filesystem::is_regular_file(status))
-        return "Not a regular file"; // nobody may ever write to a pipe
-    errno = 0;
-    if (!std::ifstream(file, std::ios::binary))
-        return std::generic_category().message(errno != 0 ? errno : EIO);
-    return {};
-}
+using Kind = MediaFacts::Kind;
+using Eye = MediaFacts::Eye;
 
 std::string_view eyeName(Eye eye) {
     return eye == Eye::left ? "left" : eye == Eye::right ? "right" : "none";
@@ -42,20 +25,20 @@ template <typename Value> Json orNull(const std::optional<Value> &value) {
     return value ? Json(*value) : Json(nullptr);
 }
 
-Json objectOf(const std::filesystem::path &file, const MediaDescription &description) {
-    const bool isVideo = description.kind == Kind::video;
+Json objectOf(const std::filesystem::path &file, const MediaFacts &facts) {
+    const bool isVideo = facts.kind == Kind::video;
     Json object{{"file", file.string()},
                 {"kind", isVideo ? "video" : "photo"},
-                {"spatial", description.isSpatial},
-                {"horizontalFOV", orNull(description.values.horizontalFOV)},
-                {"stereoBaseline", orNull(description.values.stereoBaseline)},
-                {"disparityAdjustment", orNull(description.values.disparity)}};
+                {"spatial", facts.isSpatial},
+                {"horizontalFOV", orNull(facts.values.horizontalFOV)},
+                {"stereoBaseline", orNull(facts.values.stereoBaseline)},
+                {"disparityAdjustment", orNull(facts.values.disparity)}};
     if (isVideo) {
-        object["leftEye"] = description.hasLeftEye;
-        object["rightEye"] = description.hasRightEye;
-        object["heroEye"] = description.heroEye ? Json(eyeName(*description.heroEye)) : Json(nullptr);
-        object["projection"] = description.projection.empty() ? Json(nullptr) : Json(description.projection);
-        object["multilayer"] = description.isMultilayer;
+        object["leftEye"] = facts.hasLeftEye;
+        object["rightEye"] = facts.hasRightEye;
+        object["heroEye"] = facts.heroEye ? Json(eyeName(*facts.heroEye)) : Json(nullptr);
+        object["projection"] = facts.projection.empty() ? Json(nullptr) : Json(facts.projection);
+        object["multilayer"] = facts.isMultilayer;
     }
     return object;
 }
@@ -64,17 +47,17 @@ Json objectOf(const std::filesystem::path &file, const std::string &obstacle) {
     return {{"file", file.string()}, {"error", obstacle}};
 }
 
-std::string headline(const MediaDescription &description) {
-    if (!description.isSpatial)
+std::string headline(const MediaFacts &facts) {
+    if (!facts.isSpatial)
         return text("batch.inspect.not.spatial");
-    return text(description.kind == Kind::photo ? "batch.inspect.spatial.photo" : "batch.inspect.spatial.video");
+    return text(facts.kind == Kind::photo ? "batch.inspect.spatial.photo" : "batch.inspect.spatial.video");
 }
 
-std::string eyes(const MediaDescription &description) {
+std::string eyes(const MediaFacts &facts) {
     std::string names;
-    if (description.hasLeftEye)
+    if (facts.hasLeftEye)
         names = text("batch.inspect.eye.left");
-    if (description.hasRightEye)
+    if (facts.hasRightEye)
         names += (names.empty() ? "" : ", ") + text("batch.inspect.eye.right");
     return names;
 }
@@ -85,38 +68,39 @@ std::string heroEye(Eye eye) {
     return text(eye == Eye::left ? "batch.inspect.eye.left" : "batch.inspect.eye.right");
 }
 
-void printWords(Console &console, const std::filesystem::path &file, const MediaDescription &description) {
-    console.print(file.string() + ": " + headline(description));
+void printWords(Console &console, const std::filesystem::path &file, const MediaFacts &facts) {
+    console.print(file.string() + ": " + headline(facts));
     const auto tell = [&](const std::string &words) { console.print("  " + words); };
-    if (description.values.horizontalFOV)
-        tell(formatted("batch.inspect.fov.format", *description.values.horizontalFOV));
-    if (description.values.stereoBaseline)
-        tell(formatted("batch.inspect.baseline.format", *description.values.stereoBaseline));
-    if (description.values.disparity)
-        tell(formatted("batch.inspect.disparity.format", *description.values.disparity));
-    if (const std::string names = eyes(description); !names.empty())
+    if (facts.values.horizontalFOV)
+        tell(formatted("batch.inspect.fov.format", *facts.values.horizontalFOV));
+    if (facts.values.stereoBaseline)
+        tell(formatted("batch.inspect.baseline.format", *facts.values.stereoBaseline));
+    if (facts.values.disparity)
+        tell(formatted("batch.inspect.disparity.format", *facts.values.disparity));
+    if (const std::string names = eyes(facts); !names.empty())
         tell(formatted("batch.inspect.eyes.format", names));
-    if (description.heroEye)
-        tell(formatted("batch.inspect.hero.format", heroEye(*description.heroEye)));
-    if (!description.projection.empty())
-        tell(formatted("batch.inspect.projection.format", description.projection));
+    if (facts.heroEye)
+        tell(formatted("batch.inspect.hero.format", heroEye(*facts.heroEye)));
+    if (!facts.projection.empty())
+        tell(formatted("batch.inspect.projection.format", facts.projection));
 }
 
 } // namespace
 
-int inspectCommand(const BatchOptions &options, Console &console) {
+int inspectCommand(const BatchOptions &options, Console &console, const MediaOperations &operations) {
     int status = allWell;
     Json objects = Json::array();
     for (const std::filesystem::path &file : options.inputs) {
-        const std::string reason = obstacle(file);
-        if (!reason.empty()) {
+        try {
+            const MediaFacts facts = operations.lookAtFile(file);
+            options.json ? objects.push_back(objectOf(file, facts)) : printWords(console, file, facts);
+        } catch (const std::exception &error) {
+            const std::string cause = errorCause(error);
             status = someFailed;
-            console.printError("lumetwin-batch: " + file.string() + ": " + reason);
+            console.printError("lumetwin-batch: " + file.string() + ": " + cause);
+            if (options.json)
+                objects.push_back(objectOf(file, cause));
         }
-        if (options.json)
-            objects.push_back(reason.empty() ? objectOf(file, describeMedia(file)) : objectOf(file, reason));
-        else if (reason.empty())
-            printWords(console, file, describeMedia(file));
     }
     if (options.json)
         std::fputs(jsonText(objects).c_str(), stdout);

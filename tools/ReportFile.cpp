@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/ReportFile.h"
 
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "tools/BatchOptions.h"
 
 #include <cerrno>

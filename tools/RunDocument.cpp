@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/RunDocument.h"
 
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "engine/texts/WarningTexts.h"
 #include "tools/CaseNames.h"
 #include "tools/Json.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/batch/BatchFiles.h"
 
-#include "engine/batch/FileNames.h"
 #include "engine/batch/OutputNaming.h"
+#include "engine/texts/FileNames.h"
 
 #include <utility>
 

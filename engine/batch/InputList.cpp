@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/batch/InputList.h"
 
-#include "engine/batch/FileNames.h"
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
+#include "engine/texts/FileNames.h"
 
 #include <algorithm>
 #include <system_error>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/batch/OutputGuard.h"
 
-#include "engine/batch/FileNames.h"
+#include "engine/texts/FileNames.h"
 #include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
 

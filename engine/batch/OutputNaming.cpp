@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/batch/OutputNaming.h"
 
-#include "engine/batch/FileNames.h"
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
+#include "engine/texts/FileNames.h"
 
 namespace lumetwin {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/batch/OutputPlace.h"
 
-#include "engine/batch/FileNames.h"
+#include "engine/texts/FileNames.h"
 #include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
 
@@ -11,17 +11,12 @@
 #include <system_error>
 
 #include <fcntl.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace lumetwin {
 namespace {
 
 using Path = std::filesystem::path;
-
-// Encoders keep to a rate only roughly, and a file system that is filled to its last byte helps nobody.
-constexpr double margin = 1.1;
-constexpr double headroom = 16.0 * 1024 * 1024; // bytes
 
 bool isTaken(const Path &file) {
     std::error_code ignored;
@@ -43,14 +38,6 @@ Path numbered(const Path &output, int number) {
 void requireWritableFolder(const Path &folder) {
     if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
         refuseFolder(folder, std::error_code(errno, std::generic_category()));
-}
-
-/// Below 0 where that is unknown: some file systems of networks and devices state no size at all.
-double freeBytes(const Path &folder) {
-    struct statvfs facts {};
-    if (::statvfs(folder.c_str(), &facts) != 0 || facts.f_blocks == 0)
-        return -1;
-    return static_cast<double>(facts.f_bavail) * static_cast<double>(facts.f_frsize);
 }
 
 } // namespace
@@ -84,15 +71,6 @@ void preparePlace(const Path &output, const Path &outputFolder) {
     requireWritableFolder(folder);
     if (std::filesystem::is_directory(output, error))
         throw processorError(formatted("error.output.is.folder.format", lastPathComponent(output)));
-}
-
-void requireSpace(const Path &output, double estimatedBytes) {
-    const double available = freeBytes(output.parent_path());
-    const double needed = estimatedBytes * margin + headroom;
-    constexpr double mebibyte = 1024.0 * 1024;
-    if (available >= 0 && available < needed)
-        throw processorError(formatted("error.output.no.space.format", lastPathComponent(output), needed / mebibyte,
-                                       available / mebibyte));
 }
 
 } // namespace lumetwin

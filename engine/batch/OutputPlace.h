@@ -22,7 +22,4 @@ std::vector<std::filesystem::path> takenPlaces(const std::filesystem::path &outp
 /// to the tree of the input).
 void preparePlace(const std::filesystem::path &output, const std::filesystem::path &outputFolder);
 
-/// Throws ProcessorError where the file system has less room than the estimated size of an output and a margin.
-void requireSpace(const std::filesystem::path &output, double estimatedBytes);
-
 } // namespace lumetwin

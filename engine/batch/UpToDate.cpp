@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/batch/UpToDate.h"
 
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "media/Image.h"
 #include "media/StereoMovieFacts.h"
 
@@ -11,9 +11,9 @@ namespace lumetwin {
 namespace {
 
 bool canBeRead(const std::filesystem::path &output) {
-    if (isPhotoFile(output))
-        return media::imageKind(output).has_value();
-    return media::readStereoMovieFacts(output).hasSampleDescription;
+    const media::InputFile file(output);
+    return isPhotoFile(output) ? media::imageKind(file).has_value()
+                               : media::readStereoMovieFacts(file).hasSampleDescription;
 }
 
 } // namespace

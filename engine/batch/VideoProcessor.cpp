@@ -2,12 +2,14 @@
 #include "engine/batch/VideoProcessor.h"
 
 #include "engine/batch/BatchFiles.h"
-#include "engine/batch/FileNames.h"
+#include "engine/batch/FileConversion.h"
 #include "engine/batch/InputList.h"
-#include "engine/batch/MediaKinds.h"
 #include "engine/batch/OutputGuard.h"
 #include "engine/batch/OutputPlace.h"
 #include "engine/batch/UpToDate.h"
+#include "engine/inspection/Inspection.h"
+#include "engine/inspection/MediaKinds.h"
+#include "engine/texts/FileNames.h"
 #include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
 #include "engine/texts/WarningTexts.h"
@@ -58,15 +60,43 @@ VideoProcessor::VideoProcessor(std::shared_ptr<const ConversionSettings> theSett
     : settings(std::move(theSettings)), system_(system), operations_(std::move(operations)) {}
 
 bool VideoProcessor::isSpatialPhoto(const Path &file) const noexcept {
-    return operations_.isSpatialPhoto(file);
+    try {
+        return lumetwin::isSpatialPhoto(operations_.lookAtFile(file));
+    } catch (const std::exception &) {
+        return false;
+    }
 }
 
 bool VideoProcessor::isSpatialVideo(const Path &file) const noexcept {
-    return operations_.isSpatialVideo(file, system_);
+    try {
+        return lumetwin::isSpatialVideo(operations_.lookAtFile(file), system_);
+    } catch (const std::exception &) {
+        return false;
+    }
+}
+
+bool VideoProcessor::isSpatial(const Path &file) const noexcept {
+    try {
+        const MediaFacts facts = operations_.look(opened(file));
+        return lumetwin::isSpatialPhoto(facts) || lumetwin::isSpatialVideo(facts, system_);
+    } catch (const std::exception &) {
+        return false; // what cannot be opened is no spatial media
+    }
+}
+
+ConversionKind VideoProcessor::kindFor(const Path &input) const {
+    if (settings->direction == ConversionDirection::spatialToSBS)
+        return isPhotoFile(input) ? ConversionKind::spatialPhotoToSBS : ConversionKind::spatialVideoToSBS;
+    return isPhotoFile(input) ? ConversionKind::sbsImageToSpatial : ConversionKind::sbsVideoToSpatial;
+}
+
+const media::InputFile &VideoProcessor::opened(const Path &input) const {
+    if (!opened_ || opened_->path() != input)
+        opened_ = std::make_shared<const media::InputFile>(openInput(kindFor(input), input));
+    return *opened_;
 }
 
 void VideoProcessor::log(const std::string &line) {
-    const std::scoped_lock lock(logMutex_);
     const std::string safe = printable(line);
     onLog ? onLog(safe) : printLine(safe);
 }
@@ -87,9 +117,7 @@ VideoProcessor::Ending VideoProcessor::run() {
     }
     if (files.empty())
         return {false, text("error.no.media.files")};
-    const BatchFiles batch(*settings, files, [this](const Path &file) {
-        return isPhotoFile(file) ? isSpatialPhoto(file) : isSpatialVideo(file);
-    });
+    const BatchFiles batch(*settings, files, [this](const Path &file) { return isSpatial(file); });
     return convertFiles(batch);
 }
 
@@ -111,6 +139,7 @@ VideoProcessor::Ending VideoProcessor::convertFiles(const BatchFiles &files) {
         if (!cancelRequested) {
             call(onProgress, static_cast<std::int64_t>(index), total, files.name(index));
             handle(files, index, guard);
+            opened_ = nullptr;
         }
         call(onResult, results_[index]);
     }
@@ -217,19 +246,17 @@ void VideoProcessor::tell(FileResult &result) {
 }
 
 Outcome VideoProcessor::convertPhoto(const Path &input, const Path &output) {
-    const ConversionControl control{.cancelRequested = &cancelRequested, .onFrameProgress = {}};
-    if (settings->direction == ConversionDirection::spatialToSBS)
-        return operations_.convertSpatialPhotoToSBS(*settings, input, output, control);
-    return operations_.convertSBSImageToSpatial(*settings, input, output, control);
+    return convertFile(input, output, {.cancelRequested = &cancelRequested, .onFrameProgress = {}});
 }
 
 Outcome VideoProcessor::convertVideo(const Path &input, const Path &output) {
-    const ConversionControl control{.cancelRequested = &cancelRequested, .onFrameProgress = onFrameProgress};
-    if (settings->direction == ConversionDirection::spatialToSBS)
-        return operations_.convertSpatialVideoToSBS(*settings, input, output, control, system_);
-    if (system_ < spatialVideoWriting)
+    if (settings->direction == ConversionDirection::sbsToSpatial && system_ < spatialVideoWriting)
         throw processorError(text("error.macos14.required"));
-    return operations_.convertSBSVideoToSpatial(*settings, input, output, control, system_);
+    return convertFile(input, output, {.cancelRequested = &cancelRequested, .onFrameProgress = onFrameProgress});
+}
+
+Outcome VideoProcessor::convertFile(const Path &input, const Path &output, const ConversionControl &control) {
+    return lumetwin::convertFile(operations_, kindFor(input), *settings, opened(input), output, control, system_);
 }
 
 } // namespace lumetwin

@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,7 +27,7 @@ class VideoProcessor {
 public:
     explicit VideoProcessor(std::shared_ptr<const ConversionSettings> settings,
                             SystemVersion system = SystemVersion::current(),
-                            MediaOperations operations = MediaOperations::standard());
+                            MediaOperations operations = MediaOperations::inProcess());
 
     std::shared_ptr<const ConversionSettings> settings;
     /// Set from any thread to stop the run; seen before the next file and between frames. Never reset.
@@ -63,6 +62,8 @@ public:
     /// Converts one photo in the direction of the settings. Throws the converter's error.
     Outcome convertPhoto(const std::filesystem::path &input, const std::filesystem::path &output);
 
+    const MediaOperations &operations() const { return operations_; }
+
 private:
     struct Ending {
         bool success = false;
@@ -84,11 +85,18 @@ private:
     void fail(FileResult &result, const std::string &logged, const std::string &message);
     void tell(FileResult &result);
     void log(const std::string &line);
+    /// The input that is at work, opened once for the look at it and its conversion. Throws what the conversion says of
+    /// a file that cannot be opened.
+    const media::InputFile &opened(const std::filesystem::path &input) const;
+    bool isSpatial(const std::filesystem::path &file) const noexcept;
+    ConversionKind kindFor(const std::filesystem::path &input) const;
+    Outcome convertFile(const std::filesystem::path &input, const std::filesystem::path &output,
+                        const ConversionControl &control);
 
     SystemVersion system_;
     MediaOperations operations_;
     std::vector<FileResult> results_;
-    std::mutex logMutex_;
+    mutable std::shared_ptr<const media::InputFile> opened_; ///< the latest
 };
 
 } // namespace lumetwin

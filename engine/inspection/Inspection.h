@@ -1,28 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/InputFile.h"
+#include "model/MediaFacts.h"
+#include "model/PictureSize.h"
 #include "model/SystemVersion.h"
-
-#include <filesystem>
-#include <optional>
 
 namespace lumetwin {
 
-/// Stereo values in the form's units; absent where the file does not carry them.
-struct StereoValues {
-    std::optional<double> horizontalFOV;  ///< degrees
-    std::optional<double> stereoBaseline; ///< millimetres
-    std::optional<double> disparity;      ///< percent of the image width
-};
+/// Reads a file's headers, never its media data. What cannot be read is not spatial; nothing is thrown.
+MediaFacts lookAt(const media::InputFile &file) noexcept;
 
-/// Whether a photo holds a stereo pair. Never throws: what cannot be read is not spatial.
-bool isSpatialPhoto(const std::filesystem::path &file) noexcept;
+/// Whether the facts are those of a spatial photo, or of a spatial film that the system knows.
+bool isSpatialPhoto(const MediaFacts &facts);
+bool isSpatialVideo(const MediaFacts &facts, SystemVersion system = SystemVersion::current());
 
-/// Whether a movie's first video track announces a stereo camera baseline. Never throws.
-bool isSpatialVideo(const std::filesystem::path &file, SystemVersion system = SystemVersion::current()) noexcept;
+/// The stereo values of a file as the system tells them.
+StereoValues stereoValues(const MediaFacts &facts, SystemVersion system = SystemVersion::current());
 
-StereoValues photoStereoValues(const std::filesystem::path &file) noexcept;
-StereoValues videoStereoValues(const std::filesystem::path &file,
-                               SystemVersion system = SystemVersion::current()) noexcept;
+/// The size of a photo's picture (by its extension), or of a movie's first video track. Throws the error that says why
+/// a file cannot be read.
+PictureSize pictureSize(const media::InputFile &file);
 
 } // namespace lumetwin

@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/photo/PhotoNotes.h"
 
-#include "media/PhotoExtras.h"
-
 #include <cstdint>
 
 namespace lumetwin {
 
-std::vector<Warning> photoNotes(const std::filesystem::path &input, int depth, int outputDepth) {
+std::vector<Warning> photoNotes(const media::ImageFile &input, int depth, int outputDepth) {
     std::vector<Warning> notes;
     if (depth > outputDepth)
         notes.push_back({WarningKind::depthReduced, {std::int64_t{depth}}});
-    const media::PhotoExtras extras = media::photoExtras(input);
+    const media::PhotoExtras extras = input.extras();
     if (extras.gainMap)
         notes.push_back({WarningKind::gainMapLeft, {}});
     if (extras.depthMap)

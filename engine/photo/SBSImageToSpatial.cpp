@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/photo/SBSImageToSpatial.h"
 
-#include "engine/batch/FileNames.h"
 #include "engine/photo/PhotoNotes.h"
 #include "engine/photo/SpatialPhotoError.h"
 #include "engine/photo/SpatialPhotoMetadata.h"
 #include "engine/stereo/EyeExtraction.h"
+#include "engine/texts/FileNames.h"
 #include "engine/texts/MediaErrorTexts.h"
 #include "engine/texts/ProcessorError.h"
 #include "media/Compositor.h"
@@ -24,12 +24,13 @@ using media::Cancellation;
 
 constexpr int spatialDepth = 8; ///< bits a sample of the photos that are written
 
-media::StillImage opened(const std::filesystem::path &input, const Cancellation &cancellation) {
+/// Does something with the input; of what fails there, the error names the file.
+template <typename Action> auto reading(const media::InputFile &input, const Action &action) {
     try {
-        return media::readImage(input, cancellation);
+        return action();
     } catch (const media::MediaError &error) {
         throw processorError(
-            because(words("error.photo.cannot.open.format", lastPathComponent(input)), causeOf(error)));
+            because(words("error.photo.cannot.open.format", lastPathComponent(input.path())), causeOf(error)));
     }
 }
 
@@ -97,30 +98,26 @@ Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, 
 }
 
 void writePair(const ConversionSettings &settings, Eyes eyes, const media::ImageMetadata &metadata,
-               const std::filesystem::path &output, const Cancellation &cancellation) {
+               const media::OutputFile &output, const Cancellation &cancellation) {
     const media::SpatialPhotoFacts facts = spatialPhotoFacts(settings, eyes.left.width, eyes.left.height);
-    try {
-        media::requireWritable(output);
-    } catch (const media::MediaError &error) {
-        throw SpatialPhotoError::cannotCreateDestination(output, causeOf(error));
-    }
     try {
         media::writeSpatialPhoto(output, std::move(eyes.left), std::move(eyes.right), facts, metadata, cancellation);
     } catch (const media::MediaError &error) {
-        throw SpatialPhotoError::finalizationFailed(output, causeOf(error));
+        throw SpatialPhotoError::finalizationFailed(output.path(), causeOf(error));
     } catch (const std::invalid_argument &) { // more than the format holds
-        throw SpatialPhotoError::finalizationFailed(output, words(keyOf(media::MediaReason::beyondFormat)));
+        throw SpatialPhotoError::finalizationFailed(output.path(), words(keyOf(media::MediaReason::beyondFormat)));
     }
 }
 
 /// Returns what is left behind.
-std::vector<Warning> convert(const ConversionSettings &settings, const std::filesystem::path &input,
-                             const std::filesystem::path &output, const Cancellation &cancellation) {
+std::vector<Warning> convert(const ConversionSettings &settings, const media::InputFile &input,
+                             const media::OutputFile &output, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
-    media::StillImage source = opened(input, cancellation);
-    std::vector<Warning> notes = photoNotes(input, source.picture.format.depth, spatialDepth);
+    const media::ImageFile file = reading(input, [&] { return media::ImageFile(input); });
+    media::StillImage source = reading(input, [&] { return file.read(cancellation); });
+    std::vector<Warning> notes = photoNotes(file, source.picture.format.depth, spatialDepth);
     const media::ImageMetadata metadata{{}, source.metadata.exif, source.metadata.xmp};
-    Eyes eyes = renderedEyes(settings, std::move(source), input, cancellation);
+    Eyes eyes = renderedEyes(settings, std::move(source), input.path(), cancellation);
     cancellation.check();
     writePair(settings, std::move(eyes), metadata, output, cancellation);
     return notes;
@@ -128,12 +125,11 @@ std::vector<Warning> convert(const ConversionSettings &settings, const std::file
 
 } // namespace
 
-Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
-                                 const std::filesystem::path &output, const ConversionControl &control) {
+Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const media::InputFile &input,
+                                 const media::OutputFile &output, const ConversionControl &control, SystemVersion) {
     const Cancellation cancellation([&control] { return control.cancelled(); });
     try {
-        return Outcome::ofPhoto(
-            convert(settings, input, std::filesystem::path(output).replace_extension("heic"), cancellation));
+        return Outcome::ofPhoto(convert(settings, input, output, cancellation));
     } catch (const media::Cancelled &) {
         return {};
     }

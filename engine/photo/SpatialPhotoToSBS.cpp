@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/photo/SpatialPhotoToSBS.h"
 
-#include "engine/batch/FileNames.h"
-#include "engine/batch/MediaKinds.h"
 #include "engine/geometry/SBSGeometry.h"
+#include "engine/inspection/MediaKinds.h"
 #include "engine/photo/PhotoNotes.h"
 #include "engine/photo/SpatialPhotoError.h"
-#include "engine/stereo/StereoPair.h"
+#include "engine/texts/FileNames.h"
 #include "engine/texts/MediaErrorTexts.h"
 #include "engine/texts/ProcessorError.h"
 #include "media/ColourConversion.h"
@@ -15,8 +14,8 @@
 #include "media/Memory.h"
 #include "media/SpatialPhoto.h"
 
-#include <future>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 namespace lumetwin {
@@ -24,8 +23,8 @@ namespace lumetwin {
 namespace {
 
 using media::Cancellation;
-using media::HeifSamples;
 using media::ImageKind;
+using media::PhotoSamples;
 using media::StillImage;
 
 ImageKind kindOf(const std::filesystem::path &output) {
@@ -44,14 +43,21 @@ int depthOf(ImageKind kind) {
     return kind == ImageKind::png || kind == ImageKind::tiff ? 16 : 8;
 }
 
-/// One eye of the pair. Throws SpatialPhotoError when it cannot be decoded.
-StillImage decodedEye(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples,
-                      const Cancellation &cancellation) {
+/// A photo of two images or more that form a stereo pair. Throws SpatialPhotoError.
+media::ImageFile openedPair(const media::InputFile &input) {
+    std::optional<media::ImageFile> photo;
+    std::size_t count = 0;
     try {
-        return media::readHeifImage(file, item, samples, cancellation);
+        photo.emplace(input);
+        count = static_cast<std::size_t>(photo->imageCount());
     } catch (const media::MediaError &error) {
-        throw SpatialPhotoError::imageExtractionFailed(causeOf(error));
+        throw SpatialPhotoError::cannotOpenFile(input.path(), causeOf(error));
     }
+    if (count < 2)
+        throw SpatialPhotoError::notASpatialPhoto(SpatialPhotoError::tooFewImages(count));
+    if (!media::stereoPhotoFacts(*photo).hasBothEyes)
+        throw SpatialPhotoError::notASpatialPhoto(SpatialPhotoError::noStereoGroup());
+    return *photo;
 }
 
 media::Picture canvasFor(const SBSGeometry &geometry, const media::Picture &eye) {
@@ -105,51 +111,34 @@ private:
     media::Compositor compositor_;
 };
 
-/// Both eyes are decoded at once; their samples stay as they are coded.
-StillImage composedAsCoded(const ConversionSettings &settings, const std::filesystem::path &file,
-                           const StereoPair &pair, const Cancellation &cancellation) {
-    auto later =
-        std::async(std::launch::async, [&] { return decodedEye(file, pair.right, HeifSamples::coded, cancellation); });
-    StillImage left = decodedEye(file, pair.left, HeifSamples::coded, cancellation);
-    StillImage right = later.get();
-    Composer composer(settings, cancellation);
-    composer.begin(left.picture);
-    composer.place(std::move(left.picture), true);
-    composer.place(std::move(right.picture), false);
-    return {composer.finish(), std::move(left.metadata)};
-}
-
-/// The eyes are decoded one after the other: as RGB they take much memory.
-StillImage composedAsRgb(const ConversionSettings &settings, const std::filesystem::path &file, const StereoPair &pair,
+/// The two eyes beside each other, in samples that the output's format takes, with the left eye's metadata. Gives back
+/// the memory that decoding took before coding takes its own.
+StillImage composedImage(const ConversionSettings &settings, const media::ImageFile &photo, ImageKind kind,
                          const Cancellation &cancellation) {
-    Composer composer(settings, cancellation);
-    StillImage left = decodedEye(file, pair.left, HeifSamples::rgb, cancellation);
-    composer.begin(left.picture);
-    composer.place(std::move(left.picture), true);
-    left.picture = {};
-    composer.place(decodedEye(file, pair.right, HeifSamples::rgb, cancellation).picture, false);
-    return {composer.finish(), std::move(left.metadata)};
-}
-
-/// As the output's format takes it. Gives back the memory that decoding took before coding takes its own.
-StillImage composedImage(const ConversionSettings &settings, const std::filesystem::path &file, const StereoPair &pair,
-                         ImageKind kind, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
     const bool asRgb = kind == ImageKind::png || kind == ImageKind::tiff;
-    return asRgb ? composedAsRgb(settings, file, pair, cancellation)
-                 : composedAsCoded(settings, file, pair, cancellation);
+    Composer composer(settings, cancellation);
+    media::ImageMetadata metadata;
+    const auto take = [&](media::Eye eye, StillImage image) {
+        const bool isLeft = eye == media::Eye::left;
+        if (isLeft) {
+            metadata = std::move(image.metadata);
+            composer.begin(image.picture);
+        }
+        composer.place(std::move(image.picture), isLeft);
+    };
+    try {
+        media::readSpatialPhoto(photo, asRgb ? PhotoSamples::rgb : PhotoSamples::coded, take, cancellation);
+    } catch (const media::MediaError &error) {
+        throw SpatialPhotoError::imageExtractionFailed(causeOf(error));
+    }
+    return {composer.finish(), std::move(metadata)};
 }
 
 void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKind kind,
-                   const std::filesystem::path &output, const Cancellation &cancellation) {
+                   const media::OutputFile &output, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
-    try {
-        media::requireWritable(output);
-    } catch (const media::MediaError &error) {
-        throw processorError(
-            because(words("error.photo.no.destination.format", lastPathComponent(output)), causeOf(error)));
-    }
-    const Words failed = words("error.photo.write.failed.format", lastPathComponent(output));
+    const Words failed = words("error.photo.write.failed.format", lastPathComponent(output.path()));
     try {
         media::writeImage(output, kind, std::move(image), settings.compressionQuality, cancellation);
     } catch (const media::MediaError &error) {
@@ -161,15 +150,15 @@ void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKi
 
 } // namespace
 
-Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
-                                 const std::filesystem::path &output, const ConversionControl &control) {
+Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const media::InputFile &input,
+                                 const media::OutputFile &output, const ConversionControl &control, SystemVersion) {
     const Cancellation cancellation([&control] { return control.cancelled(); });
-    const StereoPair pair = readStereoPair(input);
-    const ImageKind kind = kindOf(output);
+    const media::ImageFile photo = openedPair(input);
+    const ImageKind kind = kindOf(output.path());
     try {
-        StillImage image = composedImage(settings, input, pair, kind, cancellation);
+        StillImage image = composedImage(settings, photo, kind, cancellation);
         cancellation.check();
-        std::vector<Warning> notes = photoNotes(input, image.picture.format.depth, depthOf(kind));
+        std::vector<Warning> notes = photoNotes(photo, image.picture.format.depth, depthOf(kind));
         writeSBSImage(settings, std::move(image), kind, output, cancellation);
         return Outcome::ofPhoto(std::move(notes));
     } catch (const media::Cancelled &) {

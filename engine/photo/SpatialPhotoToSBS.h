@@ -3,15 +3,17 @@
 
 #include "engine/ConversionControl.h"
 #include "engine/Outcome.h"
+#include "media/InputFile.h"
+#include "media/OutputFile.h"
 #include "model/ConversionSettings.h"
-
-#include <filesystem>
+#include "model/SystemVersion.h"
 
 namespace lumetwin {
 
 /// Converts a spatial photo into a side-by-side image. Throws SpatialPhotoError, ProcessorError
 /// or MediaError.
-Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
-                                 const std::filesystem::path &output, const ConversionControl &control = {});
+Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const media::InputFile &input,
+                                 const media::OutputFile &output, const ConversionControl &control,
+                                 SystemVersion = SystemVersion::current());
 
 } // namespace lumetwin

@@ -46,6 +46,8 @@ std::string_view keyOf(MediaReason reason) {
         return "reason.no.permission";
     case MediaReason::isFolder:
         return "reason.is.folder";
+    case MediaReason::noRegularFile:
+        return "reason.no.regular.file";
     case MediaReason::noSpace:
         return "reason.no.space";
     case MediaReason::readOnly:

@@ -38,6 +38,11 @@ std::string errorMessage(const std::exception &error) {
     return error.what();
 }
 
+std::string errorCause(const std::exception &error) {
+    const auto *media = dynamic_cast<const media::MediaError *>(&error);
+    return media ? causeOf(*media).shown : errorMessage(error);
+}
+
 std::string errorText(const std::exception &error) {
     if (dynamic_cast<const ProcessorError *>(&error))
         return described(ProcessorError::domain, ProcessorError::code, error.what());

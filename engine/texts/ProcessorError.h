@@ -38,6 +38,9 @@ inline ProcessorError processorError(const std::string &message) {
 /// An error in words for the user.
 std::string errorMessage(const std::exception &error);
 
+/// Why something failed, in words for the user, for a message that names the file already.
+std::string errorCause(const std::exception &error);
+
 /// An error's full text for the log: its domain, code and message, as in
 /// Error Domain=VideoProcessor Code=-1 "message". Errors without a code are their message.
 std::string errorText(const std::exception &error);

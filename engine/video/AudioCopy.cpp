@@ -29,7 +29,7 @@ std::optional<AudioCopy> prepareAudioCopy(const media::MovieFile &movie, double 
     AudioCopy copy;
     copy.encoding = audioEncoding(*track);
     try {
-        copy.reader = std::make_unique<media::AudioReader>(movie.path(), *track, copy.encoding.sampleRate,
+        copy.reader = std::make_unique<media::AudioReader>(movie.file(), *track, copy.encoding.sampleRate,
                                                            copy.encoding.channels, fromTime);
         if (stretch != 1)
             copy.stretcher =

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/video/SBSVideoToSpatial.h"
 
-#include "engine/batch/OutputPlace.h"
 #include "engine/stereo/EyeExtraction.h"
+#include "engine/video/OutputSpace.h"
 #include "engine/video/StereoEncoderSettings.h"
 #include "engine/video/VideoConversion.h"
 #include "media/Compositor.h"
@@ -85,23 +85,22 @@ private:
 
 } // namespace
 
-Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
-                                 const std::filesystem::path &output, const ConversionControl &control,
+Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media::InputFile &input,
+                                 const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion system) {
     VideoSource source(settings, input, control);
     const VideoInfo &info = source.info;
     const EyeSize eye = eyeSize(settings, info.width, info.height);
     media::FrameReader reader(source.movie, info.track, media::Views::base);
 
-    std::filesystem::path file = output;
-    file.replace_extension("mov");
-    media::MovieWriter::requireSize(file, eye.width, eye.height); // larger ones would overflow the settings' arithmetic
+    media::MovieWriter::requireSize(output.path(), eye.width,
+                                    eye.height); // larger ones would overflow the settings' arithmetic
     media::StereoVideoEncoding encoding = stereoVideoEncoding(outputSettings(settings, eye, source.timing.rate, system),
                                                               source.frameRate(), info.track.colour);
     encoding.pixelAspect = outputPixelAspect(settings, info);
-    requireSpace(file, source.estimatedBytes(encoding.averageBitRate));
+    requireSpace(output, source.estimatedBytes(encoding.averageBitRate));
 
-    media::MovieWriter writer(file, media::Container::quickTime, source.movie.tags());
+    media::MovieWriter writer(output, media::Container::quickTime, source.movie.tags());
     writer.addVideo(encoding);
     if (source.audio)
         writer.addAudio(source.audio->encoding);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/video/SpatialVideoToSBS.h"
 
-#include "engine/batch/OutputPlace.h"
 #include "engine/geometry/SBSComposition.h"
 #include "engine/geometry/SBSGeometry.h"
+#include "engine/video/OutputSpace.h"
 #include "engine/video/VideoConversion.h"
 
 #include <algorithm>
@@ -97,13 +97,13 @@ private:
 
 } // namespace
 
-Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
-                                 const std::filesystem::path &output, const ConversionControl &control,
+Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const media::InputFile &input,
+                                 const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion system) {
     VideoSource source(settings, input, control);
     const VideoInfo &info = source.info;
     if (settings.enableResize) // twice the width of an eye might overflow
-        media::MovieWriter::requireSize(output, settings.resizeWidth, settings.resizeHeight);
+        media::MovieWriter::requireSize(output.path(), settings.resizeWidth, settings.resizeHeight);
     const SBSGeometry geometry = sbsGeometry(settings, info.width, info.height);
     media::FrameReader reader(source.movie, info.track, system >= bothViews ? media::Views::all : media::Views::base);
 

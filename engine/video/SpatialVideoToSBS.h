@@ -3,17 +3,17 @@
 
 #include "engine/ConversionControl.h"
 #include "engine/Outcome.h"
+#include "media/InputFile.h"
+#include "media/OutputFile.h"
 #include "model/ConversionSettings.h"
 #include "model/SystemVersion.h"
-
-#include <filesystem>
 
 namespace lumetwin {
 
 /// Converts a spatial video into a side-by-side video at the output URL. Blocks until the file is written or
 /// abandoned. Returns normally when the user cancelled. Throws ProcessorError or MediaError.
-Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const std::filesystem::path &input,
-                                 const std::filesystem::path &output, const ConversionControl &control,
+Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const media::InputFile &input,
+                                 const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion system = SystemVersion::current());
 
 } // namespace lumetwin

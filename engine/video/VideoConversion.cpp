@@ -97,7 +97,7 @@ std::int64_t averageBitRate(double first, double second, double quality) {
     return rate > smallestBitRate ? static_cast<std::int64_t>(std::min(rate, largestBitRate)) : smallestBitRate;
 }
 
-VideoSource::VideoSource(const ConversionSettings &settings, const std::filesystem::path &input,
+VideoSource::VideoSource(const ConversionSettings &settings, const media::InputFile &input,
                          const ConversionControl &control)
     : movie(input, [&] { return control.cancelled(); }), info(loadVideoInfo(movie)),
       timing(videoTiming(info, settings.keepTiming, settings.copyAudio ? movie.audioTrack() : std::nullopt)) {

@@ -10,7 +10,6 @@
 #include "model/ConversionSettings.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <optional>
 
@@ -20,8 +19,7 @@ namespace lumetwin {
 class VideoSource {
 public:
     /// Throws MediaError or ProcessorError where the file holds no video.
-    VideoSource(const ConversionSettings &settings, const std::filesystem::path &input,
-                const ConversionControl &control);
+    VideoSource(const ConversionSettings &settings, const media::InputFile &input, const ConversionControl &control);
 
     media::MovieFile movie;
     VideoInfo info;

@@ -2,13 +2,8 @@
 #include "media/bmff/BoxReader.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <system_error>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 namespace lumetwin::media::bmff {
 
@@ -16,21 +11,7 @@ namespace {
 
 class FileSource : public Source {
 public:
-    explicit FileSource(const std::filesystem::path &file)
-        : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-        struct stat facts {};
-        if (descriptor_ < 0)
-            throw std::system_error(errno, std::generic_category());
-        if (fstat(descriptor_, &facts) != 0 || !S_ISREG(facts.st_mode)) {
-            const int code = S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
-            ::close(descriptor_);
-            throw std::system_error(code, std::generic_category());
-        }
-        size_ = static_cast<std::uint64_t>(facts.st_size);
-    }
-    FileSource(const FileSource &) = delete;
-    FileSource &operator=(const FileSource &) = delete;
-    ~FileSource() override { ::close(descriptor_); }
+    explicit FileSource(InputFile file) : file_(std::move(file)), size_(file_.size()) {}
 
     std::uint64_t size() const override { return size_; }
 
@@ -53,19 +34,12 @@ public:
 
 private:
     void fill(std::uint64_t position, std::span<std::uint8_t> buffer) const {
-        while (!buffer.empty()) {
-            const ssize_t count = pread(descriptor_, buffer.data(), buffer.size(), static_cast<off_t>(position));
-            if (count < 0 && errno == EINTR)
-                continue;
-            if (count <= 0)
-                throw FormatError("the file ends early", MediaReason::endsEarly);
-            buffer = buffer.subspan(static_cast<std::size_t>(count));
-            position += static_cast<std::uint64_t>(count);
-        }
+        if (file_.readAt(position, buffer) < buffer.size())
+            throw FormatError("the file ends early", MediaReason::endsEarly);
     }
 
-    int descriptor_;
-    std::uint64_t size_ = 0;
+    InputFile file_;
+    std::uint64_t size_;
     mutable std::array<std::uint8_t, 4096> ahead_{};
     mutable std::uint64_t aheadBegin_ = 0;
     mutable std::uint64_t aheadEnd_ = 0;
@@ -90,7 +64,7 @@ constexpr std::uint64_t headerSize = 8;
 
 } // namespace
 
-std::unique_ptr<Source> openFile(const std::filesystem::path &file) {
+std::unique_ptr<Source> openFile(const InputFile &file) {
     return std::make_unique<FileSource>(file);
 }
 

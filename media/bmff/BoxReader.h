@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/InputFile.h"
 #include "media/MediaError.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -47,8 +47,8 @@ public:
     virtual void read(std::uint64_t position, std::span<std::uint8_t> buffer) const = 0;
 };
 
-/// Throws std::system_error when the file cannot be opened or is no regular file.
-std::unique_ptr<Source> openFile(const std::filesystem::path &file);
+/// Reads that fail throw MediaError.
+std::unique_ptr<Source> openFile(const InputFile &file);
 /// The bytes have to outlive the source.
 std::unique_ptr<Source> fromMemory(std::span<const std::uint8_t> bytes);
 

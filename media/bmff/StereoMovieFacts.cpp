@@ -194,7 +194,7 @@ StereoMovieFacts readStereoMovieFacts(const Source &source) {
 
 } // namespace bmff
 
-StereoMovieFacts readStereoMovieFacts(const std::filesystem::path &file) noexcept {
+StereoMovieFacts readStereoMovieFacts(const InputFile &file) noexcept {
     try {
         return bmff::readStereoMovieFacts(*bmff::openFile(file));
     } catch (const std::exception &) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/AudioReader.h"
 #include "media/MovieFile.h"
-#include "media/ffmpeg/Ffmpeg.h"
+#include "media/ffmpeg/Input.h"
 
 extern "C" {
 #include <libavutil/channel_layout.h>
@@ -55,9 +55,9 @@ struct AudioReader::State {
     bool packetsOver = false;
     bool over = false;
 
-    State(const std::filesystem::path &path, const AudioTrack &track, int rate, int channelCount, double from)
-        : file(path), stream(track.index), sampleRate(rate), channels(channelCount), fromTime(from),
-          input(ffmpeg::openInput(path)), decoder(ffmpeg::makeDecoder(path, *input->streams[track.index])) {
+    State(const InputFile &source, const AudioTrack &track, int rate, int channelCount, double from)
+        : file(source.path()), stream(track.index), sampleRate(rate), channels(channelCount), fromTime(from),
+          input(source), decoder(ffmpeg::makeDecoder(file, *input->streams[track.index])) {
         for (unsigned index = 0; index < input->nb_streams; ++index)
             if (static_cast<int>(index) != stream)
                 input->streams[index]->discard = AVDISCARD_ALL;
@@ -199,8 +199,7 @@ struct AudioReader::State {
     }
 };
 
-AudioReader::AudioReader(const std::filesystem::path &file, const AudioTrack &track, int sampleRate, int channels,
-                         double fromTime)
+AudioReader::AudioReader(const InputFile &file, const AudioTrack &track, int sampleRate, int channels, double fromTime)
     : state_(std::make_unique<State>(file, track, sampleRate, channels, fromTime)) {}
 
 AudioReader::~AudioReader() = default;

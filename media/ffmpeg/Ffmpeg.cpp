@@ -62,23 +62,6 @@ int check(int code, const std::filesystem::path &file, MediaOperation operation)
     return code;
 }
 
-std::string fileAddress(const std::filesystem::path &file) {
-    return "file:" + file.string();
-}
-
-Input openInput(const std::filesystem::path &file) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(file, ignored))
-        throw error(file, MediaOperation::open, AVERROR(EISDIR));
-    if (std::filesystem::is_regular_file(file, ignored) && std::filesystem::file_size(file, ignored) == 0)
-        throw MediaError(file, MediaOperation::open, AVERROR_INVALIDDATA, MediaReason::emptyFile);
-    AVFormatContext *opened = nullptr;
-    check(avformat_open_input(&opened, fileAddress(file).c_str(), nullptr, nullptr), file, MediaOperation::open);
-    Input input(opened);
-    check(avformat_find_stream_info(input.get(), nullptr), file, MediaOperation::open);
-    return input;
-}
-
 Codec makeDecoder(const std::filesystem::path &file, const AVStream &stream) {
     const AVCodecParameters &parameters = *stream.codecpar;
     const AVCodec *decoder = avcodec_find_decoder(parameters.codec_id);

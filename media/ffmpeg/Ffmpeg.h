@@ -19,7 +19,6 @@ extern "C" {
 namespace lumetwin::media::ffmpeg {
 
 struct Deleter {
-    void operator()(AVFormatContext *context) const { avformat_close_input(&context); }
     void operator()(AVCodecContext *context) const { avcodec_free_context(&context); }
     void operator()(AVFrame *frame) const { av_frame_free(&frame); }
     void operator()(AVPacket *packet) const { av_packet_free(&packet); }
@@ -27,15 +26,6 @@ struct Deleter {
     void operator()(SwsContext *context) const { sws_freeContext(context); }
 };
 
-struct OutputDeleter {
-    void operator()(AVFormatContext *context) const {
-        avio_closep(&context->pb);
-        avformat_free_context(context);
-    }
-};
-
-using Input = std::unique_ptr<AVFormatContext, Deleter>;
-using Output = std::unique_ptr<AVFormatContext, OutputDeleter>;
 using Codec = std::unique_ptr<AVCodecContext, Deleter>;
 using FramePointer = std::unique_ptr<AVFrame, Deleter>;
 using Packet = std::unique_ptr<AVPacket, Deleter>;
@@ -56,14 +46,7 @@ MediaError error(const std::filesystem::path &file, MediaOperation operation, in
 /// Throws the operation's error when the code is one; returns the code otherwise.
 int check(int code, const std::filesystem::path &file, MediaOperation operation);
 
-/// Opens a local file, and only that: names that look like another protocol's address are names.
-/// Throws MediaError ("Cannot open …").
-Input openInput(const std::filesystem::path &file);
-
 /// A decoder for a stream, not yet opened. Throws MediaError where there is none.
 Codec makeDecoder(const std::filesystem::path &file, const AVStream &stream);
-
-/// The name by which FFmpeg's file protocol finds a local file.
-std::string fileAddress(const std::filesystem::path &file);
 
 } // namespace lumetwin::media::ffmpeg

@@ -89,7 +89,7 @@ struct FrameReader::State {
           cropping(ffmpeg::cropping(*demuxer->streams[track.index]->codecpar)),
           decoder(ffmpeg::makeDecoder(file, *demuxer->streams[track.index])) {
         // Packets of a sample entry that is protected may never be handed out.
-        if (readStereoMovieFacts(file).encrypted)
+        if (readStereoMovieFacts(movie.file()).encrypted)
             throw encrypted();
         openDecoder();
         packetWaits = readPacket();

@@ -63,7 +63,7 @@ void closeFirstGap(std::vector<std::int64_t> &starts) {
 /// The packets of one track, from the beginning to the end.
 class Packets {
 public:
-    Packets(const std::filesystem::path &file, int stream) : input_(openInput(file)), stream_(stream) {
+    Packets(const InputFile &file, int stream) : input_(file), stream_(stream) {
         for (unsigned index = 0; index < input_->nb_streams; ++index)
             if (static_cast<int>(index) != stream)
                 input_->streams[index]->discard = AVDISCARD_ALL;
@@ -95,7 +95,7 @@ bool countsAsCoded(const AVFormatContext &input) {
     return std::string_view(input.iformat->name) == "avi";
 }
 
-FrameTimes scanFrames(const std::filesystem::path &file, const AVFormatContext &input, const AVStream &stream,
+FrameTimes scanFrames(const InputFile &file, const AVFormatContext &input, const AVStream &stream,
                       const std::function<bool()> &cancelled) {
     if (auto indexed = indexedFrames(*input.streams[stream.index]))
         return std::move(*indexed);

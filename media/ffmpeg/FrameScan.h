@@ -2,7 +2,7 @@
 #pragma once
 
 #include "media/FrameTimes.h"
-#include "media/ffmpeg/Ffmpeg.h"
+#include "media/ffmpeg/Input.h"
 
 #include <filesystem>
 #include <functional>
@@ -16,9 +16,8 @@ bool isWithoutTimes(const AVFormatContext &input);
 bool countsAsCoded(const AVFormatContext &input);
 
 /// When a track's frames are shown: from the container's index where it lists every frame, else from the packets of the
-/// whole file, which is opened anew and read through (nothing is decoded). Ends early once `cancelled` says so. Throws
-/// MediaError when the file cannot be opened again.
-FrameTimes scanFrames(const std::filesystem::path &file, const AVFormatContext &input, const AVStream &stream,
+/// whole file, which is read through (nothing is decoded). Ends early once `cancelled` says so. Throws MediaError.
+FrameTimes scanFrames(const InputFile &file, const AVFormatContext &input, const AVStream &stream,
                       const std::function<bool()> &cancelled);
 
 /// The rate that the stream's own parameter sets state (HEVC and H.264: VUI timing); nothing where they do not.

@@ -50,7 +50,7 @@ FramePace paceOf(const FrameTimes &times, Fraction stated) {
     return stated ? FramePace{nearestCommonRate(stated), 1 / stated.value(), true} : framePace(times);
 }
 
-void readTiming(const AVFormatContext &input, const AVStream &stream, const std::filesystem::path &file,
+void readTiming(const AVFormatContext &input, const AVStream &stream, const InputFile &file,
                 const std::function<bool()> &cancelled, VideoTrack &track) {
     FrameTimes times = ffmpeg::scanFrames(file, input, stream, cancelled);
     track.frameCount = static_cast<std::int64_t>(times.starts.size());
@@ -58,7 +58,7 @@ void readTiming(const AVFormatContext &input, const AVStream &stream, const std:
     track.hasTimes = !ffmpeg::isWithoutTimes(input);
     const AVRational rate = stream.avg_frame_rate;
     if (!track.hasTimes)
-        track.pace = paceOf({}, ffmpeg::statedRate(file, stream));
+        track.pace = paceOf({}, ffmpeg::statedRate(file.path(), stream));
     else
         track.pace = paceOf(times, rate.num > 0 && rate.den > 0 ? Fraction{rate.num, rate.den} : Fraction{});
     if (ffmpeg::countsAsCoded(input))
@@ -91,7 +91,7 @@ void addTags(const AVDictionary *dictionary, MovieTags &tags) {
         tags.try_emplace(entry->key, entry->value);
 }
 
-std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const std::filesystem::path &file,
+std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const InputFile &file,
                                          const std::function<bool()> &cancelled) {
     const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO);
     if (!stream)
@@ -160,18 +160,21 @@ MovieTags readTags(const AVFormatContext &input) {
 
 } // namespace
 
-MovieFile::State::State(const std::filesystem::path &file, const std::function<bool()> &cancelled)
-    : path(file), input(ffmpeg::openInput(file)), videoTrack(readVideoTrack(*input, file, cancelled)),
-      audioTrack(readAudioTrack(*input)), otherContents(readOtherContents(*input)),
-      duration(readDuration(*input, videoTrack)), tags(readTags(*input)) {}
+MovieFile::State::State(const InputFile &movie, const std::function<bool()> &cancelled)
+    : file(movie), input(file), videoTrack(readVideoTrack(*input, file, cancelled)), audioTrack(readAudioTrack(*input)),
+      otherContents(readOtherContents(*input)), duration(readDuration(*input, videoTrack)), tags(readTags(*input)) {}
 
-MovieFile::MovieFile(const std::filesystem::path &file, const std::function<bool()> &cancelled)
+MovieFile::MovieFile(const InputFile &file, const std::function<bool()> &cancelled)
     : state_(std::make_unique<State>(file, cancelled)) {}
 
 MovieFile::~MovieFile() = default;
 
+const InputFile &MovieFile::file() const {
+    return state_->file;
+}
+
 const std::filesystem::path &MovieFile::path() const {
-    return state_->path;
+    return state_->file.path();
 }
 
 std::optional<VideoTrack> MovieFile::videoTrack() const {

@@ -2,14 +2,14 @@
 #pragma once
 
 #include "media/MovieFile.h"
-#include "media/ffmpeg/Ffmpeg.h"
+#include "media/ffmpeg/Input.h"
 
 namespace lumetwin::media {
 
 struct MovieFile::State {
-    State(const std::filesystem::path &file, const std::function<bool()> &cancelled);
+    State(const InputFile &file, const std::function<bool()> &cancelled);
 
-    std::filesystem::path path;
+    InputFile file;
     ffmpeg::Input input; ///< a frame reader's own while there is one: its thread reads on, and what is here changes
     // As the headers had it.
     std::optional<VideoTrack> videoTrack;

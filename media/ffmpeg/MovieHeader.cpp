@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <fstream>
 #include <optional>
 #include <string_view>
 
@@ -18,35 +17,31 @@ namespace {
 constexpr MediaOperation operation = MediaOperation::complete;
 
 struct Placed {
-    std::streamoff offset;
+    std::uint64_t offset;
     MovieHeader bytes;
 };
 
 /// The last top-level box, which has to be `moov`.
-Placed readHeader(std::fstream &stream, const std::filesystem::path &file) {
-    stream.seekg(0, std::ios::end);
-    const std::streamoff end = stream.tellg();
-    std::streamoff offset = 0;
+Placed readHeader(const OutputFile &file) {
+    const std::uint64_t end = file.size();
+    std::uint64_t offset = 0;
     while (offset + 8 <= end) {
         std::array<std::uint8_t, 16> head{};
-        stream.seekg(offset);
-        stream.read(reinterpret_cast<char *>(head.data()), std::min<std::streamoff>(16, end - offset));
+        file.readAt(offset, head);
         std::uint64_t size = get32(head.data());
         if (size == 1)
             size = static_cast<std::uint64_t>(get32(head.data() + 8)) << 32 | get32(head.data() + 12);
-        if (!stream || size < 8 || size > static_cast<std::uint64_t>(end - offset))
+        if (size < 8 || size > end - offset)
             break;
-        const auto next = offset + static_cast<std::streamoff>(size);
-        if (next == end && std::memcmp(head.data() + 4, "moov", 4) == 0) {
+        if (offset + size == end && std::memcmp(head.data() + 4, "moov", 4) == 0) {
             MovieHeader bytes(static_cast<std::size_t>(size));
-            stream.seekg(offset);
-            if (stream.read(reinterpret_cast<char *>(bytes.data()), static_cast<std::streamsize>(size)))
+            if (file.readAt(offset, bytes) == bytes.size())
                 return {offset, std::move(bytes)};
             break;
         }
-        offset = next;
+        offset += size;
     }
-    throw MediaError(file, operation, 0, MediaReason::headerNotFound);
+    throw MediaError(file.path(), operation, 0, MediaReason::headerNotFound);
 }
 
 struct TagName {
@@ -81,22 +76,14 @@ std::optional<std::string> lookUp(const MovieTags &tags, const TagName &name) {
 
 } // namespace
 
-void editMovieHeader(const std::filesystem::path &file, const std::function<void(MovieHeader &)> &edit) {
-    std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
-    if (!stream)
-        throw MediaError::ofSystem(file, operation, errno);
-    Placed header = readHeader(stream, file);
+void editMovieHeader(const OutputFile &file, const std::function<void(MovieHeader &)> &edit) {
+    Placed header = readHeader(file);
     const std::size_t before = header.bytes.size();
     edit(header.bytes);
     put32(header.bytes.data(), static_cast<std::uint32_t>(header.bytes.size()));
-    stream.seekp(header.offset);
-    stream.write(reinterpret_cast<const char *>(header.bytes.data()),
-                 static_cast<std::streamsize>(header.bytes.size()));
-    stream.close();
-    if (!stream)
-        throw MediaError::ofSystem(file, operation, errno);
+    file.writeAt(header.offset, header.bytes);
     if (header.bytes.size() < before)
-        std::filesystem::resize_file(file, static_cast<std::uintmax_t>(header.offset) + header.bytes.size());
+        file.truncate(header.offset + header.bytes.size());
 }
 
 namespace {

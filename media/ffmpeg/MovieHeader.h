@@ -2,9 +2,9 @@
 #pragma once
 
 #include "media/MovieTags.h"
+#include "media/OutputFile.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -16,7 +16,7 @@ using MovieHeader = std::vector<std::uint8_t>;
 
 /// Reads the `moov` box that ends the file, lets it be edited, and writes it back in its place. The edit may change its
 /// size but not where media data lies. Throws MediaError.
-void editMovieHeader(const std::filesystem::path &file, const std::function<void(MovieHeader &)> &edit);
+void editMovieHeader(const OutputFile &file, const std::function<void(MovieHeader &)> &edit);
 
 /// Gives edits of duration 0, which in fragmented files mean "to the end", their track's duration (ISO/IEC
 /// 14496-12, 8.6.6): the muxer leaves them so when it turns fragments into an ordinary movie.

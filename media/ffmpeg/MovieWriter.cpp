@@ -3,8 +3,8 @@
 
 #include "media/BoundedQueue.h"
 #include "media/LingeringThreads.h"
-#include "media/PartialFile.h"
 #include "media/ffmpeg/AudioEncoder.h"
+#include "media/ffmpeg/FileIO.h"
 #include "media/ffmpeg/MovieHeader.h"
 #include "media/ffmpeg/StereoEntry.h"
 #include "media/ffmpeg/TrackBalance.h"
@@ -43,6 +43,11 @@ int shownWidth(int width, PixelAspect aspect) {
     return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{width} * aspect.width / aspect.height, 1, 65535));
 }
 
+struct FreeMuxer {
+    void operator()(AVFormatContext *context) const { avformat_free_context(context); }
+};
+using Muxer = std::unique_ptr<AVFormatContext, FreeMuxer>;
+
 /// Ends the work on a file that is being cancelled.
 struct Abandoned {};
 
@@ -56,12 +61,13 @@ struct TimedPicture {
 } // namespace
 
 struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
-    std::filesystem::path output;
-    PartialFile partial;
+    OutputFile file;
+    const std::filesystem::path output;
     std::optional<StereoVideoEncoding> stereo;
     Container container;
     MovieTags tags;
-    ffmpeg::Output muxer;
+    ffmpeg::FileIO io;
+    Muxer muxer;
     std::optional<ffmpeg::AudioEncoder> audio;
     AVStream *audioStream = nullptr;
     int audioRate = 0;
@@ -76,26 +82,23 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
     std::thread encoding;
     std::future<void> encoded; ///< the thread has come to its end
     std::mutex muxing;
-    bool headerWritten = false;
     std::mutex failing;
     std::exception_ptr failure;
     std::atomic<bool> idle{false}; ///< failed or abandoned: appending does nothing
 
-    State(const std::filesystem::path &file, Container kind, MovieTags movieTags)
-        : output(file), partial(file), container(kind), tags(std::move(movieTags)) {
+    State(const OutputFile &outputFile, Container kind, MovieTags movieTags)
+        : file(outputFile), output(file.path()), container(kind), tags(std::move(movieTags)), io(file) {
         AVFormatContext *context = nullptr;
         check(avformat_alloc_output_context2(&context, nullptr, kind == Container::mpeg4 ? "mp4" : "mov", nullptr),
               output, operation);
         muxer.reset(context);
-        check(avio_open(&muxer->pb, ffmpeg::fileAddress(partial.path()).c_str(), AVIO_FLAG_WRITE), output, operation);
+        muxer->pb = io.context();
     }
 
     /// The writer lets go: what is encoded still will not be written.
     void release() {
         abandon();
         leaveEncoding();
-        if (!headerWritten)
-            partial.discard();
     }
 
     void abandon() {
@@ -208,7 +211,6 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
         const int code = avformat_write_header(muxer.get(), &options);
         av_dict_free(&options);
         check(code, output, operation);
-        headerWritten = true;
     }
 
     void append(TimedPicture picture) {
@@ -241,11 +243,6 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
     void cancel() {
         abandon();
         leaveEncoding();
-        {
-            const std::lock_guard lock(muxing);
-            avio_closep(&muxer->pb);
-        }
-        partial.discard();
         throwFailure();
     }
 
@@ -265,8 +262,9 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
         joinEncoding();
         throwFailure();
         check(av_write_trailer(muxer.get()), output, operation);
-        check(avio_closep(&muxer->pb), output, operation);
-        ffmpeg::editMovieHeader(partial.path(), [&](ffmpeg::MovieHeader &header) {
+        avio_flush(muxer->pb);
+        check(muxer->pb->error, output, operation);
+        ffmpeg::editMovieHeader(file, [&](ffmpeg::MovieHeader &header) {
             ffmpeg::completeEditLists(header);
             ffmpeg::removeFragmentDefaults(header);
             if (videoStream)
@@ -275,7 +273,6 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
                 completeStereoTrack(header);
             ffmpeg::addMetadata(header, ffmpeg::metadataItems(tags));
         });
-        partial.finish();
     }
 };
 
@@ -285,7 +282,7 @@ void MovieWriter::requireSize(const std::filesystem::path &output, std::int64_t 
                          std::to_string(width) + " × " + std::to_string(height));
 }
 
-MovieWriter::MovieWriter(const std::filesystem::path &output, Container container, MovieTags tags)
+MovieWriter::MovieWriter(const OutputFile &output, Container container, MovieTags tags)
     : state_(std::make_shared<State>(output, container, std::move(tags))) {}
 
 MovieWriter::~MovieWriter() {

@@ -1,26 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/HeifFile.h"
+#include "media/heif/HeifFile.h"
 
 #include "media/MediaError.h"
 #include "media/heif/ImageList.h"
 
 #include <algorithm>
 #include <limits>
-#include <system_error>
 
 namespace lumetwin::media {
 
 namespace {
 
 /// Does something with a file's bytes; what fails there becomes an error that names the file.
-template <typename Action> auto withBytesOf(const std::filesystem::path &file, Action action) {
+template <typename Action> auto withBytesOf(const InputFile &file, Action action) {
     try {
         const auto source = bmff::openFile(file);
         return action(*source);
     } catch (const bmff::FormatError &error) {
-        throw MediaError(file, MediaOperation::read, 0, error.reason(), error.details());
-    } catch (const std::system_error &error) {
-        throw MediaError::ofSystem(file, MediaOperation::open, error.code().value());
+        throw MediaError(file.path(), MediaOperation::read, 0, error.reason(), error.details());
     }
 }
 
@@ -80,12 +77,11 @@ std::optional<std::int32_t> HeifFile::stereoDisparityAdjustment() const {
     return left ? left : images[eyes->right].disparityAdjustment;
 }
 
-HeifFile readHeifFile(const std::filesystem::path &file) {
+HeifFile readHeifFile(const InputFile &file) {
     return withBytesOf(file, [](const bmff::Source &source) { return heif::readHeif(source); });
 }
 
-std::vector<std::uint8_t> readHeifPayload(const std::filesystem::path &file, const HeifPayload &payload,
-                                          std::uint64_t limit) {
+std::vector<std::uint8_t> readHeifPayload(const InputFile &file, const HeifPayload &payload, std::uint64_t limit) {
     return withBytesOf(file, [&](const bmff::Source &source) {
         if (payload.size() > std::min(limit, source.size()))
             throw bmff::FormatError("an item is too large");

@@ -3,7 +3,8 @@
 
 #include "media/MediaError.h"
 #include "media/SpatialPhoto.h"
-#include "media/samples/Formats.h"
+#include "media/colour/PictureFor.h"
+#include "media/metadata/CorrectedMetadata.h"
 #include "media/x265/StillEncoder.h"
 
 #include <algorithm>
@@ -145,9 +146,9 @@ int heifQuantiser(double quality) {
     return x265::finestQuantiser;
 }
 
-void writeHeif(const PartialFile &file, StillImage image, double quality, const Cancellation &cancellation) {
-    heif::writeHeif(file, codedImage(file.output(), std::move(image.picture), image.metadata, heifQuantiser(quality),
-                                     {}, cancellation));
+void writeHeif(const OutputFile &file, StillImage image, double quality, const Cancellation &cancellation) {
+    heif::writeHeif(file, codedImage(file.path(), std::move(image.picture), image.metadata, heifQuantiser(quality), {},
+                                     cancellation));
 }
 
 } // namespace images
@@ -160,7 +161,7 @@ constexpr int spatialQuantiser = 14;
 heif::CodedImage codedEye(const std::filesystem::path &file, Picture eye, const ImageMetadata &metadata,
                           const heif::Camera &camera, const Cancellation &cancellation) {
     const ImageMetadata corrected = images::correctedMetadata(eye, metadata);
-    heif::CodedImage image = images::codedImage(file, images::fitted(std::move(eye), ImageKind::heif, cancellation),
+    heif::CodedImage image = images::codedImage(file, images::pictureFor(ImageKind::heif, std::move(eye), cancellation),
                                                 corrected, spatialQuantiser, images::eyeCoding, cancellation);
     image.camera = camera;
     return image;
@@ -168,40 +169,17 @@ heif::CodedImage codedEye(const std::filesystem::path &file, Picture eye, const 
 
 } // namespace
 
-namespace {
-
-void writePair(const PartialFile &partial, Picture left, Picture right, const SpatialPhotoFacts &facts,
-               const ImageMetadata &metadata, const Cancellation &cancellation) {
-    const std::filesystem::path &file = partial.output();
+void writeSpatialPhoto(const OutputFile &file, Picture left, Picture right, const SpatialPhotoFacts &facts,
+                       const ImageMetadata &metadata, const Cancellation &cancellation) {
     const heif::Camera leftCamera{facts.focalLength, facts.principalPoint, {}};
     const heif::Camera rightCamera{facts.focalLength, facts.principalPoint, facts.rightPosition};
     auto later = std::async(std::launch::async, [&, eye = std::move(right)]() mutable {
-        return codedEye(file, std::move(eye), metadata, rightCamera, cancellation);
+        return codedEye(file.path(), std::move(eye), metadata, rightCamera, cancellation);
     });
-    const heif::CodedImage leftImage = codedEye(file, std::move(left), metadata, leftCamera, cancellation);
+    const heif::CodedImage leftImage = codedEye(file.path(), std::move(left), metadata, leftCamera, cancellation);
     const heif::CodedImage rightImage = later.get();
     cancellation.check();
-    heif::writeStereoHeif(partial, leftImage, rightImage, facts.disparityAdjustment);
-}
-
-} // namespace
-
-void writeSpatialPhoto(const std::filesystem::path &file, Picture left, Picture right, const SpatialPhotoFacts &facts,
-                       const ImageMetadata &metadata, const Cancellation &cancellation) {
-    const PartialFile partial(file);
-    try {
-        writePair(partial, std::move(left), std::move(right), facts, metadata, cancellation);
-        cancellation.check();
-        partial.finish();
-    } catch (const Cancelled &) {
-        partial.discard();
-        throw;
-    }
-}
-
-void requireWritable(const std::filesystem::path &file) {
-    const PartialFile partial(file);
-    PartialFileWriter(partial).close();
+    heif::writeStereoHeif(file, leftImage, rightImage, facts.disparityAdjustment);
 }
 
 } // namespace lumetwin::media

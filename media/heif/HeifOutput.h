@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/Image.h"
+#include "media/OutputFile.h"
 #include "media/heif/HeifWriter.h"
 
 namespace lumetwin::media::images {
@@ -17,7 +18,10 @@ struct GridCoding {
 heif::CodedImage codedImage(const std::filesystem::path &file, Picture picture, const ImageMetadata &metadata,
                             int quantiser, GridCoding grid, const Cancellation &cancellation);
 
-/// The metadata as it is true for the picture.
-ImageMetadata correctedMetadata(const Picture &picture, ImageMetadata metadata);
+/// Codes and writes one image; its samples are released as they are coded. Throws MediaError, and Cancelled.
+void writeHeif(const OutputFile &file, StillImage image, double quality, const Cancellation &cancellation);
+
+/// The quantiser of HEVC, 6 to 51 where lower is finer, for a quality of 0.0 to 1.0.
+int heifQuantiser(double quality);
 
 } // namespace lumetwin::media::images

@@ -1,65 +1,28 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/heif/HeifReader.h"
+
 #include "media/Abandonable.h"
-#include "media/HeifFile.h"
 #include "media/MediaError.h"
 #include "media/bmff/BoxReader.h"
 #include "media/colour/ColourProfile.h"
-#include "media/heif/HevcDecoder.h"
-#include "media/samples/Formats.h"
+#include "media/heif/HeifDocument.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
-
-#include <libheif/heif.h>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <fstream>
 
-namespace lumetwin::media::images {
+namespace lumetwin::media::heif {
 
 namespace {
 
-struct FreeContext {
-    void operator()(heif_context *context) const { heif_context_free(context); }
-};
-struct ReleaseHandle {
-    void operator()(heif_image_handle *handle) const { heif_image_handle_release(handle); }
-};
-struct ReleaseImage {
-    void operator()(heif_image *image) const { heif_image_release(image); }
-};
-struct FreeOptions {
-    void operator()(heif_decoding_options *options) const { heif_decoding_options_free(options); }
-};
-struct FreeColour {
-    void operator()(heif_color_profile_nclx *colour) const { heif_nclx_color_profile_free(colour); }
-};
-using Handle = std::unique_ptr<heif_image_handle, ReleaseHandle>;
-using Image = std::unique_ptr<heif_image, ReleaseImage>;
-using Colour = std::unique_ptr<heif_color_profile_nclx, FreeColour>;
-
-MediaReason reasonOf(const heif_error &error) {
-    switch (error.code) {
-    case heif_error_Memory_allocation_error:
-        return error.subcode == heif_suberror_Security_limit_exceeded ? MediaReason::imageTooLarge
-                                                                      : MediaReason::noMemory;
-    case heif_error_Unsupported_filetype:
-    case heif_error_Unsupported_feature:
-        return MediaReason::unsupported;
-    case heif_error_Invalid_input:
-    case heif_error_Decoder_plugin_error:
-        return error.subcode == heif_suberror_End_of_data ? MediaReason::endsEarly : MediaReason::damaged;
-    default:
-        return MediaReason::other;
-    }
-}
-
-void require(const heif_error &error, const std::filesystem::path &file) {
-    if (error.code != heif_error_Ok)
-        throw MediaError(file, MediaOperation::read, error.code * 10000 + error.subcode, reasonOf(error),
-                         error.message);
-}
+using images::Alpha;
+using images::checkSize;
+using images::makeChecked;
+using images::PixelLayout;
+using images::planeRow;
+using images::scatterRow;
 
 struct Coding {
     std::uint32_t type;
@@ -84,69 +47,10 @@ void requireDecoder(const std::filesystem::path &file, const HeifImage &image) {
             throw MediaError(file, MediaOperation::read, 0, MediaReason::noDecoder, coding.name);
 }
 
-/// The library refuses whole files for the sake of groups, which are none of its business here: they become free space.
-void hideGroups(std::vector<std::uint8_t> &bytes) {
-    constexpr std::uint64_t fullBoxHeader = 4;
-    try {
-        const auto source = bmff::fromMemory(bytes);
-        int count = 0;
-        bmff::BoxWalk file(*source, 0, bytes.size(), count);
-        for (bmff::Box outer; file.next(outer);) {
-            if (outer.type != bmff::fourCC("meta") || outer.payloadSize() < fullBoxHeader)
-                continue;
-            bmff::BoxWalk meta(*source, outer.begin + fullBoxHeader, outer.end, count);
-            for (bmff::Box inner; meta.next(inner);)
-                if (inner.type == bmff::fourCC("grpl"))
-                    std::memcpy(bytes.data() + inner.begin - 4, "free", 4);
-        }
-    } catch (const bmff::FormatError &) {
-        // The library will say what is wrong.
-    }
-}
-
-/// A HEIF file that the library has opened.
-class HeifContext {
-public:
-    HeifContext(const std::filesystem::path &path, const Cancellation &asked)
-        : file(path), cancellation(asked), bytes_(contentOf(path)) {
-        static const heif_error ready = heif_register_decoder_plugin(hevcDecoder());
-        require(ready, file);
-        hideGroups(bytes_);
-        context_.reset(heif_context_alloc());
-        setLimits();
-        require(heif_context_read_from_memory_without_copy(context_.get(), bytes_.data(), bytes_.size(), nullptr),
-                file);
-    }
-
-    Handle image(heif_item_id item) const {
-        heif_image_handle *handle = nullptr;
-        require(heif_context_get_image_handle(context_.get(), item, &handle), file);
-        return Handle(handle);
-    }
-
-    const std::filesystem::path file;
+/// A document that is decoded from until that is cancelled.
+struct Decoding {
+    const HeifDocument &document;
     const Cancellation &cancellation;
-
-private:
-    static std::vector<std::uint8_t> contentOf(const std::filesystem::path &path) {
-        const StandardFile stream = openForReading(path);
-        std::error_code unknown;
-        const auto size = std::filesystem::file_size(path, unknown);
-        if (unknown || size > (std::uintmax_t{1} << 31))
-            throw MediaError(path, MediaOperation::read, 0, MediaReason::fileTooLarge);
-        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-        bytes.resize(std::fread(bytes.data(), 1, bytes.size(), stream.get()));
-        return bytes;
-    }
-
-    void setLimits() {
-        heif_security_limits *limits = heif_context_get_security_limits(context_.get());
-        limits->max_image_size_pixels = static_cast<std::uint64_t>(maximumPixels);
-        limits->max_memory_block_size = std::uint64_t{4} << 30;
-    }
-
-    std::vector<std::uint8_t> bytes_;
-    std::unique_ptr<heif_context, FreeContext> context_;
 };
 
 /// Asked by the library before each tile.
@@ -154,15 +58,15 @@ int stops(void *cancellation) {
     return static_cast<const Cancellation *>(cancellation)->requested() ? 1 : 0;
 }
 
-Image decode(const HeifContext &context, const heif_image_handle *handle, heif_colorspace space, heif_chroma chroma) {
-    const std::unique_ptr<heif_decoding_options, FreeOptions> options(heif_decoding_options_alloc());
+Image decode(const Decoding &decoding, const heif_image_handle *handle, heif_colorspace space, heif_chroma chroma) {
+    const DecodingOptions options(heif_decoding_options_alloc());
     options->cancel_decoding = stops;
-    options->progress_user_data = const_cast<Cancellation *>(&context.cancellation);
+    options->progress_user_data = const_cast<Cancellation *>(&decoding.cancellation);
     heif_image *decoded = nullptr;
     const heif_error error = heif_decode_image(handle, &decoded, space, chroma, options.get());
     Image image(decoded);
-    context.cancellation.check();
-    require(error, context.file);
+    decoding.cancellation.check();
+    require(error, decoding.document.path());
     return image;
 }
 
@@ -242,8 +146,8 @@ ImageMetadata metadataIn(const heif_image_handle *handle) {
 }
 
 /// The samples as decoded, which the picture then keeps alive.
-Picture planesOf(const HeifContext &context, const heif_image_handle *handle) {
-    std::shared_ptr<heif_image> image(decode(context, handle, heif_colorspace_undefined, heif_chroma_undefined));
+Picture planesOf(const Decoding &decoding, const heif_image_handle *handle) {
+    std::shared_ptr<heif_image> image(decode(decoding, handle, heif_colorspace_undefined, heif_chroma_undefined));
     Picture picture;
     const bool grey = heif_image_get_colorspace(image.get()) == heif_colorspace_monochrome;
     const bool rgb = heif_image_get_colorspace(image.get()) == heif_colorspace_RGB;
@@ -254,7 +158,7 @@ Picture planesOf(const HeifContext &context, const heif_image_handle *handle) {
     const bool halfWide = chroma == heif_chroma_420 || chroma == heif_chroma_422;
     picture.width = heif_image_get_primary_width(image.get());
     picture.height = heif_image_get_primary_height(image.get());
-    checkSize(context.file, picture.width, picture.height);
+    checkSize(decoding.document.path(), picture.width, picture.height);
     picture.format = {grey  ? ColourModel::grey
                       : rgb ? ColourModel::rgb
                             : ColourModel::yuv,
@@ -266,7 +170,7 @@ Picture planesOf(const HeifContext &context, const heif_image_handle *handle) {
         std::uint8_t *data = heif_image_get_plane(image.get(), channels[plane], &stride);
         if (!data || heif_image_get_width(image.get(), channels[plane]) < picture.planeWidth(plane) ||
             heif_image_get_height(image.get(), channels[plane]) < picture.planeHeight(plane))
-            throw MediaError(context.file, MediaOperation::read, 0, MediaReason::unsupportedSamples);
+            throw MediaError(decoding.document.path(), MediaOperation::read, 0, MediaReason::unsupportedSamples);
         picture.planes[plane] = {data, stride};
     }
     picture.storage = std::move(image);
@@ -292,24 +196,25 @@ void scatterDeep(const std::uint16_t *row, int channels, Alpha alpha, const Pict
     }
 }
 
-Picture rgbOf(const HeifContext &context, const heif_image_handle *handle) {
+Picture rgbOf(const Decoding &decoding, const heif_image_handle *handle) {
     const int depth = heif_image_handle_get_luma_bits_per_pixel(handle);
     const bool transparent = heif_image_handle_has_alpha_channel(handle) != 0;
-    const Image image = decode(context, handle, heif_colorspace_RGB, interleavedLayout(depth > 8, transparent));
+    const Image image = decode(decoding, handle, heif_colorspace_RGB, interleavedLayout(depth > 8, transparent));
     const int width = heif_image_get_primary_width(image.get());
     const int height = heif_image_get_primary_height(image.get());
     const ColourTags colour = tagsOfItem(handle);
-    Picture picture = makeChecked(context.file, width, height, {ColourModel::rgb, std::max(depth, 8), 0, 0}, colour);
+    Picture picture =
+        makeChecked(decoding.document.path(), width, height, {ColourModel::rgb, std::max(depth, 8), 0, 0}, colour);
     int stride = 0;
     const std::uint8_t *data = heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride);
     if (!data)
-        throw MediaError(context.file, MediaOperation::read, 0, MediaReason::unsupportedSamples);
+        throw MediaError(decoding.document.path(), MediaOperation::read, 0, MediaReason::unsupportedSamples);
     const int channels = transparent ? 4 : 3;
     const Alpha alpha = !transparent                                       ? Alpha::none
                         : heif_image_handle_is_premultiplied_alpha(handle) ? Alpha::premultiplied
                                                                            : Alpha::straight;
     for (int y = 0; y < height; ++y) {
-        context.cancellation.check();
+        decoding.cancellation.check();
         const std::uint8_t *row = data + static_cast<std::ptrdiff_t>(y) * stride;
         if (depth > 8)
             scatterDeep(reinterpret_cast<const std::uint16_t *>(row), channels, alpha, picture, y);
@@ -319,50 +224,61 @@ Picture rgbOf(const HeifContext &context, const heif_image_handle *handle) {
     return picture;
 }
 
-StillImage read(const HeifContext &context, heif_item_id item, HeifSamples samples) {
-    const Handle handle = context.image(item);
-    checkSize(context.file, heif_image_handle_get_width(handle.get()), heif_image_handle_get_height(handle.get()));
+StillImage read(const Decoding &decoding, heif_item_id item, PhotoSamples samples) {
+    const Handle handle = decoding.document.image(item);
+    checkSize(decoding.document.path(), heif_image_handle_get_width(handle.get()),
+              heif_image_handle_get_height(handle.get()));
     StillImage image;
-    const bool asCoded = samples == HeifSamples::coded && heif_image_handle_has_alpha_channel(handle.get()) == 0;
-    image.picture = asCoded ? planesOf(context, handle.get()) : rgbOf(context, handle.get());
+    const bool asCoded = samples == PhotoSamples::coded && heif_image_handle_has_alpha_channel(handle.get()) == 0;
+    image.picture = asCoded ? planesOf(decoding, handle.get()) : rgbOf(decoding, handle.get());
     image.metadata = metadataIn(handle.get());
-    if (!suits(image.metadata.iccProfile, image.picture.format.planeCount()))
+    if (!images::suits(image.metadata.iccProfile, image.picture.format.planeCount()))
         image.metadata.iccProfile.clear();
     return image;
 }
 
-/// A picture that is coded in one piece cannot be stopped at.
-StillImage readAbandonable(const std::filesystem::path &file, heif_item_id item, HeifSamples samples,
-                           const Cancellation &cancellation) {
-    return abandonable(cancellation, [file, item, samples](const Cancellation &asked) {
-        return read(HeifContext(file, asked), item, samples);
+} // namespace
+
+HeifReader::HeifReader(const InputFile &file) : file_(file), headers_(readHeifFile(file)) {}
+
+StereoPhotoFacts HeifReader::stereoFacts() const {
+    StereoPhotoFacts facts;
+    facts.hasStereoGroup = !headers_.stereoGroups.empty();
+    facts.hasBothEyes = headers_.stereoEyes().has_value();
+    facts.disparityAdjustment = headers_.stereoDisparityAdjustment();
+    for (const HeifImage &image : headers_.images) {
+        const auto intrinsics = image.pixelIntrinsics();
+        if (!facts.lens && intrinsics && intrinsics->focalLengthX > 0 && image.width > 0)
+            facts.lens = {intrinsics->focalLengthX, static_cast<double>(image.width)};
+        // A camera at the origin tells nothing; the pair's other one does.
+        if (!facts.cameraPosition && image.position && (*image.position)[0] != 0)
+            facts.cameraPosition = (*image.position)[0];
+    }
+    return facts;
+}
+
+std::shared_ptr<const HeifDocument> HeifReader::document() const {
+    const std::scoped_lock lock(loading_);
+    if (!document_)
+        document_ = std::make_shared<const HeifDocument>(file_);
+    return document_;
+}
+
+StillImage HeifReader::read(std::size_t image, PhotoSamples samples, const Cancellation &cancellation) const {
+    cancellation.check();
+    const HeifImage &wanted = headers_.images.at(image);
+    requireDecoder(file_.path(), wanted);
+    // A picture that is coded in one piece cannot be stopped at: its thread may go on for a while.
+    return abandonable(cancellation, [document = document(), item = wanted.item, samples](const Cancellation &asked) {
+        return heif::read({*document, asked}, item, samples);
     });
 }
 
-} // namespace
-
-StillImage readHeif(const std::filesystem::path &file, const Cancellation &cancellation) {
-    cancellation.check();
-    const HeifFile heif = readHeifFile(file);
-    if (heif.images.empty())
-        throw MediaError(file, MediaOperation::read, 0,
-                         heif.hasMovie ? MediaReason::imageSequence : MediaReason::noImage);
-    requireDecoder(file, heif.images.front());
-    return readAbandonable(file, heif.images.front().item, HeifSamples::coded, cancellation);
+StillImage HeifReader::readFirst(const Cancellation &cancellation) const {
+    if (headers_.images.empty())
+        throw MediaError(file_.path(), MediaOperation::read, 0,
+                         headers_.hasMovie ? MediaReason::imageSequence : MediaReason::noImage);
+    return read(0, PhotoSamples::coded, cancellation);
 }
 
-} // namespace lumetwin::media::images
-
-namespace lumetwin::media {
-
-StillImage readHeifImage(const std::filesystem::path &file, std::uint32_t item, HeifSamples samples,
-                         const Cancellation &cancellation) {
-    cancellation.check();
-    const HeifFile heif = readHeifFile(file);
-    const auto image = std::ranges::find(heif.images, item, &HeifImage::item);
-    if (image != heif.images.end())
-        images::requireDecoder(file, *image);
-    return images::readAbandonable(file, item, samples, cancellation);
-}
-
-} // namespace lumetwin::media
+} // namespace lumetwin::media::heif

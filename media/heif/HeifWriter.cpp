@@ -9,17 +9,20 @@ namespace lumetwin::media::heif {
 
 namespace {
 
-void write(const PartialFile &file, const FileLayout &layout) {
+void write(const OutputFile &file, const FileLayout &layout) {
     const Bytes header = layout.header();
-    PartialFileWriter writer(file);
-    writer.write(header);
-    layout.data([&](std::span<const std::uint8_t> bytes) { writer.write(bytes); });
-    writer.close();
+    std::uint64_t position = 0;
+    const auto write = [&](std::span<const std::uint8_t> bytes) {
+        file.writeAt(position, bytes);
+        position += bytes.size();
+    };
+    write(header);
+    layout.data(write);
 }
 
 } // namespace
 
-void writeHeif(const PartialFile &file, const CodedImage &image) {
+void writeHeif(const OutputFile &file, const CodedImage &image) {
     FileLayout layout;
     const std::uint32_t item = layout.addImage(image);
     layout.addExif(image, item);
@@ -27,7 +30,7 @@ void writeHeif(const PartialFile &file, const CodedImage &image) {
     write(file, layout);
 }
 
-void writeStereoHeif(const PartialFile &file, const CodedImage &left, const CodedImage &right,
+void writeStereoHeif(const OutputFile &file, const CodedImage &left, const CodedImage &right,
                      std::int64_t disparityAdjustment) {
     if (!left.camera || !right.camera)
         throw std::invalid_argument("an eye has no camera");

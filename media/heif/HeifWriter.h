@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/HeifFile.h"
-#include "media/PartialFile.h"
+#include "media/OutputFile.h"
 #include "media/bmff/BoxWriter.h"
+#include "media/heif/HeifFile.h"
 
 #include <array>
 #include <cstdint>
@@ -46,13 +46,13 @@ struct CodedImage {
     std::optional<Camera> camera;
 };
 
-/// Writes a file of one image, under its partial name; the caller finishes it. Throws MediaError when the system
+/// Writes a file of one image. Throws MediaError when the system
 /// refuses, std::invalid_argument for contents that contradict themselves or are beyond 4 GiB.
-void writeHeif(const PartialFile &file, const CodedImage &image);
+void writeHeif(const OutputFile &file, const CodedImage &image);
 
 /// Writes a stereo pair, the left image first and primary, in the form of platform-written files. Both images need a
 /// camera. Disparity adjustment in ten-thousandths of the image width, saturated to 32 bits. Otherwise as above.
-void writeStereoHeif(const PartialFile &file, const CodedImage &left, const CodedImage &right,
+void writeStereoHeif(const OutputFile &file, const CodedImage &left, const CodedImage &right,
                      std::int64_t disparityAdjustment);
 
 } // namespace lumetwin::media::heif

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/HeifFile.h"
+#include "media/heif/HeifFile.h"
 #include "media/heif/MetaBox.h"
 
 namespace lumetwin::media::heif {

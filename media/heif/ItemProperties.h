@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/HeifFile.h"
 #include "media/bmff/BoxReader.h"
+#include "media/heif/HeifFile.h"
 
 #include <array>
 #include <cstdint>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
+#include "media/jpeg/Jpeg.h"
 #include "media/jpeg/JpegErrors.h"
-#include "media/samples/Formats.h"
+#include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
 
@@ -191,9 +192,9 @@ bool blocksFit(const Decoder &decoder) {
 
 } // namespace
 
-StillImage readJpeg(const std::filesystem::path &file, const Cancellation &cancellation) {
-    const StandardFile stream = openForReading(file);
-    Decoder decoder(file, cancellation);
+StillImage readJpeg(const InputFile &file, const Cancellation &cancellation) {
+    const FileStream stream = streamOf(file);
+    Decoder decoder(file.path(), cancellation);
     readHeader(decoder, stream.get());
     StillImage image;
     image.metadata = metadataIn(decoder);

@@ -2,9 +2,11 @@
 // A picture is cut into strips, which are converted and coded beside each other: each one is a restart interval of the
 // file that they make (ITU-T T.81, B.2).
 #include "media/MediaError.h"
+#include "media/colour/PictureFor.h"
+#include "media/jpeg/Jpeg.h"
 #include "media/jpeg/JpegErrors.h"
 #include "media/jpeg/JpegStrip.h"
-#include "media/samples/Formats.h"
+#include "media/samples/FileStream.h"
 
 #include <algorithm>
 #include <array>
@@ -49,7 +51,7 @@ Picture fittedStrip(const Picture &picture, int first, int rows, const Cancellat
     const int from = std::max(first - context, 0);
     const int to = std::min(first + rows + context, picture.height);
     const Picture surrounded =
-        fitted(cropped(picture, 0, from, picture.width, to - from), ImageKind::jpeg, cancellation);
+        pictureFor(ImageKind::jpeg, cropped(picture, 0, from, picture.width, to - from), cancellation);
     return cropped(surrounded, 0, first - from, picture.width, std::min(rows, picture.height - first));
 }
 
@@ -99,8 +101,8 @@ std::span<const std::uint8_t> samplesOf(std::span<const std::uint8_t> file) {
     return withoutEnd(file.subspan(place + (std::size_t{file[place]} << 8 | file[place + 1])));
 }
 
-void writeJoined(const std::vector<JpegBytes> &strips, int height, const std::filesystem::path &file) {
-    StandardFile stream = openForWriting(file);
+void writeJoined(const std::vector<JpegBytes> &strips, int height, const OutputFile &file) {
+    FileStream stream = streamOf(file);
     const auto write = [&](std::span<const std::uint8_t> bytes) {
         std::fwrite(bytes.data(), 1, bytes.size(), stream.get());
     };
@@ -128,15 +130,14 @@ int jpegQuality(double quality) {
     return 100;
 }
 
-void writeJpeg(const std::filesystem::path &file, const StillImage &image, double quality,
-               const Cancellation &cancellation) {
+void writeJpeg(const OutputFile &file, const StillImage &image, double quality, const Cancellation &cancellation) {
     const Picture &picture = image.picture;
     if (picture.width > JPEG_MAX_DIMENSION || picture.height > JPEG_MAX_DIMENSION)
-        throw MediaError(file, MediaOperation::write, 0, MediaReason::beyondFormat,
+        throw MediaError(file.path(), MediaOperation::write, 0, MediaReason::beyondFormat,
                          std::to_string(picture.width) + " x " + std::to_string(picture.height));
     const int libraryQuality = jpegQuality(quality);
     const Strips strips = stripsOf(picture, libraryQuality);
-    writeJoined(codedStrips(image, strips, libraryQuality, file, cancellation), picture.height, file);
+    writeJoined(codedStrips(image, strips, libraryQuality, file.path(), cancellation), picture.height, file);
 }
 
 } // namespace lumetwin::media::images

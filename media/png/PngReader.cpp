@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
+#include "media/png/Png.h"
 #include "media/png/PngErrors.h"
-#include "media/samples/Formats.h"
+#include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
 
@@ -159,9 +160,9 @@ ImageMetadata metadataIn(Decoder &decoder, int channels) {
 
 } // namespace
 
-StillImage readPng(const std::filesystem::path &file, const Cancellation &cancellation) {
-    const StandardFile stream = openForReading(file);
-    Decoder decoder(file, cancellation);
+StillImage readPng(const InputFile &file, const Cancellation &cancellation) {
+    const FileStream stream = streamOf(file);
+    Decoder decoder(file.path(), cancellation);
     readHeader(decoder, stream.get());
     const int passes = simplify(decoder);
     const int channels = png_get_channels(decoder.codec, decoder.info);
@@ -170,7 +171,7 @@ StillImage readPng(const std::filesystem::path &file, const Cancellation &cancel
     const PictureFormat format{colours == 1 ? ColourModel::grey : ColourModel::rgb,
                                png_get_bit_depth(decoder.codec, decoder.info), 0, 0};
     StillImage image;
-    image.picture = makeChecked(file, static_cast<int>(png_get_image_width(decoder.codec, decoder.info)),
+    image.picture = makeChecked(file.path(), static_cast<int>(png_get_image_width(decoder.codec, decoder.info)),
                                 static_cast<int>(png_get_image_height(decoder.codec, decoder.info)), format,
                                 {1, 13, colours == 1 ? 2 : 0, ColourRange::full, ChromaLocation::unspecified});
     const PixelLayout layout{channels, alpha ? Alpha::straight : Alpha::none};

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/MediaError.h"
+#include "media/png/Png.h"
 #include "media/png/PngErrors.h"
-#include "media/samples/Formats.h"
+#include "media/samples/FileStream.h"
 #include "media/samples/Rows.h"
 
 #include <bit>
@@ -91,13 +92,13 @@ void writeRows(Encoder &encoder, const Picture &picture, const Cancellation &can
 
 } // namespace
 
-void writePng(const std::filesystem::path &file, const StillImage &image, const Cancellation &cancellation) {
+void writePng(const OutputFile &file, const StillImage &image, const Cancellation &cancellation) {
     const Picture &picture = image.picture;
     if (picture.format.model == ColourModel::yuv)
-        throw MediaError(file, MediaOperation::write, 0, MediaReason::beyondFormat);
+        throw MediaError(file.path(), MediaOperation::write, 0, MediaReason::beyondFormat);
     ImageMetadata metadata = image.metadata;
-    StandardFile stream = openForWriting(file);
-    Encoder encoder(file);
+    FileStream stream = streamOf(file);
+    Encoder encoder(file.path());
     encoder.run([&] {
         png_init_io(encoder.codec, stream.get());
         png_set_user_limits(encoder.codec, 0x7FFFFFFF, 0x7FFFFFFF);

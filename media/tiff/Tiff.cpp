@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <span>
 
 namespace lumetwin::media::images {
 
@@ -22,21 +23,88 @@ int passOverWarning(TIFF *, void *, const char *, const char *, va_list) {
     return 1;
 }
 
-} // namespace
+/// Runs one of the library's callbacks, which tell errors by their result and errno.
+template <typename Action> auto withErrno(const Action &action, decltype(action()) failed) {
+    try {
+        return action();
+    } catch (const MediaError &error) {
+        errno = error.code() < 0 ? -error.code() : EIO;
+    }
+    return failed;
+}
 
-TiffFile::TiffFile(const std::filesystem::path &path, const char *mode) : file(path) {
+std::uint64_t sizeOf(const TiffStream &stream) {
+    return stream.input ? stream.input->size() : stream.output->size();
+}
+
+tmsize_t readStream(thandle_t user, void *buffer, tmsize_t size) {
+    auto &stream = *static_cast<TiffStream *>(user);
+    const std::span bytes(static_cast<std::uint8_t *>(buffer), static_cast<std::size_t>(size));
+    return withErrno(
+        [&] {
+            const std::size_t count = stream.input ? stream.input->readAt(stream.position, bytes)
+                                                   : stream.output->readAt(stream.position, bytes);
+            stream.position += count;
+            return static_cast<tmsize_t>(count);
+        },
+        tmsize_t{-1});
+}
+
+tmsize_t writeStream(thandle_t user, void *buffer, tmsize_t size) {
+    auto &stream = *static_cast<TiffStream *>(user);
+    const std::span bytes(static_cast<const std::uint8_t *>(buffer), static_cast<std::size_t>(size));
+    return withErrno(
+        [&] {
+            stream.output->writeAt(stream.position, bytes);
+            stream.position += bytes.size();
+            return size;
+        },
+        tmsize_t{-1});
+}
+
+toff_t seekStream(thandle_t user, toff_t offset, int whence) {
+    auto &stream = *static_cast<TiffStream *>(user);
+    return withErrno(
+        [&] {
+            const std::uint64_t from = whence == SEEK_CUR   ? stream.position
+                                       : whence == SEEK_END ? sizeOf(stream)
+                                                            : std::uint64_t{0};
+            return toff_t{stream.position = from + offset};
+        },
+        ~toff_t{0});
+}
+
+int closeStream(thandle_t) {
+    return 0;
+}
+
+toff_t streamSize(thandle_t user) {
+    return withErrno([&] { return toff_t{sizeOf(*static_cast<TiffStream *>(user))}; }, toff_t{0});
+}
+
+std::unique_ptr<TIFF, CloseTiff> open(TiffFile &file, const char *mode) {
     const std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions *)> options(TIFFOpenOptionsAlloc(),
                                                                                 TIFFOpenOptionsFree);
-    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, &message);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, &file.message);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), passOverWarning, nullptr);
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), allocationLimit);
-    errno = 0;
-    tiff.reset(TIFFOpenExt(path.c_str(), mode, options.get()));
-    if (tiff)
-        return;
-    if (*mode == 'w' && errno != 0)
-        throw MediaError::ofSystem(file, MediaOperation::create, errno);
-    fail(*mode == 'r' ? MediaOperation::open : MediaOperation::create, MediaReason::damaged);
+    return std::unique_ptr<TIFF, CloseTiff>(TIFFClientOpenExt(file.file.c_str(), mode, &file.stream, readStream,
+                                                              writeStream, seekStream, closeStream, streamSize, nullptr,
+                                                              nullptr, options.get()));
+}
+
+} // namespace
+
+TiffFile::TiffFile(const InputFile &input)
+    : file(input.path()), stream{input, std::nullopt, 0}, tiff(open(*this, "r")) {
+    if (!tiff)
+        fail(MediaOperation::open, MediaReason::damaged);
+}
+
+TiffFile::TiffFile(const OutputFile &output)
+    : file(output.path()), stream{std::nullopt, output, 0}, tiff(open(*this, "wl")) {
+    if (!tiff)
+        fail(MediaOperation::create, MediaReason::damaged);
 }
 
 void TiffFile::fail(MediaOperation operation, MediaReason reason) const {

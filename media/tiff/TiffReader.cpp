@@ -2,10 +2,11 @@
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
 #include "media/metadata/ExifBlock.h"
-#include "media/samples/Formats.h"
+#include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
 #include "media/tiff/Tiff.h"
+#include "media/tiff/TiffImage.h"
 
 #include <algorithm>
 #include <fstream>
@@ -281,7 +282,7 @@ void readConverted(const TiffFile &tiff, const Page &page, const Picture &pictur
     }
 }
 
-ImageMetadata metadataIn(const TiffFile &tiff) {
+ImageMetadata metadataIn(const TiffFile &tiff, const InputFile &file) {
     ImageMetadata metadata;
     std::uint32_t length = 0;
     const void *data = nullptr;
@@ -291,25 +292,25 @@ ImageMetadata metadataIn(const TiffFile &tiff) {
     }
     if (TIFFGetField(tiff.get(), TIFFTAG_XMLPACKET, &length, &data) == 1)
         metadata.xmp.assign(static_cast<const char *>(data), length);
-    metadata.exif = exifOfTiffFile(tiff.file);
+    metadata.exif = exifOfTiffFile(file);
     return metadata;
 }
 
 } // namespace
 
-int tiffPageCount(const std::filesystem::path &file) {
-    const TiffFile tiff(file, "r");
+int tiffPageCount(const InputFile &file) {
+    const TiffFile tiff(file);
     return std::max<int>(1, static_cast<int>(TIFFNumberOfDirectories(tiff.get())));
 }
 
-StillImage readTiff(const std::filesystem::path &file, const Cancellation &cancellation) {
-    const TiffFile tiff(file, "r");
+StillImage readTiff(const InputFile &file, const Cancellation &cancellation) {
+    const TiffFile tiff(file);
     const Page page = pageOf(tiff);
     const bool plain = isPlain(tiff, page);
     StillImage image;
-    image.metadata = metadataIn(tiff);
+    image.metadata = metadataIn(tiff, file);
     const bool grey = plain && page.colours == 1;
-    image.picture = makeChecked(file, page.width, page.height,
+    image.picture = makeChecked(file.path(), page.width, page.height,
                                 {grey ? ColourModel::grey : ColourModel::rgb, plain ? page.bits : 8, 0, 0},
                                 {1, 13, grey ? 2 : 0, ColourRange::full, ChromaLocation::unspecified});
     if (plain) {

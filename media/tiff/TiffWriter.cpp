@@ -2,9 +2,10 @@
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
 #include "media/metadata/ExifBlock.h"
-#include "media/samples/Formats.h"
+#include "media/samples/FileStream.h"
 #include "media/samples/Rows.h"
 #include "media/tiff/Tiff.h"
+#include "media/tiff/TiffImage.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -86,13 +87,12 @@ void writeRows(const TiffFile &tiff, const Picture &picture, const Cancellation 
 
 } // namespace
 
-void writeTiff(const std::filesystem::path &file, const StillImage &image, const Cancellation &cancellation) {
+void writeTiff(const OutputFile &file, const StillImage &image, const Cancellation &cancellation) {
     if (image.picture.format.model == ColourModel::yuv)
-        throw MediaError(file, writing, 0, MediaReason::beyondFormat);
+        throw MediaError(file.path(), writing, 0, MediaReason::beyondFormat);
     const ExifBlock exif = ExifBlock::parse(image.metadata.exif);
     {
-        // "l": little-endian whatever the machine, which is what adding sub-directories relies on.
-        TiffFile tiff(file, "wl");
+        TiffFile tiff(file);
         describe(tiff, image.picture);
         setMetadata(tiff, image.metadata, exif);
         writeRows(tiff, image.picture, cancellation);

@@ -127,7 +127,7 @@ class HelpPages(unittest.TestCase):
         self.assertEqual(buttons - quoted - UNEXPLAINED - {"resize.mode.label"}, set())
 
     def test_every_extension_is_named(self):
-        code = read("engine/batch/MediaKinds.h")
+        code = read("engine/inspection/MediaKinds.h")
         extensions = re.findall(r'"(\w+)"', code)
         self.assertGreater(len(extensions), 10)
         for page in self.pages.values():

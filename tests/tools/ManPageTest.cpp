@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "tests/support/TestMedia.h"
 #include "tools/Json.h"
 #include "tools/OptionTable.h"

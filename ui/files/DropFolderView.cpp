@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/files/DropFolderView.h"
 
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "ui/desktop/PortalFiles.h"
 #include "ui/files/DropIcon.h"
 #include "ui/files/DroppedFiles.h"

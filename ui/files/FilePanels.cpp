@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/files/FilePanels.h"
 
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "ui/desktop/PortalFiles.h"
 #include "ui/files/FilesAndFoldersDialog.h"
 #include "ui/widgets/Localized.h"

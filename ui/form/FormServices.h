@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/MediaOperations.h"
 #include "engine/batch/VideoProcessor.h"
-#include "engine/inspection/Inspection.h"
-#include "engine/inspection/PictureFacts.h"
 #include "ui/alerts/AlertPresenter.h"
 #include "ui/files/FilePanels.h"
 
@@ -18,14 +17,16 @@ namespace lumetwin {
 struct SpatialFinding {
     bool isSpatial = false;
     StereoValues values = {};
-    std::optional<PictureFacts> picture = {}; ///< of what is not spatial
-    std::string failure = {};                 ///< why the file cannot be read; empty where it can
+    std::optional<PictureSize> picture = {}; ///< of what is not spatial
+    std::string failure = {};                ///< why the file cannot be read; empty where it can
 };
 
 /// What the form needs from the world around it. Tests put other answers in.
 struct FormServices {
     std::shared_ptr<AlertPresenter> alerts = std::make_shared<MessageBoxPresenter>();
     std::shared_ptr<FilePanels> panels = std::make_shared<DialogPanels>();
+    /// What is done to single files.
+    MediaOperations operations = MediaOperations::inProcess();
     /// On the batch's thread.
     std::function<void(VideoProcessor &processor)> runBatch = [](VideoProcessor &processor) { processor.processAll(); };
     /// On a background thread.

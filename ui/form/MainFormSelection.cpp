@@ -107,7 +107,7 @@ void MainViewController::checkSpatialMedia() {
 
 void MainViewController::checkFile(const fs::path &file) {
     setChecking(true);
-    checkSpatialFile(file, this, settings, services_, [this](const Alert &answer) {
+    checkSpatialFile(file, this, services_, [this](const Alert &answer) {
         setChecking(false);
         answer_ = answer;
         showAnswer();

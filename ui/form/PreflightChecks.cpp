@@ -2,8 +2,8 @@
 #include "ui/form/PreflightChecks.h"
 
 #include "engine/batch/InputList.h"
-#include "engine/batch/MediaKinds.h"
 #include "engine/batch/OutputNaming.h"
+#include "engine/inspection/MediaKinds.h"
 #include "engine/texts/Texts.h"
 #include "ui/form/ResizePreview.h"
 

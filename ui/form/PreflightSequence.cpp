@@ -79,8 +79,9 @@ void PreflightSequence::testCandidates() {
     std::future<void> soon = ended->get_future();
     const QPointer<PreflightSequence> weak(this);
     BackgroundThreads::shared().run("check", [weak, ended, test = test_, isSpatial = services_.isSpatialVideo,
+                                              operations = services_.operations,
                                               settings = std::shared_ptr<const ConversionSettings>(form_.settings)] {
-        const VideoProcessor processor(settings);
+        const VideoProcessor processor(settings, SystemVersion::current(), operations);
         for (const auto &video : test->candidates) {
             if (test->cancelled)
                 break;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/form/SpatialCheck.h"
 
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
 #include "ui/widgets/BackgroundThreads.h"
@@ -24,15 +24,6 @@ std::string valueLines(const StereoValues &values) {
     return lines;
 }
 
-/// What is not spatial is something else, or cannot be read at all.
-void lookAtPicture(const fs::path &file, SpatialFinding &finding) {
-    try {
-        finding.picture = pictureFacts(file);
-    } catch (const std::exception &error) {
-        finding.failure = errorMessage(error);
-    }
-}
-
 Alert whatItIs(const std::string &name, const SpatialFinding &finding, const std::vector<std::string> &buttons) {
     if (!finding.failure.empty())
         return {formatted("alert.check.unreadable.format", name), finding.failure, buttons};
@@ -48,18 +39,17 @@ Alert whatItIs(const std::string &name, const SpatialFinding &finding, const std
 
 } // namespace
 
-SpatialFinding inspectFile(const fs::path &file, const std::shared_ptr<const ConversionSettings> &settings) {
+SpatialFinding inspectFile(const fs::path &file, const MediaOperations &operations) {
     SpatialFinding finding;
-    if (isPhotoFile(file)) {
-        finding.isSpatial = VideoProcessor(settings).isSpatialPhoto(file);
-        if (finding.isSpatial)
-            finding.values = photoStereoValues(file);
-    } else {
-        finding.values = videoStereoValues(file);
-        finding.isSpatial = finding.values.stereoBaseline.has_value();
+    try {
+        const auto [facts, size] = operations.inspectFile(file);
+        finding.isSpatial = facts.isSpatial;
+        finding.picture = size;
+        if (facts.isSpatial)
+            finding.values = facts.values;
+    } catch (const std::exception &error) {
+        finding.failure = errorMessage(error);
     }
-    if (!finding.isSpatial)
-        lookAtPicture(file, finding);
     return finding;
 }
 
@@ -74,11 +64,11 @@ Alert spatialCheckAlert(const fs::path &file, const SpatialFinding &finding) {
     return {formatted("alert.spatial.check.yes.title", name), lines, buttons, {}, AlertStyle::informational};
 }
 
-void checkSpatialFile(const fs::path &file, QWidget *form, const std::shared_ptr<const ConversionSettings> &settings,
-                      const FormServices &services, const std::function<void(const Alert &answer)> &answered) {
+void checkSpatialFile(const fs::path &file, QWidget *form, const FormServices &services,
+                      const std::function<void(const Alert &answer)> &answered) {
     const QPointer<QWidget> weak(form);
-    BackgroundThreads::shared().run("inspect", [=, inspect = services.inspect] {
-        const SpatialFinding finding = inspect ? inspect(file) : inspectFile(file, settings);
+    BackgroundThreads::shared().run("inspect", [=, inspect = services.inspect, operations = services.operations] {
+        const SpatialFinding finding = inspect ? inspect(file) : inspectFile(file, operations);
         MainThreadQueue::shared().post([=] {
             if (weak)
                 answered(spatialCheckAlert(file, finding));

@@ -40,7 +40,7 @@ ProgressViewController *BatchPresentation::makeSheet(const std::shared_ptr<const
             weak->threadEnded();
     };
     auto *sheet = new ProgressViewController(
-        settings, {services_.alerts.get(), services_.runBatch, runEnded, services_.showInFolder});
+        settings, {services_.alerts.get(), services_.operations, services_.runBatch, runEnded, services_.showInFolder});
     connect(sheet, &ProgressViewController::dismissed, this, &BatchPresentation::dismissSheet);
     connect(sheet, &ProgressViewController::batchProgressed, this, &BatchPresentation::batchProgressed);
     connect(sheet, &ProgressViewController::batchFinished, this, [this](bool success, const QString &message) {

@@ -2,7 +2,7 @@
 // One run of a batch, and what the sheet does with what the batch reports.
 #include "ui/progress/ProgressViewController.h"
 
-#include "engine/batch/FileNames.h"
+#include "engine/texts/FileNames.h"
 #include "engine/texts/WarningTexts.h"
 #include "ui/alerts/AlertPresenter.h"
 #include "ui/progress/ProgressTexts.h"
@@ -36,7 +36,7 @@ void ProgressViewController::startProcessing() {
     timerUpdateTimer = new QTimer(this);
     connect(timerUpdateTimer, &QTimer::timeout, this, &ProgressViewController::updateElapsedTime);
     timerUpdateTimer->start(500);
-    processor = std::make_shared<VideoProcessor>(settings);
+    processor = std::make_shared<VideoProcessor>(settings, SystemVersion::current(), services_.operations);
     connectProcessor();
     // The thread keeps the processor alive, not the sheet.
     BackgroundThreads::shared().run("batch", [processor = processor, services = services_] {

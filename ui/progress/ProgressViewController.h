@@ -40,6 +40,7 @@ public:
 
     struct Services {
         AlertPresenter *alerts;
+        MediaOperations operations = MediaOperations::inProcess();
         BatchRun run = [](VideoProcessor &batch) { batch.processAll(); };
         /// On the interface thread, when the batch has returned, also when the sheet is gone by then.
         std::function<void()> runEnded = {};

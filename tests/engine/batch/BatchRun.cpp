@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/engine/batch/BatchRun.h"
 
-#include "engine/batch/FileNames.h"
+#include "engine/texts/FileNames.h"
 #include "engine/texts/Texts.h"
 
 #include <utility>

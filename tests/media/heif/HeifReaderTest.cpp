@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/HeifFile.h"
 #include "media/MediaError.h"
+#include "media/heif/HeifFile.h"
 #include "media/heif/ImageList.h"
 #include "tests/media/heif/HeifBuilder.h"
 #include "tests/support/TestMedia.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ColourConversion.h"
-#include "media/HeifFile.h"
 #include "media/MediaError.h"
+#include "media/heif/HeifFile.h"
 #include "media/heif/HeifWriter.h"
 #include "tests/support/SpatialPhotos.h"
 

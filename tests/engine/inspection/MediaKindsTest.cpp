@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 #include "engine/batch/InputList.h"
 #include "tests/support/TestMedia.h"
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/InputFile.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -121,11 +122,11 @@ struct HeifFile {
 
 /// Reads headers only and decodes nothing. Throws MediaError when the file is no HEIF file, an image sequence and
 /// nothing else, damaged, or beyond the limits.
-HeifFile readHeifFile(const std::filesystem::path &file);
+HeifFile readHeifFile(const InputFile &file);
 
 /// The bytes of one payload of the file that it was read from. Throws MediaError when they are more than the limit or
 /// not all there.
-std::vector<std::uint8_t> readHeifPayload(const std::filesystem::path &file, const HeifPayload &payload,
+std::vector<std::uint8_t> readHeifPayload(const InputFile &file, const HeifPayload &payload,
                                           std::uint64_t limit = std::uint64_t{16} << 20);
 
 } // namespace lumetwin::media

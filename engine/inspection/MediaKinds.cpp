@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/batch/MediaKinds.h"
+#include "engine/inspection/MediaKinds.h"
 
-#include "engine/batch/FileNames.h"
+#include "engine/texts/FileNames.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/batch/FileNames.h"
+#include "engine/texts/FileNames.h"
 
 #include <algorithm>
 #include <array>

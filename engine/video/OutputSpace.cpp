@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/video/OutputSpace.h"
+
+#include "engine/texts/FileNames.h"
+#include "engine/texts/ProcessorError.h"
+#include "engine/texts/Texts.h"
+
+#include <sys/statvfs.h>
+
+namespace lumetwin {
+namespace {
+
+// Encoders keep to a rate only roughly, and a file system that is filled to its last byte helps nobody.
+constexpr double margin = 1.1;
+constexpr double headroom = 16.0 * 1024 * 1024; // bytes
+
+/// Below 0 where that is unknown: some file systems of networks and devices state no size at all.
+double freeBytes(const media::OutputFile &output) {
+    struct statvfs facts {};
+    if (::fstatvfs(output.descriptor(), &facts) != 0 || facts.f_blocks == 0)
+        return -1;
+    return static_cast<double>(facts.f_bavail) * static_cast<double>(facts.f_frsize);
+}
+
+} // namespace
+
+void requireSpace(const media::OutputFile &output, double estimatedBytes) {
+    const double available = freeBytes(output);
+    const double needed = estimatedBytes * margin + headroom;
+    constexpr double mebibyte = 1024.0 * 1024;
+    if (available >= 0 && available < needed)
+        throw processorError(formatted("error.output.no.space.format", lastPathComponent(output.path()),
+                                       needed / mebibyte, available / mebibyte));
+}
+
+} // namespace lumetwin

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/OutputFile.h"
+
+#include "media/Descriptor.h"
+#include "media/MediaError.h"
+
+#include <cerrno>
+#include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace lumetwin::media {
+
+struct OutputFile::Opened {
+    Descriptor descriptor;
+    std::filesystem::path finalName;
+};
+
+OutputFile::OutputFile(int descriptor, std::filesystem::path finalName)
+    : opened_(std::make_shared<const Opened>(Opened{Descriptor(descriptor), std::move(finalName)})) {}
+
+const std::filesystem::path &OutputFile::path() const {
+    return opened_->finalName;
+}
+
+int OutputFile::descriptor() const {
+    return opened_->descriptor.get();
+}
+
+void OutputFile::writeAt(std::uint64_t position, std::span<const std::uint8_t> bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t count = ::pwrite(descriptor(), bytes.data(), bytes.size(), static_cast<off_t>(position));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            throw MediaError::ofSystem(path(), MediaOperation::write, errno);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+        position += static_cast<std::uint64_t>(count);
+    }
+}
+
+std::size_t OutputFile::readAt(std::uint64_t position, std::span<std::uint8_t> buffer) const {
+    return readFrom(descriptor(), position, buffer, path());
+}
+
+std::uint64_t OutputFile::size() const {
+    struct stat facts {};
+    if (::fstat(descriptor(), &facts) != 0)
+        throw MediaError::ofSystem(path(), MediaOperation::write, errno);
+    return static_cast<std::uint64_t>(facts.st_size);
+}
+
+void OutputFile::truncate(std::uint64_t size) const {
+    if (::ftruncate(descriptor(), static_cast<off_t>(size)) != 0)
+        throw MediaError::ofSystem(path(), MediaOperation::write, errno);
+}
+
+} // namespace lumetwin::media

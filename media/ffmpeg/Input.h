@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/ffmpeg/FileIO.h"
+
+#include <memory>
+
+namespace lumetwin::media::ffmpeg {
+
+/// A demuxer that reads an opened file, at a position of its own, and nothing else.
+class Input {
+public:
+    /// Reads the headers. Throws MediaError ("Cannot open …").
+    explicit Input(const InputFile &file);
+
+    AVFormatContext *get() const { return context_.get(); }
+    AVFormatContext *operator->() const { return context_.get(); }
+    AVFormatContext &operator*() const { return *context_; }
+
+private:
+    struct Close {
+        void operator()(AVFormatContext *context) const { avformat_close_input(&context); }
+    };
+
+    std::unique_ptr<FileIO> io_; ///< outlives what reads from it
+    std::unique_ptr<AVFormatContext, Close> context_;
+};
+
+} // namespace lumetwin::media::ffmpeg

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/Image.h"
+#include "media/InputFile.h"
+#include "media/OutputFile.h"
+
+namespace lumetwin::media::images {
+
+int tiffPageCount(const InputFile &file);
+/// See readImage().
+StillImage readTiff(const InputFile &file, const Cancellation &cancellation);
+/// Grey and RGB; metadata as it is handed over.
+void writeTiff(const OutputFile &file, const StillImage &image, const Cancellation &cancellation);
+
+} // namespace lumetwin::media::images
