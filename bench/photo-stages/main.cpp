@@ -3,8 +3,7 @@
 //
 //   lumetwin-photo-stages sbs|spatial FILE OUT COUNT   resident KiB after 50 conversions and after COUNT
 
-#include "engine/photo/SBSImageToSpatial.h"
-#include "engine/photo/SpatialPhotoToSBS.h"
+#include "engine/batch/FileConversion.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -30,14 +29,16 @@ int main(int count, char **words) {
         std::fputs("usage: lumetwin-photo-stages sbs|spatial FILE OUT COUNT\n", stderr);
         return 2;
     }
-    const auto convert =
-        std::string(words[1]) == "sbs" ? lumetwin::convertSpatialPhotoToSBS : lumetwin::convertSBSImageToSpatial;
+    const auto kind = std::string(words[1]) == "sbs" ? lumetwin::ConversionKind::spatialPhotoToSBS
+                                                     : lumetwin::ConversionKind::sbsImageToSpatial;
     const int rounds = std::atoi(words[4]);
     try {
         const lumetwin::ConversionSettings settings;
         long early = 0;
         for (int round = 1; round <= rounds; ++round) {
-            convert(settings, words[2], words[3], {});
+            lumetwin::convertFile(lumetwin::MediaOperations::inProcess(), kind, settings,
+                                  lumetwin::openInput(kind, words[2]), words[3], {},
+                                  lumetwin::SystemVersion::current());
             if (round == 50)
                 early = residentKiB();
         }

@@ -7,13 +7,13 @@
 //   lumetwin-stages memory sbs|spatial FILE OUT    resident KiB at every 1000th frame of a whole conversion
 //   lumetwin-stages inspect FILE…                  seconds to tell which of the files are spatial
 
+#include "engine/batch/FileConversion.h"
 #include "engine/geometry/SBSComposition.h"
 #include "engine/inspection/Inspection.h"
 #include "engine/inspection/VideoInfo.h"
 #include "engine/stereo/EyeExtraction.h"
-#include "engine/video/SBSVideoToSpatial.h"
-#include "engine/video/SpatialVideoToSBS.h"
 #include "engine/video/VideoConversion.h"
+#include "media/PartialFile.h"
 
 #include <chrono>
 #include <cstdio>
@@ -51,7 +51,7 @@ long residentKiB() {
 }
 
 std::vector<media::Frame> decodeAll(const char *file, VideoInfo &info, media::Views views, bool keep) {
-    media::MovieFile movie(file);
+    media::MovieFile movie{media::InputFile(file)};
     info = loadVideoInfo(movie);
     media::FrameReader reader(movie, info.track, views);
     std::vector<media::Frame> frames;
@@ -110,7 +110,8 @@ void encode(const char *file) {
     const std::string output = std::string(file) + ".encode.mp4";
     const double cpu = cpuSeconds();
     const double wall = wallSeconds();
-    media::MovieWriter writer(output, media::Container::mpeg4, {});
+    media::PartialFile partial(output);
+    media::MovieWriter writer(partial.file(), media::Container::mpeg4, {});
     media::VideoEncoding encoding;
     encoding.width = canvases.front().width;
     encoding.height = canvases.front().height;
@@ -125,6 +126,7 @@ void encode(const char *file) {
         writer.append(canvas, time++ * timing.frameDuration, timing.frameDuration);
     writer.finishVideo();
     writer.finish();
+    partial.finish();
     print(cpuSeconds() - cpu, wallSeconds() - wall);
     std::remove(output.c_str());
 }
@@ -137,7 +139,8 @@ void encodeStereo(const char *file) {
     const int width = static_cast<int>(info.width / 2);
     const double cpu = cpuSeconds();
     const double wall = wallSeconds();
-    media::MovieWriter writer(output, media::Container::quickTime, {});
+    media::PartialFile partial(output);
+    media::MovieWriter writer(partial.file(), media::Container::quickTime, {});
     media::StereoVideoEncoding encoding;
     encoding.width = width;
     encoding.height = static_cast<int>(info.height);
@@ -157,6 +160,7 @@ void encodeStereo(const char *file) {
     }
     writer.finishVideo();
     writer.finish();
+    partial.finish();
     print(cpuSeconds() - cpu, wallSeconds() - wall);
     std::remove(output.c_str());
 }
@@ -171,10 +175,10 @@ void memory(const std::string &direction, const char *file, const char *output) 
             separator = ", ";
         }
     };
-    if (direction == "sbs")
-        convertSpatialVideoToSBS(settings, file, output, control);
-    else
-        convertSBSVideoToSpatial(settings, file, output, control);
+    const ConversionKind kind =
+        direction == "sbs" ? ConversionKind::spatialVideoToSBS : ConversionKind::sbsVideoToSpatial;
+    convertFile(MediaOperations::inProcess(), kind, settings, openInput(kind, file), output, control,
+                SystemVersion::current());
     std::printf("}\n");
 }
 
@@ -182,7 +186,7 @@ void inspect(char **files, int count) {
     const double wall = wallSeconds();
     int spatial = 0;
     for (int index = 0; index < count; ++index)
-        spatial += isSpatialVideo(files[index]);
+        spatial += isSpatialVideo(lookAt(media::InputFile(files[index])));
     std::printf("{\"wall\": %.4f, \"files\": %d, \"spatial\": %d}\n", wallSeconds() - wall, count, spatial);
 }
 

@@ -6,6 +6,7 @@
 #include "app/WindowSizes.h"
 #include "engine/texts/Texts.h"
 #include "support/Scripted.h"
+#include "tests/support/Paths.h"
 #include "ui/alerts/CheckingDialog.h"
 #include "ui/form/MainViewController.h"
 #include "ui/widgets/BackgroundThreads.h"

@@ -29,14 +29,24 @@ TEST(PartialFile, cutsALongNameBetweenCharacters) {
 
 TEST(PartialFile, writesUnderTheLongestNameOfAFile) {
     const test::TemporaryFolder folder;
-    const PartialFile file(folder / (std::string(251, 'x') + ".mov"));
-    PartialFileWriter writer(file);
-    writer.write(test::Bytes{1, 2, 3});
-    writer.close();
-    EXPECT_FALSE(std::filesystem::exists(file.output()));
+    const std::filesystem::path output = folder / (std::string(251, 'x') + ".mov");
+    PartialFile file(output);
+    file.file().writeAt(0, test::Bytes{1, 2, 3});
+    EXPECT_FALSE(std::filesystem::exists(output));
     file.finish();
-    EXPECT_EQ(test::readFile(file.output()), (test::Bytes{1, 2, 3}));
-    EXPECT_FALSE(std::filesystem::exists(file.path()));
+    EXPECT_EQ(test::readFile(output), (test::Bytes{1, 2, 3}));
+    EXPECT_FALSE(std::filesystem::exists(PartialFile::nameFor(output)));
+}
+
+TEST(PartialFile, staysWhereItIsNotFinishedUnlessItIsEmpty) {
+    const test::TemporaryFolder folder;
+    { const PartialFile file(folder / "empty.mov"); }
+    EXPECT_FALSE(std::filesystem::exists(PartialFile::nameFor(folder / "empty.mov")));
+    {
+        const PartialFile file(folder / "begun.mov");
+        file.file().writeAt(2, test::Bytes{7});
+    }
+    EXPECT_EQ(test::readFile(PartialFile::nameFor(folder / "begun.mov")), (test::Bytes{0, 0, 7}));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/Clips.h"
+#include "tests/support/MovieFileWriter.h"
 
 #include "media/MovieWriter.h"
 #include "tests/support/Drawing.h"
@@ -67,7 +68,7 @@ std::filesystem::path drawStereo(const std::filesystem::path &file, const Stereo
     encoding.colour = {1, 1, 1, media::ColourRange::limited, media::ChromaLocation::left};
     encoding.baseline = 64000;
     encoding.horizontalFieldOfView = 63400;
-    media::MovieWriter writer(file, media::Container::quickTime, {});
+    MovieFileWriter writer(file, media::Container::quickTime, {});
     writer.addVideo(encoding);
     writer.start(600);
     const auto duration = static_cast<std::int64_t>(600 / clip.rate);

@@ -3,6 +3,7 @@
 
 #include "engine/texts/Texts.h"
 #include "engine/texts/WarningTexts.h"
+#include "tests/support/Paths.h"
 
 #include <gtest/gtest.h>
 
@@ -12,13 +13,12 @@ namespace lumetwin::test {
 
 namespace {
 
-template <typename Converter>
-Conversion run(const Converter &converter, const ConversionSettings &settings, const std::filesystem::path &input,
+Conversion run(ConversionKind kind, const ConversionSettings &settings, const std::filesystem::path &input,
                const std::filesystem::path &output, SystemVersion system) {
     Conversion run;
     ConversionControl control;
     control.onFrameProgress = [&](std::int64_t frame, std::int64_t total) { run.progress.emplace_back(frame, total); };
-    run.outcome = converter(settings, input, output, control, system);
+    run.outcome = convertFile(kind, settings, input, output, control, system);
     setTextLocale("en");
     for (const Warning &warning : run.outcome.warnings)
         (isNote(warning.kind) ? run.notes : run.warnings).push_back(warningText(warning));
@@ -36,12 +36,12 @@ void expectEye(const LumaFrames &frames, std::size_t frame, int x, int width, in
 
 Conversion toSpatial(const ConversionSettings &settings, const std::filesystem::path &input,
                      const std::filesystem::path &output, SystemVersion system) {
-    return run(convertSBSVideoToSpatial, settings, input, output, system);
+    return run(ConversionKind::sbsVideoToSpatial, settings, input, output, system);
 }
 
 Conversion toSBS(const ConversionSettings &settings, const std::filesystem::path &input,
                  const std::filesystem::path &output, SystemVersion system) {
-    return run(convertSpatialVideoToSBS, settings, input, output, system);
+    return run(ConversionKind::spatialVideoToSBS, settings, input, output, system);
 }
 
 void expectViews(const std::filesystem::path &movie, int width, int height, int left, int right) {

@@ -2,6 +2,7 @@
 #include "tests/support/SpatialPhotos.h"
 
 #include "tests/media/bmff/BoxBuilder.h"
+#include "tests/support/Paths.h"
 
 #include <cmath>
 #include <numbers>

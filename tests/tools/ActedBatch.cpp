@@ -8,11 +8,14 @@
 //   note…     is written with a note
 //   plain…    is not spatial (nor is a folder)
 // Everything else is written at once.
+#include "engine/inspection/MediaKinds.h"
 #include "engine/texts/ProcessorError.h"
+#include "media/InputFile.h"
+#include "media/OutputFile.h"
 #include "tools/Commands.h"
 
+#include <array>
 #include <chrono>
-#include <fstream>
 #include <thread>
 #include <vector>
 
@@ -22,10 +25,6 @@ namespace {
 
 bool begins(const std::filesystem::path &file, const char *word) {
     return file.filename().string().rfind(word, 0) == 0;
-}
-
-bool isSpatial(const std::filesystem::path &file) {
-    return !begins(file, "plain") && !std::filesystem::is_directory(file);
 }
 
 void reportFrames(const ConversionControl &control) {
@@ -51,8 +50,9 @@ std::vector<Warning> warningsOf(const std::filesystem::path &input) {
     return warnings;
 }
 
-Outcome convert(const std::filesystem::path &input, const std::filesystem::path &output,
-                const ConversionControl &control) {
+Outcome convert(const ConversionSettings &, const media::InputFile &file, const media::OutputFile &output,
+                const ConversionControl &control, SystemVersion) {
+    const std::filesystem::path &input = file.path();
     if (begins(input, "fail"))
         throw processorError("acted failure");
     if (begins(input, "stuck"))
@@ -61,23 +61,27 @@ Outcome convert(const std::filesystem::path &input, const std::filesystem::path 
         reportFrames(control);
         return {.written = false, .framesWritten = 8, .framesExpected = 1000, .warnings = {}};
     }
-    std::ofstream(output) << "converted";
+    constexpr std::array<std::uint8_t, 3> content{1, 2, 3};
+    output.writeAt(0, content);
+    if (isPhotoFile(input))
+        return Outcome::ofPhoto(warningsOf(input));
     return {.written = true, .framesWritten = 90, .framesExpected = 120, .warnings = warningsOf(input)};
 }
 
+MediaFacts look(const media::InputFile &file) {
+    MediaFacts facts;
+    facts.kind = isPhotoFile(file.path()) ? MediaFacts::Kind::photo : MediaFacts::Kind::video;
+    facts.isSpatial = !begins(file.path(), "plain");
+    return facts;
+}
+
 MediaOperations acted() {
-    const auto video = [](const ConversionSettings &, const auto &input, const auto &output,
-                          const ConversionControl &control, SystemVersion) { return convert(input, output, control); };
-    const auto photo = [](const ConversionSettings &, const auto &input, const auto &output,
-                          const ConversionControl &control) {
-        return Outcome::ofPhoto(convert(input, output, control).warnings);
-    };
-    return {.isSpatialVideo = [](const auto &file, SystemVersion) { return isSpatial(file); },
-            .isSpatialPhoto = isSpatial,
-            .convertSpatialVideoToSBS = video,
-            .convertSBSVideoToSpatial = video,
-            .convertSpatialPhotoToSBS = photo,
-            .convertSBSImageToSpatial = photo};
+    return {.look = look,
+            .measure = {},
+            .convertSpatialVideoToSBS = convert,
+            .convertSBSVideoToSpatial = convert,
+            .convertSpatialPhotoToSBS = convert,
+            .convertSBSImageToSpatial = convert};
 }
 
 } // namespace

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/engine/batch/BatchRun.h"
 
+#include "engine/inspection/MediaKinds.h"
 #include "engine/texts/FileNames.h"
 #include "engine/texts/Texts.h"
+#include "media/InputFile.h"
+#include "media/OutputFile.h"
 
 #include <utility>
 
@@ -22,47 +25,45 @@ std::filesystem::path BatchRun::file(const std::string &name) {
     return input / name;
 }
 
-Outcome BatchRun::convert(const std::string &converter, const std::filesystem::path &from,
-                          const std::filesystem::path &to, const ConversionControl *control) {
-    calls.push_back(converter + " " + from.filename().string() + " " + to.filename().string());
-    sources.push_back(from);
+Outcome BatchRun::convert(const std::string &converter, const media::InputFile &from, const media::OutputFile &to,
+                          const ConversionControl &control) {
+    const std::string name = from.path().filename().string();
+    calls.push_back(converter + " " + name + " " + to.path().filename().string());
+    sources.push_back(from.path());
     if (!settings->recursive) {
-        EXPECT_EQ(to.parent_path(), *settings->outputFolderURL);
+        EXPECT_EQ(to.path().parent_path(), *settings->outputFolderURL);
     }
-    const auto action = actions.find(from.filename().string());
+    const auto action = actions.find(name);
     if (action != actions.end())
-        action->second(control);
+        action->second(&control);
     else
-        writeFile(to, std::string("converted"));
+        to.writeAt(0, Bytes{1, 2, 3});
     Outcome outcome = std::exchange(nextOutcome, {.warnings = {}});
-    outcome.written = !control->cancelled() || std::exchange(finishesAllTheSame, false);
+    outcome.written = !control.cancelled() || std::exchange(finishesAllTheSame, false);
     return outcome;
 }
 
+MediaOperations::Converter BatchRun::converter(const char *name) {
+    return [this, name](const ConversionSettings &given, const media::InputFile &from, const media::OutputFile &to,
+                        const ConversionControl &control, SystemVersion) {
+        EXPECT_EQ(&given, settings.get());
+        return convert(name, from, to, control);
+    };
+}
+
 MediaOperations BatchRun::operations() {
-    const auto isSpatial = [this](const std::filesystem::path &file) {
-        return spatialNames.count(file.filename().string()) > 0;
+    const auto look = [this](const media::InputFile &file) {
+        MediaFacts facts;
+        facts.kind = isPhotoFile(file.path()) ? MediaFacts::Kind::photo : MediaFacts::Kind::video;
+        facts.isSpatial = spatialNames.count(file.path().filename().string()) > 0;
+        return facts;
     };
-    const auto video = [this](const char *name) {
-        return [this, name](const ConversionSettings &given, const auto &from, const auto &to,
-                            const ConversionControl &control, SystemVersion) {
-            EXPECT_EQ(&given, settings.get());
-            return convert(name, from, to, &control);
-        };
-    };
-    const auto photo = [this](const char *name) {
-        return [this, name](const ConversionSettings &given, const auto &from, const auto &to,
-                            const ConversionControl &control) {
-            EXPECT_EQ(&given, settings.get());
-            return convert(name, from, to, &control);
-        };
-    };
-    return {.isSpatialVideo = [isSpatial](const auto &file, SystemVersion) { return isSpatial(file); },
-            .isSpatialPhoto = isSpatial,
-            .convertSpatialVideoToSBS = video("videoToSBS"),
-            .convertSBSVideoToSpatial = video("videoToSpatial"),
-            .convertSpatialPhotoToSBS = photo("photoToSBS"),
-            .convertSBSImageToSpatial = photo("imageToSpatial")};
+    return {.look = look,
+            .measure = {},
+            .convertSpatialVideoToSBS = converter("videoToSBS"),
+            .convertSBSVideoToSpatial = converter("videoToSpatial"),
+            .convertSpatialPhotoToSBS = converter("photoToSBS"),
+            .convertSBSImageToSpatial = converter("imageToSpatial")};
 }
 
 void BatchRun::run(SystemVersion system) {

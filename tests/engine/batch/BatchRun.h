@@ -65,8 +65,9 @@ protected:
 
 private:
     MediaOperations operations();
-    Outcome convert(const std::string &converter, const std::filesystem::path &from, const std::filesystem::path &to,
-                    const ConversionControl *control);
+    MediaOperations::Converter converter(const char *name);
+    Outcome convert(const std::string &converter, const media::InputFile &from, const media::OutputFile &to,
+                    const ConversionControl &control);
 };
 
 } // namespace lumetwin::test

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/batch/OutputPlace.h"
+#include "engine/video/OutputSpace.h"
 
 #include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
@@ -15,6 +16,8 @@
 #include <grp.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <fcntl.h>
 
 namespace lumetwin {
 namespace {
@@ -150,17 +153,23 @@ TEST_F(Place, ReadOnlyFileSystemSaysSo) {
                 HasSubstr("cannot be written to (Read-only file system)."));
 }
 
+media::OutputFile opened(const std::filesystem::path &file) {
+    return {::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666), file};
+}
+
 TEST_F(Place, TooLittleSpaceIsToldInNumbers) {
-    EXPECT_EQ(complaint([&] { requireSpace(out / "a_sbs.mp4", 1); }), "");
+    EXPECT_EQ(complaint([&] { requireSpace(opened(out / "a_sbs.mp4"), 1); }), "");
     // A million TiB, and a tenth more.
-    EXPECT_THAT(complaint([&] { requireSpace(out / "a_sbs.mp4", 1024.0 * 1024 * 1024 * 1024 * 1e6); }),
+    EXPECT_THAT(complaint([&] { requireSpace(opened(out / "a_sbs.mp4"), 1024.0 * 1024 * 1024 * 1024 * 1e6); }),
                 MatchesRegex("There is not enough space for a_sbs.mp4: about 1153433600016 MiB are needed, "
                              "[0-9]+ MiB are free."));
 }
 
 TEST_F(Place, UnknownSpaceIsNoObstacle) {
-    EXPECT_EQ(complaint([&] { requireSpace(folder / "gone/a_sbs.mp4", 1e30); }), "");
-    EXPECT_EQ(complaint([&] { requireSpace("/proc/a_sbs.mp4", 1e30); }), "") << "a file system that states no size";
+    const media::OutputFile closed(-1, folder / "a_sbs.mp4");
+    EXPECT_EQ(complaint([&] { requireSpace(closed, 1e30); }), "");
+    const media::OutputFile inProc(::open("/proc/self/status", O_RDONLY | O_CLOEXEC), "/proc/a_sbs.mp4");
+    EXPECT_EQ(complaint([&] { requireSpace(inProc, 1e30); }), "") << "a file system that states no size";
 }
 
 } // namespace

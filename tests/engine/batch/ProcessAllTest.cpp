@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/texts/Texts.h"
+#include "media/InputFile.h"
 #include "tests/engine/batch/BatchRun.h"
+#include "tests/support/Paths.h"
 
 #include <gmock/gmock.h>
 
@@ -180,8 +182,13 @@ TEST_F(ProcessAll, RunsWithoutCallbacks) {
     const std::string printed = [&] {
         testing::internal::CaptureStdout();
         auto operations = MediaOperations{
-            .isSpatialVideo = [](const auto &name, SystemVersion) { return name.filename() == "v.mov"; },
-            .isSpatialPhoto = {},
+            .look =
+                [](const media::InputFile &from) {
+                    MediaFacts facts;
+                    facts.isSpatial = from.path().filename() == "v.mov";
+                    return facts;
+                },
+            .measure = {},
             .convertSpatialVideoToSBS = [](auto &&...) -> Outcome { throw std::runtime_error("no luck"); },
             .convertSBSVideoToSpatial = {},
             .convertSpatialPhotoToSBS = {},

@@ -6,6 +6,7 @@
 #include "engine/texts/Texts.h"
 #include "tests/support/BoxEdits.h"
 #include "tests/support/Clips.h"
+#include "tests/support/Paths.h"
 
 #include <gtest/gtest.h>
 
@@ -39,7 +40,7 @@ TEST(IsSpatialVideo, isFalseOnSystemsBeforeVersion14) {
     const auto movie = spatialMovie(folder);
     EXPECT_FALSE(isSpatialVideo(movie, {13, 9, 9}));
     EXPECT_TRUE(isSpatialVideo(movie, {14, 0, 0}));
-    EXPECT_FALSE(videoStereoValues(movie, {13, 9, 9}).stereoBaseline.has_value());
+    EXPECT_FALSE(stereoValues(movie, {13, 9, 9}).stereoBaseline.has_value());
 }
 
 TEST(IsSpatialVideo, isFalseForEverythingElse) {
@@ -49,14 +50,14 @@ TEST(IsSpatialVideo, isFalseForEverythingElse) {
     test::writeFile(folder / "text.mov", std::string("no movie"));
     for (const char *name : {"flat.mp4", "sound.mp4", "text.mov", "absent.mov"}) {
         EXPECT_FALSE(isSpatialVideo(folder / name)) << name;
-        EXPECT_FALSE(videoStereoValues(folder / name).horizontalFOV.has_value()) << name;
+        EXPECT_FALSE(stereoValues(folder / name).horizontalFOV.has_value()) << name;
     }
 }
 
 TEST(VideoInfo, needsAVideoTrack) {
     const TemporaryFolder folder;
     test::ffmpeg({"-f", "lavfi", "-i", "sine=d=0.2", "-c:a", "aac", (folder / "sound.mp4").string()});
-    const media::MovieFile movie(folder / "sound.mp4");
+    const media::MovieFile movie(media::InputFile(folder / "sound.mp4"));
     try {
         loadVideoInfo(movie);
         FAIL();
@@ -77,7 +78,7 @@ TEST(VideoInfo, holdsTheFactsOfTheFirstVideoTrack) {
     test::ffmpeg({"-f", "lavfi", "-i", "sine=d=1", "-i", (folder / "first.mp4").string(), "-i",
                   (folder / "second.mp4").string(), "-map", "0:a", "-map", "1:v", "-map", "2:v", "-c:v", "copy",
                   (folder / "in.mov").string()});
-    const media::MovieFile movie(folder / "in.mov");
+    const media::MovieFile movie(media::InputFile(folder / "in.mov"));
     const VideoInfo info = loadVideoInfo(movie);
     EXPECT_EQ(info.width, 384);
     EXPECT_EQ(info.height, 96);
@@ -103,7 +104,7 @@ TEST(VideoInfo, takesARotatedMovieAsItIsStored) {
     test::draw(folder / "flat.mp4");
     test::ffmpeg({"-display_rotation", "90", "-i", (folder / "flat.mp4").string(), "-c", "copy",
                   (folder / "turned.mp4").string()});
-    const VideoInfo info = loadVideoInfo(media::MovieFile(folder / "turned.mp4"));
+    const VideoInfo info = loadVideoInfo(media::MovieFile(media::InputFile(folder / "turned.mp4")));
     EXPECT_EQ(info.width, 384);
     EXPECT_EQ(info.height, 96);
 }

@@ -4,6 +4,7 @@
 #include "engine/photo/SpatialPhotoToSBS.h"
 #include "media/PhotoExtras.h"
 #include "tests/media/bmff/BoxBuilder.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SpatialPhotos.h"
 
 #include <gmock/gmock.h>
@@ -150,9 +151,9 @@ TEST_F(PhotoNotes, aSpatialPhotoTellsWhatItLosesOnItsWay) {
 
 TEST_F(PhotoNotes, depthIsOnlyReducedWhereTheOutputHoldsLess) {
     writeSpatialPhoto(file("in.heic"), drawn(64, 64), drawn(64, 64, 2));
-    EXPECT_THAT(photoNotes(file("in.heic"), 10, 16), IsEmpty());
-    EXPECT_THAT(photoNotes(file("in.heic"), 8, 8), IsEmpty());
-    EXPECT_THAT(photoNotes(file("in.heic"), 10, 8),
+    EXPECT_THAT(photoNotes(media::ImageFile(media::InputFile(file("in.heic"))), 10, 16), IsEmpty());
+    EXPECT_THAT(photoNotes(media::ImageFile(media::InputFile(file("in.heic"))), 8, 8), IsEmpty());
+    EXPECT_THAT(photoNotes(media::ImageFile(media::InputFile(file("in.heic"))), 10, 8),
                 ElementsAre(Warning{WarningKind::depthReduced, {std::int64_t{10}}}));
 }
 

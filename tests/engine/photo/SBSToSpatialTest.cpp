@@ -6,6 +6,7 @@
 #include "engine/photo/SpatialPhotoToSBS.h"
 #include "engine/texts/ProcessorError.h"
 #include "engine/video/StereoEncoderSettings.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SpatialPhotos.h"
 
 #include <gmock/gmock.h>
@@ -113,7 +114,7 @@ TEST_F(SBSToSpatial, valuesAreThoseOfTheTable) {
     EXPECT_THAT(info, HasSubstr("focal length: 960.000000; 960.000000"));
     EXPECT_THAT(info, HasSubstr("principal point: 3840.000000; 2160.000000"));
     EXPECT_THAT(info, HasSubstr("camera position (um): 64000"));
-    const StereoValues values = photoStereoValues(file("out.heic"));
+    const StereoValues values = stereoValues(file("out.heic"));
     EXPECT_NEAR(values.horizontalFOV.value(), 90, 1e-6);
     EXPECT_NEAR(values.stereoBaseline.value(), 64, 1e-9);
     EXPECT_EQ(values.disparity, 2.5);
@@ -125,7 +126,7 @@ TEST_F(SBSToSpatial, valuesAreTruncatedNotRounded) {
     settings_.disparityAdjustment = 0;
     EXPECT_EQ(spatialPhotoFacts(settings_, 100, 100).disparityAdjustment, 0);
     convert(drawn(40, 20));
-    EXPECT_EQ(photoStereoValues(file("out.heic")).disparity, 0.0);
+    EXPECT_EQ(stereoValues(file("out.heic")).disparity, 0.0);
 }
 
 TEST_F(SBSToSpatial, baselinesAreTruncatedNotRounded) {
@@ -167,7 +168,7 @@ TEST_F(SBSToSpatial, aFieldOfViewOfZeroGivesAnInfiniteFocalLength) {
     EXPECT_TRUE(std::isinf(spatialPhotoFacts(settings_, 100, 100).focalLength));
     convert(drawn(80, 40));
     EXPECT_TRUE(isSpatialPhoto(file("out.heic")));
-    EXPECT_NEAR(photoStereoValues(file("out.heic")).horizontalFOV.value_or(0), 0, 1e-3);
+    EXPECT_NEAR(stereoValues(file("out.heic")).horizontalFOV.value_or(0), 0, 1e-3);
 }
 
 TEST_F(SBSToSpatial, transparencyIsDrawnOntoBlack) {
@@ -405,7 +406,7 @@ TEST_F(SBSToSpatial, photographsOfTheSamplesThereAndBack) {
         Raster original = readWithMagick(source);
         original = part(original, 0, 0, original.width / 2 * 2, original.height);
         EXPECT_GT(psnr(readWithMagick(file("back.jpg")), original), 42);
-        EXPECT_NEAR(photoStereoValues(file("out.heic")).horizontalFOV.value(), 63.4, 1e-4);
+        EXPECT_NEAR(stereoValues(file("out.heic")).horizontalFOV.value(), 63.4, 1e-4);
     }
 }
 
@@ -430,7 +431,7 @@ TEST_F(PhotoInspection, ordinaryFilesAreNotSpatial) {
     writeFile(file("text.heic"), Bytes{'n', 'o'});
     for (const char *name : {"one.heic", "a.jpg", "text.heic", "none.heic"}) {
         EXPECT_FALSE(isSpatialPhoto(file(name))) << name;
-        const StereoValues values = photoStereoValues(file(name));
+        const StereoValues values = stereoValues(file(name));
         EXPECT_FALSE(values.horizontalFOV || values.stereoBaseline || values.disparity) << name;
     }
 }
@@ -438,7 +439,7 @@ TEST_F(PhotoInspection, ordinaryFilesAreNotSpatial) {
 TEST_F(PhotoInspection, readsTheValues) {
     media::SpatialPhotoFacts facts{32, {32, 32}, {-63500, 0, 0}, 150};
     media::writeSpatialPhoto(file("a.heic"), pictureOf(drawn(64, 64)), pictureOf(drawn(64, 64)), facts, {});
-    const StereoValues values = photoStereoValues(file("a.heic"));
+    const StereoValues values = stereoValues(file("a.heic"));
     EXPECT_NEAR(values.horizontalFOV.value(), 90, 1e-6);
     EXPECT_NEAR(values.stereoBaseline.value(), 63.5, 1e-9);
     EXPECT_EQ(values.disparity, 1.5);
@@ -447,7 +448,7 @@ TEST_F(PhotoInspection, readsTheValues) {
 TEST_F(PhotoInspection, aFocalLengthOfZeroGivesNoFieldOfView) {
     media::SpatialPhotoFacts facts{0, {32, 32}, {0, 0, 0}, 0};
     media::writeSpatialPhoto(file("a.heic"), pictureOf(drawn(64, 64)), pictureOf(drawn(64, 64)), facts, {});
-    const StereoValues values = photoStereoValues(file("a.heic"));
+    const StereoValues values = stereoValues(file("a.heic"));
     EXPECT_FALSE(values.horizontalFOV);
     EXPECT_FALSE(values.stereoBaseline);
     EXPECT_EQ(values.disparity, 0.0);
@@ -459,7 +460,7 @@ TEST_F(PhotoInspection, theSamples) {
         GTEST_SKIP() << "the folder of sample media is not there";
     const auto photo = *samples / "spatial-photo" / "spatial_photo.heic";
     EXPECT_TRUE(isSpatialPhoto(photo));
-    const StereoValues values = photoStereoValues(photo);
+    const StereoValues values = stereoValues(photo);
     EXPECT_NEAR(values.horizontalFOV.value(), 80.0, 0.01);
     EXPECT_NEAR(values.stereoBaseline.value(), 63.807, 1e-6);
     EXPECT_EQ(values.disparity, 2.93);

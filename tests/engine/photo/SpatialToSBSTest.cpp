@@ -2,6 +2,7 @@
 #include "engine/photo/SpatialPhotoError.h"
 #include "engine/photo/SpatialPhotoToSBS.h"
 #include "engine/texts/ProcessorError.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SpatialPhotos.h"
 
 #include <gmock/gmock.h>

@@ -66,7 +66,7 @@ TEST_P(InStep, AtBothTimings) {
     const auto source = test::draw(folder / "in.mov", FlashClip::constant(given.rate, given.seconds));
     const auto least = static_cast<std::size_t>(given.seconds) - 1;
     ASSERT_LE(test::farthestApart(test::eventsOf(source), least), 0.001) << "the clip itself";
-    EXPECT_NEAR(loadVideoInfo(media::MovieFile(source)).fps, given.rate.value(), 1e-4);
+    EXPECT_NEAR(loadVideoInfo(media::MovieFile(media::InputFile(source))).fps, given.rate.value(), 1e-4);
 
     convertBothWays(source, true);
     expectInStep(least);
@@ -74,7 +74,7 @@ TEST_P(InStep, AtBothTimings) {
     EXPECT_THAT(sideBySide.warnings, IsEmpty());
     EXPECT_EQ(timeScaleOf(folder / "spatial.mov"), given.exactScale);
     EXPECT_EQ(timeScaleOf(folder / "sbs.mp4"), given.exactScale);
-    EXPECT_NEAR(loadVideoInfo(media::MovieFile(folder / "sbs.mp4")).fps, given.rate.value(), 1e-4);
+    EXPECT_NEAR(loadVideoInfo(media::MovieFile(media::InputFile(folder / "sbs.mp4"))).fps, given.rate.value(), 1e-4);
     std::filesystem::rename(folder / "spatial.mov", folder / "kept.mov");
 
     convertBothWays(source, false);
@@ -146,7 +146,7 @@ TEST(Timing, EditListIsFollowed) {
     clip.options = {"-c:v", "libx264", "-bf", "2", "-g", "60", "-c:a", "aac"};
     test::draw(folder / "whole.mp4", clip);
     test::ffmpeg({"-ss", "3.3", "-i", (folder / "whole.mp4").string(), "-c", "copy", (folder / "cut.mp4").string()});
-    const media::MovieFile movie(folder / "cut.mp4");
+    const media::MovieFile movie(media::InputFile(folder / "cut.mp4"));
     EXPECT_NEAR(loadVideoInfo(movie).fps, 30000 / 1001.0, 1e-4) << "frames that are trimmed away do not count";
     for (const bool keepTiming : {false, true}) {
         ConversionSettings settings;
@@ -167,7 +167,7 @@ TEST(Timing, LastFrameThatIsALittleShortChangesNothing) {
     const auto source = test::draw(folder / "in.mov", clip);
     const test::Conversion run = test::toSpatial({}, source, folder / "out.mov");
     EXPECT_THAT(run.warnings, IsEmpty());
-    EXPECT_EQ(loadVideoInfo(media::MovieFile(source)).fps, 30);
+    EXPECT_EQ(loadVideoInfo(media::MovieFile(media::InputFile(source))).fps, 30);
     EXPECT_LE(test::farthestApart(test::eventsOf(folder / "out.mov"), 19), inStep);
 }
 
@@ -219,16 +219,16 @@ TEST(Timing, RawStreamHasItsOwnRateOrNone) {
         return folder / name;
     };
     const auto timed = drawn("timed.hevc", "log-level=none");
-    EXPECT_EQ(loadVideoInfo(media::MovieFile(timed)).fps, 60);
-    EXPECT_NEAR(loadVideoInfo(media::MovieFile(timed)).duration, 3, 0.02);
+    EXPECT_EQ(loadVideoInfo(media::MovieFile(media::InputFile(timed))).fps, 60);
+    EXPECT_NEAR(loadVideoInfo(media::MovieFile(media::InputFile(timed))).duration, 3, 0.02);
     test::toSpatial({}, timed, folder / "out.mov");
-    EXPECT_EQ(loadVideoInfo(media::MovieFile(folder / "out.mov")).fps, 60);
+    EXPECT_EQ(loadVideoInfo(media::MovieFile(media::InputFile(folder / "out.mov"))).fps, 60);
 
     const auto untimed = drawn("untimed.hevc", "log-level=none:vui-timing-info=0");
-    EXPECT_EQ(loadVideoInfo(media::MovieFile(untimed)).fps, 0);
+    EXPECT_EQ(loadVideoInfo(media::MovieFile(media::InputFile(untimed))).fps, 0);
     const test::Conversion run = test::toSpatial({}, untimed, folder / "slow.mov");
     EXPECT_EQ(run.progress.front().second, 0) << "the total is unknown";
-    EXPECT_EQ(loadVideoInfo(media::MovieFile(folder / "slow.mov")).fps, 30);
+    EXPECT_EQ(loadVideoInfo(media::MovieFile(media::InputFile(folder / "slow.mov"))).fps, 30);
 }
 
 TEST(Timing, HeaderThatContradictsTheFramesIsNotBelieved) {
@@ -244,7 +244,7 @@ TEST(Timing, HeaderThatContradictsTheFramesIsNotBelieved) {
             *(at + 4 + index) = static_cast<std::uint8_t>(1000000 >> (8 * (size - 1 - index)));
         test::writeFile(folder / "in.mkv", bytes);
     }
-    EXPECT_NEAR(loadVideoInfo(media::MovieFile(folder / "in.mkv")).fps, 30, 0.01);
+    EXPECT_NEAR(loadVideoInfo(media::MovieFile(media::InputFile(folder / "in.mkv"))).fps, 30, 0.01);
     test::toSpatial({}, folder / "in.mkv", folder / "out.mov");
     EXPECT_LE(test::farthestApart(test::eventsOf(folder / "out.mov"), 5), inStep);
 }
@@ -254,7 +254,7 @@ TEST(Timing, SamplesHaveTheRatesOfTheirFrames) {
     if (!samples)
         GTEST_SKIP() << "LUMETWIN_SAMPLES names no folder of samples";
     const auto rate = [&](const char *name) {
-        return loadVideoInfo(media::MovieFile(*samples / "ordinary" / name)).fps;
+        return loadVideoInfo(media::MovieFile(media::InputFile(*samples / "ordinary" / name))).fps;
     };
     EXPECT_NEAR(rate("sample.mkv"), 30, 0.05);
     EXPECT_NEAR(rate("sample_edit_list.mp4"), 30, 0.05);

@@ -7,6 +7,7 @@
 #include "engine/video/SpatialVideoToSBS.h"
 #include "tests/support/Clips.h"
 #include "tests/support/Conversions.h"
+#include "tests/support/Paths.h"
 #include "tests/support/TestMedia.h"
 
 #include <gmock/gmock.h>
@@ -77,7 +78,7 @@ TEST(SpatialMovie, holdsTheStereoValuesInTheirUnits) {
     EXPECT_THAT(movie.payload(in("vexu/proj/prji")), ElementsAre(0, 0, 0, 0, 'r', 'e', 'c', 't'));
     EXPECT_EQ(test::number32(movie.payload(in("hfov")), 0), 90000U);
     EXPECT_TRUE(isSpatialVideo(folder / "out.mov"));
-    const StereoValues values = videoStereoValues(folder / "out.mov");
+    const StereoValues values = stereoValues(folder / "out.mov");
     EXPECT_EQ(values.horizontalFOV, 90);
     EXPECT_EQ(values.stereoBaseline, 63.5);
     EXPECT_EQ(values.disparity, -1.23);

@@ -6,6 +6,7 @@
 #include "media/MediaError.h"
 #include "tests/support/Clips.h"
 #include "tests/support/Conversions.h"
+#include "tests/support/Paths.h"
 #include "tests/support/TestMedia.h"
 
 #include <gmock/gmock.h>

@@ -7,6 +7,7 @@
 #include "tests/support/BoxEdits.h"
 #include "tests/support/Clips.h"
 #include "tests/support/Conversions.h"
+#include "tests/support/Paths.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 #include "media/StereoMovieFacts.h"
 #include "media/bmff/StereoMovieFactsReader.h"
 #include "tests/media/bmff/BoxBuilder.h"
+#include "tests/support/Paths.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>

@@ -16,8 +16,8 @@ using test::ffmpeg;
 using test::TemporaryFolder;
 
 std::vector<std::int16_t> readAll(const std::filesystem::path &file, int rate, int channels, double from = 0) {
-    const AudioTrack track = MovieFile(file).audioTrack().value();
-    AudioReader reader(file, track, rate, channels, from);
+    const AudioTrack track = MovieFile(InputFile(file)).audioTrack().value();
+    AudioReader reader(InputFile(file), track, rate, channels, from);
     std::vector<std::int16_t> samples;
     while (const auto block = reader.next())
         samples.insert(samples.end(), block->samples.get(), block->samples.get() + block->count * channels);

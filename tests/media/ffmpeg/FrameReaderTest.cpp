@@ -17,7 +17,7 @@ using test::ffmpeg;
 using test::TemporaryFolder;
 
 int countFrames(const std::filesystem::path &file, bool &damaged) {
-    MovieFile movie(file);
+    MovieFile movie{InputFile(file)};
     FrameReader reader(movie, movie.videoTrack().value(), Views::all);
     int count = 0;
     while (reader.next())
@@ -53,7 +53,7 @@ TEST(FrameReader, tellsTheEyesOfThePlatformsSampleApart) {
     const auto samples = test::sampleMedia();
     if (!samples)
         GTEST_SKIP() << "no sample media";
-    MovieFile movie(*samples / "spatial-video" / "water_180_mvhevc_5frames.mov");
+    MovieFile movie(InputFile(*samples / "spatial-video" / "water_180_mvhevc_5frames.mov"));
     FrameReader reader(movie, movie.videoTrack().value(), Views::all);
     int count = 0;
     while (const auto frame = reader.next()) {
@@ -99,14 +99,14 @@ TEST(FrameReader, goesOnAfterDamageInTheMiddle) {
 TEST(FrameReader, letsGoOfAMovieBeforeItsEnd) {
     const TemporaryFolder folder;
     ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=128x64:r=25:d=4", "-c:v", "libx264", (folder / "clip.mp4").string()});
-    MovieFile movie(folder / "clip.mp4");
+    MovieFile movie(InputFile(folder / "clip.mp4"));
     FrameReader reader(movie, movie.videoTrack().value(), Views::base);
     EXPECT_TRUE(reader.next());
 }
 
 std::string openingError(const std::filesystem::path &file) {
     try {
-        MovieFile movie(file);
+        MovieFile movie{InputFile(file)};
         FrameReader reader(movie, movie.videoTrack().value(), Views::all);
     } catch (const MediaError &error) {
         EXPECT_EQ(error.file(), file);
@@ -131,7 +131,7 @@ TEST(MovieFile, opensNamesThatLookLikeAddresses) {
     const TemporaryFolder folder;
     ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=64x64:r=25:d=0.2", "-c:v", "libx264",
             "file:" + (folder / "a:b 100%.mp4").string()});
-    EXPECT_TRUE(MovieFile(folder / "a:b 100%.mp4").videoTrack().has_value());
+    EXPECT_TRUE(MovieFile(InputFile(folder / "a:b 100%.mp4")).videoTrack().has_value());
 }
 
 TEST(FrameReader, refusesAnEncryptedMovie) {
@@ -156,7 +156,7 @@ TEST(MovieFile, reportsTheStoredSizeOfARotatedMovie) {
     ffmpeg({"-f", "lavfi", "-i", "testsrc2=s=128x64:r=25:d=0.2", "-c:v", "libx264", (folder / "flat.mp4").string()});
     ffmpeg({"-display_rotation", "90", "-i", (folder / "flat.mp4").string(), "-c", "copy",
             (folder / "turned.mp4").string()});
-    const VideoTrack track = MovieFile(folder / "turned.mp4").videoTrack().value();
+    const VideoTrack track = MovieFile(InputFile(folder / "turned.mp4")).videoTrack().value();
     EXPECT_EQ(track.naturalWidth, 128);
     EXPECT_EQ(track.naturalHeight, 64);
 }

@@ -2,6 +2,7 @@
 #include "media/MovieWriter.h"
 #include "media/MediaError.h"
 #include "media/PartialFile.h"
+#include "tests/support/MovieFileWriter.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +37,7 @@ VideoEncoding encodingOf(VideoCodec codec, int width, int height) {
 
 void writeMovie(const std::filesystem::path &file, Container container, const VideoEncoding &encoding, int frames,
                 const MovieTags &tags = {}) {
-    MovieWriter writer(file, container, tags);
+    test::MovieFileWriter writer(file, container, tags);
     writer.addVideo(encoding);
     writer.start(600);
     for (int frame = 0; frame < frames; ++frame)
@@ -118,7 +119,7 @@ TEST(MovieWriter, keepsWhatPeopleKeepFilmsForInBothContainers) {
 TEST(MovieWriter, leavesAReadablePartialFileWhenItIsNeverFinished) {
     const TemporaryFolder folder;
     {
-        MovieWriter writer(folder / "cut.mov", Container::quickTime, {});
+        test::MovieFileWriter writer(folder / "cut.mov", Container::quickTime, {});
         writer.addVideo(encodingOf(VideoCodec::h264, 160, 90));
         writer.start(600);
         for (int frame = 0; frame < 600; ++frame)
@@ -132,7 +133,7 @@ TEST(MovieWriter, leavesAReadablePartialFileWhenItIsNeverFinished) {
 TEST(MovieWriter, removesThePartialFileWhenCancelled) {
     const TemporaryFolder folder;
     test::writeFile(folder / "out.mp4", std::string("an older output"));
-    MovieWriter writer(folder / "out.mp4", Container::mpeg4, {});
+    test::MovieFileWriter writer(folder / "out.mp4", Container::mpeg4, {});
     writer.addVideo(encodingOf(VideoCodec::h264, 160, 90));
     writer.start(600);
     writer.append(flatPicture(160, 90, 40), 0, 20);
@@ -144,10 +145,10 @@ TEST(MovieWriter, removesThePartialFileWhenCancelled) {
 TEST(MovieWriter, namesTheOutputAndTheCauseWhenItCannotBegin) {
     const TemporaryFolder folder;
     try {
-        MovieWriter writer(folder.path() / "absent" / "out.mp4", Container::mpeg4, {});
+        test::MovieFileWriter writer(folder.path() / "absent" / "out.mp4", Container::mpeg4, {});
         FAIL() << "opened";
     } catch (const MediaError &error) {
-        EXPECT_STREQ(error.what(), "Cannot write out.mp4: No such file or directory");
+        EXPECT_STREQ(error.what(), "Cannot create out.mp4: No such file or directory");
     }
 }
 
@@ -155,7 +156,7 @@ TEST(MovieWriter, reportsAFullDisk) {
     const TemporaryFolder folder;
     // /dev/full takes nothing: what a full disk does at the first write.
     std::filesystem::create_symlink("/dev/full", PartialFile::nameFor(folder / "out.mp4"));
-    MovieWriter writer(folder / "out.mp4", Container::mpeg4, {});
+    test::MovieFileWriter writer(folder / "out.mp4", Container::mpeg4, {});
     writer.addVideo(encodingOf(VideoCodec::h264, 160, 90));
     try {
         writer.start(600);
@@ -172,7 +173,7 @@ TEST(MovieWriter, reportsAFullDisk) {
 
 TEST(MovieWriter, refusesSizesThatNoPlayerShows) {
     const TemporaryFolder folder;
-    MovieWriter writer(folder / "out.mp4", Container::mpeg4, {});
+    test::MovieFileWriter writer(folder / "out.mp4", Container::mpeg4, {});
     EXPECT_THROW(writer.addVideo(encodingOf(VideoCodec::h264, 0, 90)), MediaError);
     EXPECT_THROW(writer.addVideo(encodingOf(VideoCodec::h264, 100000, 90)), MediaError);
 }
@@ -180,7 +181,7 @@ TEST(MovieWriter, refusesSizesThatNoPlayerShows) {
 TEST(MovieWriter, keepsSoundAndPictureInStep) {
     const TemporaryFolder folder;
     const auto file = folder / "step.mp4";
-    MovieWriter writer(file, Container::mpeg4, {});
+    test::MovieFileWriter writer(file, Container::mpeg4, {});
     writer.addAudio({48000, 1, 192000});
     writer.addVideo(encodingOf(VideoCodec::h264, 160, 90));
     writer.start(600);
@@ -217,7 +218,7 @@ TEST(MovieWriter, keepsSoundAndPictureInStep) {
 
 TEST(MovieWriter, doesNotWaitForATrackThatEnded) {
     const TemporaryFolder folder;
-    MovieWriter writer(folder / "short.mp4", Container::mpeg4, {});
+    test::MovieFileWriter writer(folder / "short.mp4", Container::mpeg4, {});
     writer.addAudio({48000, 2, 192000});
     writer.addVideo(encodingOf(VideoCodec::h264, 64, 64));
     writer.start(600);

@@ -3,6 +3,7 @@
 #include "media/heif/HeifFile.h"
 #include "media/heif/ImageList.h"
 #include "tests/media/heif/HeifBuilder.h"
+#include "tests/support/Paths.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,9 @@
 #include "media/ColourConversion.h"
 #include "media/MediaError.h"
 #include "media/heif/HeifFile.h"
+#include "media/heif/HeifReader.h"
 #include "media/heif/HeifWriter.h"
+#include "tests/support/Paths.h"
 #include "tests/support/SpatialPhotos.h"
 
 #include <gtest/gtest.h>
@@ -60,8 +62,8 @@ protected:
         image.configuration = media::heif::hevcConfiguration(sets);
         slices_ = slices.size();
         image.tiles.push_back(std::move(slices));
-        const media::PartialFile partial(file("coded.heic"));
-        media::heif::writeHeif(partial, image);
+        media::PartialFile partial(file("coded.heic"));
+        media::heif::writeHeif(partial.file(), image);
         partial.finish();
     }
 
@@ -141,8 +143,9 @@ TEST_F(HeifReading, changedBytesNeverBringTheProgramDown) {
         writeFile(file("changed.heic"), bytes);
         try {
             media::readImage(file("changed.heic"));
-            for (const media::HeifImage &image : media::readHeifFile(file("changed.heic")).images)
-                media::readHeifImage(file("changed.heic"), image.item, media::HeifSamples::rgb);
+            const media::heif::HeifReader reader{media::InputFile(file("changed.heic"))};
+            for (std::size_t image = 0; image < reader.headers().images.size(); ++image)
+                reader.read(image, media::PhotoSamples::rgb, {});
         } catch (const media::MediaError &) {
         }
     }

@@ -3,6 +3,7 @@
 #include "media/MediaError.h"
 #include "tests/media/heif/CodedPictures.h"
 #include "tests/media/heif/HeifBuilder.h"
+#include "tests/support/Paths.h"
 #include "tests/support/TestMedia.h"
 
 #include <gmock/gmock.h>
@@ -53,12 +54,12 @@ std::string packetOf(const std::string &format) {
 
 HeifFile writtenPair(const std::filesystem::path &file, const CodedImage &left, const CodedImage &right,
                      std::int64_t disparity = 250) {
-    const PartialFile partial(file);
+    PartialFile partial(file);
     std::filesystem::remove(file);
-    writeStereoHeif(partial, left, right, disparity);
+    writeStereoHeif(partial.file(), left, right, disparity);
     EXPECT_FALSE(std::filesystem::exists(file));
     partial.finish();
-    EXPECT_FALSE(std::filesystem::exists(partial.path()));
+    EXPECT_FALSE(std::filesystem::exists(PartialFile::nameFor(file)));
     return readHeifFile(file);
 }
 
@@ -177,8 +178,8 @@ TEST(HeifWriter, writesOrdinaryPhotosToo) {
     for (const int tile : {160, 96}) {
         CodedImage image = test::codedImage(160, 128, tile, tile == 160 ? 128 : 96, leftDrawing);
         image.exif = exifOf("Single");
-        const PartialFile partial(folder / "one.heic");
-        writeHeif(partial, image);
+        PartialFile partial(folder / "one.heic");
+        writeHeif(partial.file(), image);
         partial.finish();
         const HeifFile file = readHeifFile(folder / "one.heic");
         EXPECT_EQ(file.images.size(), 1u);
@@ -268,8 +269,8 @@ TEST(HeifWriter, refusesImagesThatContradictThemselves) {
     const auto refused = [&](auto change) {
         CodedImage image = plainImage(64, 64);
         change(image);
-        EXPECT_THROW(writeHeif(partial, image), std::invalid_argument);
-        EXPECT_FALSE(std::filesystem::exists(partial.path()));
+        EXPECT_THROW(writeHeif(partial.file(), image), std::invalid_argument);
+        EXPECT_EQ(partial.file().size(), 0u);
     };
     refused([](CodedImage &image) { image.columns = 2; });
     refused([](CodedImage &image) { image.columns = 0; });
@@ -284,15 +285,16 @@ TEST(HeifWriter, refusesImagesThatContradictThemselves) {
     });
     CodedImage blind = plainImage(64, 64);
     blind.camera.reset();
-    EXPECT_THROW(writeStereoHeif(partial, plainImage(64, 64), blind, 0), std::invalid_argument);
+    EXPECT_THROW(writeStereoHeif(partial.file(), plainImage(64, 64), blind, 0), std::invalid_argument);
 }
 
-std::string failureOf(const PartialFile &partial) {
+std::string failureOf(const std::filesystem::path &output) {
     try {
-        writeHeif(partial, plainImage(64, 64));
+        PartialFile partial(output);
+        writeHeif(partial.file(), plainImage(64, 64));
         partial.finish();
     } catch (const MediaError &error) {
-        EXPECT_EQ(error.file(), partial.output());
+        EXPECT_EQ(error.file(), output);
         return error.what();
     }
     return "no error";
@@ -300,27 +302,30 @@ std::string failureOf(const PartialFile &partial) {
 
 TEST(HeifWriter, namesTheOutputWhenTheSystemRefuses) {
     const test::TemporaryFolder folder;
-    EXPECT_EQ(failureOf(PartialFile(folder / "absent" / "a.heic")), "Cannot create a.heic: No such file or directory");
+    EXPECT_EQ(failureOf(folder / "absent" / "a.heic"), "Cannot create a.heic: No such file or directory");
     std::filesystem::create_directory(folder / "b.heic.partial");
-    EXPECT_EQ(failureOf(PartialFile(folder / "b.heic")), "Cannot create b.heic: Is a directory");
+    EXPECT_EQ(failureOf(folder / "b.heic"), "Cannot create b.heic: Is a directory");
     std::filesystem::create_symlink("/dev/full", folder / "c.heic.partial");
-    EXPECT_EQ(failureOf(PartialFile(folder / "c.heic")), "Cannot write c.heic: No space left on device");
+    EXPECT_EQ(failureOf(folder / "c.heic"), "Cannot write c.heic: No space left on device");
     std::filesystem::create_directory(folder / "d.heic");
-    EXPECT_EQ(failureOf(PartialFile(folder / "d.heic")), "Cannot rename the partial file to d.heic: Is a directory");
+    EXPECT_EQ(failureOf(folder / "d.heic"), "Cannot rename the partial file to d.heic: Is a directory");
     EXPECT_TRUE(std::filesystem::exists(folder / "d.heic.partial")); // a failing writer leaves it
 }
 
 TEST(PartialFile, replacesWhatWasThereOnlyWhenFinished) {
     const test::TemporaryFolder folder;
     test::writeFile(folder / "a.heic", std::string("before"));
-    const PartialFile partial(folder / "a.heic");
-    EXPECT_EQ(partial.path(), folder / "a.heic.partial");
-    writeHeif(partial, plainImage(64, 64));
-    EXPECT_EQ(test::readFile(folder / "a.heic"), test::letters("before"));
-    partial.discard();
-    EXPECT_FALSE(std::filesystem::exists(partial.path()));
-    partial.discard(); // nothing there: nothing happens
-    writeHeif(partial, plainImage(64, 64));
+    {
+        PartialFile partial(folder / "a.heic");
+        EXPECT_TRUE(std::filesystem::exists(folder / "a.heic.partial"));
+        writeHeif(partial.file(), plainImage(64, 64));
+        EXPECT_EQ(test::readFile(folder / "a.heic"), test::letters("before"));
+        partial.discard();
+        EXPECT_FALSE(std::filesystem::exists(folder / "a.heic.partial"));
+        partial.discard(); // nothing there: nothing happens
+    }
+    PartialFile partial(folder / "a.heic");
+    writeHeif(partial.file(), plainImage(64, 64));
     partial.finish();
     EXPECT_GT(std::filesystem::file_size(folder / "a.heic"), 300u);
 }

@@ -2,6 +2,7 @@
 #include "tests/support/Photos.h"
 
 #include "media/MediaError.h"
+#include "tests/support/Paths.h"
 
 #include <gtest/gtest.h>
 

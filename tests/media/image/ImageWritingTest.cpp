@@ -3,6 +3,7 @@
 
 #include "media/ColourConversion.h"
 #include "media/MediaError.h"
+#include "tests/support/Paths.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 #include "tests/support/Photos.h"
 
 #include "media/metadata/ExifBlock.h"
+#include "tests/support/Paths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,6 +2,7 @@
 // The check of many videos before a run, which works beside the interface and can be given up.
 #include "engine/texts/Texts.h"
 #include "support/PreflightFixture.h"
+#include "tests/support/Paths.h"
 #include "ui/alerts/CheckingDialog.h"
 
 #include <QProgressBar>

@@ -5,6 +5,7 @@
 #include "support/Scripted.h"
 #include "tests/support/BoxEdits.h"
 #include "tests/support/Clips.h"
+#include "tests/support/Paths.h"
 #include "tests/support/TestMedia.h"
 #include "ui/form/MainViewController.h"
 #include "ui/form/SpatialCheck.h"
@@ -49,7 +50,7 @@ protected:
 };
 
 TEST_F(RealMedia, ASpatialMovieIsToldWithItsValues) {
-    const SpatialFinding finding = inspectFile(spatialMovie("clip.MOV"), settings);
+    const SpatialFinding finding = inspectFile(spatialMovie("clip.MOV"), MediaOperations::inProcess());
     EXPECT_TRUE(finding.isSpatial);
     EXPECT_EQ(finding.values.horizontalFOV, 63.4);
     EXPECT_EQ(finding.values.stereoBaseline, 19.24);
@@ -59,7 +60,7 @@ TEST_F(RealMedia, ASpatialMovieIsToldWithItsValues) {
 TEST_F(RealMedia, AFieldOfViewWithoutABaselineIsNotSpatial) {
     const fs::path movie = remuxed(spatialMovie("written.mov"), folder / "clip.mov");
     renameBox(movie, "blin", "free");
-    const SpatialFinding finding = inspectFile(movie, settings);
+    const SpatialFinding finding = inspectFile(movie, MediaOperations::inProcess());
     EXPECT_FALSE(finding.isSpatial);
     EXPECT_EQ(finding.values.horizontalFOV, 63.4);
     EXPECT_EQ(spatialCheckAlert(movie, finding).style, AlertStyle::warning);
@@ -69,7 +70,7 @@ TEST_F(RealMedia, ASpatialPhotoIsToldWithItsValues) {
     const fs::path photo = folder / "pair.HEIC";
     VideoProcessor(settings).convertPhoto(sideBySidePhoto("pair.png"), folder / "pair_spatial.heic");
     fs::rename(folder / "pair_spatial.heic", photo);
-    const SpatialFinding finding = inspectFile(photo, settings);
+    const SpatialFinding finding = inspectFile(photo, MediaOperations::inProcess());
     EXPECT_TRUE(finding.isSpatial);
     ASSERT_TRUE(finding.values.stereoBaseline);
     EXPECT_NEAR(*finding.values.stereoBaseline, 19.24, 0.01);
@@ -77,11 +78,11 @@ TEST_F(RealMedia, ASpatialPhotoIsToldWithItsValues) {
 
 TEST_F(RealMedia, ASideBySidePictureIsCalledWhatItIs) {
     for (const fs::path &file : {sideBySidePhoto("pair.png"), draw(folder / "clip.mp4")}) {
-        const Alert alert = spatialCheckAlert(file, inspectFile(file, settings));
+        const Alert alert = spatialCheckAlert(file, inspectFile(file, MediaOperations::inProcess()));
         EXPECT_EQ(alert.message, formatted("alert.check.side.by.side.format", file.filename().string()));
     }
     const fs::path single = sideBySidePhoto("single.png", 320, 180);
-    EXPECT_EQ(spatialCheckAlert(single, inspectFile(single, settings)).message,
+    EXPECT_EQ(spatialCheckAlert(single, inspectFile(single, MediaOperations::inProcess())).message,
               formatted("alert.spatial.check.no.title", std::string("single.png")));
 }
 

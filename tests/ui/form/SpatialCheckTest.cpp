@@ -50,12 +50,12 @@ TEST(SpatialCheck, NotSpatialIsAWarning) {
 
 TEST(SpatialCheck, SaysWhatAWidePictureIs) {
     SpatialFinding finding;
-    finding.picture = PictureFacts{3840, 1080};
+    finding.picture = PictureSize{3840, 1080};
     const Alert alert = spatialCheckAlert("/x/pair.jpg", finding);
     EXPECT_EQ(alert.message, formatted("alert.check.side.by.side.format", std::string("pair.jpg")));
     EXPECT_NE(alert.informative.find("3840 × 1080"), std::string::npos);
     EXPECT_EQ(alert.style, AlertStyle::informational);
-    finding.picture = PictureFacts{1920, 800};
+    finding.picture = PictureSize{1920, 800};
     EXPECT_EQ(spatialCheckAlert("/x/film.mp4", finding).message,
               formatted("alert.spatial.check.no.title", std::string("film.mp4")))
         << "a wide film is none";
@@ -65,7 +65,7 @@ TEST(SpatialCheck, AFileThatCannotBeReadIsNotCalledNotSpatial) {
     const ScratchFolder scratch;
     for (const char *name : {"clip.MOV", "pair.HEIC"}) {
         const std::filesystem::path file = scratch.file(name);
-        const SpatialFinding finding = inspectFile(file, settings);
+        const SpatialFinding finding = inspectFile(file, MediaOperations::inProcess());
         EXPECT_FALSE(finding.failure.empty()) << name;
         const Alert alert = spatialCheckAlert(file, finding);
         EXPECT_EQ(alert.message, formatted("alert.check.unreadable.format", std::string(name)));
@@ -77,9 +77,9 @@ TEST(SpatialCheck, AFileThatCannotBeReadIsNotCalledNotSpatial) {
 TEST(SpatialCheck, WhatCannotBeReadIsNotSpatial) {
     const ScratchFolder scratch;
     for (const char *name : {"clip.MOV", "pair.HEIC", "notes.txt", "noextension"})
-        EXPECT_FALSE(inspectFile(scratch.file(name), settings).isSpatial) << name;
-    EXPECT_FALSE(inspectFile("/x/missing.mov", settings).isSpatial);
-    EXPECT_FALSE(inspectFile("/x/missing.heic", settings).isSpatial);
+        EXPECT_FALSE(inspectFile(scratch.file(name), MediaOperations::inProcess()).isSpatial) << name;
+    EXPECT_FALSE(inspectFile("/x/missing.mov", MediaOperations::inProcess()).isSpatial);
+    EXPECT_FALSE(inspectFile("/x/missing.heic", MediaOperations::inProcess()).isSpatial);
 }
 
 TEST(SpatialCheck, RunsFromTheFormAndChangesNothing) {
