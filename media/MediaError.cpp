@@ -57,7 +57,7 @@ std::string_view words(MediaReason reason) {
     case MediaReason::isFolder:
         return "Is a directory";
     case MediaReason::noRegularFile:
-        return "it is not a regular file";
+        return "Not a regular file";
     case MediaReason::noSpace:
         return "No space left on device";
     case MediaReason::readOnly:

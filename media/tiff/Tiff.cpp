@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/tiff/Tiff.h"
 
+#include "media/samples/FileStream.h"
+
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -85,6 +87,7 @@ toff_t streamSize(thandle_t user) {
 std::unique_ptr<TIFF, CloseTiff> open(TiffFile &file, const char *mode) {
     const std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions *)> options(TIFFOpenOptionsAlloc(),
                                                                                 TIFFOpenOptionsFree);
+    errno = 0;
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepError, &file.message);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), passOverWarning, nullptr);
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), allocationLimit);
@@ -104,7 +107,7 @@ TiffFile::TiffFile(const InputFile &input)
 TiffFile::TiffFile(const OutputFile &output)
     : file(output.path()), stream{std::nullopt, output, 0}, tiff(open(*this, "wl")) {
     if (!tiff)
-        fail(MediaOperation::create, MediaReason::damaged);
+        throw writingError(file, message);
 }
 
 void TiffFile::fail(MediaOperation operation, MediaReason reason) const {

@@ -61,7 +61,7 @@ Outcome convert(const ConversionSettings &, const media::InputFile &file, const 
         reportFrames(control);
         return {.written = false, .framesWritten = 8, .framesExpected = 1000, .warnings = {}};
     }
-    constexpr std::array<std::uint8_t, 3> content{1, 2, 3};
+    constexpr std::array<std::uint8_t, 9> content{'c', 'o', 'n', 'v', 'e', 'r', 't', 'e', 'd'};
     output.writeAt(0, content);
     if (isPhotoFile(input))
         return Outcome::ofPhoto(warningsOf(input));

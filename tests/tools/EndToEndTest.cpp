@@ -297,7 +297,7 @@ TEST_F(EndToEnd, OutputFolderThatTakesNothingSaysSo) {
     // Not even root can make files there.
     const ProgramResult result = batch({"--direction", "sbsToSpatial", "--output", "/proc", in("clip.mp4")});
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.output, HasSubstr("  clip.mp4: Cannot write clip_spatial.mov: "));
+    EXPECT_THAT(result.output, HasSubstr("  clip.mp4: Cannot create clip_spatial.mov: "));
 }
 
 TEST_F(EndToEnd, FullDiskSaysSoAndTheBatchGoesOn) {

@@ -43,9 +43,10 @@ SpatialFinding inspectFile(const fs::path &file, const MediaOperations &operatio
     SpatialFinding finding;
     try {
         const auto [facts, size] = operations.inspectFile(file);
-        finding.isSpatial = facts.isSpatial;
+        const bool isPhoto = facts.kind == MediaFacts::Kind::photo;
+        finding.isSpatial = isPhoto ? facts.isSpatial : facts.values.stereoBaseline.has_value();
         finding.picture = size;
-        if (facts.isSpatial)
+        if (finding.isSpatial || !isPhoto)
             finding.values = facts.values;
     } catch (const std::exception &error) {
         finding.failure = errorMessage(error);

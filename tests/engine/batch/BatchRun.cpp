@@ -7,7 +7,9 @@
 #include "media/InputFile.h"
 #include "media/OutputFile.h"
 
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace lumetwin::test {
 
@@ -25,6 +27,13 @@ std::filesystem::path BatchRun::file(const std::string &name) {
     return input / name;
 }
 
+namespace {
+
+constexpr std::string_view content = "converted";
+const std::vector<std::uint8_t> convertedFile(content.begin(), content.end());
+
+} // namespace
+
 Outcome BatchRun::convert(const std::string &converter, const media::InputFile &from, const media::OutputFile &to,
                           const ConversionControl &control) {
     const std::string name = from.path().filename().string();
@@ -37,7 +46,7 @@ Outcome BatchRun::convert(const std::string &converter, const media::InputFile &
     if (action != actions.end())
         action->second(&control);
     else
-        to.writeAt(0, Bytes{1, 2, 3});
+        to.writeAt(0, convertedFile);
     Outcome outcome = std::exchange(nextOutcome, {.warnings = {}});
     outcome.written = !control.cancelled() || std::exchange(finishesAllTheSame, false);
     return outcome;

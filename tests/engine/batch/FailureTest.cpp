@@ -118,7 +118,8 @@ TEST_F(Failure, OutputFolderThatVanishes) {
     useFolder();
     run();
     EXPECT_EQ(calls.size(), 1u);
-    EXPECT_THAT(failures, ElementsAre("2.mov|The output folder results does not exist.",
+    EXPECT_THAT(failures, ElementsAre("1.mov|Cannot rename the partial file to 1_sbs.mp4: No such file or directory",
+                                      "2.mov|The output folder results does not exist.",
                                       "3.mov|The output folder results does not exist."));
 }
 

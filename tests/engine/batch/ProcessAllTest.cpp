@@ -239,7 +239,7 @@ TEST_F(ProcessAll, OlderSystemsDoNotWriteSpatialVideo) {
 TEST_F(ProcessAll, OlderSystemsStillMakeSBSVideo) {
     spatial("v.mov");
     useFolder();
-    run({13, 0, 0});
+    run({14, 0, 0});
     EXPECT_THAT(calls, ElementsAre("videoToSBS v.mov v_sbs.mp4"));
 }
 

@@ -52,7 +52,7 @@ TEST_F(Results, EveryStateComesWithItsFacts) {
     spatial("5.mov");
     spatial("6.mov");
     onConvert("2.mov", [&](const ConversionControl *) {
-        writeFile(output / "2_sbs.mp4", std::string("nine less"));
+        writeFile(output / "2_sbs.mp4.partial", std::string("nine less"));
         nextOutcome = {.written = true,
                        .framesWritten = 90,
                        .framesExpected = 99,

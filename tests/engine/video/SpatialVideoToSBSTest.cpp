@@ -278,7 +278,7 @@ TEST(SpatialVideoToSBS, failsWhereTheSourceCannotBeRead) {
 TEST(SpatialVideoToSBS, failsWhereTheOutputCannotBeCreated) {
     const TemporaryFolder folder;
     const auto input = drawStereo(folder / "in.mov");
-    EXPECT_EQ(failure(input, folder / "absent/out.mp4"), "Cannot write out.mp4: No such file or directory");
+    EXPECT_EQ(failure(input, folder / "absent/out.mp4"), "Cannot create out.mp4: No such file or directory");
 }
 
 TEST(SpatialVideoToSBS, failsWhereTheOldOutputCannotBeReplaced) {
