@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/heif/ItemProperties.h"
-
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -47,7 +45,7 @@ inline Bytes fullBox(std::string_view type, std::uint32_t versionAndFlags, const
     return box(type, FieldWriter().u32(versionAndFlags).append(fields.bytes()).bytes());
 }
 
-inline Bytes uuidBox(const Uuid &uuid, std::span<const std::uint8_t> payload) {
+inline Bytes uuidBox(std::span<const std::uint8_t, 16> uuid, std::span<const std::uint8_t> payload) {
     return box("uuid", FieldWriter().append(uuid).append(payload).bytes());
 }
 

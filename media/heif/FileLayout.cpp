@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/heif/FileLayout.h"
+#include "media/heif/ItemProperties.h"
 
 #include "media/heif/CameraProperties.h"
 

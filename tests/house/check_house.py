@@ -12,21 +12,39 @@ import tempfile
 
 CODE = {".h", ".cpp"}
 SCRIPTS = {".sh", ".py", ".cmake"}
-HOUSE = ("model", "media", "engine", "tools", "ui", "app")
+HOUSE = ("model", "media", "engine", "worker", "tools", "ui", "app")
 CODEC_LIBRARIES = re.compile(
     r"^(libav\w+/|libsw\w+/|x26[45]|libheif/|zimg|rubberband/|jpeglib\.h|jerror\.h|turbojpeg|png\w*\.h|tiff\w*\.h|lcms2)")
 QT = re.compile(r"^(Q[A-Z]\w*|Qt\w*/)")
 STANDARD = re.compile(r"^[a-z0-9_]+$")
 SPDX = "SPDX-License-Identifier: GPL-3.0-or-later"
 
-# room: (rooms whose headers it may name, codec libraries allowed, Qt allowed)
+# room: (rooms whose headers it may name, Qt allowed)
 MAY_INCLUDE = {
-    "model": ({"model"}, False, False),
-    "media": ({"media"}, True, False),
-    "engine": ({"engine", "media", "model"}, False, False),
-    "tools": ({"tools", "engine", "model"}, False, False),
-    "ui": ({"ui", "engine", "model"}, False, True),
-    "app": ({"app", "ui", "engine", "model"}, False, True),
+    "model": ({"model"}, False),
+    "media": ({"media"}, False),
+    "engine": ({"engine", "media", "model"}, False),
+    "worker": ({"worker", "engine", "media", "model"}, False),
+    "tools": ({"tools", "worker", "engine", "model"}, False),
+    "ui": ({"ui", "worker", "engine", "model"}, True),
+    "app": ({"app", "ui", "worker", "engine", "model"}, True),
+}
+
+# subject of media/: (subjects whose headers it may name beside its own, the libraries it may name)
+SUBJECTS = {
+    "bmff": (set(), None),
+    "hevc": (set(), None),
+    "samples": (set(), None),
+    "zimg": (set(), r"zimg"),
+    "x265": ({"hevc"}, r"x265"),
+    "colour": (set(), r"lcms2"),
+    "metadata": ({"colour"}, None),
+    "ffmpeg": ({"hevc", "x265"}, r"libav\w+/|libsw\w+/"),
+    "rubberband": (set(), r"rubberband/"),
+    "jpeg": ({"bmff", "colour", "metadata", "samples"}, r"jpeglib\.h|jerror\.h"),
+    "png": ({"colour", "samples"}, r"png\w*\.h"),
+    "tiff": ({"colour", "metadata", "samples"}, r"tiff\w*\.h"),
+    "heif": ({"bmff", "colour", "ffmpeg", "hevc", "metadata", "samples", "x265"}, r"libheif/|libav\w+/|libsw\w+/"),
 }
 
 
@@ -46,28 +64,73 @@ def house_path(root, file, header):
     return pathlib.PurePosixPath(header)
 
 
+def media_breach(place, path):
+    """Why a file of media/ may not include a header of media/, or None."""
+    if len(path.parts) == 2:
+        return None  # the root's headers are everybody's
+    target = path.parts[1]
+    if len(place.parts) == 2:  # the root's sources choose among the subjects, its headers do not know them
+        return "the headers directly in media/ must not know its subjects" if place.suffix == ".h" else None
+    subject = place.parts[1]
+    if target != subject and target not in SUBJECTS.get(subject, (set(), None))[0]:
+        return f"media/{subject}/ must not know media/{target}/"
+    return None
+
+
+def library_breach(place, header):
+    """Why a file may not include a header of a media library, or None."""
+    room = place.parts[0]
+    if room != "media":
+        return f"{room}/ must not show a media library"
+    if len(place.parts) == 2:
+        return "what lies directly in media/ must not show a media library"
+    library = SUBJECTS.get(place.parts[1], (set(), None))[1]
+    if not library or not re.match(library, header):
+        return f"media/{place.parts[1]}/ has nothing to do with this library"
+    return None
+
+
 def include_breach(root, file, header, quoted):
     """Why the file may not include the header, or None."""
     place = file.relative_to(root)
     room = place.parts[0]
-    rooms, codecs, qt = MAY_INCLUDE[room]
+    rooms, qt = MAY_INCLUDE[room]
     path = house_path(root, file, header) if quoted else pathlib.PurePosixPath(header)
     if quoted and path.parts[0] in HOUSE:
         if path.parts[0] not in rooms:
             return f"{room}/ must not know {path.parts[0]}/"
-        if path.parts[0] == "media" and room != "media" and len(path.parts) > 2:
+        if path.parts[0] == "media" and room == "media":
+            return media_breach(place, path)
+        if path.parts[0] == "media" and len(path.parts) > 2:
             return f"{room}/ may use only the headers directly in media/"
         return None
     if room == "model" and not (not quoted and STANDARD.match(header)):
         return "model/ knows only the standard library"
     if CODEC_LIBRARIES.match(header):
-        if not codecs:
-            return f"{room}/ must not show a media library"
-        if len(place.parts) == 2 and place.suffix == ".h":
-            return "the headers directly in media/ must not show a media library"
+        return library_breach(place, header)
     if QT.match(header) and not qt:
         return f"{room}/ must not know Qt"
     return None
+
+
+def reached(root, file, seen):
+    """(header, by way of) of all headers of the house that the file includes, directly or through others."""
+    for _, header, quoted in includes(file):
+        path = root / house_path(root, file, header)
+        if quoted and path.exists() and path not in seen:
+            seen.add(path)
+            yield path, file
+            yield from reached(root, path, seen)
+
+
+def roundabout_breaches(root, file):
+    """Rooms that the file may not know and reaches through headers of others."""
+    place = file.relative_to(root)
+    rooms, _ = MAY_INCLUDE[place.parts[0]]
+    for path, by in reached(root, file, set()):
+        header = path.relative_to(root)
+        if by != file and header.parts[0] in HOUSE and header.parts[0] not in rooms:
+            yield f"{place}:1: reaches {header} through {by.relative_to(root)}: {place.parts[0]}/ must not know {header.parts[0]}/"
 
 
 def source_files(root):
@@ -96,6 +159,7 @@ def breaches(root):
                 reason = include_breach(root, file, header, quoted)
                 if reason:
                     yield f"{place}:{number}: includes {header}: {reason}"
+            yield from roundabout_breaches(root, file)
 
 
 PLANTED = [
@@ -104,8 +168,15 @@ PLANTED = [
     ("model/A.h", '#include "engine/A.h"'),
     ("media/A.cpp", '#include "model/A.h"'),
     ("media/A.cpp", '#include "engine/A.h"'),
+    ("media/A.h", '#include "media/bmff/A.h"'),
     ("media/ffmpeg/A.cpp", "#include <QtCore/QString>"),
+    ("media/ffmpeg/A.cpp", '#include "media/heif/A.h"'),
+    ("media/bmff/A.cpp", '#include "media/ffmpeg/A.h"'),
+    ("media/jpeg/A.cpp", '#include "media/png/A.h"'),
+    ("media/jpeg/A.cpp", "#include <png.h>"),
+    ("media/ffmpeg/A.cpp", "#include <x265.h>"),
     ("media/A.h", "#include <libavcodec/avcodec.h>"),
+    ("media/A.cpp", "#include <libavcodec/avcodec.h>"),
     ("engine/A.cpp", "#include <libavutil/frame.h>"),
     ("engine/A.cpp", "#include <libswscale/swscale.h>"),
     ("engine/A.cpp", "  #  include <x265.h>"),
@@ -117,29 +188,47 @@ PLANTED = [
     ("engine/A.cpp", "#include <lcms2.h>"),
     ("engine/A.cpp", "#include <QFile>"),
     ("engine/A.cpp", '#include "ui/A.h"'),
+    ("engine/A.cpp", '#include "worker/A.h"'),
     ("engine/A.cpp", '#include "media/ffmpeg/A.h"'),
+    ("worker/A.cpp", "#include <QFile>"),
+    ("worker/A.cpp", '#include "ui/A.h"'),
     ("tools/A.cpp", '#include "ui/A.h"'),
     ("ui/A.cpp", "#include <libavformat/avformat.h>"),
     ("ui/A.cpp", '#include "media/A.h"'),
     ("ui/A.cpp", '#include "app/A.h"'),
     ("app/A.cpp", '#include "tools/A.h"'),
 ]
+# A header that another room may include, and what it brings along.
+ROUNDABOUT = {
+    "engine/Way.h": '#include "media/Picture.h"\n',
+    "media/Picture.h": "\n",
+    "ui/A.cpp": '#include "engine/Way.h"\n',
+}
 ALLOWED = [
     ("model/B.h", "#include <cstdint>"),
     ("media/ffmpeg/B.cpp", "extern \"C\" {\n#include <libavcodec/avcodec.h>\n}"),
+    ("media/B.cpp", '#include "media/heif/B.h"'),
+    ("media/heif/B.cpp", '#include "media/bmff/B.h"'),
     ("engine/B.cpp", '#include "media/A.h"'),
     ("engine/B.cpp", "#include <fmt/printf.h>"),
+    ("worker/B.cpp", '#include "engine/A.h"'),
     ("ui/B.cpp", "#include <QWidget>"),
+    ("ui/B.cpp", '#include "worker/A.h"'),
     ("app/B.cpp", '#include "ui/A.h"'),
 ]
 
 
-def found_in_tree(place, text):
+def found_in_trees(texts):
     with tempfile.TemporaryDirectory() as scratch:
-        file = pathlib.Path(scratch, place)
-        file.parent.mkdir(parents=True)
-        file.write_text(text)
+        for place, text in texts.items():
+            file = pathlib.Path(scratch, place)
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_text(text)
         return list(breaches(pathlib.Path(scratch)))
+
+
+def found_in_tree(place, text):
+    return found_in_trees({place: text})
 
 
 def self_test():
@@ -147,6 +236,8 @@ def self_test():
     for place, line in PLANTED:
         if len(found_in_tree(place, f"// {SPDX}\n{line}\n")) != 1:
             failures.append(f"not found in {place}: {line}")
+    if len(found_in_trees({place: f"// {SPDX}\n{text}" for place, text in ROUNDABOUT.items()})) != 1:
+        failures.append("what is reached through other headers is not found")
     for place, line in ALLOWED:
         failures += found_in_tree(place, f"// {SPDX}\n{line}\n")
     for place in ("media/A.cpp", "tests/x/CMakeLists.txt", "scripts/a.sh"):

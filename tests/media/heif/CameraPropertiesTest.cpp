@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/heif/CameraProperties.h"
+#include "media/heif/ItemProperties.h"
 #include "tests/media/heif/HeifBuilder.h"
 
 #include <gtest/gtest.h>
