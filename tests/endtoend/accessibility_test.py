@@ -1,20 +1,20 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What assistive technology finds on the real window, in each of its states: names, values, and an order to read in."""
+"""What assistive technology finds in the real window, in each of its states: names, values, and reading order."""
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
-from hands import hands
-from keyboard_test import MOST_STEPS, focused
+from hands import user
+from keyboard_test import MAXIMUM_STEPS, focused
 from screen_reader import everything_below, has, role_of, wait_for
-from window_test import play
+from window_test import run_tests
 
 MENUS = {"menu bar", "menu", "menu item"}
 
 
 def controls(program):
-    """What the keyboard can work with now, outside of the menu."""
+    """The controls that can have the keyboard focus now, without the menu."""
     return [thing for thing in program.shown() if role_of(thing) not in MENUS
             and has(thing, Atspi.StateType.FOCUSABLE) and has(thing, Atspi.StateType.SENSITIVE)]
 
@@ -24,7 +24,7 @@ def identity(thing):
 
 
 def purpose(thing):
-    """What it is for: its label's words where it has one. The toolkit names a combo box by what is chosen in it."""
+    """The role, and the text of the label if there is one, otherwise the name. Qt names a combo box by its item."""
     for relation in thing.get_relation_set():
         if relation.get_relation_type() == Atspi.RelationType.LABELLED_BY:
             return role_of(thing), relation.get_target(0).get_name()
@@ -32,7 +32,7 @@ def purpose(thing):
 
 
 def has_value(thing):
-    """Whether a control tells what it holds, each kind in its own way."""
+    """Whether a control reports its value, in the way of its role."""
     role = role_of(thing)
     if role in ("slider", "progress bar"):
         value = thing.get_value_iface()
@@ -41,7 +41,7 @@ def has_value(thing):
     if role == "text":
         return Atspi.Text.get_character_count(thing.get_text_iface()) > 0
     if role in ("check box", "radio button"):
-        return True  # being checked or not; see check_form
+        return True  # its value is its checked state; see check_form
     if role == "combo box":
         return thing.get_name() in [item.get_name() for item in everything_below(thing)]
     assert role == "push button", f"{identity(thing)} is of an unknown kind"
@@ -53,17 +53,17 @@ def check_controls(program, count):
     names = [purpose(thing) for thing in found]
     assert all(name for _, name in names), names
     assert len(set(names)) == len(names), names
-    silent = [identity(thing) for thing in found if not has_value(thing)]
-    assert not silent, silent
+    without_value = [identity(thing) for thing in found if not has_value(thing)]
+    assert not without_value, without_value
     return found
 
 
-def place(thing):
+def extents(thing):
     return Atspi.Component.get_extents(thing.get_component_iface(), Atspi.CoordType.SCREEN)
 
 
-def reads_after(later, earlier):
-    """Top to bottom, left to right."""
+def comes_after(later, earlier):
+    """Order of reading: top to bottom, then left to right."""
     if later.y <= earlier.y + earlier.height // 2 < later.y + later.height:
         return later.x >= earlier.x + earlier.width
     return later.y >= earlier.y + earlier.height
@@ -71,33 +71,33 @@ def reads_after(later, earlier):
 
 def next_focus(program):
     before = focused(program)
-    hands.press_key("Tab")
+    user.press_key("Tab")
     return wait_for("the next focus", lambda: (now := focused(program)) != before and now)
 
 
-def check_tabulator(program, found, last):
-    """The tabulator stops once at each control, as the eye reads; of a group of radio buttons, at the chosen one."""
-    places = {identity(thing): place(thing) for thing in found
+def check_tab_order(program, found, last):
+    """The Tab key stops once at each control, in reading order; in a group of radio buttons at the checked one."""
+    places = {identity(thing): extents(thing) for thing in found
               if role_of(thing) != "radio button" or has(thing, Atspi.StateType.CHECKED)}
     stops = [next_focus(program)]
-    while len(stops) < MOST_STEPS and (step := next_focus(program)) != stops[0]:
+    while len(stops) < MAXIMUM_STEPS and (step := next_focus(program)) != stops[0]:
         stops.append(step)
     first = min(stops, key=lambda stop: (places[stop].y, places[stop].x))
-    turn = stops.index(first)
-    stops = stops[turn:] + stops[:turn]
+    start = stops.index(first)
+    stops = stops[start:] + stops[:start]
     assert sorted(stops) == sorted(places), (stops, sorted(places))
-    # The start button stays in sight below a form that is scrolled behind it.
+    # The start button stays visible below the scrolled form, so it is last.
     assert stops.pop() == last
     for earlier, later in zip(stops, stops[1:]):
-        assert reads_after(places[later], places[earlier]), (earlier, later)
+        assert comes_after(places[later], places[earlier]), (earlier, later)
 
 
 def check_form(scene, program, count, *chosen):
-    """One state of the form: so many controls, and which of them are chosen."""
+    """Checks one state of the form: the number of controls, and which of them are checked."""
     found = check_controls(program, count)
     checked = {thing.get_name() for thing in found if has(thing, Atspi.StateType.CHECKED)}
     assert checked == {scene[key] for key in chosen}, checked
-    check_tabulator(program, found, ("push button", scene["button.start.conversion"]))
+    check_tab_order(program, found, ("push button", scene["button.start.conversion"]))
 
 
 def check_forms(scene, program):
@@ -116,14 +116,14 @@ def check_forms(scene, program):
 
 
 def check_sheet(scene, program, button):
-    """Nothing but that button can be reached, and both bars tell how far the work is."""
+    """Only that button can be reached, and both bars report the progress."""
     assert identity(check_controls(program, 1)[0]) == ("push button", scene[button])
     bars = [thing for thing in everything_below(program.root) if role_of(thing) == "progress bar"]
     assert {bar.get_name() for bar in bars} == {scene["spoken.file.progress"], scene["spoken.overall.progress"]}
     assert all(has_value(bar) for bar in bars)
 
 
-def walk(scene):
+def check_window(scene):
     long = scene.folder / "long.mp4"
     scene.draw(long, 3000, "640x360")
     program = scene.start(long)
@@ -139,4 +139,4 @@ def walk(scene):
 
 
 if __name__ == "__main__":
-    play(walk)
+    run_tests(check_window)

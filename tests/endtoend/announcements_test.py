@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a screen reader hears by itself: drop targets that were filled, bars that move."""
+"""Events that a screen reader gets without asking: a filled drop target, a moving progress bar."""
 
 import gi
 
@@ -7,25 +7,25 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 from screen_reader import wait_for
-from window_test import play
+from window_test import run_tests
 
 
 class Listener:
-    """The announcements of all programs: (what, name of the control)."""
+    """Records events of all programs: (property, name, description, value of the control)."""
 
     def __init__(self, *events):
         self.heard = []
-        self.listener = Atspi.EventListener.new(self.hear)
+        self.listener = Atspi.EventListener.new(self.record)
         for event in events:
             self.listener.register(event)
 
-    def hear(self, event):
+    def record(self, event):
         try:
             value = event.source.get_value_iface()
             self.heard.append((event.type.rpartition(":")[2], event.source.get_name(), event.source.get_description(),
                                Atspi.Value.get_current_value(value) if value else None))
         except GLib.Error:
-            pass  # it went away in the meantime
+            pass  # the control no longer exists
 
     def wait(self, what, condition):
         def heard():
@@ -49,10 +49,10 @@ def convert(scene):
                       and name == scene[bar] and value)
     listener.wait("the button that closes now",
                   lambda what, name, described, value: what == "accessible-name" and name == scene["button.close"])
-    scene.see_end(program, scene["alert.conversion.success"])
+    scene.close_result(program, scene["alert.conversion.success"])
     program.process.kill()
     program.process.wait()
 
 
 if __name__ == "__main__":
-    play(convert)
+    run_tests(convert)

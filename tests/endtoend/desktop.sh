@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Runs a Python program on a small desktop of its own: session bus, and an X server with a window manager or
-# a Wayland compositor.
+# Runs a Python program on a new small desktop: a session bus, and an X server with a window manager or a Wayland
+# compositor.
 # Usage: desktop.sh x11|wayland PROGRAM [ARGUMENT…]
 set -eu
 display=$1
@@ -14,7 +14,7 @@ esac
 for tool in dbus-run-session $tools; do
     command -v "$tool" >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
 done
-python=/usr/bin/python3 # the distribution's, which has its bindings
+python=/usr/bin/python3 # the distribution's Python, which has the AT-SPI bindings
 "$python" -c 'import gi; gi.require_version("Atspi", "2.0")' 2>/dev/null || { echo "skipped: no bindings of AT-SPI"; exit 77; }
 
 home=$(mktemp -d)
@@ -30,7 +30,7 @@ if [ "$display" = x11 ]; then
     exit
 fi
 
-# sway refuses to be run by root, who may use another user's display.
+# sway refuses to run as root, so it runs as another user. root may still use its display.
 compositor=
 [ "$(id -u)" != 0 ] || compositor="setpriv --reuid=65534 --regid=65534 --clear-groups"
 chmod 711 "$home"

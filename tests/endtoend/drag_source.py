@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Another program's window to drag from. It offers the given types and data, and tells how each drag ends."""
+"""A window of another program to drag from. It offers the given types and data, and prints how each drag ends."""
 import sys
 
 import gi
@@ -10,7 +10,7 @@ from gi.repository import Gdk, Gtk  # noqa: E402
 
 
 def main(title, *offers):
-    """The window's title; each offer is TYPE=DATA."""
+    """title: of the window. offers: TYPE=DATA each."""
     data = [offer.split("=", 1) for offer in offers]
     window = Gtk.Window(title=title, type_hint=Gdk.WindowTypeHint.UTILITY)
     window.set_default_size(120, 80)
@@ -27,12 +27,12 @@ def main(title, *offers):
 
     def failed(*_):
         failures.append(True)
-        return True  # no picture flies back
+        return True  # no animation of the picture flying back
 
     def end(_surface, context):
-        # Only X tells it here; a Wayland compositor cancels a drag whose drop was refused.
+        # Only X reports it here; a Wayland compositor cancels a drag whose drop was refused.
         refused = failures or (in_x and not Gdk.drag_drop_succeeded(context))
-        print("refused" if refused else "taken", flush=True)
+        print("refused" if refused else "accepted", flush=True)
 
     surface.add_events(Gdk.EventMask.ENTER_NOTIFY_MASK)
     surface.connect("enter-notify-event", lambda *_: print("entered", flush=True))

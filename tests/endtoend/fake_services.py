@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A desktop's services on the session bus, acted: each call and signal becomes a line of JSON on standard output."""
+"""Fake desktop services on the session bus. Each call and signal is printed as a line of JSON."""
 import json
 import os
 
@@ -36,37 +36,37 @@ def arguments(signature, direction):
 
 
 def description(interface, methods):
-    body = "".join(f'<method name="{name}">{arguments(taken, "in")}{arguments(given, "out")}</method>'
-                   for name, taken, given in methods)
+    body = "".join(f'<method name="{name}">{arguments(parameters, "in")}{arguments(results, "out")}</method>'
+                   for name, parameters, results in methods)
     return Gio.DBusNodeInfo.new_for_xml(f'<node><interface name="{interface}">{body}</interface></node>').interfaces[0]
 
 
-def tell(*what):
+def report(*what):
     print(json.dumps(what), flush=True)
 
 
 def lock(invocation):
-    """logind's lock lasts until the last copy of its descriptor is closed."""
+    """Returns a lock as logind does: it lasts until the last copy of its descriptor is closed."""
     reading, writing = os.pipe()
 
     def released(_descriptor, _condition):
-        tell("org.freedesktop.login1.Manager", "released")
+        report("org.freedesktop.login1.Manager", "released")
         return False
 
     GLib.unix_fd_add_full(GLib.PRIORITY_DEFAULT, reading, GLib.IOCondition.HUP, released)
-    descriptors = Gio.UnixFDList.new_from_array([writing])  # takes the descriptor over
+    descriptors = Gio.UnixFDList.new_from_array([writing])  # takes ownership of the descriptor
     invocation.return_value_with_unix_fd_list(GLib.Variant("(h)", (0,)), descriptors)
 
 
-def called(_bus, _sender, _path, interface, method, values, invocation, *_):
-    tell(interface, method, values.unpack())
+def handle_call(_bus, _sender, _path, interface, method, values, invocation, *_):
+    report(interface, method, values.unpack())
     if interface.endswith("login1.Manager"):
         lock(invocation)
     elif interface.endswith("portal.Inhibit"):
         invocation.return_value(GLib.Variant("(o)", (REQUEST,)))
     elif method == "Notify":
         invocation.return_value(GLib.Variant("(u)", (1,)))
-    elif method == "RetrieveFiles":  # the key of a transfer is the list of its files here
+    elif method == "RetrieveFiles":  # here the key of a transfer is the list of its files
         invocation.return_value(GLib.Variant("(as)", (json.loads(values.unpack()[0]),)))
     else:
         invocation.return_value(None)
@@ -75,13 +75,14 @@ def called(_bus, _sender, _path, interface, method, values, invocation, *_):
 def main():
     bus = Gio.bus_get_sync(Gio.BusType.SESSION)
     for name, path, interface, methods in SERVICES:
-        bus.register_object(path, description(interface, methods), called, None, None)
+        bus.register_object(path, description(interface, methods), handle_call, None, None)
     bus.signal_subscribe(None, "com.canonical.Unity.LauncherEntry", "Update", None, None, Gio.DBusSignalFlags.NONE,
-                         lambda _bus, _sender, _path, interface, signal, values: tell(interface, signal, values.unpack()))
+                         lambda _bus, _sender, _path, interface, signal, values:
+                         report(interface, signal, values.unpack()))
     for name in {service[0] for service in SERVICES}:
         bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
                       GLib.Variant("(su)", (name, 0)), None, Gio.DBusCallFlags.NONE, -1, None)
-    tell("ready")
+    report("ready")
     GLib.MainLoop().run()
 
 

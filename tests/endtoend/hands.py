@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The hands and eyes of a user, in an X server and in a Wayland session: keys, a pointer, and what is on the screen."""
+"""Simulated input of a user and screenshots, in an X server and in a Wayland session."""
 import atexit
 import json
 import os
@@ -14,7 +14,7 @@ from virtual_pointer import VirtualPointer  # noqa: E402
 
 
 def extents(thing):
-    """Where a program says that a part of it is. (Relative to the window, Qt 6.4 tells wrong sizes.)"""
+    """The position and size that a program reports for a control, on the screen: Qt 6.4 reports wrong relative sizes."""
     area = Atspi.Component.get_extents(thing.get_component_iface(), Atspi.CoordType.SCREEN)
     return area.x, area.y, area.width, area.height
 
@@ -23,13 +23,13 @@ def run(*command):
     return subprocess.run([str(word) for word in command], check=True, capture_output=True).stdout
 
 
-class HandsInX:
+class X11User:
     in_wayland = False
 
     def press_key(self, combination):
         run("xdotool", "key", "--clearmodifiers", combination)
 
-    def type_words(self, words):
+    def type_text(self, words):
         run("xdotool", "type", "--clearmodifiers", words)
 
     def move(self, x, y):
@@ -39,26 +39,26 @@ class HandsInX:
         run("xdotool", "mousedown" if pressed else "mouseup", 1)
 
     def window_at(self, title):
-        """The place of a window's upper left corner, or None."""
+        """The position of a window's upper left corner, or None."""
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$", "getwindowgeometry",
                                 "--shell"], capture_output=True, text=True).stdout
         place = dict(line.split("=") for line in found.split())
         return (int(place["X"]), int(place["Y"])) if place else None
 
     def area_of(self, thing):
-        """x, y, width, height on the screen of a part of the program's window."""
+        """x, y, width, height on the screen of a control."""
         return extents(thing)
 
-    def photograph(self, picture):
+    def take_screenshot(self, picture):
         run("import", "-silent", "-window", "root", picture)
 
 
-class HandsInWayland:
+class WaylandUser:
     in_wayland = True
 
     def __init__(self):
         self.pointer = None
-        # Without a keyboard that stays, programs would begin to listen when the key is already over.
+        # Keeps a virtual keyboard connected. Otherwise programs would get a keyboard only after the key was released.
         self.keyboard = subprocess.Popen(["wtype", "-s", str(2**31 - 1)])
         atexit.register(self.keyboard.kill)
 
@@ -67,7 +67,7 @@ class HandsInWayland:
         held = [word for modifier in modifiers for word in ("-M", modifier)]
         run("wtype", *held, *(["-k", key] if len(key) > 1 else [key]))
 
-    def type_words(self, words):
+    def type_text(self, words):
         run("wtype", words)
 
     def move(self, x, y):
@@ -88,12 +88,12 @@ class HandsInWayland:
         return search(json.loads(run("swaymsg", "-t", "get_tree")))
 
     def area_of(self, thing):
-        left, top = self.window_at("Lumetwin")  # which no Wayland client knows itself
+        left, top = self.window_at("Lumetwin")  # a Wayland client does not know its own position
         x, y, width, height = extents(thing)
         return left + x, top + y, width, height
 
-    def photograph(self, picture):
+    def take_screenshot(self, picture):
         run("grim", picture)
 
 
-hands = HandsInWayland() if "WAYLAND_DISPLAY" in os.environ else HandsInX()
+user = WaylandUser() if "WAYLAND_DISPLAY" in os.environ else X11User()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A program's window as assistive technology sees it: controls by role and name, pressed and read over AT-SPI."""
+"""Reads and presses a program's controls over AT-SPI, as assistive technology does, by role and name."""
 import subprocess
 import time
 
@@ -8,20 +8,20 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-PATIENCE = 60  # seconds until something that must happen counts as missing
+TIMEOUT = 60  # seconds; a longer wait fails
 
 
 def wait_for(what, condition):
-    """The first true answer of the condition. Ends the test when there is none."""
-    end = time.monotonic() + PATIENCE
+    """Waits until the condition returns a true value, and returns that. Fails after TIMEOUT seconds."""
+    end = time.monotonic() + TIMEOUT
     while time.monotonic() < end:
         try:
             if answer := condition():
                 return answer
         except GLib.Error:
-            pass  # what was looked at went away while we looked
+            pass  # the control disappeared while it was read
         time.sleep(0.02)
-    raise AssertionError(f"waited in vain: {what}")
+    raise AssertionError(f"not reached in time: {what}")
 
 
 def has(thing, state):
@@ -29,7 +29,7 @@ def has(thing, state):
 
 
 def role_of(thing):
-    """The name of its role; newer releases of AT-SPI call a push button a button."""
+    """The name of the role. Newer releases of AT-SPI say "button" instead of "push button"."""
     name = thing.get_role_name()
     return "push button" if name == "button" else name
 
@@ -43,7 +43,7 @@ def everything_below(thing):
 
 
 def shown_below(thing):
-    """As a screen reader walks: into what is shown only, and not into what a combo box could hold."""
+    """All visible controls below, as a screen reader finds them: without the items of combo boxes."""
     for index in range(thing.get_child_count()):
         child = thing.get_child_at_index(index)
         if child is not None and has(child, Atspi.StateType.SHOWING):
@@ -73,12 +73,12 @@ class Program:
         return [window for window in each if window]
 
     def shown(self):
-        """What is shown in all windows now."""
+        """The visible controls of all windows now."""
         self.root.clear_cache()
         return [thing for window in self.windows() for thing in shown_below(window)]
 
     def find(self, role, name, within=None):
-        """What is shown with that role and name now, or None. A name of None stands for any."""
+        """The visible control with that role and name, or None. name=None means any name."""
         self.root.clear_cache()
         for thing in everything_below(within or self.root):
             if (role_of(thing) == role and name in (None, thing.get_name())
@@ -90,7 +90,7 @@ class Program:
         return wait_for(f"{role} “{name}”", lambda: self.find(role, name))
 
     def wait_text(self, words):
-        """Waits until a text is shown anywhere."""
+        """Waits until the text is shown anywhere."""
         def shown():
             self.root.clear_cache()
             return any(words in (thing.get_name() or "") and has(thing, Atspi.StateType.SHOWING)
@@ -98,15 +98,15 @@ class Program:
         wait_for(f"the text “{words}”", shown)
 
     def press(self, role, name, within=None):
-        """Presses or toggles what has that role and name, once it can be used."""
+        """Presses or toggles the control with that role and name, as soon as it is enabled."""
         def usable():
             thing = self.find(role, name, within)
             return thing if thing and has(thing, Atspi.StateType.SENSITIVE) else None
-        thing = wait_for(f"{role} “{name}” in use", usable)
+        thing = wait_for(f"{role} “{name}” enabled", usable)
         Atspi.Action.do_action(thing.get_action_iface(), 0)
 
     def choose_path(self, button, accept, path):
-        """Goes through a file dialog: the button that opens it, the path, the button that takes the choice."""
+        """Chooses a path in a file dialog. button opens the dialog; accept is its button that accepts the choice."""
         self.press("push button", button)
         dialog = wait_for("a file dialog", lambda: self.find("file chooser", None) or self.find("dialog", None))
         role, title = role_of(dialog), dialog.get_name()
@@ -119,7 +119,7 @@ class Program:
         Atspi.EditableText.set_text_contents(field.get_editable_text_iface(), words)
 
     def is_full(self, name):
-        """Whether the progress bar of that name stands at its end."""
+        """Whether the progress bar of that name is full."""
         bar = self.find("progress bar", name)
         value = bar.get_value_iface() if bar else None
         return value and Atspi.Value.get_current_value(value) == Atspi.Value.get_maximum_value(value)
@@ -128,7 +128,7 @@ class Program:
         return has(self.wait(role, name), Atspi.StateType.CHECKED)
 
     def describe(self):
-        """What is shown, for the report of a failure."""
+        """Prints what is shown, for the report of a failure."""
         self.root.clear_cache()
         for thing in everything_below(self.root):
             if has(thing, Atspi.StateType.SHOWING):
@@ -136,10 +136,10 @@ class Program:
                 print(role_of(thing), repr(thing.get_name()), Atspi.Value.get_current_value(value) if value else "")
 
     def is_in_front(self):
-        """Whether its main window has the keys, which comes a moment after a sheet has gone."""
+        """Whether the main window has the keyboard. After a sheet closes that takes a moment."""
         self.root.clear_cache()
         return any(role_of(window) == "frame" and has(window, Atspi.StateType.ACTIVE) for window in self.windows())
 
-    def ended(self):
-        """The exit status, when the program ends by itself."""
-        return self.process.wait(PATIENCE)
+    def wait_for_exit(self):
+        """Waits until the program ends, and returns its exit status."""
+        return self.process.wait(TIMEOUT)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the program tells the desktop while it works, with the desktop's services there and without them."""
+"""What the program reports to the desktop while it works, with the desktop's services and without them."""
 import json
 import os
 import pathlib
@@ -7,7 +7,7 @@ import subprocess
 import sys
 
 from screen_reader import Program, wait_for
-from window_test import play
+from window_test import run_tests
 
 LOGIND = "org.freedesktop.login1.Manager"
 LAUNCHER = "com.canonical.Unity.LauncherEntry"
@@ -19,14 +19,14 @@ class Services:
         script = pathlib.Path(__file__).with_name("fake_services.py")
         with self.log.open("wb") as log:
             self.process = subprocess.Popen([sys.executable, script], stdout=log)
-        wait_for("the services", lambda: ["ready"] in self.said())
+        wait_for("the services", lambda: ["ready"] in self.messages())
 
-    def said(self):
+    def messages(self):
         lines = self.log.read_text(encoding="utf-8").split("\n")
-        return [json.loads(line) for line in lines[:-1]]  # after the last line feed a line may be half written
+        return [json.loads(line) for line in lines[:-1]]  # the part after the last line feed may be incomplete
 
     def calls(self, interface, method):
-        return [words[2] if len(words) > 2 else [] for words in self.said() if words[:2] == [interface, method]]
+        return [words[2] if len(words) > 2 else [] for words in self.messages() if words[:2] == [interface, method]]
 
     def wait(self, interface, method):
         return wait_for(f"{interface}.{method}", lambda: self.calls(interface, method))
@@ -36,8 +36,8 @@ class Services:
         self.process.wait()
 
 
-def put_something_in_front():
-    """Another window, so that the program's own is not in front."""
+def open_window_in_front():
+    """Opens another window, so that the program's window is not in front."""
     other = subprocess.Popen(["xev"], stdout=subprocess.DEVNULL)
 
     def in_front():
@@ -50,7 +50,7 @@ def put_something_in_front():
 def convert(scene, program):
     program.press("radio button", scene["direction.sbs.to.spatial"])
     scene.choose_output(program)
-    other = put_something_in_front()
+    other = open_window_in_front()
     program.press("push button", scene["button.start.conversion"])
     program.wait_text(scene["alert.conversion.success"])
     return other
@@ -68,7 +68,7 @@ def with_services(scene):
         assert flags == 4 and details == {"reason": scene["reason.converting"]}, (flags, details)
         title, message = services.wait("org.freedesktop.Notifications", "Notify")[0][3:5]
         assert title == scene["alert.conversion.success"] and message == scene["status.complete"] % (1, 0)
-        check_launcher(wait_for("the end of the progress", lambda: ended(services)))
+        check_launcher(wait_for("the end of the progress", lambda: launcher_updates_after_end(services)))
         services.wait(LOGIND, "released")
         services.wait("org.freedesktop.portal.Request", "Close")
         program.press("push button", scene["button.show.in.folder"])
@@ -82,7 +82,7 @@ def with_services(scene):
         services.close()
 
 
-def ended(services):
+def launcher_updates_after_end(services):
     updates = services.calls(LAUNCHER, "Update")
     return updates if updates and not updates[-1][1]["progress-visible"] else None
 
@@ -94,7 +94,7 @@ def check_launcher(updates):
 
 
 def without_services(scene):
-    """Nothing is missing but the services themselves, and nobody is told."""
+    """Without the services everything else works, and no error is printed."""
     os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={scene.folder}/none"
     for old in scene.output.iterdir():
         old.unlink()
@@ -107,11 +107,11 @@ def without_services(scene):
         other.wait()
         program.press("menu item", "Lumetwin")
         program.press("menu item", scene["menu.quit"])
-        assert program.ended() == 0
+        assert program.wait_for_exit() == 0
         errors.seek(0)
-        said = errors.read().decode()
-    assert "DBus" not in said and "login1" not in said and "portal" not in said, said
+        printed = errors.read().decode()
+    assert "DBus" not in printed and "login1" not in printed and "portal" not in printed, printed
 
 
 if __name__ == "__main__":
-    play(with_services, without_services)
+    run_tests(with_services, without_services)

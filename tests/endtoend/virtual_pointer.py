@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A pointing device for a Wayland compositor: wlr-virtual-pointer-unstable-v1 in the wire format of Wayland."""
+"""A virtual pointer for a Wayland compositor: wlr-virtual-pointer-unstable-v1 in Wayland's wire format."""
 import os
 import socket
 import struct
@@ -21,7 +21,7 @@ class VirtualPointer:
         self.socket = socket.socket(socket.AF_UNIX)
         self.socket.connect(os.path.join(os.environ["XDG_RUNTIME_DIR"], os.environ["WAYLAND_DISPLAY"]))
         self.send(DISPLAY, 1, struct.pack("=I", REGISTRY))  # get_registry
-        name = self.await_manager()
+        name = self.wait_for_manager()
         self.send(REGISTRY, 0, struct.pack("=I", name) + wire_string(MANAGER) + struct.pack("=II", 1, MANAGER_ID))  # bind
         self.send(MANAGER_ID, 0, struct.pack("=II", 0, POINTER))  # create_virtual_pointer on the only seat
 
@@ -30,11 +30,11 @@ class VirtualPointer:
 
     def receive(self, length):
         received = self.socket.recv(length, socket.MSG_WAITALL)
-        assert len(received) == length, "the compositor hung up"
+        assert len(received) == length, "the compositor closed the connection"
         return received
 
-    def await_manager(self):
-        """The manager's number among the globals that the registry tells of."""
+    def wait_for_manager(self):
+        """Waits until the registry reports the manager, and returns its number."""
         while True:
             _, _, size = struct.unpack("=IHH", self.receive(8))
             event = self.receive(size - 8)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""One window from the first file to the finished batch, as a user of a screen reader and a keyboard works with it."""
+"""One window from the first file to the finished batch, used over the accessibility bus and by keyboard."""
 import argparse
 import os
 import pathlib
@@ -7,12 +7,12 @@ import re
 import subprocess
 import tempfile
 
-from hands import hands
+from hands import user
 from screen_reader import Program, wait_for
 
 
 def read_texts(folder, language):
-    """The table of texts: key to wording. The source language has its wording as msgid."""
+    """The text table as a dictionary of texts by key. The English table has its texts in msgid."""
     table = (folder / f"{language}.po").read_text(encoding="utf-8")
     joined = re.sub(r'"\n"', "", table)
     found = re.findall(r'msgctxt "(.*)"\nmsgid "(.*)"\nmsgstr "(.*)"', joined)
@@ -20,7 +20,7 @@ def read_texts(folder, language):
 
 
 class Scene:
-    """A folder with media, the program's texts, and the tools that judge what comes out."""
+    """A folder with media, the program's texts, and functions that check the outputs."""
 
     def __init__(self, options, folder):
         self.options = options
@@ -31,10 +31,10 @@ class Scene:
         self.output.mkdir()
         self.clip = folder / "clip.mp4"
         self.draw(self.clip, 60)
-        self.stand_in_for_a_browser()
+        self.install_fake_browser()
 
-    def stand_in_for_a_browser(self):
-        """What opens pages on a desktop; this one only writes them down."""
+    def install_fake_browser(self):
+        """Replaces xdg-open by a script that only records the opened addresses."""
         folder = self.folder / "bin"
         folder.mkdir()
         browser = folder / "xdg-open"
@@ -53,14 +53,14 @@ class Scene:
         return subprocess.run([str(word) for word in command], check=True, capture_output=True).stdout
 
     def draw(self, target, frames, size="320x180"):
-        """The left half is bright, the right one dark."""
+        """Draws a clip whose left half is bright and whose right half is dark."""
         self.run(self.options.stack / "bin/ffmpeg", "-nostdin", "-v", "error", "-f", "lavfi", "-i",
                  f"color=white:s={size}:r=30", "-f", "lavfi", "-i", f"color=black:s={size}:r=30", "-filter_complex",
                  "hstack,noise=alls=12:allf=t", "-frames:v", frames, "-pix_fmt", "yuv420p", "-c:v", "libx264",
                  "-preset", "ultrafast", target)
 
-    def halves(self, movie):
-        """Mean luma of the halves of a movie's first frame, left first, each scaled down to one sample."""
+    def mean_luma_of_halves(self, movie):
+        """The mean luma of the left and the right half of a movie's first frame."""
         planes = self.run(self.options.stack / "bin/ffmpeg", "-nostdin", "-v", "error", "-i", movie, "-frames:v", 1,
                           "-vf", "scale=2:2:flags=area", "-pix_fmt", "yuv444p", "-f", "rawvideo", "-")
         return planes[0], planes[1]
@@ -73,23 +73,23 @@ class Scene:
     def choose_output(self, program):
         program.choose_path(self["button.select.folder"], self["button.select"], self.output)
 
-    def see_end(self, program, title):
+    def close_result(self, program, title):
         program.wait_text(title)
         program.press("push button", "OK")
         program.press("push button", self["button.close"])
 
     def quit(self, program):
-        """By the keyboard."""
+        """Quits by keyboard."""
         wait_for("the window in front", program.is_in_front)
-        hands.press_key("ctrl+q")
-        assert program.ended() == 0
+        user.press_key("ctrl+q")
+        assert program.wait_for_exit() == 0
 
-    def names(self):
+    def output_names(self):
         return sorted(path.name for path in self.output.iterdir())
 
 
 def convert_there_and_back(scene):
-    """Side-by-side to spatial, then the result back, in the same window; the eyes keep their sides."""
+    """Converts side-by-side to spatial and the result back, in the same window. The eyes keep their sides."""
     program = scene.start(scene.clip)
     program.wait_text(scene.clip.name)
     program.press("radio button", scene["direction.sbs.to.spatial"])
@@ -97,8 +97,8 @@ def convert_there_and_back(scene):
     scene.choose_output(program)
     program.press("push button", scene["button.start.conversion"])
     wait_for("a full bar", lambda: program.is_full(scene["spoken.overall.progress"]))
-    scene.see_end(program, scene["alert.conversion.success"])
-    assert scene.names() == ["clip_spatial.mov"], scene.names()
+    scene.close_result(program, scene["alert.conversion.success"])
+    assert scene.output_names() == ["clip_spatial.mov"], scene.output_names()
     words = scene.run(scene.options.batch, "inspect", scene.output / "clip_spatial.mov").decode()
     assert "spatial video" in words, words
 
@@ -106,9 +106,9 @@ def convert_there_and_back(scene):
     program.choose_path(scene["button.select"], scene["button.select"], scene.output / "clip_spatial.mov")
     program.wait_text("clip_spatial.mov")
     program.press("push button", scene["button.start.conversion"])
-    scene.see_end(program, scene["alert.conversion.success"])
-    assert scene.names() == ["clip_spatial.mov", "clip_spatial_sbs.mp4"], scene.names()
-    left, right = scene.halves(scene.output / "clip_spatial_sbs.mp4")
+    scene.close_result(program, scene["alert.conversion.success"])
+    assert scene.output_names() == ["clip_spatial.mov", "clip_spatial_sbs.mp4"], scene.output_names()
+    left, right = scene.mean_luma_of_halves(scene.output / "clip_spatial_sbs.mp4")
     assert left > 150 and right < 100, (left, right)
 
     ask_before_replacing(scene, program)
@@ -116,17 +116,17 @@ def convert_there_and_back(scene):
 
 
 def ask_before_replacing(scene, program):
-    kept = (scene.output / "clip_spatial_sbs.mp4").stat()
+    before = (scene.output / "clip_spatial_sbs.mp4").stat()
     program.press("push button", scene["button.start.conversion"])
     program.wait_text(scene["alert.overwrite.title"])
     program.press("push button", scene["button.cancel"])
     wait_for("the form", lambda: not program.find("push button", scene["button.cancel"]))
-    now = (scene.output / "clip_spatial_sbs.mp4").stat()
-    assert (kept.st_ino, kept.st_mtime_ns) == (now.st_ino, now.st_mtime_ns)
+    after = (scene.output / "clip_spatial_sbs.mp4").stat()
+    assert (before.st_ino, before.st_mtime_ns) == (after.st_ino, after.st_mtime_ns)
 
 
 def stop_and_close(scene):
-    """A run that is stopped leaves nothing; one that is closed asks first, and keeps what is finished."""
+    """A stopped run leaves no partial file. Closing the window during a run asks first, and keeps finished files."""
     for old in scene.output.iterdir():
         old.unlink()
     long = scene.folder / "long.mp4"
@@ -135,7 +135,7 @@ def stop_and_close(scene):
     program.press("radio button", scene["direction.sbs.to.spatial"])
     scene.choose_output(program)
     program.press("push button", scene["button.start.conversion"])
-    wait_for("the second file", lambda: "long_spatial.mov.partial" in scene.names())
+    wait_for("the second file", lambda: "long_spatial.mov.partial" in scene.output_names())
     program.press("push button", scene["button.cancel"])
     program.wait_text(scene["alert.cancel.title"])
     program.press("push button", scene["button.continue"])
@@ -143,21 +143,21 @@ def stop_and_close(scene):
     program.press("push button", scene["button.cancel"])
     program.wait_text(scene["alert.cancel.title"])
     program.press("push button", scene["button.stop"])
-    wait_for("the end of the run", lambda: scene.names() == ["clip_spatial.mov"])
+    wait_for("the end of the run", lambda: scene.output_names() == ["clip_spatial.mov"])
 
     for old in scene.output.iterdir():
         old.unlink()
     program.press("push button", scene["button.start.conversion"])
-    wait_for("the second file", lambda: "long_spatial.mov.partial" in scene.names())
-    hands.press_key("alt+F4")
+    wait_for("the second file", lambda: "long_spatial.mov.partial" in scene.output_names())
+    user.press_key("alt+F4")
     program.wait_text(scene["alert.quit.title"])
     assert program.process.poll() is None
     program.press("push button", scene["button.stop.quit"])
-    assert program.ended() == 0
-    assert scene.names() == ["clip_spatial.mov"], scene.names()
+    assert program.wait_for_exit() == 0
+    assert scene.output_names() == ["clip_spatial.mov"], scene.output_names()
 
 
-def options_of():
+def parse_options():
     parser = argparse.ArgumentParser()
     parser.add_argument("--language", required=True)
     for name in ("program", "batch", "stack", "texts"):
@@ -165,14 +165,14 @@ def options_of():
     return parser.parse_args()
 
 
-def play(*acts):
-    """Each act with the same scene; what the window shows is told when one fails."""
-    options = options_of()
+def run_tests(*tests):
+    """Runs the tests with the same scene. When one fails, prints what the window shows."""
+    options = parse_options()
     with tempfile.TemporaryDirectory(prefix="lumetwin-test-") as name:
         scene = Scene(options, pathlib.Path(name))
         try:
-            for act in acts:
-                act(scene)
+            for test in tests:
+                test(scene)
         except AssertionError:
             if scene.program:
                 scene.program.describe()
@@ -180,4 +180,4 @@ def play(*acts):
 
 
 if __name__ == "__main__":
-    play(convert_there_and_back, stop_and_close)
+    run_tests(convert_there_and_back, stop_and_close)

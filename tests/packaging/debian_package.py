@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The .deb that cpack makes: its control data, and its documents as the Debian policy wants them."""
+"""The .deb that cpack makes: its control data, and its documents as the Debian policy requires them."""
 import gzip
 import pathlib
 import re
@@ -14,7 +14,7 @@ class DebianPackage(unittest.TestCase):
     def setUpClass(cls):
         cls.scratch = tempfile.TemporaryDirectory()
         folder = pathlib.Path(cls.scratch.name)
-        # Packing hard is left out: it takes the time of all the rest.
+        # No compression: it would take as long as everything else together.
         result = run(CMAKE.with_name("cpack"), "-G", "DEB", "-B", folder, "-D", "CPACK_DEBIAN_COMPRESSION_TYPE=none",
                      "--config", BUILD / "CPackConfig.cmake")
         packages = list(folder.glob("*.deb"))
@@ -34,7 +34,7 @@ class DebianPackage(unittest.TestCase):
     def unpacked(self, path):
         return gzip.decompress((self.tree / path).read_bytes()).decode()
 
-    def test_version_is_the_projects_and_the_changelogs(self):
+    def test_version_agrees_with_project_and_changelog(self):
         version = re.search(r"VERSION (\S+) LANGUAGES", read("CMakeLists.txt"))[1]
         self.assertEqual(self.field("Version"), f"{version}-1")
         self.assertTrue(read("packaging/debian/changelog").startswith(f"lumetwin ({version}-1) "))
@@ -44,11 +44,11 @@ class DebianPackage(unittest.TestCase):
         depends = self.field("Depends")
         for library in ("libc6", "libqt6widgets6", "libqt6svg6", "libx264-", "libdav1d", "libzimg", "libtiff"):
             self.assertIn(library, depends)
-        # From the private stack, linked in.
+        # Linked statically, from the private stack.
         for library in ("libavcodec", "libx265", "libheif"):
             self.assertNotIn(library, depends)
 
-    def test_what_is_loaded_by_name_is_asked_for(self):
+    def test_packages_loaded_at_run_time_are_dependencies(self):
         for package in ("qt6-qpa-plugins", "qt6-translations-l10n", "hicolor-icon-theme"):
             self.assertIn(package, self.field("Depends"))
         for package in ("qt6-wayland", "fonts-noto-cjk", "xdg-utils"):
@@ -68,12 +68,12 @@ class DebianPackage(unittest.TestCase):
             f"usr/share/metainfo/{ID}.metainfo.xml",
         } | {f"usr/{page}" for page in HELP_FILES})
 
-    def test_folders_are_open_to_all(self):
+    def test_folders_are_readable_by_all(self):
         for file in self.tree.rglob("*"):
             if file.is_dir():
                 self.assertEqual(oct(file.stat().st_mode & 0o777), oct(0o755), file)
 
-    def test_documents_say_what_they_should(self):
+    def test_documents_have_the_right_content(self):
         documents = "usr/share/doc/lumetwin"
         self.assertEqual(self.unpacked(f"{documents}/changelog.gz"), read("CHANGELOG.md"))
         self.assertEqual(self.unpacked(f"{documents}/changelog.Debian.gz"), read("packaging/debian/changelog"))

@@ -1,18 +1,18 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What describes the program to desktops and to readers of manuals is valid, and agrees with the program."""
+"""The desktop entry, the metainfo and the manual pages are valid and agree with the program."""
 import os
 import re
 import unittest
 import xml.etree.ElementTree
 
-from packaging import DESKTOP, ID, METAINFO, SOURCE, complaints, desktop_entry, main, read, run
+from packaging import DESKTOP, ID, METAINFO, SOURCE, tool_output, desktop_entry, main, read, run
 
 LANGUAGE = "{http://www.w3.org/XML/1998/namespace}lang"
 
 
 class Validators(unittest.TestCase):
     def test_desktop_entry_is_valid(self):
-        self.assertEqual(complaints("desktop-file-validate", DESKTOP), "")
+        self.assertEqual(tool_output("desktop-file-validate", DESKTOP), "")
 
     def test_metainfo_is_valid(self):
         result = run("appstreamcli", "validate", "--no-net", METAINFO)
@@ -39,7 +39,7 @@ class Names(unittest.TestCase):
         self.assertEqual(self.metainfo.find("launchable").text, f"{ID}.desktop")
         self.assertRegex(read("packaging/example.lumetwin.Lumetwin.yml"), rf"(?m)^id: {re.escape(ID)}$")
 
-    def test_the_program_tells_the_desktop_this_id(self):
+    def test_the_program_uses_this_id(self):
         self.assertIn("applicationId[] = LUMETWIN_ID", read("app/ApplicationIcon.h"))
         self.assertIn("setDesktopFileName(QLatin1String(applicationId))", read("app/main.cpp"))
         self.assertRegex(read("app/MainWindowController.cpp"), r"DesktopPresence>\(.*QLatin1String\(applicationId\)")
@@ -47,7 +47,7 @@ class Names(unittest.TestCase):
         self.assertIn('QStringLiteral("application://%1.desktop").arg(desktopId_)', presence)
         self.assertIn('{QStringLiteral("desktop-entry"), desktopId}', presence)
 
-    def test_icons_are_there_under_that_name(self):
+    def test_icons_have_this_name(self):
         self.assertEqual(self.entry["Icon"], ID)
         self.assertEqual(self.metainfo.find("icon[@type='stock']").text, ID)
         for icon in (ID, f"{ID}-symbolic"):
@@ -63,17 +63,17 @@ class Names(unittest.TestCase):
         version = re.search(r"VERSION (\S+) LANGUAGES", read("CMakeLists.txt"))[1]
         self.assertEqual(self.metainfo.find("releases/release").get("version"), version)
 
-    def test_files_handed_over_reach_the_program(self):
+    def test_opened_files_are_passed_to_the_program(self):
         self.assertEqual(self.entry["Exec"], "lumetwin %F")
         self.assertEqual(self.metainfo.find("provides/binary").text, "lumetwin")
         kinds = set(self.entry["MimeType"].rstrip(";").split(";"))
         for kind in ("video/quicktime", "video/mp4", "video/x-msvideo", "video/x-matroska", "image/heif", "image/jpeg",
                      "image/png", "image/tiff"):
             self.assertIn(kind, kinds)
-        # A desktop without a default would open every folder with Lumetwin, also where "Show in Folder" asks for it.
+        # A desktop without a default would open every folder with Lumetwin, even for "Show in Folder".
         self.assertNotIn("inode/directory", kinds)
 
-    def test_all_is_said_in_both_languages(self):
+    def test_everything_is_translated(self):
         for key in ("GenericName", "Comment", "Keywords"):
             self.assertIn(f"{key}[ja]", self.entry)
         for parent in self.metainfo.iter():

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The Flatpak manifest: asks for little, builds what the media stack builds, from pinned sources."""
+"""The Flatpak manifest: few permissions, the same libraries as the media stack, and pinned sources."""
 import re
 import unittest
 
@@ -12,7 +12,7 @@ except ImportError:
     raise SystemExit(77)
 
 
-def needed(pattern, path):
+def first_match(pattern, path):
     return re.search(pattern, packaging.read(path), re.MULTILINE)[1]
 
 
@@ -24,7 +24,7 @@ class FlatpakManifest(unittest.TestCase):
     def options(self, module):
         return self.modules[module]["config-opts"]
 
-    def test_permissions_are_these_and_no_more(self):
+    def test_permissions_are_exactly_these(self):
         self.assertEqual(set(self.manifest["finish-args"]), {
             "--socket=wayland", "--socket=fallback-x11", "--share=ipc", "--filesystem=xdg-download",
             "--talk-name=com.canonical.Unity"})
@@ -41,7 +41,7 @@ class FlatpakManifest(unittest.TestCase):
                 if source["type"] == "git":
                     self.assertRegex(source.get("commit") or source["tag"], r"^([0-9a-f]{40}|(release-|v)?\d+(\.\d+)+)$", name)
 
-    def test_each_library_comes_before_what_needs_it(self):
+    def test_each_library_comes_before_its_users(self):
         order = list(self.modules)
         for library, user in (("nasm", "x264"), ("nasm", "x265"), ("nasm", "dav1d"), ("x264", "ffmpeg"), ("x265", "ffmpeg"),
                               ("dav1d", "ffmpeg"), ("ffmpeg", "libheif"), ("zimg", "lumetwin"), ("fmt", "lumetwin"),
@@ -55,10 +55,10 @@ class FlatpakManifest(unittest.TestCase):
 
     def test_ffmpeg_reads_what_the_media_stack_reads(self):
         for kind in ("decoder", "demuxer", "parser"):
-            wanted = needed(rf"^ffmpeg_{kind}s=(\S+)$", "scripts/stack.sh")
+            wanted = first_match(rf"^ffmpeg_{kind}s=(\S+)$", "scripts/stack.sh")
             self.assertIn(f"--enable-{kind}={wanted}", self.options("ffmpeg"))
 
-    def test_ffmpeg_writes_what_lumetwin_asks_for(self):
+    def test_ffmpeg_has_the_encoders_that_lumetwin_uses(self):
         libraries = set(re.findall(r'"(libx26\d)"', packaging.read("media/ffmpeg/VideoEncoder.cpp")))
         self.assertEqual(libraries, {"libx264", "libx265"})
         for library in libraries:
@@ -66,7 +66,7 @@ class FlatpakManifest(unittest.TestCase):
         self.assertIn("--enable-encoder=libx264,libx265,aac", self.options("ffmpeg"))
         self.assertIn("--enable-muxer=mov,mp4", self.options("ffmpeg"))
 
-    def test_libheif_decodes_through_ffmpeg_alone(self):
+    def test_libheif_decodes_only_through_ffmpeg(self):
         ours = {option for option in self.options("libheif") if option.startswith("-DWITH_")}
         stack = set(re.findall(r"-DWITH_\w+=\w+", packaging.read("scripts/stack.sh")))
         self.assertEqual(ours - {"-DWITH_EXAMPLES=OFF"}, stack - {"-DWITH_EXAMPLES=ON"})

@@ -1,18 +1,18 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The help pages: valid, alike in both languages, with every picture, and with the window's own words."""
+"""The help pages: valid, the same in both languages, with every picture, and quoting the window's texts exactly."""
 import html.parser
 import re
 import struct
 import unittest
 
-from packaging import METAINFO, SOURCE, complaints, main, read, texts
+from packaging import METAINFO, SOURCE, tool_output, main, read, texts
 
 FOLDER = SOURCE / "resources/help/mac/lumetw"
 PAGES = {"en": "index_en.html", "ja": "index.html"}
 QUOTES = {"en": r"“([^”]+)”", "ja": r"「([^」]+)」"}
-# A text of the toolkit's own translation, in the alert at the end.
+# A text from Qt's own translation, in the alert at the end.
 TOOLKIT = {"en": "Show Details...", "ja": "詳細を表示..."}
-# Buttons while they cannot be pressed, and one that is a sign and explained as such.
+# Texts of buttons while they are disabled, and one button that is a symbol and explained as such.
 UNEXPLAINED = {"button.stopping", "button.checking", "button.reset.format"}
 
 
@@ -56,12 +56,12 @@ class HelpPages(unittest.TestCase):
         if words == TOOLKIT[language]:
             return "toolkit"
         keys = [key for key, text in self.texts[language].items() if text == words]
-        self.assertTrue(keys, f"the window does not say: {words}")
+        self.assertTrue(keys, f"not a text of the window: {words}")
         return keys[0]
 
     def test_markup_is_valid(self):
         for page in PAGES.values():
-            self.assertEqual(complaints("xmllint", "--html", "--noout", FOLDER / page), "")
+            self.assertEqual(tool_output("xmllint", "--html", "--noout", FOLDER / page), "")
 
     def test_both_languages_have_the_same_structure(self):
         def structure(language):
@@ -83,7 +83,7 @@ class HelpPages(unittest.TestCase):
             for link in others:
                 self.assertTrue((FOLDER / link).is_file(), link)
 
-    def test_pictures_are_there_and_described(self):
+    def test_pictures_exist_and_are_described(self):
         shown = set()
         for language, page in self.pages.items():
             for tag, attributes in page.tags:
@@ -97,11 +97,11 @@ class HelpPages(unittest.TestCase):
                 shown.add(picture)
         self.assertEqual(shown, set((FOLDER / "pictures").iterdir()))
 
-    def test_quotations_are_what_the_window_says(self):
+    def test_quotations_are_texts_of_the_window(self):
         keys = {}
         for language, page in self.pages.items():
             keys[language] = [self.key_of(language, words) for words in re.findall(QUOTES[language], page.words)]
-        # The languages order their sentences differently, but say the same.
+        # The order of sentences differs between the languages, the quotations do not.
         self.assertEqual(sorted(keys["en"]), sorted(keys["ja"]))
         self.assertGreater(len(keys["en"]), 20)
 
@@ -111,7 +111,7 @@ class HelpPages(unittest.TestCase):
             options = [heading for heading in page.headings if heading]
             keys[language] = []
             for option in options:
-                # Of a long text the part before its explanation is enough.
+                # For a long text the part before its explanation is enough.
                 found = [key for key, text in self.texts[language].items()
                          if text == option or text.startswith((f"{option}: ", f"{option}（"))]
                 self.assertTrue(found, f"no option: {option}")
@@ -134,7 +134,7 @@ class HelpPages(unittest.TestCase):
             for extension in extensions:
                 self.assertRegex(page.words, rf"\b{extension}\b")
 
-    def test_pages_lie_where_the_menu_opens_them(self):
+    def test_pages_are_where_the_menu_opens_them(self):
         code = read("app/HelpPages.h")
         for page in PAGES.values():
             self.assertIn(f'"/mac/lumetw/{page}"', code)

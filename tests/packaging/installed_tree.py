@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""cmake --install makes exactly the tree of a native program, and what it installs starts."""
+"""cmake --install creates exactly the tree of a native program, and the installed program starts."""
 import os
 import tempfile
 import unittest
@@ -34,20 +34,20 @@ class InstalledTree(unittest.TestCase):
         files = {str(file.relative_to(self.prefix)) for file in self.prefix.rglob("*") if not file.is_dir()}
         self.assertEqual(files, TREE)
 
-    def test_only_programs_may_be_executed(self):
+    def test_only_programs_are_executable(self):
         for file in self.prefix.rglob("*"):
             if file.is_file():
                 wanted = 0o755 if file.parent.name == "bin" else 0o644
                 self.assertEqual(oct(file.stat().st_mode & 0o777), oct(wanted), file)
 
-    def test_nothing_points_back_to_the_build(self):
+    def test_programs_have_no_path_of_the_build(self):
         for program in ("lumetwin", "lumetwin-batch"):
             dynamic = run("readelf", "-d", self.prefix / "bin" / program).stdout
             self.assertIn("NEEDED", dynamic)
             self.assertNotRegex(dynamic, "RUNPATH|RPATH")
             self.assertRegex(dynamic, "BIND_NOW|FLAGS_1.*NOW")
 
-    def test_installed_program_for_scripts_starts(self):
+    def test_installed_batch_tool_starts(self):
         result = run(self.prefix / "bin/lumetwin-batch", "--help", env=dict(os.environ, LC_ALL="C.UTF-8"))
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         self.assertTrue(result.stdout.startswith("Usage: lumetwin-batch"))

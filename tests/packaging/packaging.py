@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the tests of this room share: places, the texts of the window, and running tools."""
+"""Shared by the packaging tests: paths, the texts of the window, and functions that run tools."""
 import os
 import pathlib
 import re
@@ -17,7 +17,7 @@ METAINFO = BUILD / "resources" / f"{ID}.metainfo.xml"
 DESKTOP = SOURCE / "resources/desktop" / f"{ID}.desktop"
 
 HELP = SOURCE / "resources/help"
-# Where an installation puts the help pages.
+# The installed help pages.
 HELP_FILES = {f"share/lumetwin/help/{page.relative_to(HELP)}" for page in HELP.rglob("*") if page.is_file()}
 
 
@@ -30,21 +30,21 @@ def run(*command, **options):
                           stdin=subprocess.DEVNULL, **options)
 
 
-def complaints(*command, **options):
-    """All that a checking tool says, with its status where it failed."""
+def tool_output(*command, **options):
+    """The output of a checking tool, with its exit status when it failed. Empty when all is well."""
     result = run(*command, **options)
-    said = (result.stdout + result.stderr).strip()
-    return said if result.returncode == 0 else f"{said}\nexit status {result.returncode}"
+    output = (result.stdout + result.stderr).strip()
+    return output if result.returncode == 0 else f"{output}\nexit status {result.returncode}"
 
 
 def desktop_entry():
-    """Keys of the desktop entry's only group."""
+    """The keys and values of the desktop entry's only group."""
     pairs = (line.split("=", 1) for line in DESKTOP.read_text(encoding="utf-8").splitlines() if "=" in line)
     return dict(pairs)
 
 
 def texts(language):
-    """The window's texts by key. The English table has its wording in msgid, others in msgstr."""
+    """The window's texts by key. The English table has its texts in msgid, the others in msgstr."""
     result = {}
     for entry in read(f"resources/text/{language}.po").split("\n\n"):
         fields = {}
@@ -57,7 +57,7 @@ def texts(language):
 
 
 def main(*tools):
-    """Runs the unit tests of the calling program; skips them where a tool is not installed."""
+    """Runs the unit tests of the calling program, or skips them when a tool is not installed."""
     missing = [tool for tool in tools if not shutil.which(tool)]
     if missing:
         print("skipped, not installed:", *missing)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The window in a real X server tells the desktop what the desktop entry says, and brings its icon."""
+"""In a real X server the window's properties agree with the desktop entry, and the window has an icon."""
 import os
 import subprocess
 import tempfile
@@ -7,7 +7,7 @@ import unittest
 
 from packaging import PROGRAM, desktop_entry, main, run
 
-PATIENCE = 200  # seconds until a machine counts as stuck
+TIMEOUT = 200  # seconds; a longer wait fails
 
 
 class WindowInX(unittest.TestCase):
@@ -15,7 +15,7 @@ class WindowInX(unittest.TestCase):
         scratch = tempfile.TemporaryDirectory()
         self.addCleanup(scratch.cleanup)
         reading, writing = os.pipe()
-        server = self.started("Xvfb", "-displayfd", writing, "-screen", "0", "1366x768x24", "-nolisten", "tcp",
+        server = self.start("Xvfb", "-displayfd", writing, "-screen", "0", "1366x768x24", "-nolisten", "tcp",
                               pass_fds=(writing,))
         os.close(writing)
         with os.fdopen(reading) as numbers:
@@ -26,17 +26,17 @@ class WindowInX(unittest.TestCase):
                                 XDG_RUNTIME_DIR=scratch.name, LC_ALL="C.UTF-8", LANGUAGE="")
         self.environment.pop("WAYLAND_DISPLAY", None)
 
-    def started(self, *command, **options):
+    def start(self, *command, **options):
         program = subprocess.Popen([str(part) for part in command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                    stderr=subprocess.DEVNULL, **options)
         self.addCleanup(program.wait)
         self.addCleanup(program.terminate)
         return program
 
-    def test_desktop_finds_the_entry_of_the_window(self):
-        self.started(PROGRAM, env=self.environment)
+    def test_window_class_and_icon_match_the_desktop_entry(self):
+        self.start(PROGRAM, env=self.environment)
         found = run("xdotool", "search", "--sync", "--onlyvisible", "--name", "^Lumetwin$", env=self.environment,
-                    timeout=PATIENCE)
+                    timeout=TIMEOUT)
         window = found.stdout.split()[0]
         said = run("xprop", "-id", window, "WM_CLASS", env=self.environment).stdout
         self.assertIn(f'"{desktop_entry()["StartupWMClass"]}"', said)
