@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# The libraries that decode and encode, as imported targets: lumetwin::ffmpeg, lumetwin::x265, lumetwin::heif.
-# By default they come from the private stack that scripts/stack.sh builds; packagers may take the system's.
+# The libraries for decoding and encoding, as imported targets: lumetwin::ffmpeg, lumetwin::x265, lumetwin::heif. By
+# default they come from the private stack that scripts/stack.sh builds. Packagers may use the system's libraries
+# instead.
 
 option(LUMETWIN_SYSTEM_MEDIA "Take FFmpeg (7.1 or later), x265 (4.1 or later, with multiview) and libheif (1.19 or later) from the system" OFF)
 
@@ -8,7 +9,7 @@ find_package(PkgConfig REQUIRED)
 
 if(NOT LUMETWIN_SYSTEM_MEDIA)
   if(NOT LUMETWIN_STACK)
-    # Where scripts/stack.sh puts it: a folder named after a hash of the recipe.
+    # The folder of scripts/stack.sh. Its name contains a hash of that script.
     file(SHA256 "${CMAKE_SOURCE_DIR}/scripts/stack.sh" recipe)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/scripts/stack.sh")
     string(SUBSTRING "${recipe}" 0 12 recipe)
@@ -30,7 +31,7 @@ if(NOT LUMETWIN_SYSTEM_MEDIA)
   list(PREPEND CMAKE_PREFIX_PATH "${LUMETWIN_STACK}")
 endif()
 
-# When the stack's place changes, what pkg-config said of the former one is out of date.
+# When the stack's folder changes, forget the cached results of pkg-config for the old one.
 if(NOT "${LUMETWIN_STACK}" STREQUAL "${LUMETWIN_STACK_BEFORE}")
   get_cmake_property(cached CACHE_VARIABLES)
   list(FILTER cached INCLUDE REGEX "^(__pkg_config_checked_|pkgcfg_lib_)")
@@ -53,7 +54,7 @@ pkg_check_modules(PNG REQUIRED IMPORTED_TARGET GLOBAL libpng)
 pkg_check_modules(TIFF REQUIRED IMPORTED_TARGET GLOBAL libtiff-4)
 
 if(NOT LUMETWIN_SYSTEM_MEDIA)
-  # What the static libheif decodes and unpacks with; its own description leaves it out.
+  # Libraries that the static libheif needs. Its pkg-config file does not list them.
   pkg_check_modules(BROTLI REQUIRED IMPORTED_TARGET GLOBAL libbrotlidec libbrotlienc)
   find_package(ZLIB REQUIRED)
   target_link_libraries(PkgConfig::HEIF INTERFACE PkgConfig::FFMPEG PkgConfig::BROTLI ZLIB::ZLIB)

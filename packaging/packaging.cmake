@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Packages: cpack -G DEB in the folder of a release build makes a .deb for the Debian release that it was built on.
-# dpkg-shlibdeps computes the libraries that it depends on.
+# dpkg-shlibdeps computes the library dependencies.
 set(CPACK_PACKAGE_NAME lumetwin)
 set(CPACK_PACKAGE_VENDOR "Lumetwin developers")
 set(CPACK_PACKAGE_CONTACT "Lumetwin developers <dev@lumetwin.example>")
@@ -22,13 +22,13 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
-# Puts documents and manual pages as Debian wants them.
+# Arranges documents and manual pages as Debian requires.
 set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/debian/arrange.cmake")
 
-# What is loaded by name, which dpkg-shlibdeps does not see. X11, the frame of the icon theme and Qt's own texts in the
-# user's language are needed. Wayland (without it the window goes through XWayland), a font for Japanese, and what opens
-# web pages, are what a usual desktop wants. The program's pictures need no plugin: Qt's SVG library, which is linked,
-# draws them.
+# Dependencies that are loaded at run time, which dpkg-shlibdeps does not find. Required: X11, the index of the icon
+# theme, and Qt's own texts in the user's language. Recommended: Wayland (without it the window uses XWayland), a
+# Japanese font, and a program that opens web pages. The program's pictures need no plugin: Qt's SVG library, which is
+# linked, draws them.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, qt6-translations-l10n, hicolor-icon-theme")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
     "qt6-wayland, fonts-noto-cjk | fonts-japanese-gothic, xdg-utils")

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # shellcheck shell=bash disable=SC2034,SC2154,SC2012
-# Shared by the set-up scripts: messages, logged steps and the cache's place. Sourced, never run.
+# Shared by the set-up scripts: messages, logged steps and the cache folder. To be sourced, not run.
 
 lumetwin_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 lumetwin_cache="${LUMETWIN_CACHE:-${XDG_CACHE_HOME:-${HOME:?}/.cache}/lumetwin}"
@@ -9,13 +9,13 @@ lumetwin_ticker=
 
 say() { printf 'lumetwin: %s\n' "$*"; }
 
-# One clear line, then the end.
+# die MESSAGE…: prints the error and ends the script.
 die() {
     printf 'lumetwin: error: %s\n' "$*" >&2
     exit 1
 }
 
-# disk_full: whether a place that set-up writes to has less than a megabyte left.
+# disk_full: whether a folder that set-up writes to has less than one megabyte free.
 disk_full() {
     local place
     for place in "$lumetwin_cache" "$lumetwin_root" "${TMPDIR:-/tmp}" /var/cache /usr; do
@@ -24,7 +24,7 @@ disk_full() {
     return 1
 }
 
-# explain LOG: why a step failed, in one line.
+# explain LOG: prints in one line why a step failed.
 explain() {
     local unknown='unable to locate package|has no installation candidate|unable to find a source package'
     local unreachable='temporary failure resolving|could not resolve|could not connect|failed to fetch|network is unreachable|connection (timed out|refused)'
@@ -41,7 +41,8 @@ explain() {
     fi
 }
 
-# A line every half minute while a step lasts. It ends with the script, also when that is killed.
+# start_ticker NAME START: prints a line every 30 seconds while a step runs. It ends with the script, even when the
+# script is killed.
 start_ticker() {
     (
         trap - EXIT INT TERM
@@ -60,11 +61,11 @@ stop_ticker() {
 }
 
 trap stop_ticker EXIT
-trap 'printf "\n"; say "interrupted; the next call goes on where this one stopped" >&2; exit 130' INT
+trap 'printf "\n"; say "interrupted; the next call continues where this one stopped" >&2; exit 130' INT
 trap 'exit 143' TERM
 
-# logged NAME COMMAND…: runs the command with its output in a log ($step_log), says how long it took,
-# returns the command's status.
+# logged NAME COMMAND…: runs the command with its output in a log ($step_log), prints how long it took, and returns the
+# command's status.
 logged() {
     local name=$1 began=$SECONDS code=0
     shift
@@ -73,7 +74,7 @@ logged() {
         die "cannot write to $lumetwin_cache$(disk_full && echo ': the disk is full')"
     printf 'lumetwin: %s … (log: %s)\n' "$name" "$step_log"
     start_ticker "$name" "$began"
-    # English messages, whatever the user's language: explain reads them.
+    # Force English messages, because explain searches them.
     (
         export LC_ALL=C.UTF-8
         "$@"
@@ -84,20 +85,20 @@ logged() {
     return $code
 }
 
-# step_failed NAME [REASON]: ends the script with the reason that the last step's log gives.
+# step_failed NAME [REASON]: ends the script with the given reason, or with the one found in the last step's log.
 step_failed() {
-    # Where nobody can open the log afterwards, its end belongs to the output.
+    # In CI nobody can open the log later, so print its end.
     [ -z "${CI:-}" ] || tail -n 60 "$step_log" >&2
     die "$1 failed after $step_seconds s: ${2:-$(explain "$step_log")}; see $step_log"
 }
 
-# step NAME COMMAND…: a logged command whose failure ends the script.
+# step NAME COMMAND…: runs a logged command. Ends the script when it fails.
 step() {
     logged "$@" || step_failed "$1"
 }
 
-# need_root WHAT: ends with one line when packages cannot be installed by this user; asks sudo's password
-# now, where it can be seen.
+# need_root WHAT: ends the script with a message when this user cannot become root. Asks for sudo's password now, while
+# its prompt can be seen.
 need_root() {
     [ "$(id -u)" -ne 0 ] || return 0
     command -v sudo >/dev/null || die "$1 needs root: run it as root, or install sudo"
@@ -106,7 +107,7 @@ need_root() {
     sudo -v || die "$1 needs root, and sudo refused"
 }
 
-# as_root COMMAND…: apt needs it; everything else runs as the user.
+# as_root COMMAND…: runs a command as root. Only apt needs this.
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }

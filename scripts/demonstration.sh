@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # shellcheck shell=bash disable=SC2034,SC2154,SC2012
 # For machines without a display: draws a side-by-side clip and photo, converts them to spatial media and
-# back, and shows what came out. Sourced by ./run.
+# back, and lists the results. ./run sources this file.
 
-# letter L|R X Y: drawbox filters for a marker letter, 60 × 100 pixels.
+# letter L|R X Y: prints drawbox filters that draw a letter of 60 × 100 pixels.
 letter() {
     local box="drawbox=color=white:t=fill"
     printf '%s:x=%d:y=%d:w=16:h=100,' "$box" "$2" "$3"
@@ -18,14 +18,14 @@ letter() {
     fi
 }
 
-# eye L|R SHIFT: one eye of the scene, 960 × 540. What is near lies further apart in the two eyes: the
-# background by SHIFT pixels, the moving square by three times as much.
+# eye L|R SHIFT: prints filters for one eye of the scene, 960 × 540. The disparity is SHIFT pixels for the background
+# and three times as much for the moving square, which is nearer.
 eye() {
     printf 'crop=960:540:%d:0[back%s];' "$((60 + $2))" "$1"
     printf '[back%s][near%s]overlay=x=%d+120*t:y=200,%s' "$1" "$1" "$((240 - 3 * $2))" "$(letter "$1" 40 40)"
 }
 
-# draw_clip FILE SECONDS: the two eyes side by side, a tone beside them.
+# draw_clip FILE SECONDS: draws both eyes side by side, with a tone.
 draw_clip() {
     "$stack_prefix/bin/ffmpeg" -nostdin -v error -y \
         -f lavfi -i "testsrc2=size=1080x540:rate=30:duration=$2" \
@@ -41,7 +41,7 @@ draw_media() {
         "$stack_prefix/bin/ffmpeg" -nostdin -v error -y -i "$1/clip.mp4" -frames:v 1 "$1/photo.png"
 }
 
-# inspect_all BATCH FOLDER: names, sizes and what the batch tool says of each file.
+# inspect_all BATCH FOLDER: prints name, size and the batch tool's inspection of each file.
 inspect_all() {
     ls -lh "$2" | awk 'NR > 1 {printf "    %-28s %8s\n", $9, $5}'
     "$1" inspect "$2"/* | sed 's/^/    /'

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Draws the help pages' pictures of the window anew: scripts/help_pictures.sh [BUILD-FOLDER]
+# Draws the pictures of the help pages again: scripts/help_pictures.sh [BUILD-FOLDER]
 set -eu
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build="${1:-$root/build/dev}"
@@ -13,7 +13,7 @@ for language in en ja; do
     "$build/tests/app/screenshots" "$scratch/$language" --language "$language"
     for picture in form:form form-to-spatial:form-to-spatial form-resize-odd:resize filled:filled \
         alert-overwrite:overwrite alert-check-spatial:check sheet-running:progress sheet-finished-problems:finished; do
-        # 256 colours are enough for a window, and a third of the size.
+        # 256 colours are enough for a window, and make the file a third as large.
         convert "$scratch/$language/${picture%%:*}.png" -strip -define png:compression-level=9 +dither -colors 256 \
             "PNG8:$pictures/${picture##*:}-$language.png"
     done

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # shellcheck shell=bash disable=SC2034,SC2154
-# The distribution packages that Lumetwin needs, and the function that installs what is missing.
-# Sourced by ./run and ./test.
+# The distribution packages that Lumetwin needs, and the function that installs missing ones.
+# ./run and ./test source this file.
 
 packages_build=(
     build-essential cmake ninja-build pkg-config nasm git ca-certificates xz-utils patch dpkg-dev python3
@@ -12,7 +12,7 @@ packages_build=(
 packages_window=(
     libqt6svg6 qt6-qpa-plugins qt6-wayland qt6-translations-l10n fonts-dejavu-core fonts-noto-cjk
 )
-# Since Debian 13 the plugins of libqt6svg6 are a package of their own.
+# Since Debian 13 the plugins of libqt6svg6 are a separate package.
 grep -q '^VERSION_CODENAME=bookworm' /etc/os-release 2>/dev/null || packages_window+=(qt6-svg-plugins)
 packages_test=(
     libgtest-dev libgmock-dev libbenchmark-dev ffmpeg mediainfo libimage-exiftool-perl
@@ -21,7 +21,7 @@ packages_test=(
     man-db x11-utils libxml2-utils python3-yaml file
 )
 
-# missing_packages NAME…: those that are not installed.
+# missing_packages NAME…: prints the packages that are not installed.
 missing_packages() {
     local name
     local -A installed=()
@@ -31,8 +31,8 @@ missing_packages() {
     for name in "$@"; do [ -n "${installed[$name]:-}" ] || echo "$name"; done
 }
 
-# refresh_package_lists: apt-get update that waits up to a minute for another apt. A source that cannot be
-# reached is no failure yet: it may not be one that we need.
+# refresh_package_lists: runs apt-get update, and waits up to a minute for another apt. A source that cannot be reached
+# is not an error yet, because it may not be needed.
 refresh_package_lists() {
     local attempt output code
     for attempt in {1..12}; do
@@ -45,7 +45,7 @@ refresh_package_lists() {
     return 1
 }
 
-# install_packages NAME…: installs what is missing; without a missing one it does not touch the network.
+# install_packages NAME…: installs missing packages. Does not use the network when none is missing.
 install_packages() {
     local missing lists_log
     command -v apt-get >/dev/null || die "only Debian and its relatives are set up automatically; see CONTRIBUTING.md"
@@ -55,7 +55,7 @@ install_packages() {
     need_root "installing packages"
     step "package lists" refresh_package_lists
     lists_log=$step_log
-    # Recommended packages are left out: this is a build, not a desktop.
+    # Recommended packages are left out, because a build does not need them.
     logged "packages" as_root env DEBIAN_FRONTEND=noninteractive \
         apt-get -o DPkg::Lock::Timeout=60 install --yes --no-install-recommends "${missing[@]}" && return 0
     if grep -q 'Unable to locate package' "$step_log" && grep -q 'Failed to fetch' "$lists_log"; then

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Run by cpack between installing into the package's tree and packing it: documents and manual pages as the Debian
-# policy wants them (chapter 12). Other kinds of packages keep what cmake --install makes.
+# cpack runs this after installing into the package's tree and before packing it. It arranges documents and manual pages
+# as the Debian policy requires (chapter 12). Other kinds of packages keep the tree of cmake --install.
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
   return()
 endif()
@@ -13,7 +13,7 @@ function(compress)
   execute_process(COMMAND gzip --best --no-name --force ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
-# The licence's text is part of every Debian system; the copyright file names it.
+# Every Debian system has the text of the licence; the copyright file refers to it.
 file(REMOVE "${documents}/LICENSE")
 configure_file("${here}/copyright" "${documents}/copyright" COPYONLY)
 configure_file("${here}/changelog" "${documents}/changelog.Debian" COPYONLY)
