@@ -11,40 +11,42 @@ namespace {
 
 using Arguments = std::span<const char *const>;
 
-std::string_view takeFirst(Arguments &arguments) {
+std::string_view removeFirst(Arguments &arguments) {
     const std::string_view first = arguments.front();
     arguments = arguments.subspan(1);
     return first;
 }
 
-/// What is common to both commands: "--" ends the options, "-" alone and all else are inputs.
-template <typename TakeOption> void walk(Arguments arguments, BatchOptions &options, const TakeOption &takeOption) {
+/// Splits the arguments of both commands into options and inputs. "--" ends the options. "-" alone is an input.
+template <typename OnOption>
+void forEachArgument(Arguments arguments, BatchOptions &options, const OnOption &onOption) {
     bool optionsEnded = false;
     while (!arguments.empty()) {
-        const std::string_view argument = takeFirst(arguments);
+        const std::string_view argument = removeFirst(arguments);
         if (optionsEnded || !argument.starts_with('-') || argument == "-")
             options.inputs.emplace_back(argument);
         else if (argument == "--")
             optionsEnded = true;
         else
-            takeOption(argument, arguments);
+            onOption(argument, arguments);
     }
 }
 
 void applyOption(std::string_view argument, Arguments &rest, BatchOptions &options) {
-    const std::size_t sign = argument.find('=');
-    const std::string name(argument.substr(0, sign));
+    const std::size_t equalsSign = argument.find('=');
+    const std::string name(argument.substr(0, equalsSign));
     const Option *option = findOption(name);
     if (!option)
         throw UsageError("unknown option " + name);
     if (option->argument.empty()) {
-        if (sign != std::string_view::npos)
+        if (equalsSign != std::string_view::npos)
             throw UsageError(name + " takes no value");
         return option->apply(options, {}, name);
     }
-    if (sign == std::string_view::npos && rest.empty())
+    if (equalsSign == std::string_view::npos && rest.empty())
         throw UsageError(name + " needs a value: " + std::string(option->argument));
-    const std::string_view value = sign == std::string_view::npos ? takeFirst(rest) : argument.substr(sign + 1);
+    const std::string_view value =
+        equalsSign == std::string_view::npos ? removeFirst(rest) : argument.substr(equalsSign + 1);
     option->apply(options, value, name);
 }
 
@@ -52,7 +54,7 @@ std::int64_t nextMultipleOf16(std::int64_t size) {
     return (size + 15) / 16 * 16;
 }
 
-/// The same rule as in the window: encoders want even sizes.
+/// The same rule as in the window: encoders need even sizes.
 void checkResize(const ConversionSettings &settings) {
     if (!settings.enableResize || (settings.resizeWidth % 2 == 0 && settings.resizeHeight % 2 == 0))
         return;
@@ -63,7 +65,7 @@ void checkResize(const ConversionSettings &settings) {
 
 void parseConversion(Arguments arguments, BatchOptions &options) {
     std::string resizeOption;
-    walk(arguments, options, [&](std::string_view argument, Arguments &rest) {
+    forEachArgument(arguments, options, [&](std::string_view argument, Arguments &rest) {
         applyOption(argument, rest, options);
         if (argument.starts_with("--resize-"))
             resizeOption = argument.substr(0, argument.find('='));
@@ -74,12 +76,12 @@ void parseConversion(Arguments arguments, BatchOptions &options) {
         throw UsageError("no output folder: name one with --output");
     checkResize(*options.settings);
     if (!options.settings->enableResize && !resizeOption.empty())
-        options.remarks.push_back(resizeOption + " changes nothing without --enable-resize");
+        options.notices.push_back(resizeOption + " changes nothing without --enable-resize");
 }
 
 void parseInspection(Arguments arguments, BatchOptions &options) {
     options.command = Command::inspect;
-    walk(arguments, options, [&](std::string_view argument, Arguments &) {
+    forEachArgument(arguments, options, [&](std::string_view argument, Arguments &) {
         if (argument != "--json")
             throw UsageError("unknown option " + std::string(argument) + " of inspect");
         options.json = true;
@@ -88,7 +90,7 @@ void parseInspection(Arguments arguments, BatchOptions &options) {
         throw UsageError("no file to inspect");
 }
 
-bool asksFor(Arguments arguments, std::string_view option, std::string_view shortOption) {
+bool containsOption(Arguments arguments, std::string_view option, std::string_view shortOption) {
     for (const std::string_view argument : arguments) {
         if (argument == "--")
             return false;
@@ -98,19 +100,19 @@ bool asksFor(Arguments arguments, std::string_view option, std::string_view shor
     return false;
 }
 
-std::string shown(const std::filesystem::path &file) {
+std::string displayPath(const std::filesystem::path &file) {
     return file.string();
 }
 
-void settleFiles(BatchOptions &options) {
+void setInputFiles(BatchOptions &options) {
     for (const std::filesystem::path &file : options.inputs) {
         if (std::filesystem::is_directory(file) && !isMediaFile(file))
-            throw UsageError("inputs are files or one folder: " + shown(file) + " is a folder");
+            throw UsageError("inputs are files or one folder: " + displayPath(file) + " is a folder");
         if (!isMediaFile(file))
-            options.remarks.push_back(shown(file) + " is left out: its kind of file is not known");
+            options.notices.push_back(displayPath(file) + " is left out: its kind of file is not known");
     }
     if (options.settings->recursive)
-        options.remarks.emplace_back("--recursive changes nothing without an input folder");
+        options.notices.emplace_back("--recursive changes nothing without an input folder");
     options.settings->inputFiles = options.inputs;
 }
 
@@ -118,9 +120,9 @@ void settleFiles(BatchOptions &options) {
 
 BatchOptions parseOptions(Arguments arguments) {
     BatchOptions options;
-    if (asksFor(arguments, "--help", "-h"))
+    if (containsOption(arguments, "--help", "-h"))
         options.command = Command::help;
-    else if (asksFor(arguments, "--version", "--version"))
+    else if (containsOption(arguments, "--version", "--version"))
         options.command = Command::version;
     else if (!arguments.empty() && std::string_view(arguments.front()) == "inspect")
         parseInspection(arguments.subspan(1), options);
@@ -129,17 +131,17 @@ BatchOptions parseOptions(Arguments arguments) {
     return options;
 }
 
-void settleInputs(BatchOptions &options) {
+void setInputs(BatchOptions &options) {
     std::error_code error;
     for (const std::filesystem::path &input : options.inputs)
         if (!std::filesystem::exists(input, error))
-            throw UsageError(shown(input) + ": " + (error ? error.message() : "No such file or directory"));
+            throw UsageError(displayPath(input) + ": " + (error ? error.message() : "No such file or directory"));
     if (!std::filesystem::is_directory(*options.settings->outputFolderURL, error))
-        throw UsageError("the output folder does not exist: " + shown(*options.settings->outputFolderURL));
+        throw UsageError("the output folder does not exist: " + displayPath(*options.settings->outputFolderURL));
     if (options.inputs.size() == 1 && std::filesystem::is_directory(options.inputs.front()))
         options.settings->inputFolderURL = options.inputs.front();
     else
-        settleFiles(options);
+        setInputFiles(options);
 }
 
 } // namespace lumetwin::batch

@@ -13,7 +13,7 @@
 
 namespace lumetwin::batch {
 
-/// A command line that means nothing; the words are for the user.
+/// The command line is wrong. what() is a message for the user.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -21,24 +21,24 @@ public:
 
 enum class Command { convert, inspect, help, version };
 
-/// What a command line asks for.
+/// The parsed command line.
 struct BatchOptions {
     Command command = Command::convert;
     std::vector<std::filesystem::path> inputs;
-    bool json = false;                           ///< of inspect
+    bool json = false;                           ///< only for inspect
     std::optional<std::filesystem::path> report; ///< receives the results as JSON; "-" is standard output
     bool strict = false;                         ///< warnings count as failures for the exit status
     std::shared_ptr<ConversionSettings> settings = std::make_shared<ConversionSettings>();
-    std::vector<std::string> remarks; ///< for the user, about options that change nothing
+    std::vector<std::string> notices; ///< messages for the user about inputs and options that have no effect
 };
 
-/// Reads the arguments that follow the program's name. Numbers and names of cases are taken only whole and within
-/// their ranges. Does not touch the file system. Throws UsageError.
+/// Parses the arguments after the program's name. Numbers and names must match completely, and numbers must lie in
+/// their ranges. Does not access the file system. Throws UsageError.
 BatchOptions parseOptions(std::span<const char *const> arguments);
 
-/// Hands the inputs to the settings: one folder, or files. Throws UsageError when one does not exist, when
-/// folders and files are mixed, or when the output folder does not exist.
-void settleInputs(BatchOptions &options);
+/// Stores the inputs in the settings: one folder, or files. Throws UsageError when an input or the output folder does
+/// not exist, or when folders and files are mixed.
+void setInputs(BatchOptions &options);
 
 /// The text of --help.
 std::string helpText();

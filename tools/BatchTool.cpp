@@ -14,15 +14,16 @@
 namespace lumetwin::batch {
 namespace {
 
-/// Where a caller closed a standard stream, the next file would get its number, and our lines would go into that file.
+/// Opens /dev/null for each standard stream that the caller closed. Otherwise the next opened file would get its
+/// number, and our messages would be written into that file.
 void keepStandardStreamsOpen() {
     for (int descriptor = 0; descriptor <= 2; ++descriptor)
         if (fcntl(descriptor, F_GETFD) < 0 && errno == EBADF)
-            open("/dev/null", O_RDWR); // gets the lowest free number, which is this one
+            open("/dev/null", O_RDWR); // open() returns the lowest free number, which is this one
 }
 
-/// The status of a command that does nothing but tell: it has failed when what it told did not arrive.
-int told(int status) {
+/// The exit status of a command that only prints: it has failed when its output could not be written.
+int statusAfterFlush(int status) {
     if (std::fflush(stdout) == 0 && !std::ferror(stdout))
         return status;
     fmt::print(stderr, "lumetwin-batch: the output cannot be written: {}\n", std::generic_category().message(errno));
@@ -30,17 +31,17 @@ int told(int status) {
 }
 
 int run(BatchOptions options, const std::function<MediaOperations()> &operations) {
-    // Whoever reads the report from standard output reads nothing else there.
+    // With a report on standard output, nothing else is written there.
     Console console(options.report == "-" ? stderr : stdout);
     switch (options.command) {
     case Command::help:
         std::fputs(helpText().c_str(), stdout);
-        return told(allWell);
+        return statusAfterFlush(allSucceeded);
     case Command::version:
         console.print("lumetwin-batch " LUMETWIN_VERSION);
-        return told(allWell);
+        return statusAfterFlush(allSucceeded);
     case Command::inspect:
-        return told(inspectCommand(options, console, operations()));
+        return statusAfterFlush(inspectCommand(options, console, operations()));
     case Command::convert:
         break;
     }

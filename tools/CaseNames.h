@@ -15,7 +15,7 @@
 
 namespace lumetwin::batch {
 
-/// What options and reports call the cases of an enumeration. The names are stable: scripts hold them.
+/// The names of enumerators in options and reports. They must not change, because scripts use them.
 template <typename Case, std::size_t count> using CaseNames = std::array<std::pair<std::string_view, Case>, count>;
 
 inline constexpr CaseNames<ConversionDirection, 2> directionNames{
@@ -32,7 +32,7 @@ inline constexpr CaseNames<ResizeMode, 3> resizeModeNames{
 inline constexpr CaseNames<OnExisting, 3> onExistingNames{
     {{"replace", OnExisting::replace}, {"keep-both", OnExisting::keepBoth}, {"skip", OnExisting::skip}}};
 
-template <typename Case, std::size_t count> std::string_view nameOf(Case value, const CaseNames<Case, count> &names) {
+template <typename Case, std::size_t count> std::string_view caseName(Case value, const CaseNames<Case, count> &names) {
     return std::ranges::find(names, value, [](const auto &entry) { return entry.second; })->first;
 }
 

@@ -10,18 +10,18 @@
 namespace lumetwin::batch {
 
 // Exit statuses.
-inline constexpr int allWell = 0;
+inline constexpr int allSucceeded = 0;
 inline constexpr int someFailed = 1;
 inline constexpr int wrongUsage = 2;
 inline constexpr int interrupted = 130;
 
-/// Converts what the options name; the exit status.
+/// Converts the inputs of the options. Returns the exit status.
 int convertCommand(BatchOptions &options, Console &console, MediaOperations operations);
 
-/// Describes the files; the exit status: files that cannot be read have failed.
+/// Prints facts about the files. Returns the exit status: someFailed when a file cannot be read.
 int inspectCommand(const BatchOptions &options, Console &console, const MediaOperations &operations);
 
-/// The whole program. The arguments include the program's name.
+/// Runs the whole program. arguments[0] is the program's name. Returns the exit status.
 int runBatchTool(int count, const char *const *arguments,
                  const std::function<MediaOperations()> &operations = MediaOperations::inProcess);
 

@@ -12,7 +12,7 @@
 namespace lumetwin::batch {
 namespace {
 
-constexpr int usualColumns = 80;
+constexpr int defaultColumns = 80;
 constexpr const char *eraseLine = "\r\x1b[K";
 
 bool isCapableTerminal() {
@@ -27,7 +27,7 @@ void write(std::FILE *stream, const std::string &text) {
 
 } // namespace
 
-Console::Console(std::FILE *lines) : lines_(lines), live_(isCapableTerminal()) {}
+Console::Console(std::FILE *stream) : stream_(stream), live_(isCapableTerminal()) {}
 
 Console::~Console() {
     clearProgress();
@@ -35,11 +35,11 @@ Console::~Console() {
 
 int Console::columns() const {
     winsize size{};
-    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualColumns;
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : defaultColumns;
 }
 
 void Console::print(const std::string &line) {
-    printTo(lines_, line);
+    printTo(stream_, line);
 }
 
 void Console::printError(const std::string &line) {
@@ -47,21 +47,21 @@ void Console::printError(const std::string &line) {
 }
 
 void Console::printTo(std::FILE *stream, const std::string &line) {
-    const std::string again = shown_;
+    const std::string previousProgress = shownProgress_;
     clearProgress();
     write(stream, printable(line) + '\n');
-    showProgress(again);
+    showProgress(previousProgress);
 }
 
 void Console::showProgress(const std::string &line) {
-    if (!live_ || line == shown_)
+    if (!live_ || line == shownProgress_)
         return;
     write(stderr, eraseLine + line);
-    shown_ = line;
+    shownProgress_ = line;
 }
 
 void Console::clearProgress() {
-    if (!std::exchange(shown_, {}).empty())
+    if (!std::exchange(shownProgress_, {}).empty())
         write(stderr, eraseLine);
 }
 

@@ -6,18 +6,18 @@
 
 namespace lumetwin::batch {
 
-/// Lines on standard output (or another stream) and, on a terminal, one line of progress on standard error that is
-/// redrawn in place. Not for use from several threads at once.
+/// Prints lines to a stream and, on a terminal, shows one line of progress on standard error that it redraws in place.
+/// May be used by one thread at a time.
 class Console {
 public:
-    explicit Console(std::FILE *lines = stdout);
+    explicit Console(std::FILE *stream = stdout);
     ~Console();
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
 
-    /// Whether progress can be redrawn; otherwise showProgress does nothing.
+    /// Whether standard error is a terminal that can redraw a line. If not, showProgress does nothing.
     bool isLive() const { return live_; }
-    /// Of the terminal as it is now.
+    /// The current width of the terminal.
     int columns() const;
 
     void print(const std::string &line);
@@ -28,9 +28,9 @@ public:
 private:
     void printTo(std::FILE *stream, const std::string &line);
 
-    std::FILE *lines_;
+    std::FILE *stream_;
     bool live_ = false;
-    std::string shown_; ///< the progress on the screen
+    std::string shownProgress_; ///< the progress line on the screen; empty when there is none
 };
 
 } // namespace lumetwin::batch

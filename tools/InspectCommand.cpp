@@ -20,12 +20,12 @@ std::string_view eyeName(Eye eye) {
     return eye == Eye::left ? "left" : eye == Eye::right ? "right" : "none";
 }
 
-/// null where the file does not carry the value.
+/// null when the file does not contain the value.
 template <typename Value> Json orNull(const std::optional<Value> &value) {
     return value ? Json(*value) : Json(nullptr);
 }
 
-Json objectOf(const std::filesystem::path &file, const MediaFacts &facts) {
+Json jsonObject(const std::filesystem::path &file, const MediaFacts &facts) {
     const bool isVideo = facts.kind == Kind::video;
     Json object{{"file", file.string()},
                 {"kind", isVideo ? "video" : "photo"},
@@ -43,17 +43,17 @@ Json objectOf(const std::filesystem::path &file, const MediaFacts &facts) {
     return object;
 }
 
-Json objectOf(const std::filesystem::path &file, const std::string &obstacle) {
-    return {{"file", file.string()}, {"error", obstacle}};
+Json jsonObject(const std::filesystem::path &file, const std::string &readError) {
+    return {{"file", file.string()}, {"error", readError}};
 }
 
-std::string headline(const MediaFacts &facts) {
+std::string kindText(const MediaFacts &facts) {
     if (!facts.isSpatial)
         return text("batch.inspect.not.spatial");
     return text(facts.kind == Kind::photo ? "batch.inspect.spatial.photo" : "batch.inspect.spatial.video");
 }
 
-std::string eyes(const MediaFacts &facts) {
+std::string eyeNames(const MediaFacts &facts) {
     std::string names;
     if (facts.hasLeftEye)
         names = text("batch.inspect.eye.left");
@@ -62,44 +62,44 @@ std::string eyes(const MediaFacts &facts) {
     return names;
 }
 
-std::string heroEye(Eye eye) {
+std::string heroEyeText(Eye eye) {
     if (eye == Eye::none)
         return text("batch.inspect.eye.none");
     return text(eye == Eye::left ? "batch.inspect.eye.left" : "batch.inspect.eye.right");
 }
 
-void printWords(Console &console, const std::filesystem::path &file, const MediaFacts &facts) {
-    console.print(file.string() + ": " + headline(facts));
-    const auto tell = [&](const std::string &words) { console.print("  " + words); };
+void printText(Console &console, const std::filesystem::path &file, const MediaFacts &facts) {
+    console.print(file.string() + ": " + kindText(facts));
+    const auto printIndented = [&](const std::string &line) { console.print("  " + line); };
     if (facts.values.horizontalFOV)
-        tell(formatted("batch.inspect.fov.format", *facts.values.horizontalFOV));
+        printIndented(formatted("batch.inspect.fov.format", *facts.values.horizontalFOV));
     if (facts.values.stereoBaseline)
-        tell(formatted("batch.inspect.baseline.format", *facts.values.stereoBaseline));
+        printIndented(formatted("batch.inspect.baseline.format", *facts.values.stereoBaseline));
     if (facts.values.disparity)
-        tell(formatted("batch.inspect.disparity.format", *facts.values.disparity));
-    if (const std::string names = eyes(facts); !names.empty())
-        tell(formatted("batch.inspect.eyes.format", names));
+        printIndented(formatted("batch.inspect.disparity.format", *facts.values.disparity));
+    if (const std::string names = eyeNames(facts); !names.empty())
+        printIndented(formatted("batch.inspect.eyes.format", names));
     if (facts.heroEye)
-        tell(formatted("batch.inspect.hero.format", heroEye(*facts.heroEye)));
+        printIndented(formatted("batch.inspect.hero.format", heroEyeText(*facts.heroEye)));
     if (!facts.projection.empty())
-        tell(formatted("batch.inspect.projection.format", facts.projection));
+        printIndented(formatted("batch.inspect.projection.format", facts.projection));
 }
 
 } // namespace
 
 int inspectCommand(const BatchOptions &options, Console &console, const MediaOperations &operations) {
-    int status = allWell;
+    int status = allSucceeded;
     Json objects = Json::array();
     for (const std::filesystem::path &file : options.inputs) {
         try {
             const MediaFacts facts = operations.lookAtFile(file);
-            options.json ? objects.push_back(objectOf(file, facts)) : printWords(console, file, facts);
+            options.json ? objects.push_back(jsonObject(file, facts)) : printText(console, file, facts);
         } catch (const std::exception &error) {
             const std::string cause = errorCause(error);
             status = someFailed;
             console.printError("lumetwin-batch: " + file.string() + ": " + cause);
             if (options.json)
-                objects.push_back(objectOf(file, cause));
+                objects.push_back(jsonObject(file, cause));
         }
     }
     if (options.json)

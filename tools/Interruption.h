@@ -7,8 +7,8 @@
 
 namespace lumetwin::batch {
 
-/// While it lives, the first Ctrl+C (or SIGTERM, or a closed terminal) sets a flag; a second one ends the process as
-/// if nobody had listened. Signals that were ignored before stay ignored. There is one at a time.
+/// While the object exists, the first Ctrl+C, SIGTERM or SIGHUP (closed terminal) sets a flag. A second one ends the
+/// process in the default way. Signals that were ignored before stay ignored. Only one object may exist at a time.
 class Interruption {
 public:
     explicit Interruption(std::atomic<bool> &flag);
@@ -18,7 +18,7 @@ public:
 
 private:
     static constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};
-    std::array<struct sigaction, signals.size()> before_{};
+    std::array<struct sigaction, signals.size()> previousActions_{};
 };
 
 } // namespace lumetwin::batch

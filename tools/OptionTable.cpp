@@ -17,7 +17,7 @@ namespace lumetwin::batch {
 namespace {
 
 template <typename Case, std::size_t count>
-Case caseOf(const CaseNames<Case, count> &names, std::string_view value, const std::string &option) {
+Case parseCase(const CaseNames<Case, count> &names, std::string_view value, const std::string &option) {
     std::string known;
     for (const auto &[name, result] : names) {
         if (name == value)
@@ -28,32 +28,32 @@ Case caseOf(const CaseNames<Case, count> &names, std::string_view value, const s
     throw UsageError(fmt::format("{}: \"{}\" is none of {}", option, value, known));
 }
 
-/// A whole number text, with an optional sign.
-template <typename Number> bool parse(std::string_view text, Number &number) {
+/// Parses the whole text as a number with an optional sign.
+template <typename Number> bool parseNumber(std::string_view text, Number &number) {
     if (text.starts_with('+') && !text.starts_with("+-"))
         text.remove_prefix(1);
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     return error == std::errc() && end == text.data() + text.size();
 }
 
-double numberOf(std::string_view value, double lowest, double highest, const std::string &option) {
+double parseInRange(std::string_view value, double lowest, double highest, const std::string &option) {
     double number = 0;
-    if (!parse(value, number) || !std::isfinite(number))
+    if (!parseNumber(value, number) || !std::isfinite(number))
         throw UsageError(fmt::format("{}: \"{}\" is not a number", option, value));
     if (number < lowest || number > highest)
         throw UsageError(fmt::format("{}: {} is not between {} and {}", option, value, lowest, highest));
     return number;
 }
 
-constexpr std::int64_t largestSide = 65535; // of a JPEG
+constexpr std::int64_t maximumSide = 65535; // pixels, the maximum of JPEG
 
-std::int64_t sizeOf(std::string_view value, const std::string &option) {
+std::int64_t parseSize(std::string_view value, const std::string &option) {
     std::int64_t size = 0;
-    if (!parse(value, size) || size < 1)
+    if (!parseNumber(value, size) || size < 1)
         throw UsageError(fmt::format("{}: \"{}\" is not a number of pixels", option, value));
-    if (size > largestSide)
+    if (size > maximumSide)
         throw UsageError(
-            fmt::format("{}: {} is more than {}, the most that any format holds", option, value, largestSide));
+            fmt::format("{}: {} is more than {}, the most that any format holds", option, value, maximumSide));
     return size;
 }
 
@@ -61,10 +61,10 @@ using Options = BatchOptions;
 using Value = std::string_view;
 using Name = const std::string &;
 
-// Those of the record in the order of its fields. The ranges are those of the window's controls.
+// First the options of ConversionSettings, in the order of its fields. The ranges are the same as in the window.
 constexpr std::array options{
     Option{"--direction", "DIRECTION", "spatialToSBS (default) or sbsToSpatial",
-           [](Options &o, Value v, Name n) { o.settings->direction = caseOf(directionNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->direction = parseCase(directionNames, v, n); }},
     Option{"--output", "FOLDER", "receives the results",
            [](Options &o, Value v, Name n) {
                if (v.empty())
@@ -72,28 +72,28 @@ constexpr std::array options{
                o.settings->outputFolderURL = std::filesystem::path(v);
            }},
     Option{"--horizontal-fov", "DEGREES", "field of view to write, 10 to 180 (63.4)",
-           [](Options &o, Value v, Name n) { o.settings->horizontalFOV = numberOf(v, 10, 180, n); }},
+           [](Options &o, Value v, Name n) { o.settings->horizontalFOV = parseInRange(v, 10, 180, n); }},
     Option{"--disparity-adjustment", "PERCENT", "disparity adjustment to write, -100 to 100 (2)",
-           [](Options &o, Value v, Name n) { o.settings->disparityAdjustment = numberOf(v, -100, 100, n); }},
+           [](Options &o, Value v, Name n) { o.settings->disparityAdjustment = parseInRange(v, -100, 100, n); }},
     Option{"--stereo-baseline", "MILLIMETRES", "distance of the lenses to write, 1 to 200 (19.24)",
-           [](Options &o, Value v, Name n) { o.settings->stereoBaseline = numberOf(v, 1, 200, n); }},
+           [](Options &o, Value v, Name n) { o.settings->stereoBaseline = parseInRange(v, 1, 200, n); }},
     Option{"--sbs-output-format", "FORMAT", "of side-by-side video: mp4H264 (default), mp4H265, movHEVC",
-           [](Options &o, Value v, Name n) { o.settings->sbsOutputFormat = caseOf(videoFormatNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->sbsOutputFormat = parseCase(videoFormatNames, v, n); }},
     Option{"--sbs-photo-output-format", "FORMAT", "of side-by-side photos: jpg (default), png, tiff, heic",
-           [](Options &o, Value v, Name n) { o.settings->sbsPhotoOutputFormat = caseOf(photoFormatNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->sbsPhotoOutputFormat = parseCase(photoFormatNames, v, n); }},
     Option{"--compression-quality", "QUALITY", "0 to 1 (0.75)",
-           [](Options &o, Value v, Name n) { o.settings->compressionQuality = numberOf(v, 0, 1, n); }},
+           [](Options &o, Value v, Name n) { o.settings->compressionQuality = parseInRange(v, 0, 1, n); }},
     Option{"--half-width", "", "pack each eye at half its width",
            [](Options &o, Value, Name) { o.settings->halfWidth = true; }},
     Option{"--swap-left-right", "", "exchange the eyes",
            [](Options &o, Value, Name) { o.settings->swapLeftRight = true; }},
     Option{"--enable-resize", "", "resize each eye", [](Options &o, Value, Name) { o.settings->enableResize = true; }},
     Option{"--resize-width", "PIXELS", "width of one eye, even (1920)",
-           [](Options &o, Value v, Name n) { o.settings->resizeWidth = sizeOf(v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->resizeWidth = parseSize(v, n); }},
     Option{"--resize-height", "PIXELS", "height of one eye, even (1080)",
-           [](Options &o, Value v, Name n) { o.settings->resizeHeight = sizeOf(v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->resizeHeight = parseSize(v, n); }},
     Option{"--resize-mode", "MODE", "stretch, cropFill or letterbox (default)",
-           [](Options &o, Value v, Name n) { o.settings->resizeMode = caseOf(resizeModeNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->resizeMode = parseCase(resizeModeNames, v, n); }},
     Option{"--no-copy-audio", "", "leave the sound out",
            [](Options &o, Value, Name) { o.settings->copyAudio = false; }},
     Option{"--keep-timing", "", "show each frame at its own time, instead of at a constant rate",
@@ -103,7 +103,7 @@ constexpr std::array options{
     Option{"--skip-existing", "", "leave alone what an earlier run finished from the same source",
            [](Options &o, Value, Name) { o.settings->skipExisting = true; }},
     Option{"--on-existing", "WHAT", "a file of a result's name: replace (default), keep-both, skip",
-           [](Options &o, Value v, Name n) { o.settings->onExisting = caseOf(onExistingNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->onExisting = parseCase(onExistingNames, v, n); }},
     Option{"--report", "FILE", "write what became of each file as JSON; - is standard output",
            [](Options &o, Value v, Name n) {
                if (v.empty())

@@ -9,18 +9,18 @@ namespace lumetwin::batch {
 
 struct BatchOptions;
 
-/// One option of a conversion; it sets one field.
+/// One option of the convert command. It sets one field.
 struct Option {
     std::string_view name;     ///< "--direction"
-    std::string_view argument; ///< what help calls its value; empty for a switch
-    std::string_view help;     ///< lines that begin with what the option is for
-    /// Throws UsageError when the value does not fit; the name is for its words.
+    std::string_view argument; ///< the name of its value in the help text; empty for a switch
+    std::string_view help;     ///< the description in the help text
+    /// Sets the field. name: the option's name for the message. Throws UsageError when the value is not valid.
     void (*apply)(BatchOptions &options, std::string_view value, const std::string &name);
 };
 
 std::span<const Option> optionTable();
 
-/// Nothing for an unknown name.
+/// The option of that name, or null.
 const Option *findOption(std::string_view name);
 
 } // namespace lumetwin::batch

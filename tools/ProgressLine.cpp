@@ -14,23 +14,23 @@
 namespace lumetwin::batch {
 namespace {
 
-constexpr int smallestName = 12; // columns that details leave for the file's name
-constexpr int smallestBar = 6;
-constexpr int largestBar = 30;
-constexpr double settlingTime = 0.5; // seconds before a rate means something
+constexpr int minimumNameColumns = 12; // columns that stay free for the file's name
+constexpr int minimumBarColumns = 6;
+constexpr int maximumBarColumns = 30;
+constexpr double settlingTime = 0.5; // seconds; before that a rate is not reliable
 
 struct Cell {
     std::string_view bytes;
     int width = 0;
 };
 
-/// A locale that knows Unicode's widths, whatever the user's is.
+/// A locale with the widths of all Unicode characters, independent of the user's locale.
 locale_t unicodeLocale() {
     static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     return locale;
 }
 
-int columnsOf(char32_t code) {
+int characterColumns(char32_t code) {
     if (!unicodeLocale())
         return 1;
     const locale_t before = uselocale(unicodeLocale());
@@ -39,8 +39,8 @@ int columnsOf(char32_t code) {
     return width < 0 ? 1 : width;
 }
 
-/// The characters of valid UTF-8.
-std::vector<Cell> cellsOf(std::string_view text) {
+/// The characters of a text with their widths. The text is valid UTF-8.
+std::vector<Cell> toCells(std::string_view text) {
     std::vector<Cell> cells;
     for (std::size_t begin = 0; begin < text.size();) {
         const auto first = static_cast<unsigned char>(text[begin]);
@@ -48,7 +48,7 @@ std::vector<Cell> cellsOf(std::string_view text) {
         char32_t code = length == 1 ? first : first & (0x7F >> length);
         for (std::size_t at = 1; at < length; ++at)
             code = code << 6 | (static_cast<unsigned char>(text[begin + at]) & 0x3F);
-        cells.push_back({text.substr(begin, length), columnsOf(code)});
+        cells.push_back({text.substr(begin, length), characterColumns(code)});
         begin += length;
     }
     return cells;
@@ -58,8 +58,8 @@ double framesPerSecond(const BatchProgress &progress) {
     return progress.seconds >= settlingTime ? static_cast<double>(progress.frame) / progress.seconds : 0;
 }
 
-/// What is told of the file's frames, what matters most first.
-std::vector<std::string> details(const BatchProgress &progress) {
+/// The details about the file's frames, the most important first.
+std::vector<std::string> frameDetails(const BatchProgress &progress) {
     std::vector<std::string> parts;
     const double rate = framesPerSecond(progress);
     if (progress.frames > 0) {
@@ -90,27 +90,27 @@ std::string bar(const BatchProgress &progress, int columns) {
 
 int displayWidth(std::string_view text) {
     int width = 0;
-    for (const Cell &cell : cellsOf(printable(text)))
+    for (const Cell &cell : toCells(printable(text)))
         width += cell.width;
     return width;
 }
 
-std::string middleTruncated(std::string_view text, int columns) {
+std::string elidedInMiddle(std::string_view text, int columns) {
     std::string safe = printable(text);
     if (displayWidth(safe) <= columns)
         return safe;
     if (columns < 1)
         return {};
-    const std::vector<Cell> cells = cellsOf(safe);
-    const int room = columns - 1; // the ellipsis takes one
+    const std::vector<Cell> cells = toCells(safe);
+    const int available = columns - 1; // one column is for the ellipsis
     std::string head;
     int used = 0;
-    for (auto cell = cells.begin(); cell != cells.end() && used + cell->width <= (room + 1) / 2; ++cell) {
+    for (auto cell = cells.begin(); cell != cells.end() && used + cell->width <= (available + 1) / 2; ++cell) {
         head += cell->bytes;
         used += cell->width;
     }
     std::size_t tail = safe.size();
-    for (auto cell = cells.rbegin(); cell != cells.rend() && used + cell->width <= room; ++cell) {
+    for (auto cell = cells.rbegin(); cell != cells.rend() && used + cell->width <= available; ++cell) {
         tail -= cell->bytes.size();
         used += cell->width;
     }
@@ -126,26 +126,26 @@ std::string clockTime(double seconds) {
 }
 
 std::string progressLine(const BatchProgress &progress, int columns) {
-    const int room = columns - 1;
+    const int available = columns - 1;
     std::string counter = fmt::format("[{}/{}]", progress.index + 1, progress.total);
-    if (displayWidth(counter) > room)
+    if (displayWidth(counter) > available)
         return {};
     const int nameWidth = displayWidth(progress.fileName);
-    int left = room - displayWidth(counter) - 1;
+    int left = available - displayWidth(counter) - 1;
     std::string tail;
-    for (const std::string &part : details(progress)) {
+    for (const std::string &part : frameDetails(progress)) {
         const int width = displayWidth(part) + 2;
-        if (left - width < std::min(nameWidth, smallestName))
+        if (left - width < std::min(nameWidth, minimumNameColumns))
             break;
         tail += "  " + part;
         left -= width;
     }
     if (left < 2)
         return counter;
-    const std::string name = middleTruncated(progress.fileName, left);
+    const std::string name = elidedInMiddle(progress.fileName, left);
     left -= displayWidth(name) + 2;
-    if (progress.frames > 0 && left >= smallestBar)
-        tail = "  " + bar(progress, std::min(left, largestBar)) + tail;
+    if (progress.frames > 0 && left >= minimumBarColumns)
+        tail = "  " + bar(progress, std::min(left, maximumBarColumns)) + tail;
     return counter + " " + name + tail;
 }
 

@@ -7,27 +7,27 @@
 
 namespace lumetwin::batch {
 
-/// Where a batch stands.
+/// The progress of a batch.
 struct BatchProgress {
     std::int64_t index = 0; ///< of the file, from 0
     std::int64_t total = 0; ///< files
     std::string fileName;
     std::int64_t frame = 0;  ///< of the file
     std::int64_t frames = 0; ///< of the file, 0 when unknown
-    double seconds = 0;      ///< since the file's first frame was reported; 0 before
+    double seconds = 0;      ///< since the first frame report of the file; 0 before it
 };
 
-/// The progress as one line that fits into a terminal of that many columns and leaves its last one free. What there is
-/// no room for is left out: first the bar, then frames, rate and time, at last the name.
+/// The progress as one line for a terminal of that many columns. The last column stays free. When there is not enough
+/// space, parts are left out in this order: bar, frame numbers, rate, time left, and at last the name.
 std::string progressLine(const BatchProgress &progress, int columns);
 
-/// Columns that a text takes in a terminal: wide characters take two, combining ones none.
+/// The number of terminal columns of a text: two for a wide character, none for a combining one.
 int displayWidth(std::string_view text);
 
-/// The text shortened in its middle, if need be, to at most that many columns.
-std::string middleTruncated(std::string_view text, int columns);
+/// The text, shortened to at most that many columns by an ellipsis in its middle.
+std::string elidedInMiddle(std::string_view text, int columns);
 
-/// "0:07", "12:34", "1:02:03".
+/// A duration as "0:07", "12:34" or "1:02:03".
 std::string clockTime(double seconds);
 
 } // namespace lumetwin::batch

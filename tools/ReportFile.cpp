@@ -19,15 +19,15 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
-[[noreturn]] void refuse(const Path &file, const std::error_code &error) {
+[[noreturn]] void throwUsageError(const Path &file, const std::error_code &error) {
     throw UsageError("the report cannot be written: " + file.string() + ": " + error.message());
 }
 
-/// A link stays one: what it leads to is replaced.
-Path resolved(const Path &file) {
+/// The path with symbolic links resolved, so that the link's target is replaced and not the link.
+Path resolvedPath(const Path &file) {
     std::error_code error;
-    const Path place = std::filesystem::canonical(file, error);
-    return error ? file : place;
+    const Path path = std::filesystem::canonical(file, error);
+    return error ? file : path;
 }
 
 void write(std::FILE *stream, const std::string &text) {
@@ -40,24 +40,24 @@ void write(std::FILE *stream, const std::string &text) {
 ReportFile::ReportFile(const Path &file) {
     if (file == "-")
         return;
-    target_ = resolved(file);
+    target_ = resolvedPath(file);
     if (isMediaFile(target_))
         throw UsageError("the report would have the name of a video or photo: " + file.string());
     std::error_code ignored;
     const std::filesystem::file_status kind = std::filesystem::status(target_, ignored);
     if (std::filesystem::is_directory(kind))
-        refuse(file, std::make_error_code(std::errc::is_a_directory));
+        throwUsageError(file, std::make_error_code(std::errc::is_a_directory));
     if (!std::filesystem::exists(kind) || std::filesystem::is_regular_file(kind))
         partial_ = target_.string() + ".partial";
     open(partial_.empty() ? target_ : partial_);
 }
 
-void ReportFile::open(const Path &place) {
-    // Whoever left a link of the partial name there does not choose what is written.
+void ReportFile::open(const Path &path) {
+    // O_NOFOLLOW: a symbolic link with the partial name must not redirect the output.
     const int flags = partial_.empty() ? O_WRONLY : O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW;
-    const int descriptor = ::open(place.c_str(), flags | O_CLOEXEC, 0666);
+    const int descriptor = ::open(path.c_str(), flags | O_CLOEXEC, 0666);
     if (descriptor < 0)
-        refuse(place, lastError());
+        throwUsageError(path, lastError());
     stream_.reset(::fdopen(descriptor, "w"));
 }
 

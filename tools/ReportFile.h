@@ -8,19 +8,19 @@
 
 namespace lumetwin::batch {
 
-/// The file that a report goes to. It is opened before the work, so that nobody waits for a report that cannot be
-/// written. Until it is complete it is called NAME.partial, and what lay at its place stays. "-" is standard output;
-/// devices and pipes are written as they are.
+/// The output file of a report. It is opened before the run, so that a path that cannot be written fails at once. Until
+/// the report is complete, the file is called NAME.partial, and an existing file of the final name is kept. "-" is
+/// standard output. Devices and pipes are written directly.
 class ReportFile {
 public:
-    /// Throws UsageError when nothing can be written there, or when the name is that of a video or photo.
+    /// Throws UsageError when the file cannot be opened for writing, or has the extension of a video or photo.
     explicit ReportFile(const std::filesystem::path &file);
-    /// Takes away what was not completed.
+    /// Removes the partial file if the report was not completed.
     ~ReportFile();
     ReportFile(const ReportFile &) = delete;
     ReportFile &operator=(const ReportFile &) = delete;
 
-    /// Writes the whole report and gives it its name. Throws std::system_error.
+    /// Writes the whole report and renames the file. Throws std::system_error.
     void complete(const std::string &report);
 
 private:
@@ -28,7 +28,7 @@ private:
         void operator()(std::FILE *stream) const { std::fclose(stream); }
     };
 
-    void open(const std::filesystem::path &place);
+    void open(const std::filesystem::path &path);
 
     std::filesystem::path target_;  ///< empty: standard output
     std::filesystem::path partial_; ///< empty when there is nothing to rename

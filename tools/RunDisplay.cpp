@@ -17,13 +17,13 @@ double secondsSince(std::chrono::steady_clock::time_point begin) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-/// Two warnings name the window's setting that mends what they are about.
-bool isMendedByKeepTiming(WarningKind kind) {
+/// These two warnings suggest a setting of the window. Its option here is --keep-timing.
+bool isSolvedByKeepTiming(WarningKind kind) {
     return kind == WarningKind::speedChanged || kind == WarningKind::soundAway;
 }
 
-std::string lineOf(const Warning &warning) {
-    const std::string option = isMendedByKeepTiming(warning.kind) ? " (--keep-timing)" : "";
+std::string warningLine(const Warning &warning) {
+    const std::string option = isSolvedByKeepTiming(warning.kind) ? " (--keep-timing)" : "";
     return formatted(isNote(warning.kind) ? "batch.note.format" : "batch.warning.format",
                      warningText(warning) + option);
 }
@@ -31,16 +31,16 @@ std::string lineOf(const Warning &warning) {
 } // namespace
 
 RunDisplay::RunDisplay(VideoProcessor &processor, Console &console) : processor_(processor), console_(console) {
-    processor.onLog = [this](const std::string &line) { holdLogged(line); };
+    processor.onLog = [this](const std::string &line) { keepLogLine(line); };
     processor.onProgress = [this](auto index, auto total, const auto &name) { beginFile(index, total, name); };
-    processor.onFrameProgress = [this](auto current, auto total) { noteFrame(current, total); };
-    processor.onResult = [this](const FileResult &result) { noteResult(result); };
+    processor.onFrameProgress = [this](auto current, auto total) { updateFrame(current, total); };
+    processor.onResult = [this](const FileResult &result) { showResult(result); };
     processor.onComplete = [this](bool success, const auto &message) { complete(success, message); };
 }
 
-void RunDisplay::watch() {
+void RunDisplay::showProgressUntilEnd() {
     std::unique_lock lock(mutex_);
-    while (!completion_.wait_for(lock, redrawInterval, [this] { return over_; })) {
+    while (!completion_.wait_for(lock, redrawInterval, [this] { return runEnded_; })) {
         if (processor_.cancelRequested && !stopShown_) {
             stopShown_ = true;
             console_.printError(text("batch.stopping"));
@@ -50,19 +50,20 @@ void RunDisplay::watch() {
     console_.clearProgress();
 }
 
-void RunDisplay::conclude() {
+void RunDisplay::printSummary() {
     if (processor_.cancelRequested || (!success_ && !started_))
         console_.printError(message_);
     if (!started_)
         return;
-    console_.print(summaryLine(totalsOf(processor_.results()), secondsSince(began_)));
+    console_.print(summaryLine(totalsOf(processor_.results()), secondsSince(startTime_)));
     for (const FileResult &result : processor_.results())
         if (result.state == FileState::failed)
             console_.print("  " + lastPathComponent(result.input) + ": " + result.reason);
 }
 
-/// The log's lines of a converted file are its warnings, which are shown below it in another form.
-void RunDisplay::holdLogged(const std::string &line) {
+/// Keeps log lines until the result of the file is known. For a converted file they are its warnings, which are shown
+/// in another form below it.
+void RunDisplay::keepLogLine(const std::string &line) {
     const std::scoped_lock lock(mutex_);
     logged_.push_back(line);
 }
@@ -76,7 +77,7 @@ void RunDisplay::beginFile(std::int64_t index, std::int64_t total, const std::st
         console_.print(fmt::format("[{}/{}] {}", index + 1, total, name));
 }
 
-void RunDisplay::noteFrame(std::int64_t current, std::int64_t total) {
+void RunDisplay::updateFrame(std::int64_t current, std::int64_t total) {
     const std::scoped_lock lock(mutex_);
     if (!firstFrame_)
         firstFrame_ = Clock::now();
@@ -85,7 +86,7 @@ void RunDisplay::noteFrame(std::int64_t current, std::int64_t total) {
     progress_.seconds = secondsSince(*firstFrame_);
 }
 
-void RunDisplay::noteResult(const FileResult &result) {
+void RunDisplay::showResult(const FileResult &result) {
     const std::scoped_lock lock(mutex_);
     if (result.wasConverted())
         showConverted(result);
@@ -98,14 +99,14 @@ void RunDisplay::noteResult(const FileResult &result) {
 void RunDisplay::showConverted(const FileResult &result) {
     console_.print(lastPathComponent(result.input) + " → " + lastPathComponent(result.output));
     for (const Warning &warning : result.warnings)
-        console_.print("  " + lineOf(warning));
+        console_.print("  " + warningLine(warning));
 }
 
 void RunDisplay::complete(bool success, const std::string &message) {
     const std::scoped_lock lock(mutex_);
     success_ = success;
     message_ = message;
-    over_ = true;
+    runEnded_ = true;
     completion_.notify_one();
 }
 

@@ -15,35 +15,36 @@
 
 namespace lumetwin::batch {
 
-/// Shows a run while it lasts. It sets the processor's callbacks, which come from the run's threads.
+/// Shows the progress and results of a run on the console. It sets the processor's callbacks, which are called on the
+/// run's threads.
 class RunDisplay {
 public:
     RunDisplay(VideoProcessor &processor, Console &console);
 
-    /// Keeps the progress on the screen up to date until the run is over.
-    void watch();
+    /// Shows and updates the progress until the run has ended.
+    void showProgressUntilEnd();
 
-    /// Prints the summary; to be called when the run is over.
-    void conclude();
+    /// Prints the summary. Call it after the run has ended.
+    void printSummary();
 
-    // When the run is over: how it ended, in its own words.
+    // The result of the run; valid after it has ended.
     bool success() const { return success_; }
     const std::string &message() const { return message_; }
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    void holdLogged(const std::string &line);
+    void keepLogLine(const std::string &line);
     void beginFile(std::int64_t index, std::int64_t total, const std::string &name);
-    void noteFrame(std::int64_t current, std::int64_t total);
-    void noteResult(const FileResult &result);
+    void updateFrame(std::int64_t current, std::int64_t total);
+    void showResult(const FileResult &result);
     void showConverted(const FileResult &result);
     void complete(bool success, const std::string &message);
     void redraw();
 
     VideoProcessor &processor_;
     Console &console_;
-    const Clock::time_point began_ = Clock::now();
+    const Clock::time_point startTime_ = Clock::now();
     std::mutex mutex_; // guards everything below, and the console
     std::condition_variable completion_;
     BatchProgress progress_;
@@ -53,7 +54,7 @@ private:
     bool started_ = false;
     bool stopShown_ = false;
     bool success_ = false;
-    bool over_ = false;
+    bool runEnded_ = false;
 };
 
 } // namespace lumetwin::batch

@@ -14,14 +14,14 @@
 namespace lumetwin::batch {
 namespace {
 
-/// Raised when a reader of the former form would misread the new one; members may be added without.
+/// Must be raised when a change would break programs that read the old format. New members do not need that.
 constexpr int formatVersion = 1;
 
-std::string timeOf(std::chrono::system_clock::time_point moment) {
+std::string timeText(std::chrono::system_clock::time_point moment) {
     return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::chrono::system_clock::to_time_t(moment)));
 }
 
-Json placeOf(const std::filesystem::path &file) {
+Json absolutePath(const std::filesystem::path &file) {
     if (file.empty())
         return nullptr;
     std::error_code error;
@@ -29,24 +29,24 @@ Json placeOf(const std::filesystem::path &file) {
     return (error ? file : absolute).string();
 }
 
-Json settingsOf(const ConversionSettings &settings) {
+Json settingsJson(const ConversionSettings &settings) {
     return {{"horizontalFOV", settings.horizontalFOV},
             {"disparityAdjustment", settings.disparityAdjustment},
             {"stereoBaseline", settings.stereoBaseline},
-            {"sbsOutputFormat", nameOf(settings.sbsOutputFormat, videoFormatNames)},
-            {"sbsPhotoOutputFormat", nameOf(settings.sbsPhotoOutputFormat, photoFormatNames)},
+            {"sbsOutputFormat", caseName(settings.sbsOutputFormat, videoFormatNames)},
+            {"sbsPhotoOutputFormat", caseName(settings.sbsPhotoOutputFormat, photoFormatNames)},
             {"compressionQuality", settings.compressionQuality},
             {"halfWidth", settings.halfWidth},
             {"swapLeftRight", settings.swapLeftRight},
             {"enableResize", settings.enableResize},
             {"resizeWidth", settings.resizeWidth},
             {"resizeHeight", settings.resizeHeight},
-            {"resizeMode", nameOf(settings.resizeMode, resizeModeNames)},
+            {"resizeMode", caseName(settings.resizeMode, resizeModeNames)},
             {"copyAudio", settings.copyAudio},
             {"keepTiming", settings.keepTiming},
             {"recursive", settings.recursive},
             {"skipExisting", settings.skipExisting},
-            {"onExisting", nameOf(settings.onExisting, onExistingNames)}};
+            {"onExisting", caseName(settings.onExisting, onExistingNames)}};
 }
 
 Json totalsOf(const RunTotals &totals, std::size_t files) {
@@ -60,18 +60,18 @@ Json totalsOf(const RunTotals &totals, std::size_t files) {
             {"notReached", totals.notReached}};
 }
 
-Json warningOf(const Warning &warning) {
+Json warningJson(const Warning &warning) {
     Json values = Json::array();
     for (const Warning::Value &value : warning.values)
-        std::visit([&](const auto &held) { values.push_back(held); }, value);
+        std::visit([&](const auto &number) { values.push_back(number); }, value);
     return {{"kind", rawValue(warning.kind)},
             {"note", isNote(warning.kind)},
             {"values", std::move(values)},
             {"text", warningText(warning)}};
 }
 
-/// Of a film; nothing is known of one that was not begun, and photos have none.
-Json framesOf(const FileResult &result) {
+/// The frame counts of a video; null for a photo and for a video that was not started.
+Json framesJson(const FileResult &result) {
     const bool wasBegun = result.wasConverted() || result.state == FileState::cancelled;
     if (!wasBegun || !isVideoFile(result.input))
         return nullptr;
@@ -79,14 +79,15 @@ Json framesOf(const FileResult &result) {
             {"expected", result.framesExpected > 0 ? Json(result.framesExpected) : Json(nullptr)}};
 }
 
-Json fileOf(const FileResult &result) {
+Json fileJson(const FileResult &result) {
     Json warnings = Json::array();
     for (const Warning &warning : result.warnings)
-        warnings.push_back(warningOf(warning));
-    return {{"input", placeOf(result.input)},  {"output", placeOf(result.output)},
-            {"state", rawValue(result.state)}, {"reason", result.reason.empty() ? Json(nullptr) : Json(result.reason)},
-            {"warnings", std::move(warnings)}, {"frames", framesOf(result)},
-            {"seconds", result.seconds},       {"bytes", result.wasConverted() ? Json(result.bytes) : Json(nullptr)}};
+        warnings.push_back(warningJson(warning));
+    return {
+        {"input", absolutePath(result.input)}, {"output", absolutePath(result.output)},
+        {"state", rawValue(result.state)},     {"reason", result.reason.empty() ? Json(nullptr) : Json(result.reason)},
+        {"warnings", std::move(warnings)},     {"frames", framesJson(result)},
+        {"seconds", result.seconds},           {"bytes", result.wasConverted() ? Json(result.bytes) : Json(nullptr)}};
 }
 
 } // namespace
@@ -94,18 +95,18 @@ Json fileOf(const FileResult &result) {
 std::string runDocument(const RunFacts &facts) {
     Json files = Json::array();
     for (const FileResult &result : facts.results)
-        files.push_back(fileOf(result));
+        files.push_back(fileJson(result));
     return jsonText({{"formatVersion", formatVersion},
                      {"program", "lumetwin-batch"},
                      {"programVersion", LUMETWIN_VERSION},
-                     {"started", timeOf(facts.started)},
-                     {"finished", timeOf(facts.finished)},
+                     {"started", timeText(facts.started)},
+                     {"finished", timeText(facts.finished)},
                      {"stopped", facts.stopped},
                      {"exitStatus", facts.exitStatus},
                      {"message", facts.message},
-                     {"direction", nameOf(facts.settings.direction, directionNames)},
-                     {"outputFolder", placeOf(facts.settings.outputFolderURL.value_or(""))},
-                     {"settings", settingsOf(facts.settings)},
+                     {"direction", caseName(facts.settings.direction, directionNames)},
+                     {"outputFolder", absolutePath(facts.settings.outputFolderURL.value_or(""))},
+                     {"settings", settingsJson(facts.settings)},
                      {"totals", totalsOf(batch::totalsOf(facts.results), facts.results.size())},
                      {"files", std::move(files)}});
 }

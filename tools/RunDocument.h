@@ -10,18 +10,18 @@
 
 namespace lumetwin::batch {
 
-/// What a run was asked for and what came of it.
+/// The settings and results of a run.
 struct RunFacts {
     const ConversionSettings &settings;
     const std::vector<FileResult> &results;
     std::chrono::system_clock::time_point started{};
     std::chrono::system_clock::time_point finished{};
     bool stopped = false; ///< by the user
-    std::string message;  ///< the run's own last words
+    std::string message;  ///< the final message of the run
     int exitStatus = 0;
 };
 
-/// The report of a run as a JSON document. The manual page describes it; its names are stable.
+/// The report of a run as a JSON document. The manual page describes its format. Its names must not change.
 std::string runDocument(const RunFacts &facts);
 
 } // namespace lumetwin::batch

@@ -9,7 +9,7 @@
 
 namespace lumetwin::batch {
 
-/// How many files of a run came to which end.
+/// The number of files of a run for each result.
 struct RunTotals {
     std::int64_t converted = 0;    ///< with and without warnings
     std::int64_t withWarnings = 0; ///< of the converted ones
@@ -22,8 +22,8 @@ struct RunTotals {
 
 RunTotals totalsOf(const std::vector<FileResult> &results);
 
-/// "Converted: 3 (1 with warnings), skipped: 2, up to date: 4, failed: 1 (0:12)" in the user's language. What is
-/// unusual is left out while its number is 0.
+/// A line such as "Converted: 3 (1 with warnings), skipped: 2, up to date: 4, failed: 1 (0:12)", in the user's
+/// language. "With warnings", "up to date" and "unfinished" are left out while their number is 0.
 std::string summaryLine(const RunTotals &totals, double seconds);
 
 } // namespace lumetwin::batch

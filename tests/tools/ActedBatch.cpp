@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// lumetwin-batch with conversions that only act. The beginning of a file's name says what happens to it:
-//   fail…     an error
+// lumetwin-batch with fake conversions. The beginning of a file's name decides what happens to it:
+//   fail…     the conversion throws an error
 //   slow…     frames are reported until the run is stopped
-//   stuck…    neither ends nor listens
+//   stuck…    the conversion never ends and ignores cancelling
 //   warn…     is written with a warning and a note
-//   fast…     is written and plays too fast
+//   fast…     is written with the warning that it plays too fast
 //   note…     is written with a note
-//   plain…    is not spatial (nor is a folder)
-// Everything else is written at once.
+//   plain…    is not spatial (a folder is not spatial either)
+// Any other file is written at once.
 #include "engine/inspection/MediaKinds.h"
 #include "engine/texts/ProcessorError.h"
 #include "media/InputFile.h"
@@ -23,7 +23,7 @@ using namespace lumetwin;
 
 namespace {
 
-bool begins(const std::filesystem::path &file, const char *word) {
+bool nameBeginsWith(const std::filesystem::path &file, const char *word) {
     return file.filename().string().rfind(word, 0) == 0;
 }
 
@@ -34,18 +34,18 @@ void reportFrames(const ConversionControl &control) {
     }
 }
 
-[[noreturn]] void neverEnd() {
+[[noreturn]] void sleepForEver() {
     for (;;)
         std::this_thread::sleep_for(std::chrono::seconds(1));
 }
 
-std::vector<Warning> warningsOf(const std::filesystem::path &input) {
+std::vector<Warning> warningsFor(const std::filesystem::path &input) {
     std::vector<Warning> warnings;
-    if (begins(input, "warn"))
+    if (nameBeginsWith(input, "warn"))
         warnings.push_back({WarningKind::framesMissing, {std::int64_t{90}, std::int64_t{120}}});
-    if (begins(input, "fast"))
+    if (nameBeginsWith(input, "fast"))
         warnings.push_back({WarningKind::speedChanged, {1.5}});
-    if (begins(input, "warn") || begins(input, "note"))
+    if (nameBeginsWith(input, "warn") || nameBeginsWith(input, "note"))
         warnings.push_back({WarningKind::chaptersLeft, {std::int64_t{3}}});
     return warnings;
 }
@@ -53,29 +53,29 @@ std::vector<Warning> warningsOf(const std::filesystem::path &input) {
 Outcome convert(const ConversionSettings &, const media::InputFile &file, const media::OutputFile &output,
                 const ConversionControl &control, SystemVersion) {
     const std::filesystem::path &input = file.path();
-    if (begins(input, "fail"))
+    if (nameBeginsWith(input, "fail"))
         throw processorError("acted failure");
-    if (begins(input, "stuck"))
-        neverEnd();
-    if (begins(input, "slow")) {
+    if (nameBeginsWith(input, "stuck"))
+        sleepForEver();
+    if (nameBeginsWith(input, "slow")) {
         reportFrames(control);
         return {.written = false, .framesWritten = 8, .framesExpected = 1000, .warnings = {}};
     }
     constexpr std::array<std::uint8_t, 9> content{'c', 'o', 'n', 'v', 'e', 'r', 't', 'e', 'd'};
     output.writeAt(0, content);
     if (isPhotoFile(input))
-        return Outcome::ofPhoto(warningsOf(input));
-    return {.written = true, .framesWritten = 90, .framesExpected = 120, .warnings = warningsOf(input)};
+        return Outcome::ofPhoto(warningsFor(input));
+    return {.written = true, .framesWritten = 90, .framesExpected = 120, .warnings = warningsFor(input)};
 }
 
 MediaFacts look(const media::InputFile &file) {
     MediaFacts facts;
     facts.kind = isPhotoFile(file.path()) ? MediaFacts::Kind::photo : MediaFacts::Kind::video;
-    facts.isSpatial = !begins(file.path(), "plain");
+    facts.isSpatial = !nameBeginsWith(file.path(), "plain");
     return facts;
 }
 
-MediaOperations acted() {
+MediaOperations fakeOperations() {
     return {.look = look,
             .measure = {},
             .convertSpatialVideoToSBS = convert,
@@ -87,5 +87,5 @@ MediaOperations acted() {
 } // namespace
 
 int main(int count, char **arguments) {
-    return batch::runBatchTool(count, arguments, acted);
+    return batch::runBatchTool(count, arguments, fakeOperations);
 }

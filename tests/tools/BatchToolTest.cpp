@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The program's output and exit status where there is no terminal.
-#include "tests/support/TestMedia.h"
+// The program's output and exit status without a terminal.
+#include "tests/tools/BatchFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,33 +18,15 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
-class BatchTool : public testing::Test {
+class BatchTool : public BatchFixture {
 protected:
-    BatchTool() {
-        setenv("LC_ALL", "C.UTF-8", 1);
-        std::filesystem::create_directory(folder / "in");
-        std::filesystem::create_directory(folder / "out");
-    }
-
-    std::string file(const std::string &name) {
-        writeFile(folder / ("in/" + name), std::string());
-        return folder / ("in/" + name);
-    }
-
-    ProgramResult run(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), ACTED_BATCH);
-        return runProgram(arguments);
-    }
-
     ProgramResult convert(std::vector<std::string> inputs) {
         inputs.insert(inputs.begin(), {"--output", folder / "out"});
         return run(inputs);
     }
-
-    TemporaryFolder folder;
 };
 
-TEST_F(BatchTool, PlainLinesTellWhatHappens) {
+TEST_F(BatchTool, PlainLinesReportEachFile) {
     for (const char *name : {"a.mov", "fail.heic", "plain.mov", "notes.txt"})
         file(name);
     const ProgramResult result = convert({folder / "in"});
@@ -61,7 +43,7 @@ TEST_F(BatchTool, PlainLinesTellWhatHappens) {
     EXPECT_EQ(result.errors, "");
 }
 
-TEST_F(BatchTool, WarningsStandBelowTheirFileAndAreCounted) {
+TEST_F(BatchTool, WarningsAreShownBelowTheirFileAndCounted) {
     const ProgramResult result = convert({file("a.mov"), file("note.mov"), file("warn.mov")});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output,
@@ -77,20 +59,20 @@ TEST_F(BatchTool, WarningsStandBelowTheirFileAndAreCounted) {
                              "Converted: 3 \\(1 with warnings\\), skipped: 0, failed: 0 \\([0-9:]+\\)\n"));
 }
 
-TEST_F(BatchTool, WarningNamesTheOptionThatMends) {
+TEST_F(BatchTool, WarningNamesTheOptionThatAvoidsIt) {
     EXPECT_THAT(
         convert({file("fast.mov")}).output,
         HasSubstr("  Warning: The film plays 1.5 % faster than its source. “Keep the film’s own timing” prevents "
                   "this. (--keep-timing)\n"));
 }
 
-TEST_F(BatchTool, StrictTakesWarningsForFailuresButNotNotes) {
+TEST_F(BatchTool, StrictCountsWarningsAsFailuresButNotNotes) {
     EXPECT_EQ(convert({"--strict", file("a.mov"), file("note.mov"), file("plain.mov")}).status, 0);
     EXPECT_EQ(convert({"--strict", file("a.mov"), file("warn.mov")}).status, 1);
     EXPECT_EQ(convert({file("a.mov"), file("warn.mov")}).status, 0);
 }
 
-TEST_F(BatchTool, WhatIsThereIsReplacedNumberedOrLeft) {
+TEST_F(BatchTool, ExistingFilesAreReplacedNumberedOrSkipped) {
     const std::string input = file("a.mov");
     EXPECT_THAT(convert({input}).output, HasSubstr("a.mov → a_sbs.mp4\n"));
     EXPECT_THAT(convert({input}).output, HasSubstr("a.mov → a_sbs.mp4\n"));
@@ -100,7 +82,7 @@ TEST_F(BatchTool, WhatIsThereIsReplacedNumberedOrLeft) {
     EXPECT_THAT(convert({"--on-existing=replace", input}).output, HasSubstr("a.mov → a_sbs.mp4\n"));
 }
 
-TEST_F(BatchTool, RecursiveTakesTheFoldersBelowAndKeepsTheirTree) {
+TEST_F(BatchTool, RecursiveConvertsSubfoldersAndKeepsTheirTree) {
     std::filesystem::create_directories(folder / "in/2024/may");
     file("top.mov");
     file("2024/may/deep.mov");
@@ -167,7 +149,7 @@ TEST_F(BatchTool, HelpAndVersionNeedNothingElse) {
     EXPECT_EQ(version.output, "lumetwin-batch " LUMETWIN_VERSION "\n");
 }
 
-TEST_F(BatchTool, SpeaksTheLanguageOfTheLocale) {
+TEST_F(BatchTool, UsesTheLanguageOfTheLocale) {
     setenv("LC_ALL", "ja_JP.UTF-8", 1);
     const ProgramResult result = convert({file("a.mov")});
     setenv("LC_ALL", "C.UTF-8", 1);
@@ -182,7 +164,7 @@ TEST_F(BatchTool, FolderNamedLikeAVideoAmongFilesFailsAlone) {
     EXPECT_THAT(result.output, HasSubstr("plain.mov → plain_spatial.mov\n"));
 }
 
-/// Starts the program, waits until it works on a file, sends a signal; its exit status.
+/// Starts the program, waits until it works on a file, and sends a signal. Returns the exit status.
 int statusAfterSignal(const std::vector<std::string> &command, int signal, bool ignoredBefore = false) {
     int output[2];
     EXPECT_EQ(pipe2(output, O_CLOEXEC), 0);
@@ -218,13 +200,13 @@ int statusAfterSignal(const std::vector<std::string> &command, int signal, bool 
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-TEST_F(BatchTool, EverySignalToEndStopsCleanly) {
+TEST_F(BatchTool, EveryTerminationSignalStopsCleanly) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         EXPECT_EQ(statusAfterSignal({ACTED_BATCH, "--output", folder / "out", file("slow.mov")}, signal), 130)
             << signal;
 }
 
-TEST_F(BatchTool, StoppedRunHasItsReportAllTheSame) {
+TEST_F(BatchTool, StoppedRunWritesItsReport) {
     const std::string report = folder / "report.json";
     ASSERT_EQ(statusAfterSignal({ACTED_BATCH, "--report", report, "--output", folder / "out", file("a.mov"),
                                  file("slow.mov"), file("z.mov")},
@@ -245,7 +227,7 @@ TEST_F(BatchTool, StoppedRunHasItsReportAllTheSame) {
 }
 
 TEST_F(BatchTool, SignalThatWasIgnoredStaysIgnored) {
-    // Otherwise the hang-up and the SIGTERM after it would be two, and the second kills.
+    // If SIGHUP counted, the SIGTERM after it would be the second signal, which kills.
     EXPECT_EQ(statusAfterSignal({ACTED_BATCH, "--output", folder / "out", file("slow.mov")}, SIGHUP, true), 130);
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The program itself on media that the media stack's ffmpeg draws.
+// Runs the program on media that the media stack's ffmpeg draws.
 #include "tests/support/TestMedia.h"
 
 #include <gmock/gmock.h>
@@ -26,7 +26,7 @@ protected:
     std::string in(const std::string &name) { return folder / ("in/" + name); }
     std::string out(const std::string &name) { return folder / ("out/" + name); }
 
-    /// Side by side: a bright left eye, a dark right one, 320 × 180 each, with a tone.
+    /// Draws a side-by-side clip with a tone: a bright left eye and a dark right eye, 320 × 180 each.
     void drawClip(const std::string &file, const std::vector<std::string> &more = {}) {
         std::vector<std::string> arguments{"-f",
                                            "lavfi",
@@ -162,7 +162,7 @@ TEST_F(EndToEnd, BadInputsFailAloneWithTheirReason) {
     drawClip(in("good.mp4"));
     std::vector<std::uint8_t> bytes = readFile(in("good.mp4"));
     bytes.resize(2000);
-    writeFile(in("cut.mp4"), bytes); // before its headers, which are at the end
+    writeFile(in("cut.mp4"), bytes); // the headers are at the end, so they are cut off
     writeFile(in("empty.mov"), std::string());
     writeFile(in("text.mov"), std::string("just words\n"));
     std::filesystem::create_directory(in("folder.mov"));
@@ -189,7 +189,7 @@ TEST_F(EndToEnd, BadInputsAreNotSpatial) {
     EXPECT_TRUE(outputs().empty());
 }
 
-TEST_F(EndToEnd, WordsNamedLikeVideosAreNotSpatialAndFailAsSideBySide) {
+TEST_F(EndToEnd, TextNamedLikeAVideoIsNotSpatialAndFailsAsSideBySide) {
     const std::vector<std::string> names{"clip.avi", "clip.hevc", "clip.m4v", "clip.mkv", "clip.mov", "clip.mp4"};
     for (const std::string &name : names)
         writeFile(in(name), std::string("just words, not a movie, whatever the name of the file says\n"));
@@ -218,7 +218,7 @@ TEST_F(EndToEnd, EncryptedSpatialVideoFailsAlone) {
     EXPECT_TRUE(std::filesystem::exists(folder / "back/clip_spatial_sbs.mp4"));
 }
 
-TEST_F(EndToEnd, DamagedDataIsConvertedAsFarAsItGoesWithAWarning) {
+TEST_F(EndToEnd, DamagedDataIsConvertedWithAWarning) {
     drawClip(in("cut.mp4"), {"-movflags", "+faststart"});
     std::vector<std::uint8_t> bytes = readFile(in("cut.mp4"));
     bytes.resize(bytes.size() * 6 / 10);
@@ -230,7 +230,7 @@ TEST_F(EndToEnd, DamagedDataIsConvertedAsFarAsItGoesWithAWarning) {
     EXPECT_EQ(outputs(), std::set<std::string>{"cut_spatial.mov"});
 }
 
-TEST_F(EndToEnd, LinesForClosedStreamsDoNotEndUpInTheOutput) {
+TEST_F(EndToEnd, MessagesForClosedStreamsAreNotWrittenIntoTheOutput) {
     drawClip(in("cut.mp4"), {"-movflags", "+faststart"});
     std::vector<std::uint8_t> bytes = readFile(in("cut.mp4"));
     bytes.resize(bytes.size() * 6 / 10);
@@ -243,7 +243,7 @@ TEST_F(EndToEnd, LinesForClosedStreamsDoNotEndUpInTheOutput) {
     EXPECT_THAT(std::string(written.begin(), written.end()), Not(HasSubstr("cut.mp4")));
 }
 
-TEST_F(EndToEnd, OutputIsNeverWrittenOverAnInput) {
+TEST_F(EndToEnd, OutputNeverReplacesAnInput) {
     drawClip(in("clip.mp4"));
     std::filesystem::copy(in("clip.mp4"), in("clip_spatial.mov"));
     const auto before = readFile(in("clip_spatial.mov"));
@@ -256,7 +256,7 @@ TEST_F(EndToEnd, OutputIsNeverWrittenOverAnInput) {
     EXPECT_TRUE(std::filesystem::exists(in("clip_spatial_spatial.mov"))) << "the other file is converted";
 }
 
-TEST_F(EndToEnd, FolderIsConvertedIntoItselfTwiceAndThenGoesOn) {
+TEST_F(EndToEnd, FolderCanBeConvertedIntoItselfTwice) {
     drawClip(in("clip.mp4"));
     drawClip(in("other.mp4"));
     const std::vector<std::string> command{"--direction", "sbsToSpatial", "--output", folder / "in", folder / "in"};
@@ -272,7 +272,7 @@ TEST_F(EndToEnd, FolderIsConvertedIntoItselfTwiceAndThenGoesOn) {
     EXPECT_THAT(batch(third).output, HasSubstr("Converted: 0, skipped: 2, up to date: 2, failed: 0"));
 }
 
-TEST_F(EndToEnd, InputThatMayNotBeReadSaysSo) {
+TEST_F(EndToEnd, InputWithoutReadPermissionIsReported) {
     if (geteuid() == 0)
         GTEST_SKIP() << "root may read everything";
     writeFile(in("clip.mp4"), std::string("a secret"));
@@ -282,7 +282,7 @@ TEST_F(EndToEnd, InputThatMayNotBeReadSaysSo) {
     EXPECT_THAT(result.output, EndsWith("  clip.mp4: Cannot open clip.mp4: Permission denied\n"));
 }
 
-TEST_F(EndToEnd, InputFolderThatMayNotBeReadSaysSo) {
+TEST_F(EndToEnd, InputFolderWithoutReadPermissionIsReported) {
     if (geteuid() == 0)
         GTEST_SKIP() << "root may read everything";
     std::filesystem::permissions(folder / "in", std::filesystem::perms::none);
@@ -292,16 +292,16 @@ TEST_F(EndToEnd, InputFolderThatMayNotBeReadSaysSo) {
     EXPECT_EQ(result.errors, "The input folder cannot be read: Permission denied\n");
 }
 
-TEST_F(EndToEnd, OutputFolderThatTakesNothingSaysSo) {
+TEST_F(EndToEnd, OutputFolderThatCannotBeWrittenIsReported) {
     drawClip(in("clip.mp4"));
-    // Not even root can make files there.
+    // Not even root can create files there.
     const ProgramResult result = batch({"--direction", "sbsToSpatial", "--output", "/proc", in("clip.mp4")});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.output, HasSubstr("  clip.mp4: Cannot create clip_spatial.mov: "));
 }
 
-TEST_F(EndToEnd, FullDiskSaysSoAndTheBatchGoesOn) {
-    // A limit for the size of files stands for the disk.
+TEST_F(EndToEnd, FullDiskIsReportedAndTheBatchGoesOn) {
+    // A limit for file sizes simulates a full disk.
     drawClip(in("a.mp4"));
     drawClip(in("b.mp4"));
     const ProgramResult result = runProgram({"sh", "-c", "ulimit -f 16; exec \"$@\"", "sh", LUMETWIN_BATCH,

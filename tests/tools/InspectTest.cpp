@@ -27,7 +27,7 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_F(Inspect, WhatIsNoMediaIsNotSpatial) {
+TEST_F(Inspect, FilesWithoutMediaAreNotSpatial) {
     for (const char *name : {"empty.mov", "text.heic", "notes.txt"}) {
         writeFile(folder / name, std::string(name[0] == 'e' ? "" : "just words"));
         const ProgramResult result = inspect({folder / name});
@@ -47,7 +47,7 @@ TEST_F(Inspect, FilesThatCannotBeReadHaveFailed) {
                                  ": Is a directory\n");
 }
 
-TEST_F(Inspect, WhatDoesNotArriveIsAFailure) {
+TEST_F(Inspect, AnOutputThatCannotBeWrittenIsAFailure) {
     writeFile(folder / "a.mov", std::string());
     for (const char *format : {"", " --json"}) {
         const ProgramResult result =
@@ -58,7 +58,7 @@ TEST_F(Inspect, WhatDoesNotArriveIsAFailure) {
     }
 }
 
-TEST_F(Inspect, PipesAreNotWaitedFor) {
+TEST_F(Inspect, DoesNotWaitForPipes) {
     ASSERT_EQ(mkfifo((folder / "a.mov").c_str(), 0600), 0);
     ASSERT_EQ(mkfifo((folder / "a.png").c_str(), 0600), 0);
     const ProgramResult result = inspect({folder / "a.mov", folder / "a.png"});
@@ -67,7 +67,7 @@ TEST_F(Inspect, PipesAreNotWaitedFor) {
                                  "lumetwin-batch: " + (folder / "a.png").string() + ": Not a regular file\n");
 }
 
-TEST_F(Inspect, UnreadableFileSaysWhy) {
+TEST_F(Inspect, UnreadableFileIsReportedWithTheReason) {
     if (geteuid() == 0)
         GTEST_SKIP() << "root may read everything";
     writeFile(folder / "a.mov", std::string());

@@ -16,8 +16,8 @@ namespace {
 
 const std::filesystem::path page = std::filesystem::path(LUMETWIN_SOURCE_DIR) / "resources/man/lumetwin-batch.1";
 
-/// The page's source without its escapes.
-std::string words() {
+/// The page's source without escape sequences.
+std::string pageText() {
     const auto bytes = test::readFile(page);
     std::string text(bytes.begin(), bytes.end());
     std::erase(text, '\\');
@@ -25,9 +25,9 @@ std::string words() {
 }
 
 TEST(ManPage, NamesEveryOptionAndExtension) {
-    const std::string text = words();
+    const std::string text = pageText();
     for (const Option &option : optionTable()) {
-        // A switch stands alone; the others are followed by their value in the same line.
+        // A switch has no value. Any other option is followed by its value in the same line.
         const std::string value = option.argument.empty() ? "\n" : "  " + std::string(option.argument);
         EXPECT_THAT(text, testing::HasSubstr(std::string(option.name) + value));
     }
@@ -37,7 +37,7 @@ TEST(ManPage, NamesEveryOptionAndExtension) {
         EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
 }
 
-/// The names of all members, of inner objects too.
+/// The names of all members, including those of inner objects.
 std::set<std::string> memberNames(const Json &document) {
     std::set<std::string> names;
     for (const auto &[name, value] : document.items()) {
@@ -62,12 +62,12 @@ TEST(ManPage, DescribesEveryNameOfAReport) {
     result.warnings.push_back({WarningKind::gainMapLeft, {}});
     names.merge(memberNames(Json::parse(runDocument({.settings = settings, .results = {result}, .message = {}}))));
     EXPECT_GT(names.size(), 50u);
-    const std::string text = words();
+    const std::string text = pageText();
     for (const std::string &name : names)
         EXPECT_THAT(text, testing::ContainsRegex("[ \n]" + name + "([ ,\n]|$)"));
 }
 
-TEST(ManPage, FormatterHasNoComplaints) {
+TEST(ManPage, FormatterReportsNoErrors) {
     if (test::runProgram({"man", "--version"}).status != 0)
         GTEST_SKIP() << "man is not installed";
     const test::ProgramResult result =

@@ -17,13 +17,13 @@ BatchOptions parse(const std::vector<const char *> &arguments) {
     return parseOptions(arguments);
 }
 
-/// A conversion with the given options.
+/// Parses a convert command with the given options.
 BatchOptions withOptions(std::vector<const char *> options) {
     options.insert(options.end(), {"--output", "out", "in"});
     return parse(options);
 }
 
-std::string complaintAbout(const std::vector<const char *> &options) {
+std::string errorMessage(const std::vector<const char *> &options) {
     try {
         withOptions(options);
     } catch (const UsageError &error) {
@@ -32,7 +32,7 @@ std::string complaintAbout(const std::vector<const char *> &options) {
     return {};
 }
 
-TEST(Options, DefaultsAreTheRecords) {
+TEST(Options, DefaultsAreThoseOfTheSettings) {
     const BatchOptions options = parse({"--output", "out", "in"});
     const ConversionSettings fresh;
     const ConversionSettings &settings = *options.settings;
@@ -58,7 +58,7 @@ TEST(Options, DefaultsAreTheRecords) {
     EXPECT_EQ(settings.onExisting, fresh.onExisting);
     EXPECT_EQ(options.report, std::nullopt);
     EXPECT_FALSE(options.strict);
-    EXPECT_THAT(options.remarks, IsEmpty());
+    EXPECT_THAT(options.notices, IsEmpty());
 }
 
 TEST(Options, EveryFieldHasItsOption) {
@@ -120,7 +120,7 @@ TEST(Options, EveryFieldHasItsOption) {
     EXPECT_TRUE(options.strict);
 }
 
-TEST(Options, EveryCaseHasItsName) {
+TEST(Options, EveryEnumeratorHasItsName) {
     EXPECT_EQ(withOptions({"--direction", "spatialToSBS"}).settings->direction, ConversionDirection::spatialToSBS);
     EXPECT_EQ(withOptions({"--sbs-output-format", "mp4H264"}).settings->sbsOutputFormat, SBSOutputFormat::mp4H264);
     EXPECT_EQ(withOptions({"--sbs-output-format", "mp4H265"}).settings->sbsOutputFormat, SBSOutputFormat::mp4H265);
@@ -140,15 +140,15 @@ TEST(Options, EveryCaseHasItsName) {
 TEST(Options, ValuesMayFollowAnEqualsSign) {
     EXPECT_EQ(withOptions({"--horizontal-fov=90"}).settings->horizontalFOV, 90);
     EXPECT_EQ(parse({"--output=a=b", "in"}).settings->outputFolderURL, std::filesystem::path("a=b"));
-    EXPECT_EQ(complaintAbout({"--half-width=yes"}), "--half-width takes no value");
-    EXPECT_EQ(complaintAbout({"--output="}), "--output: the folder has no name");
+    EXPECT_EQ(errorMessage({"--half-width=yes"}), "--half-width takes no value");
+    EXPECT_EQ(errorMessage({"--output="}), "--output: the folder has no name");
 }
 
 TEST(Options, TheLastOneCounts) {
     EXPECT_EQ(withOptions({"--horizontal-fov", "90", "--horizontal-fov", "80"}).settings->horizontalFOV, 80);
 }
 
-TEST(Options, InputsStandAnywhere) {
+TEST(Options, InputsMayStandAnywhere) {
     const BatchOptions options = parse({"a.mov", "--output", "out", "b.mov", "-", "--", "--half-width", "inspect"});
     EXPECT_THAT(options.inputs, ElementsAre("a.mov", "b.mov", "-", "--half-width", "inspect"));
     EXPECT_FALSE(options.settings->halfWidth);
@@ -156,77 +156,76 @@ TEST(Options, InputsStandAnywhere) {
 
 TEST(Options, RangesIncludeTheirEnds) {
     for (const char *value : {"10", "180", "+63.4", "1e2", "10.0"})
-        EXPECT_EQ(complaintAbout({"--horizontal-fov", value}), "") << value;
+        EXPECT_EQ(errorMessage({"--horizontal-fov", value}), "") << value;
     for (const char *value : {"-100", "100", "0", "-0.5"})
-        EXPECT_EQ(complaintAbout({"--disparity-adjustment", value}), "") << value;
+        EXPECT_EQ(errorMessage({"--disparity-adjustment", value}), "") << value;
     for (const char *value : {"1", "200"})
-        EXPECT_EQ(complaintAbout({"--stereo-baseline", value}), "") << value;
+        EXPECT_EQ(errorMessage({"--stereo-baseline", value}), "") << value;
     for (const char *value : {"0", "1", "0.75", ".5"})
-        EXPECT_EQ(complaintAbout({"--compression-quality", value}), "") << value;
+        EXPECT_EQ(errorMessage({"--compression-quality", value}), "") << value;
 }
 
 TEST(Options, ValuesOutsideAreRefused) {
-    EXPECT_EQ(complaintAbout({"--horizontal-fov", "9.99"}), "--horizontal-fov: 9.99 is not between 10 and 180");
-    EXPECT_EQ(complaintAbout({"--horizontal-fov", "200"}), "--horizontal-fov: 200 is not between 10 and 180");
-    EXPECT_EQ(complaintAbout({"--disparity-adjustment", "-100.5"}),
+    EXPECT_EQ(errorMessage({"--horizontal-fov", "9.99"}), "--horizontal-fov: 9.99 is not between 10 and 180");
+    EXPECT_EQ(errorMessage({"--horizontal-fov", "200"}), "--horizontal-fov: 200 is not between 10 and 180");
+    EXPECT_EQ(errorMessage({"--disparity-adjustment", "-100.5"}),
               "--disparity-adjustment: -100.5 is not between -100 and 100");
-    EXPECT_EQ(complaintAbout({"--stereo-baseline", "0.5"}), "--stereo-baseline: 0.5 is not between 1 and 200");
-    EXPECT_EQ(complaintAbout({"--compression-quality", "1.01"}), "--compression-quality: 1.01 is not between 0 and 1");
+    EXPECT_EQ(errorMessage({"--stereo-baseline", "0.5"}), "--stereo-baseline: 0.5 is not between 1 and 200");
+    EXPECT_EQ(errorMessage({"--compression-quality", "1.01"}), "--compression-quality: 1.01 is not between 0 and 1");
 }
 
 TEST(Options, SizesThatNoFormatHoldsAreRefused) {
-    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-width", "65534"}), "");
-    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-width", "65536"}),
+    EXPECT_EQ(errorMessage({"--enable-resize", "--resize-width", "65534"}), "");
+    EXPECT_EQ(errorMessage({"--enable-resize", "--resize-width", "65536"}),
               "--resize-width: 65536 is more than 65535, the most that any format holds");
-    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-height", "9223372036854775806"}),
+    EXPECT_EQ(errorMessage({"--enable-resize", "--resize-height", "9223372036854775806"}),
               "--resize-height: 9223372036854775806 is more than 65535, the most that any format holds");
 }
 
-TEST(Options, NumbersAreTakenOnlyWhole) {
+TEST(Options, NumbersMustMatchCompletely) {
     for (const char *value :
          {"", "abc", "60°", "60 ", " 60", "6,5", "0x40", "nan", "inf", "1e999", "++60", "+-60", "--"})
-        EXPECT_EQ(complaintAbout({"--horizontal-fov", value}),
+        EXPECT_EQ(errorMessage({"--horizontal-fov", value}),
                   "--horizontal-fov: \"" + std::string(value) + "\" is not a number");
     for (const char *value : {"", "0", "-2", "1e3", "12.0", "99999999999999999999", "1920px"})
-        EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-width", value}),
+        EXPECT_EQ(errorMessage({"--enable-resize", "--resize-width", value}),
                   "--resize-width: \"" + std::string(value) + "\" is not a number of pixels");
 }
 
-TEST(Options, NamesOfCasesAreTakenOnlyExactly) {
+TEST(Options, NamesMustMatchExactly) {
     for (const char *value : {"spatialtosbs", "SBSToSpatial", "", "sbsToSpatial "})
-        EXPECT_EQ(complaintAbout({"--direction", value}),
+        EXPECT_EQ(errorMessage({"--direction", value}),
                   "--direction: \"" + std::string(value) + "\" is none of spatialToSBS, sbsToSpatial");
-    EXPECT_EQ(complaintAbout({"--sbs-output-format", "MP4 (H.264)"}),
+    EXPECT_EQ(errorMessage({"--sbs-output-format", "MP4 (H.264)"}),
               "--sbs-output-format: \"MP4 (H.264)\" is none of mp4H264, mp4H265, movHEVC");
-    EXPECT_EQ(complaintAbout({"--sbs-photo-output-format", "jpeg"}),
+    EXPECT_EQ(errorMessage({"--sbs-photo-output-format", "jpeg"}),
               "--sbs-photo-output-format: \"jpeg\" is none of jpg, png, tiff, heic");
-    EXPECT_EQ(complaintAbout({"--on-existing", "keepBoth"}),
+    EXPECT_EQ(errorMessage({"--on-existing", "keepBoth"}),
               "--on-existing: \"keepBoth\" is none of replace, keep-both, skip");
-    EXPECT_EQ(complaintAbout({"--resize-mode", "fit"}),
-              "--resize-mode: \"fit\" is none of stretch, cropFill, letterbox");
+    EXPECT_EQ(errorMessage({"--resize-mode", "fit"}), "--resize-mode: \"fit\" is none of stretch, cropFill, letterbox");
 }
 
 TEST(Options, OddSizesAreRefusedWithTheNextMultiplesOf16) {
-    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-width", "1921"}),
+    EXPECT_EQ(errorMessage({"--enable-resize", "--resize-width", "1921"}),
               "--resize-width and --resize-height must be even; the next multiples of 16 are 1936 and 1088");
-    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-height", "1"}),
+    EXPECT_EQ(errorMessage({"--enable-resize", "--resize-height", "1"}),
               "--resize-width and --resize-height must be even; the next multiples of 16 are 1920 and 16");
-    EXPECT_EQ(complaintAbout({"--enable-resize", "--resize-width", "1922"}), "") << "even is enough";
-    EXPECT_EQ(complaintAbout({"--resize-width", "1921"}), "") << "not used";
+    EXPECT_EQ(errorMessage({"--enable-resize", "--resize-width", "1922"}), "") << "even is enough";
+    EXPECT_EQ(errorMessage({"--resize-width", "1921"}), "") << "not used";
 }
 
-TEST(Options, SizesWithoutResizingAreMentioned) {
-    EXPECT_THAT(withOptions({"--resize-mode=stretch"}).remarks,
+TEST(Options, SizesWithoutResizingGiveANotice) {
+    EXPECT_THAT(withOptions({"--resize-mode=stretch"}).notices,
                 ElementsAre("--resize-mode changes nothing without --enable-resize"));
-    EXPECT_THAT(withOptions({"--resize-width", "640", "--enable-resize"}).remarks, IsEmpty());
+    EXPECT_THAT(withOptions({"--resize-width", "640", "--enable-resize"}).notices, IsEmpty());
 }
 
 TEST(Options, MissingValuesAndUnknownOptionsAreRefused) {
     EXPECT_THROW(parse({"in", "--output"}), UsageError);
-    EXPECT_EQ(complaintAbout({"--no-such"}), "unknown option --no-such");
-    EXPECT_EQ(complaintAbout({"--no-such=1"}), "unknown option --no-such");
-    EXPECT_EQ(complaintAbout({"-x"}), "unknown option -x");
-    EXPECT_EQ(complaintAbout({"--half"}), "unknown option --half") << "no abbreviations";
+    EXPECT_EQ(errorMessage({"--no-such"}), "unknown option --no-such");
+    EXPECT_EQ(errorMessage({"--no-such=1"}), "unknown option --no-such");
+    EXPECT_EQ(errorMessage({"-x"}), "unknown option -x");
+    EXPECT_EQ(errorMessage({"--half"}), "unknown option --half") << "no abbreviations";
 }
 
 TEST(Options, InspectTakesFiles) {
@@ -240,7 +239,7 @@ TEST(Options, InspectIsACommandOnlyInFront) {
     EXPECT_EQ(parse({"--output", "out", "inspect"}).command, Command::convert);
 }
 
-TEST(Options, HelpWinsUnlessItIsAnInput) {
+TEST(Options, HelpComesFirstUnlessItIsAnInput) {
     EXPECT_EQ(parse({"--nonsense", "-h"}).command, Command::help);
     EXPECT_EQ(parse({"inspect", "--help"}).command, Command::help);
     EXPECT_EQ(parse({"--version"}).command, Command::version);

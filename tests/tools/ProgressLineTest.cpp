@@ -19,18 +19,18 @@ protected:
         .index = 1, .total = 5, .fileName = "holiday.mov", .frame = 120, .frames = 480, .seconds = 5};
 };
 
-TEST_F(ProgressLine, TellsFileFramesRateAndTime) {
+TEST_F(ProgressLine, ShowsFileFramesRateAndTime) {
     EXPECT_EQ(progressLine(progress, 80),
               "[2/5] holiday.mov  [#####------------------]  25%  0:15 left  24.0 fps  120/480");
     EXPECT_EQ(displayWidth(progressLine(progress, 80)), 79);
 }
 
-TEST_F(ProgressLine, BarGrowsOnlySoFar) {
+TEST_F(ProgressLine, BarHasAMaximumWidth) {
     EXPECT_EQ(progressLine(progress, 300),
               "[2/5] holiday.mov  [#######---------------------]  25%  0:15 left  24.0 fps  120/480");
 }
 
-TEST_F(ProgressLine, LeavesOutWhatHasNoRoom) {
+TEST_F(ProgressLine, LeavesOutWhatDoesNotFit) {
     EXPECT_EQ(progressLine(progress, 59), "[2/5] holiday.mov  25%  0:15 left  24.0 fps  120/480");
     EXPECT_EQ(progressLine(progress, 50), "[2/5] holiday.mov  25%  0:15 left  24.0 fps");
     EXPECT_EQ(progressLine(progress, 30), "[2/5] holiday.mov  25%");
@@ -60,7 +60,7 @@ TEST_F(ProgressLine, UnknownTotalCountsFrames) {
     EXPECT_EQ(progressLine(progress, 80), "[2/5] holiday.mov  24.0 fps  120 frames");
 }
 
-TEST_F(ProgressLine, RateNeedsAMoment) {
+TEST_F(ProgressLine, RateIsShownAfterAMoment) {
     progress.seconds = 0.2;
     EXPECT_EQ(progressLine(progress, 60), "[2/5] holiday.mov  [######------------------]  25%  120/480");
 }
@@ -70,7 +70,7 @@ TEST_F(ProgressLine, MoreFramesThanExpectedStayAtTheEnd) {
     EXPECT_EQ(progressLine(progress, 70), "[2/5] holiday.mov  [###########]  100%  0:00 left  100.0 fps  500/480");
 }
 
-TEST_F(ProgressLine, SpeaksTheLanguage) {
+TEST_F(ProgressLine, UsesTheLanguageOfTheTexts) {
     setTextLocale("ja");
     EXPECT_EQ(progressLine(progress, 59), "[2/5] holiday.mov  25%  残り 0:15  24.0 fps  120/480");
 }
@@ -84,16 +84,16 @@ TEST(DisplayWidth, CountsColumns) {
     EXPECT_EQ(displayWidth(""), 0);
 }
 
-TEST(MiddleTruncated, KeepsBothEnds) {
-    EXPECT_EQ(middleTruncated("holiday.mov", 11), "holiday.mov");
-    EXPECT_EQ(middleTruncated("holiday.mov", 10), "holid….mov");
-    EXPECT_EQ(middleTruncated("写真.mov", 6), "写…mov");
-    EXPECT_EQ(middleTruncated("写真写真", 6), "写…真");
-    EXPECT_EQ(middleTruncated("ab", 1), "…");
-    EXPECT_EQ(middleTruncated("ab", 0), "");
+TEST(ElidedInMiddle, KeepsBothEnds) {
+    EXPECT_EQ(elidedInMiddle("holiday.mov", 11), "holiday.mov");
+    EXPECT_EQ(elidedInMiddle("holiday.mov", 10), "holid….mov");
+    EXPECT_EQ(elidedInMiddle("写真.mov", 6), "写…mov");
+    EXPECT_EQ(elidedInMiddle("写真写真", 6), "写…真");
+    EXPECT_EQ(elidedInMiddle("ab", 1), "…");
+    EXPECT_EQ(elidedInMiddle("ab", 0), "");
 }
 
-TEST(ClockTime, HasHoursWhereNeeded) {
+TEST(ClockTime, HasHoursWhenNeeded) {
     EXPECT_EQ(clockTime(0), "0:00");
     EXPECT_EQ(clockTime(7.9), "0:07");
     EXPECT_EQ(clockTime(754), "12:34");

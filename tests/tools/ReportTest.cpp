@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The JSON report of a run, as programs read it.
-#include "tests/support/TestMedia.h"
+#include "tests/tools/BatchFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,27 +18,15 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class Report : public testing::Test {
+class Report : public BatchFixture {
 protected:
-    Report() {
-        setenv("LC_ALL", "C.UTF-8", 1);
-        std::filesystem::create_directory(folder / "in");
-        std::filesystem::create_directory(folder / "out");
-    }
-
-    std::string file(const std::string &name) {
-        writeFile(folder / ("in/" + name), std::string());
-        return folder / ("in/" + name);
-    }
-
-    /// Converts the input folder.
+    /// Converts the input folder with the given options.
     ProgramResult convert(std::vector<std::string> options) {
-        options.insert(options.begin(), ACTED_BATCH);
         options.insert(options.end(), {"--output", folder / "out", folder / "in"});
-        return runProgram(options);
+        return run(options);
     }
 
-    json written() {
+    json parsedReport() {
         const auto bytes = readFile(report);
         return json::parse(bytes.begin(), bytes.end());
     }
@@ -50,15 +38,14 @@ protected:
         return all;
     }
 
-    TemporaryFolder folder;
     const std::string report = folder / "report.json";
 };
 
-TEST_F(Report, TellsTheRunAndItsFiles) {
+TEST_F(Report, DescribesTheRunAndItsFiles) {
     for (const char *name : {"a.mov", "fail.heic", "note.jpg", "plain.mov", "warn.mov"})
         file(name);
     EXPECT_EQ(convert({"--report", report, "--keep-timing", "--on-existing", "keep-both"}).status, 1);
-    const json document = written();
+    const json document = parsedReport();
     EXPECT_EQ(document["formatVersion"], 1);
     EXPECT_EQ(document["program"], "lumetwin-batch");
     EXPECT_EQ(document["programVersion"], LUMETWIN_VERSION);
@@ -78,11 +65,11 @@ TEST_F(Report, TellsTheRunAndItsFiles) {
     EXPECT_THAT(states(document), ElementsAre("converted", "failed", "converted", "skipped", "convertedWithWarnings"));
 }
 
-TEST_F(Report, TellsOfEachFileWhatIsKnown) {
+TEST_F(Report, DescribesEachFile) {
     for (const char *name : {"a.mov", "fail.heic", "note.jpg", "plain.mov", "warn.mov"})
         file(name);
     convert({"--report", report});
-    json files = written()["files"];
+    json files = parsedReport()["files"];
     EXPECT_GE(files[0]["seconds"], 0);
     for (json &entry : files)
         entry.erase("seconds");
@@ -113,7 +100,7 @@ TEST_F(Report, TellsOfEachFileWhatIsKnown) {
     EXPECT_EQ(files[4]["warnings"], json::array({damage, chapters}));
 }
 
-TEST_F(Report, StandardOutputHoldsNothingElse) {
+TEST_F(Report, StandardOutputContainsOnlyTheReport) {
     file("a.mov");
     file("warn.mov");
     const ProgramResult result = convert({"--report", "-"});
@@ -123,7 +110,7 @@ TEST_F(Report, StandardOutputHoldsNothingElse) {
     EXPECT_THAT(result.errors, HasSubstr("Converted: 2 (1 with warnings)"));
 }
 
-TEST_F(Report, IsReadByAnotherProgramWhateverNamesHold) {
+TEST_F(Report, IsValidJsonForAnyFileNames) {
     const std::string name = "plain \"quoted\\\" 写真 \n\x1b[2J\x7f\xc2\x9b \xff.mov";
     file(name);
     convert({"--report", report});
@@ -138,9 +125,9 @@ TEST_F(Report, IsReadByAnotherProgramWhateverNamesHold) {
         << judged.errors;
 }
 
-TEST_F(Report, TellsThatThereWasNothingToDo) {
+TEST_F(Report, ReportsThatThereWasNothingToDo) {
     EXPECT_EQ(convert({"--report", report}).status, 1);
-    const json document = written();
+    const json document = parsedReport();
     EXPECT_EQ(document["files"], json::array());
     EXPECT_EQ(document["message"], "There are no videos or photos to convert.");
     EXPECT_EQ(document["exitStatus"], 1);
@@ -149,11 +136,11 @@ TEST_F(Report, TellsThatThereWasNothingToDo) {
 TEST_F(Report, StrictIsInTheExitStatus) {
     file("warn.mov");
     EXPECT_EQ(convert({"--report", report, "--strict"}).status, 1);
-    EXPECT_EQ(written()["exitStatus"], 1);
-    EXPECT_EQ(written()["totals"]["failed"], 0);
+    EXPECT_EQ(parsedReport()["exitStatus"], 1);
+    EXPECT_EQ(parsedReport()["totals"]["failed"], 0);
 }
 
-TEST_F(Report, PlaceThatCannotBeWrittenIsToldBeforeTheWork) {
+TEST_F(Report, PathThatCannotBeWrittenFailsBeforeTheRun) {
     file("a.mov");
     const std::string gone = folder / "gone/report.json";
     const std::string directory = folder / "in";
@@ -172,7 +159,7 @@ TEST_F(Report, PlaceThatCannotBeWrittenIsToldBeforeTheWork) {
               "lumetwin-batch: --report: the file has no name\nTry 'lumetwin-batch --help'.\n");
 }
 
-TEST_F(Report, WhatDoesNotArriveIsAFailure) {
+TEST_F(Report, AnOutputThatCannotBeWrittenIsAFailure) {
     file("a.mov");
     const ProgramResult result = convert({"--report", "/dev/full"});
     EXPECT_EQ(result.status, 1);
@@ -180,13 +167,13 @@ TEST_F(Report, WhatDoesNotArriveIsAFailure) {
     EXPECT_THAT(result.output, HasSubstr("Converted: 1"));
 }
 
-TEST_F(Report, FormerReportIsReplacedAndStaysWhereNothingWasRun) {
+TEST_F(Report, OldReportIsReplacedOnlyByARun) {
     writeFile(report, std::string("former"));
     file("a.mov");
     EXPECT_EQ(runProgram({ACTED_BATCH, "--report", report, "--output", folder / "gone", folder / "in"}).status, 2);
     EXPECT_EQ(readFile(report).size(), 6u);
     EXPECT_EQ(convert({"--report", report}).status, 0);
-    EXPECT_EQ(written()["exitStatus"], 0);
+    EXPECT_EQ(parsedReport()["exitStatus"], 0);
     EXPECT_FALSE(std::filesystem::exists(report + ".partial"));
 }
 
@@ -196,10 +183,10 @@ TEST_F(Report, LinkStaysALink) {
     file("a.mov");
     EXPECT_EQ(convert({"--report", report}).status, 0);
     EXPECT_TRUE(std::filesystem::is_symlink(report));
-    EXPECT_EQ(written()["exitStatus"], 0);
+    EXPECT_EQ(parsedReport()["exitStatus"], 0);
 }
 
-TEST_F(Report, LinkOfThePartialNameLeadsNowhere) {
+TEST_F(Report, LinkOfThePartialNameIsNotFollowed) {
     writeFile(folder / "precious", std::string("kept"));
     std::filesystem::create_symlink(folder / "precious", report + ".partial");
     file("a.mov");
@@ -207,7 +194,7 @@ TEST_F(Report, LinkOfThePartialNameLeadsNowhere) {
     EXPECT_EQ(readFile(folder / "precious").size(), 4u);
 }
 
-TEST_F(Report, PipeIsWrittenAsItIs) {
+TEST_F(Report, PipeIsWrittenDirectly) {
     ASSERT_EQ(mkfifo(report.c_str(), 0600), 0);
     file("a.mov");
     const ProgramResult result =

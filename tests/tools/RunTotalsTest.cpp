@@ -36,7 +36,7 @@ TEST(RunTotals, SummaryCountsEveryState) {
     setTextLocale("en");
 }
 
-TEST(RunTotals, WhatIsUnusualIsLeftOut) {
+TEST(RunTotals, UnusualStatesAreLeftOutWhenZero) {
     setTextLocale("en");
     EXPECT_EQ(summary({}, 0), "Converted: 0, skipped: 0, failed: 0 (0:00)");
     EXPECT_EQ(summary({converted, skipped, failed}, 3723), "Converted: 1, skipped: 1, failed: 1 (1:02:03)");

@@ -12,8 +12,8 @@
 namespace lumetwin::test {
 namespace {
 
-/// Keys are not shown among what the program writes.
-void withoutEcho() {
+/// Turns off echo, so that typed keys do not appear in the program's output.
+void disableEcho() {
     termios modes{};
     tcgetattr(STDIN_FILENO, &modes);
     modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
@@ -22,7 +22,7 @@ void withoutEcho() {
 
 } // namespace
 
-bool Terminal::available() {
+bool Terminal::isAvailable() {
     int master = -1;
     int slave = -1;
     if (openpty(&master, &slave, nullptr, nullptr, nullptr) < 0)
@@ -44,7 +44,7 @@ Terminal::Terminal(const std::vector<std::string> &command, unsigned short colum
     if (program_ < 0)
         throw std::runtime_error("no terminal");
     if (program_ == 0) {
-        withoutEcho();
+        disableEcho();
         setenv("TERM", kind.c_str(), 1);
         execv(arguments[0], arguments.data());
         _exit(127);

@@ -7,24 +7,24 @@
 
 namespace lumetwin::test {
 
-/// A program that runs in a terminal of its own.
+/// Runs a program in a new pseudo-terminal.
 class Terminal {
 public:
-    /// False where the system has no pseudo-terminals, as in some bare containers.
-    static bool available();
+    /// False when the system has no pseudo-terminals, as in some minimal containers.
+    static bool isAvailable();
 
     Terminal(const std::vector<std::string> &command, unsigned short columns, const std::string &kind = "xterm");
     ~Terminal();
     Terminal(const Terminal &) = delete;
     Terminal &operator=(const Terminal &) = delete;
 
-    /// Waits until the program has written the words; false when it ends without them.
+    /// Waits until the program has written the text. Returns false when it ends before that.
     bool waitFor(const std::string &words);
     void type(const std::string &keys);
     void resize(unsigned short columns);
-    /// Waits for the end: the exit status, or 128 and the number of the signal that killed it.
+    /// Waits until the program ends. Returns its exit status, or 128 plus the number of the signal that killed it.
     int finish();
-    /// Everything that was written so far.
+    /// Everything that the program has written so far.
     const std::string &written() const { return written_; }
 
 private:

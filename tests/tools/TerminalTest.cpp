@@ -22,7 +22,7 @@ protected:
     }
 
     void SetUp() override {
-        if (!Terminal::available())
+        if (!Terminal::isAvailable())
             GTEST_SKIP() << "this system has no pseudo-terminals";
     }
 
@@ -31,14 +31,14 @@ protected:
         return folder / name;
     }
 
-    std::vector<std::string> command(const std::vector<std::string> &inputs) {
+    std::vector<std::string> commandFor(const std::vector<std::string> &inputs) {
         std::vector<std::string> whole{ACTED_BATCH, "--output", folder / "out"};
         whole.insert(whole.end(), inputs.begin(), inputs.end());
         return whole;
     }
 
-    /// Every state of the progress line.
-    static std::vector<std::string> drawn(const std::string &written) {
+    /// All states of the progress line, in order.
+    static std::vector<std::string> progressLines(const std::string &written) {
         std::vector<std::string> lines;
         static const std::regex line("\r\x1b\\[K([^\r\n]+)");
         for (std::sregex_iterator match(written.begin(), written.end(), line), end; match != end; ++match)
@@ -50,12 +50,12 @@ protected:
 };
 
 TEST_F(InTerminal, ProgressIsRedrawnInPlace) {
-    Terminal terminal(command({file("a.mov"), file("slow.mov")}), 80);
+    Terminal terminal(commandFor({file("a.mov"), file("slow.mov")}), 80);
     ASSERT_TRUE(terminal.waitFor("fps"));
     terminal.type(controlC);
     EXPECT_EQ(terminal.finish(), 130);
     bool complete = false;
-    for (const std::string &line : drawn(terminal.written()))
+    for (const std::string &line : progressLines(terminal.written()))
         complete |= std::regex_search(
             line, std::regex("^\\[2/2\\] slow\\.mov  \\[#*-+\\]  \\d+%  [\\d:]+ left  [\\d.]+ fps  \\d+/1000$"));
     EXPECT_TRUE(complete) << terminal.written();
@@ -63,8 +63,8 @@ TEST_F(InTerminal, ProgressIsRedrawnInPlace) {
     EXPECT_EQ(terminal.written().find("[1/2] a.mov\r\n"), std::string::npos) << "no plain lines for each file";
 }
 
-TEST_F(InTerminal, NothingIsLeftOfTheProgress) {
-    Terminal terminal(command({file("slow.mov")}), 80);
+TEST_F(InTerminal, ProgressIsErasedAtTheEnd) {
+    Terminal terminal(commandFor({file("slow.mov")}), 80);
     ASSERT_TRUE(terminal.waitFor("[1/1] slow.mov"));
     terminal.type(controlC);
     EXPECT_EQ(terminal.finish(), 130);
@@ -76,7 +76,7 @@ TEST_F(InTerminal, NothingIsLeftOfTheProgress) {
 }
 
 TEST_F(InTerminal, ControlCStopsCleanly) {
-    Terminal terminal(command({file("a.mov"), file("slow.mov"), file("z.mov")}), 80);
+    Terminal terminal(commandFor({file("a.mov"), file("slow.mov"), file("z.mov")}), 80);
     ASSERT_TRUE(terminal.waitFor("slow.mov"));
     terminal.type(controlC);
     EXPECT_EQ(terminal.finish(), 130);
@@ -87,7 +87,7 @@ TEST_F(InTerminal, ControlCStopsCleanly) {
 }
 
 TEST_F(InTerminal, SecondControlCKills) {
-    Terminal terminal(command({file("stuck.mov")}), 80);
+    Terminal terminal(commandFor({file("stuck.mov")}), 80);
     ASSERT_TRUE(terminal.waitFor("stuck.mov"));
     terminal.type(controlC);
     ASSERT_TRUE(terminal.waitFor("Stopping. Press Ctrl+C again to stop at once.")) << terminal.written();
@@ -97,14 +97,14 @@ TEST_F(InTerminal, SecondControlCKills) {
 
 TEST_F(InTerminal, LinesFitNarrowTerminals) {
     for (const unsigned short columns : {1, 5, 6, 10, 20, 33, 50}) {
-        Terminal terminal(command({file("a.mov"), file("slow-写真の長い名前の動画ファイル.mov")}), columns);
+        Terminal terminal(commandFor({file("a.mov"), file("slow-写真の長い名前の動画ファイル.mov")}), columns);
         ASSERT_TRUE(terminal.waitFor(columns > 6 ? "[2/2]" : "a_sbs.mp4\r\n"));
         if (columns >= 50) {
             ASSERT_TRUE(terminal.waitFor("left"));
         }
         terminal.type(controlC);
         EXPECT_EQ(terminal.finish(), 130);
-        for (const std::string &line : drawn(terminal.written()))
+        for (const std::string &line : progressLines(terminal.written()))
             if (line.starts_with("[")) {
                 EXPECT_LT(batch::displayWidth(line), columns) << line;
             }
@@ -112,7 +112,7 @@ TEST_F(InTerminal, LinesFitNarrowTerminals) {
 }
 
 TEST_F(InTerminal, LineFollowsTheSizeOfTheTerminal) {
-    Terminal terminal(command({file("slow.mov")}), 80);
+    Terminal terminal(commandFor({file("slow.mov")}), 80);
     ASSERT_TRUE(terminal.waitFor("1000"));
     terminal.resize(30);
     ASSERT_TRUE(terminal.waitFor("left\r\x1b[K")) << "frames and rate have no room any more";
@@ -121,7 +121,7 @@ TEST_F(InTerminal, LineFollowsTheSizeOfTheTerminal) {
 }
 
 TEST_F(InTerminal, DumbTerminalsGetPlainLines) {
-    Terminal terminal(command({file("a.mov")}), 80, "dumb");
+    Terminal terminal(commandFor({file("a.mov")}), 80, "dumb");
     EXPECT_EQ(terminal.finish(), 0);
     EXPECT_TRUE(terminal.written().starts_with("[1/1] a.mov\r\na.mov → a_sbs.mp4\r\nConverted: 1"))
         << terminal.written();
@@ -129,7 +129,7 @@ TEST_F(InTerminal, DumbTerminalsGetPlainLines) {
 }
 
 TEST_F(InTerminal, StrangeNamesDoNotReachTheTerminal) {
-    Terminal terminal(command({file("fail\x1b[2J\n.mov"), file("slow\x07\x9b.mov")}), 80);
+    Terminal terminal(commandFor({file("fail\x1b[2J\n.mov"), file("slow\x07\x9b.mov")}), 80);
     ASSERT_TRUE(terminal.waitFor("[2/2] slow\uFFFD\uFFFD.mov"));
     terminal.type(controlC);
     EXPECT_EQ(terminal.finish(), 130);
