@@ -16,7 +16,7 @@ namespace {
 
 constexpr int iconSize = 96; // points
 
-QLabel *centred(const std::string &content, const QFont &font) {
+QLabel *centredLabel(const std::string &content, const QFont &font) {
     auto *label = new QLabel(toQString(content));
     label->setTextFormat(Qt::PlainText);
     label->setFont(font);
@@ -44,10 +44,10 @@ AboutPanel::AboutPanel(QWidget *window) : QDialog(window) {
     auto *layout = new QVBoxLayout(this);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     for (QWidget *part : std::initializer_list<QWidget *>{
-             icon, centred("Lumetwin", scale.font(20, QFont::Bold)),
-             centred(formatted("about.version.format", std::string(LUMETWIN_VERSION)), scale.font(13)),
-             centred(text("about.licence"), scale.font(12)),
-             centred(formatted("about.libraries.format", libraries), scale.font(12)), buttons}) {
+             icon, centredLabel("Lumetwin", scale.font(20, QFont::Bold)),
+             centredLabel(formatted("about.version.format", std::string(LUMETWIN_VERSION)), scale.font(13)),
+             centredLabel(text("about.licence"), scale.font(12)),
+             centredLabel(formatted("about.libraries.format", libraries), scale.font(12)), buttons}) {
         if (auto *label = qobject_cast<QLabel *>(part))
             label->setFixedWidth(scale.horizontal(420));
         layout->addWidget(part);

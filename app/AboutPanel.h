@@ -5,12 +5,12 @@
 
 namespace lumetwin {
 
-/// Name, version, licence and the libraries used.
+/// The "About" dialog: name, version, licence and the libraries used.
 class AboutPanel : public QDialog {
     Q_OBJECT
 
 public:
-    /// Shows the panel, or brings the one that is open to the front.
+    /// Shows the panel, or brings it to the front if it is already open.
     static void orderFront(QWidget *window);
 
 private:

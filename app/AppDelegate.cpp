@@ -53,14 +53,14 @@ void AppDelegate::openHelpEN() {
 
 void AppDelegate::openHelp(const char *path) {
     if (!openHelpPage(path))
-        mainWindowController->tell({text("alert.help.title"), text("alert.help.message")});
+        mainWindowController->showMessage({text("alert.help.title"), text("alert.help.message")});
 }
 
 void AppDelegate::terminate() {
     mainWindowController->closeWindow();
 }
 
-/// The quit key works from anywhere, also where a dialog keeps it from the menu.
+/// Makes Ctrl+Q quit everywhere, even when a modal dialog blocks the menu.
 bool AppDelegate::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::KeyPress && mainWindowController) {
         const auto *key = static_cast<QKeyEvent *>(event);

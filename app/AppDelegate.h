@@ -10,7 +10,7 @@ namespace lumetwin {
 
 class MainWindowController;
 
-/// Starts the program's one window and its menu, and ends the program with it.
+/// Creates the program's only window and its menu. The program ends when the window closes.
 class AppDelegate : public QObject {
     Q_OBJECT
 
@@ -18,10 +18,10 @@ public:
     AppDelegate();
     ~AppDelegate() override;
 
-    /// Opens the window. arguments: files, folders or file URLs that become its input.
+    /// Opens the window. arguments: files, folders or file URLs to use as input.
     void applicationDidFinishLaunching(const QStringList &arguments);
     bool applicationShouldTerminateAfterLastWindowClosed() const { return true; }
-    /// Waits for a stopped batch to clean up behind itself.
+    /// Waits up to ten seconds until a stopped batch has removed its partial files.
     void applicationWillTerminate();
 
     void showAbout();

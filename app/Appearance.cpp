@@ -23,21 +23,21 @@ constexpr char contrastKey[] = "contrast";
 constexpr uint preferDark = 1; // org.freedesktop.appearance: 0 no preference, 1 dark, 2 light
 constexpr uint preferMore = 1; // 0 no preference, 1 higher contrast
 
-/// Read wraps the value in a variant of its own.
-uint numberOf(QVariant value) {
+/// Removes the variants around a value. The portal's method Read adds one.
+uint unwrappedNumber(QVariant value) {
     while (value.canConvert<QDBusVariant>())
         value = qvariant_cast<QDBusVariant>(value).variant();
     return value.toUInt();
 }
 
-/// What the desktop's user prefers, told by the portal one by one.
-class SchemeFollower : public QObject {
+/// Applies the user's preferences for dark colours and for contrast. The portal reports them one by one.
+class PreferenceFollower : public QObject {
     Q_OBJECT
 
 public:
     using QObject::QObject;
 
-    void take(const QString &key, uint value) {
+    void applyPreference(const QString &key, uint value) {
         if (key == QLatin1String(colourScheme))
             dark_ = value == preferDark;
         else if (key == QLatin1String(contrastKey))
@@ -54,7 +54,7 @@ public:
 public slots:
     void settingChanged(const QString &group, const QString &key, const QDBusVariant &value) {
         if (group == QLatin1String(appearance))
-            take(key, numberOf(value.variant()));
+            applyPreference(key, unwrappedNumber(value.variant()));
     }
 
 private:
@@ -65,48 +65,50 @@ private:
 } // namespace
 
 QPalette darkPalette() {
-    const QColor ground(43, 45, 48), field(30, 31, 34), text(223, 225, 229), faint(150, 152, 156), accent(53, 132, 228);
-    QPalette palette(text, ground, ground.lighter(150), ground.darker(180), ground.lighter(120), text, Qt::white, field,
-                     ground);
+    const QColor background(43, 45, 48), field(30, 31, 34), text(223, 225, 229), faded(150, 152, 156),
+        accent(53, 132, 228);
+    QPalette palette(text, background, background.lighter(150), background.darker(180), background.lighter(120), text,
+                     Qt::white, field, background);
     palette.setColor(QPalette::Button, QColor(60, 63, 67));
-    palette.setColor(QPalette::AlternateBase, ground);
+    palette.setColor(QPalette::AlternateBase, background);
     palette.setColor(QPalette::ToolTipBase, field);
     palette.setColor(QPalette::ToolTipText, text);
-    palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::PlaceholderText, faded);
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, accent.lighter(130));
     for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, faint);
+        palette.setColor(QPalette::Disabled, role, faded);
     return palette;
 }
 
 QPalette highContrastPalette(bool dark) {
-    const QColor ground = dark ? Qt::black : Qt::white, ink = dark ? Qt::white : Qt::black;
-    const QColor chosen = dark ? QColor(255, 255, 0) : QColor(0, 0, 128);
-    QPalette palette(ink, ground, ink, ink, ink, ink, ink, ground, ground);
-    palette.setColor(QPalette::Button, ground);
+    const QColor background = dark ? Qt::black : Qt::white, foreground = dark ? Qt::white : Qt::black;
+    const QColor selection = dark ? QColor(255, 255, 0) : QColor(0, 0, 128);
+    QPalette palette(foreground, background, foreground, foreground, foreground, foreground, foreground, background,
+                     background);
+    palette.setColor(QPalette::Button, background);
     for (const QPalette::ColorRole role : {QPalette::AlternateBase, QPalette::ToolTipBase})
-        palette.setColor(role, ground);
+        palette.setColor(role, background);
     for (const QPalette::ColorRole role : {QPalette::ToolTipText, QPalette::PlaceholderText})
-        palette.setColor(role, ink);
-    palette.setColor(QPalette::Highlight, chosen);
-    palette.setColor(QPalette::HighlightedText, ground);
-    palette.setColor(QPalette::Link, chosen);
-    const QColor faint = dark ? QColor(170, 170, 170) : QColor(90, 90, 90);
+        palette.setColor(role, foreground);
+    palette.setColor(QPalette::Highlight, selection);
+    palette.setColor(QPalette::HighlightedText, background);
+    palette.setColor(QPalette::Link, selection);
+    const QColor faded = dark ? QColor(170, 170, 170) : QColor(90, 90, 90);
     for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, faint);
+        palette.setColor(QPalette::Disabled, role, faded);
     return palette;
 }
 
 void followUserAppearance() {
-    // The desktop's own theme is left alone; Fusion is what there is without one.
+    // Qt uses Fusion when the desktop has no theme of its own for Qt. Leave any other theme alone.
     if (QApplication::style()->name() != QLatin1String("fusion"))
         return;
     QApplication::setStyle(new ScaledStyle);
     if (isDark(QApplication::palette()) || isHighContrast(QApplication::palette()))
         return;
-    auto *follower = new SchemeFollower(qApp);
+    auto *follower = new PreferenceFollower(qApp);
     QDBusConnection bus = sessionBus();
     if (!bus.isConnected())
         return;
@@ -116,7 +118,7 @@ void followUserAppearance() {
         call(bus, {portal, portalPath, settingsInterface}, "Read", {QLatin1String(appearance), QLatin1String(key)},
              [follower, key](const QDBusMessage &answer) {
                  if (answer.type() == QDBusMessage::ReplyMessage)
-                     follower->take(QLatin1String(key), numberOf(answer.arguments().value(0)));
+                     follower->applyPreference(QLatin1String(key), unwrappedNumber(answer.arguments().value(0)));
              });
 }
 

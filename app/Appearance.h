@@ -5,13 +5,13 @@
 
 namespace lumetwin {
 
-/// A dark palette for desktops that ask for one and have no theme for our toolkit.
+/// A dark palette, for desktops that prefer dark colours but have no Qt theme.
 QPalette darkPalette();
 
-/// Two colours and one for what is chosen, for desktops that ask for more contrast.
+/// A palette of black, white and one colour for the selection, for desktops that prefer more contrast.
 QPalette highContrastPalette(bool dark);
 
-/// Follows the desktop's preferences for light or dark and for contrast where the toolkit's own theme does not.
+/// Follows the desktop's preferences for dark colours and for contrast, unless Qt uses the desktop's own theme.
 void followUserAppearance();
 
 } // namespace lumetwin

@@ -5,7 +5,8 @@
 #include <QPixmap>
 #include <QSvgRenderer>
 
-/// Outside of any namespace, as the macro demands: a static library's resources register themselves only when told to.
+/// Registers the resources of this static library, which does not happen by itself. Q_INIT_RESOURCE must stand outside
+/// of every namespace.
 static void registerPictures() {
     Q_INIT_RESOURCE(pictures);
 }

@@ -14,7 +14,7 @@ QUrl helpSiteUrl(const char *path) {
 }
 
 QUrl installedHelpUrl(const QString &programFolder, const char *path) {
-    // The same in the build folder as after an installation.
+    // This relative path is the same in the build folder and after an installation.
     const QFileInfo page(programFolder + QStringLiteral("/../share/lumetwin/help") + QLatin1String(path));
     return page.isFile() ? QUrl::fromLocalFile(page.canonicalFilePath()) : QUrl();
 }

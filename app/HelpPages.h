@@ -5,20 +5,20 @@
 
 namespace lumetwin {
 
-// Paths on the help web site, and below the folder of the installed pages.
+// Paths of the start pages, on the help web site and below the folder of the installed pages.
 inline constexpr char helpPathJA[] = "/mac/lumetw/index.html";
 inline constexpr char helpPathEN[] = "/mac/lumetw/index_en.html";
 
-/// The address of a help page on the web site that was built in; an invalid one where none was.
+/// The address of a help page on the web site that the build names; an invalid URL when it names none.
 QUrl helpSiteUrl(const char *path);
 
-/// A help page of those that are installed beside a program in that folder; an invalid address where it is missing.
+/// The URL of an installed help page, for a program in that folder; an invalid URL when the page is missing.
 QUrl installedHelpUrl(const QString &programFolder, const char *path);
 
-/// The page on the web site where one was built in, else the installed one.
+/// The page on the web site if the build names one, otherwise the installed page.
 QUrl helpPageUrl(const char *path);
 
-/// Opens a help page in the default browser. Returns whether that went well.
+/// Opens a help page in the default browser. Returns whether that succeeded.
 bool openHelpPage(const char *path);
 
 } // namespace lumetwin

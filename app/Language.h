@@ -7,13 +7,14 @@
 
 namespace lumetwin {
 
-/// The first of the user's languages, in order of preference, that has a text table; English when there is none.
+/// The first of the user's languages that has a text table; English when none has. The languages are in order of
+/// preference.
 std::string preferredTextLocale(const QStringList &uiLanguages);
 
-/// Loads the toolkit's own texts in the language of ours.
+/// Loads Qt's own texts in the language of our texts.
 void translateToolkit();
 
-/// Sets the language of our texts and of the toolkit's own after the user's locale.
+/// Sets the language of our texts and of Qt's texts from the user's locale.
 void followUserLanguage();
 
 } // namespace lumetwin

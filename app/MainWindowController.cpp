@@ -59,7 +59,7 @@ MainWindowController::MainWindowController(FormServices services)
     connect(form_, &MainViewController::batchProgressed, this, &MainWindowController::showProgress);
     connect(form_, &MainViewController::batchEnded, this, [this] {
         window_->setWindowTitle(title);
-        delete question_;
+        delete stopQuestionParent_;
     });
 }
 
@@ -84,14 +84,14 @@ void MainWindowController::showProgress(double fraction) {
 bool MainWindowController::windowShouldClose() {
     if (!form_->isConverting())
         return true;
-    if (question_)
+    if (stopQuestionParent_)
         return false;
-    question_ = new QWidget(window_.get());
+    stopQuestionParent_ = new QWidget(window_.get());
     Alert question{
         text("alert.quit.title"), text("alert.quit.message"), {text("button.stop.quit"), text("button.continue")}};
     question.defaultButton = 1;
-    services_.alerts->present(question, question_, [this](int button) {
-        delete question_;
+    services_.alerts->present(question, stopQuestionParent_, [this](int button) {
+        delete stopQuestionParent_;
         if (button != 0)
             return;
         if (form_->isConverting())
@@ -113,7 +113,7 @@ void MainWindowController::closeWindow() {
     window_->close();
 }
 
-void MainWindowController::tell(const Alert &alert) {
+void MainWindowController::showMessage(const Alert &alert) {
     services_.alerts->present(alert, window_.get(), [](int) {});
 }
 

@@ -16,7 +16,7 @@ namespace lumetwin {
 class DesktopPresence;
 class MainViewController;
 
-/// A window that asks whether it may close.
+/// A window that calls shouldClose before it closes.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -27,7 +27,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 };
 
-/// The program's one window; its content is the main form.
+/// Owns the program's only window, which contains the main form.
 class MainWindowController : public QObject {
     Q_OBJECT
 
@@ -41,11 +41,11 @@ public:
     MainViewController *form() const { return form_; }
 
     void showWindow();
-    /// Closes the window and the alerts on it; asks first while a batch runs.
+    /// Closes the window and the alerts on it. While a batch runs, asks the user first.
     void closeWindow();
-    /// Shows an alert that asks nothing.
-    void tell(const Alert &alert);
-    /// Files, folders or file URLs, taken as if they had been dropped on the input.
+    /// Shows an alert whose answer does not matter.
+    void showMessage(const Alert &alert);
+    /// Uses files, folders or file URLs as if they had been dropped on the input.
     void openInput(const QStringList &arguments);
 
 private:
@@ -56,7 +56,7 @@ private:
     std::unique_ptr<MainWindow> window_;
     MainViewController *form_;
     std::unique_ptr<DesktopPresence> presence_;
-    QPointer<QWidget> question_; ///< stands for the question about closing while that is open
+    QPointer<QWidget> stopQuestionParent_; ///< parent of the question about closing while it is open
 };
 
 } // namespace lumetwin

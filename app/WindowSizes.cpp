@@ -5,15 +5,15 @@ namespace lumetwin {
 
 namespace {
 
-constexpr QSize usualFrame(8, 44); // pixels that window managers put around a window, at most
+constexpr QSize windowFrame(8, 44); // pixels, the most that common window managers add around a window
 
 } // namespace
 
 WindowSizes windowSizes(const PointScale &scale, QSize available, int menuBar) {
-    const QSize room = available - usualFrame;
+    const QSize contentSpace = available - windowFrame;
     const QSize initial(scale.horizontal(720), scale.vertical(860) + menuBar);
     const QSize minimum(scale.horizontal(680), scale.vertical(760));
-    return {initial.boundedTo(room), minimum.boundedTo(room)};
+    return {initial.boundedTo(contentSpace), minimum.boundedTo(contentSpace)};
 }
 
 } // namespace lumetwin

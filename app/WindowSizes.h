@@ -13,8 +13,8 @@ struct WindowSizes {
     QSize minimum;
 };
 
-/// 720 × 860 points of content, at least 680 × 760; less only where the screen has no room for that.
-/// available: what a window may use of the screen. menuBar: height in pixels.
+/// The content is 720 × 860 points at first and at least 680 × 760, or less when the screen is too small. available:
+/// the part of the screen that a window may use, in pixels. menuBar: height of the menu bar in pixels.
 WindowSizes windowSizes(const PointScale &scale, QSize available, int menuBar);
 
 } // namespace lumetwin

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The window and its menu: closing, quitting, the keys that lead to the menu, small sizes.
+// The window and its menu: closing, quitting, the keys of the menu, small sizes.
 #include "app/AppDelegate.h"
 #include "app/MainMenu.h"
 #include "app/MainWindowController.h"
@@ -31,23 +31,23 @@ namespace {
 
 class MainWindowTest : public testing::Test {
 protected:
-    MainWindowTest() : services(stage.services()) {}
+    MainWindowTest() : services(fakes.services()) {}
     ~MainWindowTest() override {
         hold = false;
         controller.reset();
-        BackgroundThreads::shared().waitForAll(patience);
-        settle();
+        BackgroundThreads::shared().waitForAll(testTimeout);
+        processPendingEvents();
     }
     void open() {
         controller = std::make_unique<MainWindowController>(services);
         installMainMenu(window(), delegate);
         controller->showWindow();
-        settle();
+        processPendingEvents();
     }
     QMainWindow &window() { return *controller->window(); }
     MainViewController &form() { return *controller->form(); }
 
-    Stage stage;
+    FakeServices fakes;
     FormServices services;
     std::atomic<bool> hold{true};
     AppDelegate delegate;
@@ -58,13 +58,13 @@ TEST_F(MainWindowTest, AnIdleWindowClosesWithoutAQuestion) {
     open();
     EXPECT_TRUE(window().close());
     EXPECT_FALSE(window().isVisible());
-    EXPECT_TRUE(stage.alerts->shown.empty());
+    EXPECT_TRUE(fakes.alerts->shown.empty());
 }
 
 TEST_F(MainWindowTest, TheFirstFocusIsNotOnTheStart) {
     open();
     window().activateWindow();
-    settle();
+    processPendingEvents();
     EXPECT_NE(form().focusWidget(), &control<QPushButton>(form(), "startButton"));
 }
 
@@ -72,9 +72,9 @@ TEST_F(MainWindowTest, QuittingClosesTheAlertThatIsOpen) {
     services.alerts = std::make_shared<MessageBoxPresenter>();
     open();
     control<QPushButton>(form(), "startButton").click();
-    ASSERT_TRUE(until([this] { return window().findChild<QDialog *>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([this] { return window().findChild<QDialog *>() != nullptr; }));
     controller->closeWindow();
-    settle();
+    processPendingEvents();
     EXPECT_FALSE(window().isVisible());
     EXPECT_FALSE(window().findChild<QDialog *>());
 }
@@ -90,11 +90,11 @@ TEST_F(MainWindowTest, QuittingWhileTheInputIsCheckedUsesNoFreedMemory) {
     open();
     form().settings->inputFolderURL = form().settings->outputFolderURL = scratch.path;
     control<QPushButton>(form(), "startButton").click();
-    ASSERT_TRUE(until([this] { return window().findChild<CheckingDialog *>() != nullptr; }));
+    ASSERT_TRUE(waitUntil([this] { return window().findChild<CheckingDialog *>() != nullptr; }));
     controller->closeWindow();
     EXPECT_FALSE(window().isVisible());
     hold = false;
-    settle();
+    processPendingEvents();
     EXPECT_FALSE(window().findChild<CheckingDialog *>());
     EXPECT_FALSE(form().progressSheet()) << "no batch begins in a window that is gone";
 }
@@ -104,11 +104,11 @@ TEST_F(MainWindowTest, F10OpensTheMenu) {
     window().activateWindow();
     QTest::keyClick(&window(), Qt::Key_F10);
     QMenu *menu = window().menuBar()->actions().constFirst()->menu();
-    EXPECT_TRUE(until([menu] { return menu->isVisible(); }));
+    EXPECT_TRUE(waitUntil([menu] { return menu->isVisible(); }));
     menu->close();
 }
 
-TEST_F(MainWindowTest, TheKeyForHelpStandsAtThePageInTheUsersLanguage) {
+TEST_F(MainWindowTest, TheHelpKeyOpensThePageInTheUsersLanguage) {
     for (const auto &[language, own, other] : {std::tuple{"en", "menu.help.english", "menu.help.japanese"},
                                                {"ja", "menu.help.japanese", "menu.help.english"}}) {
         setTextLocale(language);
@@ -119,14 +119,14 @@ TEST_F(MainWindowTest, TheKeyForHelpStandsAtThePageInTheUsersLanguage) {
     setTextLocale("en");
 }
 
-TEST_F(MainWindowTest, CannotBeMadeSmallerThanItsSmallestSizeAndIsWholeThere) {
+TEST_F(MainWindowTest, ShowsEverythingAtItsMinimumSize) {
     open();
     const QSize smallest = window().minimumSize();
     const WindowSizes wanted =
         windowSizes(PointScale::current(), window().screen()->availableSize(), window().menuBar()->sizeHint().height());
     EXPECT_EQ(smallest, wanted.minimum);
     window().resize(smallest);
-    settle();
+    processPendingEvents();
     auto &scroll = control<QScrollArea>(form(), "scrollView");
     EXPECT_EQ(scroll.horizontalScrollBar()->maximum(), 0);
     const QWidget &document = *scroll.widget();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Draws every state of the window to pictures: both themes, both languages, several text sizes.
+// Saves a picture of every state of the window: both themes, both languages, several text sizes.
 // screenshots FOLDER [--theme light|dark|contrast|contrast-dark] [--language en|ja] [--text PERCENT] [--screen
 // WIDTHxHEIGHT]
 #include "app/AboutPanel.h"
@@ -49,26 +49,26 @@ public:
 
     void form() {
         Window window(*this, {});
-        window.shoot("form");
+        window.saveWindow("form");
         control<QRadioButton>(window.form(), "sbsToSpatialButton").click();
-        window.shoot("form-to-spatial");
+        window.saveWindow("form-to-spatial");
         control<QCheckBox>(window.form(), "enableResizeCheck").click();
         control<QLineEdit>(window.form(), "resizeWidthField").setText(QStringLiteral("1921"));
-        window.shoot("form-to-spatial-odd");
+        window.saveWindow("form-to-spatial-odd");
         control<QRadioButton>(window.form(), "spatialToSBSButton").click();
-        window.shoot("form-resize-odd");
+        window.saveWindow("form-resize-odd");
         control<QLineEdit>(window.form(), "resizeWidthField").setText(QStringLiteral("1000"));
-        window.shoot("form-resize-not16");
+        window.saveWindow("form-resize-not16");
         window.scrollDown();
-        window.shoot("form-resize-not16-lower");
+        window.saveWindow("form-resize-not16-lower");
         control<QRadioButton>(window.form(), "sbsToSpatialButton").click();
         control<QLineEdit>(window.form(), "resizeWidthField").setText(QStringLiteral("1920"));
-        window.shoot("form-to-spatial-resize");
+        window.saveWindow("form-to-spatial-resize");
         control<QLineEdit>(window.form(), "fovField").setText(QStringLiteral("200"));
         control<QLineEdit>(window.form(), "baselineField").setText(QStringLiteral("63"));
-        window.shoot("form-to-spatial-wrong-value");
+        window.saveWindow("form-to-spatial-wrong-value");
         window.window()->resize(window.window()->minimumSize());
-        window.shoot("form-smallest");
+        window.saveWindow("form-smallest");
     }
 
     void drops() {
@@ -78,17 +78,17 @@ public:
         mime.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp"))});
         QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&input, &enter);
-        window.shoot("drop-hover");
+        window.saveWindow("drop-hover");
         QDragLeaveEvent leave;
         QCoreApplication::sendEvent(&input, &leave);
         window.form().openInput({"/home/hana/Videos/Holiday in Kyoto 2026.mov", "/home/hana/Videos/寺.heic"});
         window.chooseOutput("/home/hana/Videos/Side by side");
         input.setFocus();
-        window.shoot("filled");
+        window.saveWindow("filled");
         window.form().openInput({"/home/hana/Videos/" + std::string(180, 'n') + ".mov"});
-        window.shoot("filled-long-name");
+        window.saveWindow("filled-long-name");
         control<DropFolderView>(window.form(), "outputDropView").acceptPaths({"/tmp/a.mov", "/tmp/b.mov"});
-        window.shoot("drop-refused");
+        window.saveWindow("drop-refused");
     }
 
     void alerts() {
@@ -99,7 +99,7 @@ public:
         alert("alert-no-output", {text("error.no.output.folder")});
         alert("alert-direction-to-sbs", *directionMismatch(ConversionDirection::spatialToSBS, 2, 0));
         alert("alert-direction-to-spatial", *directionMismatch(ConversionDirection::sbsToSpatial, 2, 1));
-        alert("alert-odd-size", *oddResizeSize(settings));
+        alert("alert-odd-size", *oddResizeSizeError(settings));
         alert("alert-avi-chosen", {text("alert.avi.title"),
                                    text("alert.avi.message"),
                                    {text("alert.avi.enable.resize"), text("button.continue")}});
@@ -117,7 +117,7 @@ public:
                                    text("error.output.unwritable.message")});
         alert("alert-wrong-value", {formatted("error.field.format", text("option.fov")),
                                     formatted("field.range.format", std::string("10"), std::string("180"))});
-        BatchEnd skipped{.success = true, .details = "a.mov: x\n", .skipped = 3};
+        BatchResult skipped{.success = true, .details = "a.mov: x\n", .skipped = 3};
         skipped.skipReasons = {text("status.skipped.not.spatial")};
         alert("alert-all-skipped", resultAlert(skipped));
         alert("alert-nothing-to-convert", resultAlert({.message = text("error.no.media.files")}));
@@ -127,27 +127,27 @@ public:
     }
 
     void sheet() {
-        Stage stage;
-        FormServices services = stage.services();
+        FakeServices fakes;
+        FormServices services = fakes.services();
         services.alerts = std::make_shared<MessageBoxPresenter>();
         services.runBatch = [](VideoProcessor &) {};
         services.showInFolder = [](const fs::path &, const std::vector<fs::path> &) {};
         Window window(*this, services);
         window.form().presentProgressSheet();
         ProgressViewController &sheet = *window.form().progressSheet();
-        window.shoot("sheet-starting");
+        window.saveWindow("sheet-starting");
         sheet.updateProgress(1, 4,
                              "Holiday in Kyoto 2026, a name that is rather longer than the line has room for.mov");
-        window.shoot("sheet-file-begins");
+        window.saveWindow("sheet-file-begins");
         sheet.updateProgress(1, 4, "Holiday in Kyoto 2026.mov");
         sheet.updateFrameProgress(832, 1800);
         *sheet.startTime -= std::chrono::seconds(83);
         sheet.updateElapsedTime();
-        window.shoot("sheet-running");
+        window.saveWindow("sheet-running");
         sheet.showSkipped("arrival.mov", text("status.skipped.not.spatial"));
-        window.shoot("sheet-skipped");
+        window.saveWindow("sheet-skipped");
         sheet.cancelTapped();
-        window.shootDialog("sheet-stop-question");
+        window.saveDialog("sheet-stop-question");
         FileResult converted = result("/x/a.mov", FileState::convertedWithWarnings);
         converted.output = "/x/a_sbs.mp4";
         converted.warnings = {{WarningKind::speedChanged, {4.2}}};
@@ -155,28 +155,28 @@ public:
         FileResult failed = result("/x/b.mov", FileState::failed);
         failed.reason = "the file ends too early";
         sheet.runningProcessor()->onResult(failed);
-        settle();
+        processPendingEvents();
         sheet.conversionFinished(false, formatted("status.complete", std::int64_t(3), std::int64_t(1)));
-        settle();
-        window.awaitButtons();
-        window.shootDialog("sheet-finished-problems");
+        processPendingEvents();
+        window.waitForButtons();
+        window.saveDialog("sheet-finished-problems");
         window.closeDialogs();
-        window.shoot("sheet-finished");
+        window.saveWindow("sheet-finished");
     }
 
     void checking() {
         Window window(*this, {});
         auto *dialog = new CheckingDialog(240, &window.form());
-        dialog->setTested(91);
+        dialog->setCheckedCount(91);
         dialog->show();
-        window.shootDialog("checking");
+        window.saveDialog("checking");
         dialog->dismiss();
     }
 
     void about() {
         Window window(*this, {});
         AboutPanel::orderFront(window.window());
-        window.shootDialog("about");
+        window.saveDialog("about");
         window.closeDialogs();
         const auto menus = window.window()->menuBar()->actions();
         if (!menus.isEmpty())
@@ -184,18 +184,18 @@ public:
     }
 
 private:
-    /// The whole window at the size that it would have on the screen.
+    /// The whole window at the size that it has on a screen.
     class Window {
     public:
         Window(Photographer &photographer, const std::optional<FormServices> &services)
-            : photographer_(photographer), controller_(withPanels(services.value_or(Stage().services()))) {
+            : photographer_(photographer), controller_(withPanels(services.value_or(FakeServices().services()))) {
             installMainMenu(*window(), delegate_);
             const WindowSizes sizes =
                 windowSizes(PointScale::current(), photographer.screen_, window()->menuBar()->sizeHint().height());
             window()->setMinimumSize(sizes.minimum);
             window()->resize(sizes.initial);
             window()->show();
-            settle();
+            processPendingEvents();
         }
 
         QMainWindow *window() const { return controller_.window(); }
@@ -209,13 +209,13 @@ private:
             auto *bar = control<QScrollArea>(form(), "scrollView").verticalScrollBar();
             bar->setValue(bar->maximum());
         }
-        void shoot(const char *name) const {
-            settle();
+        void saveWindow(const char *name) const {
+            processPendingEvents();
             photographer_.save(window()->grab(), name);
         }
-        /// The window with the dialog that is open on it.
-        void shootDialog(const char *name) const {
-            settle();
+        /// Saves the window together with the dialog that is open on it.
+        void saveDialog(const char *name) const {
+            processPendingEvents();
             QPixmap picture = window()->grab();
             for (QDialog *dialog : window()->findChildren<QDialog *>())
                 if (dialog->isVisible()) {
@@ -230,16 +230,16 @@ private:
                 }
             photographer_.save(picture, name);
         }
-        /// An alert that follows another one takes no click for a moment.
-        void awaitButtons() const {
+        /// Waits until an alert that follows another one accepts clicks.
+        void waitForButtons() const {
             const auto *alert = window()->findChild<QMessageBox *>();
-            if (!alert || !until([alert] { return alert->buttons().constFirst()->isEnabled(); }))
+            if (!alert || !waitUntil([alert] { return alert->buttons().constFirst()->isEnabled(); }))
                 qFatal("an alert that cannot be answered");
         }
         void closeDialogs() const {
             for (QDialog *dialog : window()->findChildren<QDialog *>())
                 dialog->close();
-            settle();
+            processPendingEvents();
         }
 
     private:
@@ -257,7 +257,7 @@ private:
     void alert(const char *name, const Alert &alert) {
         Window window(*this, {});
         MessageBoxPresenter().present(alert, window.window(), [](int) {});
-        window.shootDialog(name);
+        window.saveDialog(name);
     }
 
     void save(const QPixmap &picture, const char *name) const {
@@ -268,7 +268,7 @@ private:
             qFatal("cannot write %s", qPrintable(file));
     }
 
-    /// Whether a picture shows nothing: all of it is of one colour.
+    /// Whether a picture shows nothing: all its pixels have one colour.
     static bool isBlank(const QImage &picture) {
         for (int y = 0; y < picture.height(); ++y)
             for (int x = 0; x < picture.width(); ++x)

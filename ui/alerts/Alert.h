@@ -12,12 +12,13 @@ enum class AlertStyle { informational, warning };
 struct Alert {
     std::string message;
     std::string informative = {};
-    std::vector<std::string> buttons = {}; ///< none: the platform's single button
-    std::string sideButton = {};           ///< a further button that answers nothing, but does something
+    std::vector<std::string> buttons = {}; ///< empty: one button, named by the toolkit
+    std::string sideButton = {};           ///< a button that does something, but does not answer the question
     AlertStyle style = AlertStyle::warning;
-    std::string details = {};     ///< shown on demand
-    int defaultButton = 0;        ///< pressed by Enter: never one that replaces, stops or loses something
-    std::string detailsName = {}; ///< of the details, for screen readers
+    std::string details = {}; ///< hidden until the user opens them
+    int defaultButton =
+        0; ///< position of the button that Enter presses; never one that replaces, stops or loses something
+    std::string detailsName = {}; ///< what screen readers call the details
 };
 
 } // namespace lumetwin

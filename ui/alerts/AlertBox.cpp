@@ -21,21 +21,21 @@ namespace lumetwin {
 
 namespace {
 
-/// Lets a line break inside words that no line holds, such as long file names.
-QString breakable(const std::string &text) {
+/// Adds places where a line may break inside words that are longer than a line, such as long file names.
+QString withBreakOpportunities(const std::string &text) {
     static const QRegularExpression run(QStringLiteral("([^\\s\\x{200b}]{24})"));
     return toQString(text).replace(run, QStringLiteral("\\1\u200b"));
 }
 
-/// The longest line that reads well, in pixels.
-int longestLine(const QWidget &widget) {
+/// The longest line that is easy to read, in pixels.
+int maximumLineWidth(const QWidget &widget) {
     constexpr double readable = 360; // points
     return std::min(PointScale::current().horizontal(readable), widget.screen()->availableSize().width() / 2);
 }
 
-/// The text with line feeds where its lines would become longer than that. The message box measures its message before
-/// it wraps it, and cuts off what is bold and long.
-QString broken(const QString &text, const QFont &font, int width) {
+/// Breaks the text into lines of at most that width, in pixels. QMessageBox computes the width of its message before it
+/// wraps the text, and would cut off a long bold text.
+QString withLineBreaks(const QString &text, const QFont &font, int width) {
     QStringList lines;
     for (const QString &paragraph : text.split(QLatin1Char('\n'))) {
         QTextLayout layout(paragraph, font);
@@ -50,13 +50,13 @@ QString broken(const QString &text, const QFont &font, int width) {
     return lines.join(QLatin1Char('\n'));
 }
 
-/// The message box breaks lines at a width that knows nothing of the user's font, and what is written large becomes a
-/// narrow column: a label gets the width of its longest line, up to a line that reads well, and never less than what
-/// cannot be broken.
-void giveRoom(QLabel *label) {
+/// QMessageBox wraps its text at a width that does not depend on the font, so a large font gives a narrow column. This
+/// sets the minimum width of a label to its longest line, but to at most maximumLineWidth, and never less than the
+/// longest part that cannot be broken.
+void setMinimumLabelWidth(QLabel *label) {
     const int longest = label->fontMetrics().size(0, label->text()).width() + 2 * label->margin() + 2 +
                         label->contentsMargins().left() + label->contentsMargins().right();
-    const int most = longestLine(*label);
+    const int most = maximumLineWidth(*label);
     const bool wraps = label->wordWrap();
     label->setWordWrap(true);
     const int unbreakable = label->minimumSizeHint().width();
@@ -74,9 +74,9 @@ AlertBox::AlertBox(const Alert &alert, QWidget *parent) : QMessageBox(parent) {
     setAccessibleName(toQString(alert.message));
     setTextFormat(Qt::PlainText);
     setIcon(alert.style == AlertStyle::warning ? QMessageBox::Warning : QMessageBox::Information);
-    setText(breakable(alert.message));
+    setText(withBreakOpportunities(alert.message));
     if (!alert.informative.empty())
-        setInformativeText(breakable(alert.informative));
+        setInformativeText(withBreakOpportunities(alert.informative));
     if (!alert.details.empty())
         addDetails(alert);
     addButtons(alert);
@@ -84,21 +84,21 @@ AlertBox::AlertBox(const Alert &alert, QWidget *parent) : QMessageBox(parent) {
         QFont bold = label->font();
         bold.setBold(true);
         label->setFont(bold);
-        label->setText(broken(label->text(), bold, longestLine(*label)));
-        giveRoom(label);
+        label->setText(withLineBreaks(label->text(), bold, maximumLineWidth(*label)));
+        setMinimumLabelWidth(label);
     }
     if (auto *label = findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"))) {
         label->setTextFormat(Qt::PlainText);
-        giveRoom(label);
+        setMinimumLabelWidth(label);
     }
 }
 
-/// The message box shows them in a field that only the mouse can scroll.
+/// Makes the details reachable by keyboard: in QMessageBox only the mouse can scroll them.
 void AlertBox::addDetails(const Alert &alert) {
     setDetailedText(toQString(alert.details));
     auto *field = findChild<QTextEdit *>();
-    const bool named = !alert.detailsName.empty();
-    field->setAccessibleName(toQString(named ? alert.detailsName : lumetwin::text("spoken.details")));
+    const bool hasName = !alert.detailsName.empty();
+    field->setAccessibleName(toQString(hasName ? alert.detailsName : lumetwin::text("spoken.details")));
     field->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     field->setFocusPolicy(Qt::StrongFocus);
 }
@@ -113,28 +113,28 @@ void AlertBox::addButtons(const Alert &alert) {
         connect(addButton(toQString(alert.sideButton), ActionRole), &QPushButton::clicked, this,
                 [this] { emit answered(AlertPresenter::sideButton); });
     for (int position = 0; position < static_cast<int>(alert.buttons.size()); ++position) {
-        // The second button calls off; it keeps its place at the end.
+        // The second button cancels. This role puts it last.
         const ButtonRole role = position == 1 ? RejectRole : AcceptRole;
         QPushButton *button = addButton(toQString(alert.buttons[static_cast<std::size_t>(position)]), role);
         button->setAutoDefault(true);
         if (position == alert.defaultButton)
             setDefaultButton(button);
-        setEscapeButton(button); // without one the box could not be closed
+        setEscapeButton(button); // without an escape button the box cannot be closed
         connect(button, &QPushButton::clicked, this, [this, position] { emit answered(position); });
     }
 }
 
-void AlertBox::holdBack() {
-    constexpr int moment = 800; // milliseconds
-    held_ = true;
+void AlertBox::ignoreInputBriefly() {
+    constexpr int duration = 800; // milliseconds
+    ignoresInput_ = true;
     for (QAbstractButton *button : buttons())
         button->setEnabled(false);
-    QTimer::singleShot(moment, this, [this] {
-        held_ = false;
+    QTimer::singleShot(duration, this, [this] {
+        ignoresInput_ = false;
         for (QAbstractButton *button : buttons())
             button->setEnabled(true);
-        QPushButton *usual = defaultButton();
-        (usual ? static_cast<QAbstractButton *>(usual) : buttons().constFirst())->setFocus();
+        QPushButton *first = defaultButton();
+        (first ? static_cast<QAbstractButton *>(first) : buttons().constFirst())->setFocus();
     });
 }
 
@@ -145,7 +145,7 @@ void AlertBox::dismiss() {
 
 void AlertBox::keyPressEvent(QKeyEvent *event) {
     if (event->matches(QKeySequence::Cancel))
-        return held_ ? void() : dismiss();
+        return ignoresInput_ ? void() : dismiss();
     QMessageBox::keyPressEvent(event);
 }
 

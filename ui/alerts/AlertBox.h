@@ -7,18 +7,18 @@
 
 namespace lumetwin {
 
-/// An alert as a message box. Its texts are shown as they stand, never as markup.
+/// Shows an alert as a message box. Its texts are plain text, never markup.
 class AlertBox : public QMessageBox {
     Q_OBJECT
 
 public:
     AlertBox(const Alert &alert, QWidget *parent);
 
-    /// Takes no click and no key for a moment: one that comes now was meant for what has just gone from here.
-    void holdBack();
+    /// Ignores clicks and keys for 0.8 seconds, because they were meant for the alert that was here just before.
+    void ignoreInputBriefly();
 
 signals:
-    /// Once: the position of the pressed button, or AlertPresenter::dismissed.
+    /// Emitted once: the position of the pressed button, AlertPresenter::sideButton, or AlertPresenter::dismissed.
     void answered(int button);
 
 protected:
@@ -30,7 +30,7 @@ private:
     void addButtons(const Alert &alert);
     void dismiss();
 
-    bool held_ = false;
+    bool ignoresInput_ = false;
 };
 
 } // namespace lumetwin

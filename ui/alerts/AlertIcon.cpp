@@ -8,18 +8,18 @@ namespace lumetwin {
 
 namespace {
 
-constexpr double side = 32; // of the square that the signs are drawn in
+constexpr double side = 32; // of the square that the icons are drawn in
 
 void drawWarning(QPainter &painter) {
-    const QColor amber(245, 180, 30), ink(60, 40, 0);
+    const QColor amber(245, 180, 30), dark(60, 40, 0);
     // The pen rounds the corners.
     painter.setPen(QPen(amber, 5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(amber);
     painter.drawPolygon(QPolygonF{QPointF(16, 5.5), QPointF(28.5, 26.5), QPointF(3.5, 26.5)});
-    painter.setPen(QPen(ink, 3, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(dark, 3, Qt::SolidLine, Qt::RoundCap));
     painter.drawLine(QPointF(16, 11), QPointF(16, 18.5));
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ink);
+    painter.setBrush(dark);
     painter.drawEllipse(QPointF(16, 23.5), 1.9, 1.9);
 }
 
@@ -33,10 +33,10 @@ void drawInformation(QPainter &painter) {
     painter.drawLine(QPointF(16, 15), QPointF(16, 23));
 }
 
-class SignEngine : public QIconEngine {
+class AlertIconEngine : public QIconEngine {
 public:
     using Draw = void (*)(QPainter &);
-    explicit SignEngine(Draw draw) : draw_(draw) {}
+    explicit AlertIconEngine(Draw draw) : draw_(draw) {}
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode, QIcon::State) override {
         painter->save();
@@ -53,7 +53,7 @@ public:
         paint(&painter, QRect(QPoint(), size), mode, state);
         return picture;
     }
-    QIconEngine *clone() const override { return new SignEngine(draw_); }
+    QIconEngine *clone() const override { return new AlertIconEngine(draw_); }
 
 private:
     Draw draw_;
@@ -62,11 +62,11 @@ private:
 } // namespace
 
 QIcon warningIcon() {
-    return QIcon(new SignEngine(drawWarning));
+    return QIcon(new AlertIconEngine(drawWarning));
 }
 
 QIcon informationIcon() {
-    return QIcon(new SignEngine(drawInformation));
+    return QIcon(new AlertIconEngine(drawInformation));
 }
 
 } // namespace lumetwin

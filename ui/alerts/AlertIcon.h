@@ -5,7 +5,7 @@
 
 namespace lumetwin {
 
-/// A sign that is sharp at any size and device pixel ratio: an exclamation mark in a triangle, or an i in a disc.
+/// Icons that are sharp at any size and device pixel ratio: an exclamation mark in a triangle, and an i in a disc.
 QIcon warningIcon();
 QIcon informationIcon();
 

@@ -7,17 +7,17 @@ namespace lumetwin {
 
 void MessageBoxPresenter::present(const Alert &alert, QWidget *parent, std::function<void(int button)> answered) {
     auto *box = new AlertBox(alert, parent->window());
-    // Answered once, after the box has gone: what follows may show the next alert.
+    // The answer is delivered once, after the box has closed, because the receiver may show the next alert.
     QObject::connect(box, &AlertBox::answered, parent, answered,
                      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
-    QObject::connect(parent, &QObject::destroyed, box, [box, since = sinceWithdrawal_] {
+    QObject::connect(parent, &QObject::destroyed, box, [box, since = sinceAutomaticClose_] {
         since->start();
         box->close();
     });
     box->open();
-    constexpr qint64 justNow = 500; // milliseconds
-    if (sinceWithdrawal_->isValid() && !sinceWithdrawal_->hasExpired(justNow))
-        box->holdBack();
+    constexpr qint64 recently = 500; // milliseconds
+    if (sinceAutomaticClose_->isValid() && !sinceAutomaticClose_->hasExpired(recently))
+        box->ignoreInputBriefly();
 }
 
 } // namespace lumetwin

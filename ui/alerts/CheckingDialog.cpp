@@ -29,19 +29,19 @@ CheckingDialog::CheckingDialog(std::int64_t total, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     for (QWidget *part : std::initializer_list<QWidget *>{label_, bar_, buttons})
         layout->addWidget(part);
-    setTested(0);
+    setCheckedCount(0);
 }
 
-void CheckingDialog::setTested(std::int64_t tested) {
-    label_->setText(toQString(formatted("check.videos.format", tested, total_)));
-    bar_->setValue(static_cast<int>(tested));
+void CheckingDialog::setCheckedCount(std::int64_t count) {
+    label_->setText(toQString(formatted("check.videos.format", count, total_)));
+    bar_->setValue(static_cast<int>(count));
 }
 
-int CheckingDialog::tested() const {
+int CheckingDialog::checkedCount() const {
     return bar_->value();
 }
 
-QString CheckingDialog::words() const {
+QString CheckingDialog::labelText() const {
     return label_->text();
 }
 
@@ -52,9 +52,9 @@ void CheckingDialog::dismiss() {
 
 void CheckingDialog::done(int result) {
     const bool first = !std::exchange(dismissed_, true);
-    QDialog::done(result); // deletes later: whoever closes it may still be at work in it
+    QDialog::done(result); // deletes the dialog later, because the caller may still be inside one of its functions
     if (first)
-        emit givenUp();
+        emit cancelled();
 }
 
 } // namespace lumetwin

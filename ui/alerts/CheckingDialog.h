@@ -10,8 +10,8 @@ class QProgressBar;
 
 namespace lumetwin {
 
-/// Tells how far the check of the input has come, and lets the user give it up. It destroys itself once it is closed,
-/// by whatever: its button, Escape, its window's button or its owner.
+/// Shows the progress of the check of the input, and lets the user cancel it. It deletes itself when it is closed by
+/// its button, by Escape, by the window's close button, or by its owner.
 class CheckingDialog : public QDialog {
     Q_OBJECT
 
@@ -19,16 +19,16 @@ public:
     CheckingDialog(std::int64_t total, QWidget *parent);
 
     /// How many videos have been checked so far.
-    void setTested(std::int64_t tested);
-    int tested() const;
-    QString words() const;
+    void setCheckedCount(std::int64_t count);
+    int checkedCount() const;
+    QString labelText() const;
 
-    /// Puts the dialog away without a signal.
+    /// Closes the dialog without a signal.
     void dismiss();
 
 signals:
-    /// Once: the user gave the check up.
-    void givenUp();
+    /// Emitted once, when the user cancels the check.
+    void cancelled();
 
 protected:
     void done(int result) override;

@@ -11,10 +11,10 @@ namespace lumetwin {
 
 namespace {
 
-const char missing[] = "missing";
+const char missingBusName[] = "missing";
 
 bool hasSessionBus() {
-    // Where neither names a bus, libdbus would start one with dbus-launch.
+    // Without these libdbus would start a new bus with dbus-launch.
     return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
            QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
 }
@@ -22,13 +22,13 @@ bool hasSessionBus() {
 } // namespace
 
 QDBusConnection sessionBus() {
-    return hasSessionBus() ? QDBusConnection::sessionBus() : QDBusConnection(QLatin1String(missing));
+    return hasSessionBus() ? QDBusConnection::sessionBus() : QDBusConnection(QLatin1String(missingBusName));
 }
 
 QDBusConnection systemBus() {
     const bool exists = qEnvironmentVariableIsSet("DBUS_SYSTEM_BUS_ADDRESS") ||
                         QFile::exists(QStringLiteral("/run/dbus/system_bus_socket"));
-    return exists ? QDBusConnection::systemBus() : QDBusConnection(QLatin1String(missing));
+    return exists ? QDBusConnection::systemBus() : QDBusConnection(QLatin1String(missingBusName));
 }
 
 void call(const QDBusConnection &bus, const BusAddress &address, const char *method, const QVariantList &arguments,

@@ -9,20 +9,20 @@
 
 namespace lumetwin {
 
-/// Where a service's methods are.
+/// The address of a D-Bus interface.
 struct BusAddress {
     const char *service;
     const char *path;
     const char *interface;
 };
 
-/// The session bus where there is one. An unconnected one otherwise; no bus is ever started.
+/// The session bus, or an unconnected one when there is none. Never starts a bus.
 QDBusConnection sessionBus();
-/// The system bus where there is one.
+/// The system bus, or an unconnected one when there is none.
 QDBusConnection systemBus();
 
-/// Calls a method and never waits. The answer, an error included, comes on the calling thread through the event loop;
-/// without a connection it is an error as well.
+/// Calls a method without waiting. The answer, or the error, comes later on the calling thread through the event loop.
+/// Without a connection the answer is an error.
 void call(const QDBusConnection &bus, const BusAddress &address, const char *method, const QVariantList &arguments,
           const std::function<void(const QDBusMessage &answer)> &answered = {});
 

@@ -23,7 +23,7 @@ void notify(const QString &desktopId, const QString &title, const QString &messa
          {QStringLiteral("Lumetwin"), 0U, desktopId, title, message.toHtmlEscaped(), QStringList(), hints, -1});
 }
 
-/// org.freedesktop.portal.Notification.AddNotification, for confined programs.
+/// org.freedesktop.portal.Notification.AddNotification, for sandboxed programs.
 void notifyThroughPortal(const QString &title, const QString &message) {
     const QVariantMap notification{{QStringLiteral("title"), title}, {QStringLiteral("body"), message}};
     call(sessionBus(),
@@ -39,7 +39,7 @@ DesktopPresence::~DesktopPresence() {
     batchEnded();
 }
 
-bool DesktopPresence::inFront() const {
+bool DesktopPresence::isInFront() const {
     return window_ && QApplication::activeWindow() && !window_->isMinimized();
 }
 
@@ -49,13 +49,13 @@ void DesktopPresence::batchStarted() {
 }
 
 void DesktopPresence::batchProgressed(double fraction) {
-    // Only what can be seen goes over the bus.
+    // Send only changes that can be seen.
     if (const int percent = static_cast<int>(fraction * 100); percent != shownPercent_)
         updateLauncher(true, fraction);
 }
 
 void DesktopPresence::batchFinished(bool success, const QString &message) {
-    if (inFront())
+    if (isInFront())
         return;
     const QString title = toQString(text(success ? "alert.conversion.success" : "alert.conversion.error"));
     if (window_)
@@ -73,7 +73,8 @@ void DesktopPresence::batchEnded() {
     shownPercent_ = -1;
 }
 
-/// The launcher API that Unity began and most docks understand: a signal with the entry's URI and its properties.
+/// Sends com.canonical.Unity.LauncherEntry.Update, which most docks understand: a signal with the desktop entry's URI
+/// and its properties.
 void DesktopPresence::updateLauncher(bool visible, double fraction) {
     shownPercent_ = static_cast<int>(fraction * 100);
     QDBusMessage update =

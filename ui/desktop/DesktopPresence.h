@@ -11,8 +11,8 @@ class QWidget;
 
 namespace lumetwin {
 
-/// What the rest of the desktop sees of a run: progress on the launcher, a notification at the end when the window is
-/// not in front, and a machine that stays awake. Where a service is missing, nothing happens.
+/// Reports a run to the desktop: progress on the launcher, a notification at the end when the window is not in front,
+/// and a lock against sleep. When a service is missing, nothing happens.
 class DesktopPresence : public QObject {
     Q_OBJECT
 
@@ -25,12 +25,12 @@ public:
     /// 0 to 1.
     void batchProgressed(double fraction);
     void batchFinished(bool success, const QString &message);
-    /// Finished or stopped.
+    /// The run has finished or was stopped.
     void batchEnded();
 
 private:
     void updateLauncher(bool visible, double fraction);
-    bool inFront() const;
+    bool isInFront() const;
 
     QPointer<QWidget> window_;
     QString desktopId_;

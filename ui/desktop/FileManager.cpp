@@ -13,7 +13,7 @@ namespace lumetwin {
 
 namespace {
 
-constexpr std::size_t mostMarked = 100; // file managers scroll to the first anyway
+constexpr std::size_t maximumSelected = 100; // more is not useful: file managers scroll to the first
 
 QUrl toUrl(const std::filesystem::path &path) {
     return QUrl::fromLocalFile(QFile::decodeName(path.c_str()));
@@ -23,7 +23,7 @@ QUrl toUrl(const std::filesystem::path &path) {
 
 void showInFileManager(const std::filesystem::path &folder, const std::vector<std::filesystem::path> &files) {
     QStringList urls;
-    for (std::size_t i = 0; i < std::min(files.size(), mostMarked); ++i)
+    for (std::size_t i = 0; i < std::min(files.size(), maximumSelected); ++i)
         urls << toUrl(files[i]).toString(QUrl::FullyEncoded);
     const auto openFolder = [folder] { QDesktopServices::openUrl(toUrl(folder)); };
     if (urls.isEmpty())

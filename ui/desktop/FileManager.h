@@ -6,7 +6,8 @@
 
 namespace lumetwin {
 
-/// Opens the folder in the desktop's file manager with the files marked, or just the folder where that is not possible.
+/// Opens the folder in the desktop's file manager and selects the files. Opens just the folder when that is not
+/// possible.
 void showInFileManager(const std::filesystem::path &folder, const std::vector<std::filesystem::path> &files);
 
 } // namespace lumetwin

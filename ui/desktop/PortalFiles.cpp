@@ -11,7 +11,7 @@
 namespace lumetwin {
 
 bool isConfined() {
-    // flatpak-metadata(5): present in every sandbox of Flatpak. Snap sets its variable.
+    // Every Flatpak sandbox has this file, see flatpak-metadata(5). Snap sets this variable.
     static const bool confined = QFile::exists(QStringLiteral("/.flatpak-info")) || qEnvironmentVariableIsSet("SNAP");
     return confined;
 }

@@ -9,11 +9,11 @@
 
 namespace lumetwin {
 
-/// Whether the program runs in a sandbox that sees files through portals only.
+/// Whether the program runs in a sandbox that can open files only through portals.
 bool isConfined();
 
 /// Asks the documents portal for the files of a transfer (org.freedesktop.portal.FileTransfer.RetrieveFiles). The
-/// answer comes on the calling thread, later; it is empty when the portal is missing or does not know the key.
+/// answer comes later on the calling thread. It is empty when the portal is missing or does not know the key.
 void retrievePortalFiles(const QByteArray &key,
                          const std::function<void(const std::vector<std::filesystem::path> &files)> &received);
 

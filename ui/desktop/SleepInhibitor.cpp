@@ -10,7 +10,7 @@
 
 namespace lumetwin {
 
-/// The logind lock lasts as long as its file descriptor, the portal's until its request is closed.
+/// The logind lock lasts as long as its file descriptor is open. The portal's lock lasts until its request is closed.
 struct SleepInhibitor::Locks {
     QDBusUnixFileDescriptor logind;
     QString portalRequest;

@@ -5,8 +5,7 @@
 
 namespace lumetwin {
 
-/// Keeps the machine from going to sleep by itself, through logind and through the desktop portal, whichever there is.
-/// The screen may still go dark.
+/// Prevents automatic sleep, through logind and the desktop portal, where they exist. The screen may still turn off.
 class SleepInhibitor {
 public:
     SleepInhibitor();
@@ -17,7 +16,7 @@ public:
 
 private:
     struct Locks;
-    std::shared_ptr<Locks> locks_; ///< held while inhibiting; answers that come later find it gone
+    std::shared_ptr<Locks> locks_; ///< set while inhibiting; late answers see by a weak pointer that it is gone
 };
 
 } // namespace lumetwin

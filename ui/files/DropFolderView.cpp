@@ -29,20 +29,20 @@ namespace {
 constexpr double cornerRadius = 8; // points
 constexpr double lineWidth = 1.5;
 
-struct Look {
+struct Colours {
     QColor background;
     QColor border;
     QColor text;
 };
 
-const Look highlightedLook{colour(0.1, 0.25, 0.5), colour(0.3, 0.6, 1.0), white(0.95)};
-const Look refusedLook{colour(0.24, 0.09, 0.09), colour(0.9, 0.4, 0.35), colour(1.0, 0.78, 0.74)};
-const Look contentLook{colour(0.08, 0.18, 0.1), colour(0.2, 0.6, 0.3, 0.8), colour(0.4, 0.8, 0.4)};
-const Look emptyLook{colour(0.1, 0.11, 0.15), colour(0.25, 0.3, 0.45, 0.8), white(0.62)};
-const QColor dashes = colour(0.3, 0.35, 0.5, 0.8);
+const Colours highlightedColours{colour(0.1, 0.25, 0.5), colour(0.3, 0.6, 1.0), greyColour(0.95)};
+const Colours refusedColours{colour(0.24, 0.09, 0.09), colour(0.9, 0.4, 0.35), colour(1.0, 0.78, 0.74)};
+const Colours contentColours{colour(0.08, 0.18, 0.1), colour(0.2, 0.6, 0.3, 0.8), colour(0.4, 0.8, 0.4)};
+const Colours emptyColours{colour(0.1, 0.11, 0.15), colour(0.25, 0.3, 0.45, 0.8), greyColour(0.62)};
+const QColor dashColour = colour(0.3, 0.35, 0.5, 0.8);
 
-/// In high contrast only the desktop's own colours are used; a hovering drag shows as what is chosen does.
-Look inHighContrast(const QPalette &palette, bool highlighted) {
+/// In high contrast only the desktop's own colours are used. A target under a drag looks like a selected item.
+Colours highContrastColours(const QPalette &palette, bool highlighted) {
     if (highlighted)
         return {palette.color(QPalette::Highlight), palette.color(QPalette::HighlightedText),
                 palette.color(QPalette::HighlightedText)};
@@ -89,17 +89,17 @@ void DropFolderView::layoutLabels() {
     label->setGeometry(scale.toQt({34, (h - 18) / 2, w - 44, 18}, h));
 }
 
-/// The texts and their colours; what is drawn around them is paintEvent's.
+/// Updates the texts and their colours. paintEvent draws the box around them.
 void DropFolderView::updateAppearance() {
     label->setText(!refusal_.isEmpty() ? refusal_ : hasContent_ ? content_ : placeholder_);
-    const bool plain = isHighContrast(palette());
-    const QColor ink = plain                 ? inHighContrast(palette(), isHighlighted_).text
-                       : isHighlighted_      ? highlightedLook.text
-                       : !refusal_.isEmpty() ? refusedLook.text
-                       : hasContent_         ? contentLook.text
-                                             : emptyLook.text;
-    setTextColour(label, ink);
-    iconLabel->setColour(ink);
+    const bool highContrast = isHighContrast(palette());
+    const QColor textColour = highContrast          ? highContrastColours(palette(), isHighlighted_).text
+                              : isHighlighted_      ? highlightedColours.text
+                              : !refusal_.isEmpty() ? refusedColours.text
+                              : hasContent_         ? contentColours.text
+                                                    : emptyColours.text;
+    setTextColour(label, textColour);
+    iconLabel->setColour(textColour);
     update();
     QAccessibleEvent changed(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&changed);
@@ -133,16 +133,16 @@ void DropFolderView::endRefusal() {
 }
 
 void DropFolderView::showFolder(const fs::path &folder) {
-    showContent({Symbol::folder}, shownName(folder));
+    showContent({Symbol::folder}, displayName(folder));
 }
 
 void DropFolderView::showFiles(const std::vector<fs::path> &files) {
-    const QString text = files.size() == 1 ? shownName(files.front())
-                                           : toQString(filesSelected(static_cast<std::int64_t>(files.size())));
+    const QString text = files.size() == 1 ? displayName(files.front())
+                                           : toQString(filesSelectedText(static_cast<std::int64_t>(files.size())));
     showContent(symbolsOfFiles(files), text);
 }
 
-std::string DropFolderView::reasonAgainst(const DroppedInput &input) const {
+std::string DropFolderView::reasonToRefuse(const DroppedInput &input) const {
     if (onlyFolders_ && !input.folder)
         return text("drop.refused.no.folder");
     if (input.empty())
@@ -152,7 +152,7 @@ std::string DropFolderView::reasonAgainst(const DroppedInput &input) const {
 
 bool DropFolderView::acceptPaths(const std::vector<fs::path> &paths) {
     const DroppedInput input = classifyDrop(paths);
-    if (const std::string reason = reasonAgainst(input); !reason.empty()) {
+    if (const std::string reason = reasonToRefuse(input); !reason.empty()) {
         refuse(toQString(reason));
         return false;
     }
@@ -171,7 +171,7 @@ bool DropFolderView::acceptPaths(const std::vector<fs::path> &paths) {
 bool DropFolderView::acceptData(const QMimeData &mime) {
     const std::vector<fs::path> files = localFiles(mime);
     const QByteArray key = portalTransferKey(mime);
-    // Inside a sandbox only the portal's paths lead anywhere.
+    // Inside a sandbox only the portal's paths can be opened.
     if (!files.empty() && (key.isEmpty() || !isConfined()))
         return acceptPaths(files);
     if (key.isEmpty())
@@ -183,8 +183,9 @@ bool DropFolderView::acceptData(const QMimeData &mime) {
     return true;
 }
 
-/// What hovers over a target for folders can be judged at once; of anything else a look into it tells, at the drop.
-bool DropFolderView::mayTake(const QMimeData &mime) const {
+/// A target for folders can decide while the drag moves. Any other target has to look into the dragged folder, and does
+/// that at the drop.
+bool DropFolderView::canAccept(const QMimeData &mime) const {
     const std::vector<fs::path> files = localFiles(mime);
     return !onlyFolders_ || files.empty() || classifyDrop(files).folder;
 }
@@ -192,11 +193,11 @@ bool DropFolderView::mayTake(const QMimeData &mime) const {
 void DropFolderView::dragEnterEvent(QDragEnterEvent *event) {
     if (!holdsFiles(*event->mimeData()))
         return event->ignore();
-    const bool usable = mayTake(*event->mimeData());
+    const bool usable = canAccept(*event->mimeData());
     setHighlighted(usable);
     if (!usable)
         refuse(toQString(lumetwin::text("drop.refused.no.folder")));
-    // Accepted in any case, or nobody would say when the drag has gone.
+    // Always accepted: without that Qt sends no event when the drag leaves.
     event->setDropAction(usable ? Qt::CopyAction : Qt::IgnoreAction);
     event->accept();
 }
@@ -253,21 +254,21 @@ void DropFolderView::changeEvent(QEvent *event) {
 void DropFolderView::paintEvent(QPaintEvent *) {
     const PointScale scale = PointScale::current();
     const double line = lineWidth * scale.y, radius = cornerRadius * scale.y;
-    const Look look = isHighContrast(palette()) ? inHighContrast(palette(), isHighlighted_)
-                      : isHighlighted_          ? highlightedLook
-                      : !refusal_.isEmpty()     ? refusedLook
-                      : hasContent_             ? contentLook
-                                                : emptyLook;
+    const Colours colours = isHighContrast(palette()) ? highContrastColours(palette(), isHighlighted_)
+                            : isHighlighted_          ? highlightedColours
+                            : !refusal_.isEmpty()     ? refusedColours
+                            : hasContent_             ? contentColours
+                                                      : emptyColours;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(look.border, line));
-    painter.setBrush(look.background);
+    painter.setPen(QPen(colours.border, line));
+    painter.setBrush(colours.background);
     const QRectF edge = QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2);
     painter.drawRoundedRect(edge, radius, radius);
     painter.setBrush(Qt::NoBrush);
     if (!hasContent_ && !isHighlighted_ && refusal_.isEmpty()) {
-        QPen pen(isHighContrast(palette()) ? look.border : dashes, line);
-        pen.setDashPattern({5 / lineWidth, 4 / lineWidth}); // Qt counts in line widths
+        QPen pen(isHighContrast(palette()) ? colours.border : dashColour, line);
+        pen.setDashPattern({5 / lineWidth, 4 / lineWidth}); // Qt measures dashes in line widths
         pen.setCapStyle(Qt::FlatCap);
         painter.setPen(pen);
         painter.drawRoundedRect(QRectF(rect()).adjusted(scale.y, scale.y, -scale.y, -scale.y), radius, radius);

@@ -19,40 +19,40 @@ namespace lumetwin {
 class DropIcon;
 struct DroppedInput;
 
-/// A box onto which one folder or a set of media files is dropped or pasted; a click asks for a choice. An unusable
-/// drop is refused in words, which go after a while, and leaves what the box holds.
+/// A box that accepts one folder or a set of media files, dropped or pasted. A click asks for a choice in a dialog.
+/// When a drop cannot be used, the box says why for some seconds and keeps its content.
 class DropFolderView : public QWidget {
     Q_OBJECT
 
 public:
     explicit DropFolderView(QWidget *parent = nullptr);
 
-    /// Called in the drop itself.
+    /// Called during the drop.
     std::function<void(const std::filesystem::path &folder)> onFolderDropped;
-    /// Called in the drop itself, with files sorted by name.
+    /// Called during the drop. The files are sorted by name.
     std::function<void(const std::vector<std::filesystem::path> &files)> onFilesDropped;
-    /// Called when the user asks for a choice, with a click or with the keyboard.
+    /// Called when the user clicks the box or presses Space or Enter in it.
     std::function<void()> onActivated;
-    /// Why a folder is not taken, in words; empty where nothing speaks against it.
+    /// Returns a message for the user when a folder cannot be used, otherwise an empty string. Optional.
     std::function<std::string(const std::filesystem::path &folder)> objection;
 
     QString placeholder() const { return placeholder_; }
     void setPlaceholder(const QString &text);
 
-    /// From now on one folder is all that is taken.
-    void takeOnlyFolders() { onlyFolders_ = true; }
+    /// From now on only a single folder is accepted.
+    void acceptOnlyFolders() { onlyFolders_ = true; }
 
     void showFolder(const std::filesystem::path &folder);
     void showFiles(const std::vector<std::filesystem::path> &files);
 
-    /// Takes paths as a drop of them would be taken. Returns whether there was something usable among them.
+    /// Does what a drop of these paths does. Returns whether any of them can be used.
     bool acceptPaths(const std::vector<std::filesystem::path> &paths);
 
-    /// Says for a while why something is not taken.
+    /// Shows for five seconds why something is refused.
     void refuse(const QString &why);
     bool isRefusing() const { return !refusal_.isEmpty(); }
 
-    /// The one-line text that is shown.
+    /// The text that the box shows, in one line.
     QString shownText() const { return label->text(); }
     bool hasContent() const { return hasContent_; }
     bool isHighlighted() const { return isHighlighted_; }
@@ -76,10 +76,10 @@ private:
     void setHighlighted(bool highlighted);
     void showContent(const std::vector<Symbol> &symbols, const QString &text);
     void endRefusal();
-    bool mayTake(const QMimeData &mime) const;
-    /// Empty where nothing speaks against it.
-    std::string reasonAgainst(const DroppedInput &input) const;
-    /// Whether the data is taken; files of a portal's transfer arrive a little later.
+    bool canAccept(const QMimeData &mime) const;
+    /// Why the input is refused, as a message for the user; empty when it is accepted.
+    std::string reasonToRefuse(const DroppedInput &input) const;
+    /// Returns whether the data is accepted. Files of a portal's transfer arrive later.
     bool acceptData(const QMimeData &mime);
 
     QString placeholder_;
@@ -88,12 +88,12 @@ private:
     bool hasContent_ = false;
     bool isHighlighted_ = false;
     bool onlyFolders_ = false;
-    QString content_; ///< what the text says of what the box holds
-    QString refusal_; ///< while something is being refused
+    QString content_; ///< the text for the content of the box
+    QString refusal_; ///< empty when no refusal is shown
     QTimer refusalEnd_;
 };
 
-/// The symbols for a set of files: photos, videos or both.
+/// The symbols for a set of files: a picture, a film, or both.
 std::vector<Symbol> symbolsOfFiles(const std::vector<std::filesystem::path> &files);
 
 } // namespace lumetwin

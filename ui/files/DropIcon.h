@@ -9,7 +9,7 @@
 
 namespace lumetwin {
 
-/// What a drop target holds, as a symbol; two are drawn as a small pile, so that they keep to the place of one.
+/// Shows the content of a drop target as one symbol, or as two that overlap in the same space.
 class DropIcon : public QWidget {
     Q_OBJECT
 

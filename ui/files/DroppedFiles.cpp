@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// GTK offers a transfer under both names.
+/// GTK uses both names for a transfer.
 constexpr const char *transferTypes[] = {"application/vnd.portal.filetransfer", "application/vnd.portal.files"};
 
 bool isFolder(const fs::path &path) {
@@ -23,8 +23,8 @@ bool isFolder(const fs::path &path) {
     return fs::is_directory(path, ignored);
 }
 
-/// The item itself, or what a folder holds.
-std::vector<fs::path> filesOf(const fs::path &item) {
+/// The visible files of a folder; for anything else the item itself.
+std::vector<fs::path> filesIn(const fs::path &item) {
     if (!isFolder(item))
         return {item};
     try {
@@ -46,7 +46,7 @@ fs::path localPath(const QByteArray &url) {
             return {};
         rest = rest.mid(slash);
     }
-    // A folder's URL may end in a slash; its path must not, or it has no name.
+    // A folder's URL may end in a slash. The path must not, because path::filename() would be empty.
     QByteArray path = QByteArray::fromPercentEncoding(rest);
     while (path.size() > 1 && path.endsWith('/'))
         path.chop(1);
@@ -55,10 +55,10 @@ fs::path localPath(const QByteArray &url) {
 
 } // namespace
 
-std::vector<fs::path> mediaAmong(const std::vector<fs::path> &items) {
+std::vector<fs::path> mediaFilesIn(const std::vector<fs::path> &items) {
     std::vector<fs::path> files;
     for (const fs::path &item : items)
-        for (fs::path &file : filesOf(item))
+        for (fs::path &file : filesIn(item))
             files.push_back(std::move(file));
     std::vector<fs::path> media;
     for (ListedFile &listed : mediaFiles(files))
@@ -69,7 +69,7 @@ std::vector<fs::path> mediaAmong(const std::vector<fs::path> &items) {
 DroppedInput classifyDrop(const std::vector<fs::path> &dropped) {
     if (dropped.size() == 1 && isFolder(dropped.front()))
         return {dropped.front(), {}};
-    return {std::nullopt, mediaAmong(dropped)};
+    return {std::nullopt, mediaFilesIn(dropped)};
 }
 
 DroppedInput classifyChoice(const std::vector<fs::path> &chosen) {
@@ -87,7 +87,7 @@ std::vector<fs::path> localFiles(const QByteArray &uriList) {
 }
 
 std::vector<fs::path> localFiles(const QMimeData &data) {
-    // The raw list keeps names that are no UTF-8, which QUrl does not.
+    // The raw list keeps names that are not valid UTF-8; QUrl does not.
     return localFiles(data.data(QStringLiteral("text/uri-list")));
 }
 
@@ -99,7 +99,7 @@ QByteArray portalTransferKey(const QMimeData &data) {
 }
 
 bool holdsFiles(const QMimeData &data) {
-    // The key is not asked for yet: its answer may begin a transfer.
+    // Only the format is checked, because reading the key may start the transfer.
     return !localFiles(data).empty() ||
            std::any_of(std::begin(transferTypes), std::end(transferTypes),
                        [&](const char *type) { return data.hasFormat(QLatin1String(type)); });

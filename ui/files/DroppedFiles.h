@@ -11,7 +11,8 @@ class QMimeData;
 
 namespace lumetwin {
 
-/// What a drop or a choice is taken as: one folder, or media files sorted by name. Neither: nothing usable.
+/// The result of a drop or a choice: one folder, or media files sorted by name. Both are empty when nothing can be
+/// used.
 struct DroppedInput {
     std::optional<std::filesystem::path> folder;
     std::vector<std::filesystem::path> files;
@@ -19,26 +20,26 @@ struct DroppedInput {
     bool empty() const { return !folder && files.empty(); }
 };
 
-/// What several items come to: the visible media files of each folder (without descent) and each media file itself,
-/// sorted by name. Folders that cannot be listed contribute nothing.
-std::vector<std::filesystem::path> mediaAmong(const std::vector<std::filesystem::path> &items);
+/// The media files among the items: each media file itself, and the visible media files of each folder (not of its
+/// subfolders), sorted by name. A folder that cannot be listed adds nothing.
+std::vector<std::filesystem::path> mediaFilesIn(const std::vector<std::filesystem::path> &items);
 
-/// Exactly one folder is taken as it is; everything else as the media among it.
+/// A single folder is used as the folder. For everything else the result is mediaFilesIn.
 DroppedInput classifyDrop(const std::vector<std::filesystem::path> &dropped);
 
-/// The same for what was chosen in a panel, where a single file is taken whatever it is.
+/// The same for a choice in a file dialog, where a single file of any type is accepted.
 DroppedInput classifyChoice(const std::vector<std::filesystem::path> &chosen);
 
-/// The local files of a text/uri-list (RFC 2483), with the bytes of their names as they are in the file system.
+/// The local files of a text/uri-list (RFC 2483). Their names keep the bytes of the file system.
 std::vector<std::filesystem::path> localFiles(const QByteArray &uriList);
-/// The local files that a drag or the clipboard names by URL.
+/// The local files in the URL list of a drag or of the clipboard.
 std::vector<std::filesystem::path> localFiles(const QMimeData &data);
 
-/// The key of a transfer of files through the desktop portal, which confined programs offer and receive; empty
-/// when there is none.
+/// The key of a file transfer through the desktop portal, which sandboxed programs use for drag and drop. Empty when
+/// there is none.
 QByteArray portalTransferKey(const QMimeData &data);
 
-/// Whether a drag holds at least one file.
+/// Whether a drag contains at least one file.
 bool holdsFiles(const QMimeData &data);
 
 } // namespace lumetwin

@@ -23,30 +23,30 @@ fs::path toPath(const QString &path) {
     return QFile::encodeName(path).toStdString();
 }
 
-QString startFolder(const fs::path &lastPlace) {
-    if (!lastPlace.empty())
-        return QFile::decodeName(lastPlace.c_str());
+QString startFolder(const fs::path &lastFolder) {
+    if (!lastFolder.empty())
+        return QFile::decodeName(lastFolder.c_str());
     const QString videos = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
     return QFile::exists(videos) ? videos : QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
 }
 
-void open(QFileDialog *dialog, fs::path &lastPlace, const FilePanels::Chosen &chosen) {
+void openDialog(QFileDialog *dialog, fs::path &lastFolder, const FilePanels::ChosenCallback &chosen) {
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowModality(Qt::WindowModal);
-    dialog->setDirectory(startFolder(lastPlace));
-    QObject::connect(dialog, &QDialog::accepted, dialog, [dialog, &lastPlace, chosen] {
+    dialog->setDirectory(startFolder(lastFolder));
+    QObject::connect(dialog, &QDialog::accepted, dialog, [dialog, &lastFolder, chosen] {
         auto *both = qobject_cast<FilesAndFoldersDialog *>(dialog);
         std::vector<fs::path> paths;
         for (const QString &file : both ? both->choice() : dialog->selectedFiles())
             paths.push_back(toPath(file));
-        lastPlace = toPath(dialog->directory().absolutePath());
+        lastFolder = toPath(dialog->directory().absolutePath());
         if (!paths.empty())
             chosen(paths);
     });
     dialog->open();
 }
 
-QFileDialog *panel(QWidget *parent, const char *titleKey, QFileDialog::FileMode mode) {
+QFileDialog *makeDialog(QWidget *parent, const char *titleKey, QFileDialog::FileMode mode) {
     auto *dialog = new QFileDialog(parent->window(), toQString(text(titleKey)));
     dialog->setFileMode(mode);
     if (mode != QFileDialog::Directory)
@@ -57,7 +57,7 @@ QFileDialog *panel(QWidget *parent, const char *titleKey, QFileDialog::FileMode 
     return dialog;
 }
 
-/// A file dialog has no parts of its own where the desktop brings the dialog.
+/// QFileDialog has no child widgets when the desktop provides the dialog.
 bool hasNativeDialogs() {
     return isConfined() || QFileDialog().findChildren<QWidget *>().isEmpty();
 }
@@ -70,7 +70,7 @@ QStringList mediaFilters() {
         for (const auto &extensions : kinds)
             for (const std::string_view extension : extensions) {
                 const QString word = QString::fromUtf8(extension.data(), static_cast<qsizetype>(extension.size()));
-                // Some desktops' dialogs tell capitals from small letters.
+                // The dialogs of some desktops match patterns by case.
                 patterns << QStringLiteral("*.") + word << QStringLiteral("*.") + word.toUpper();
             }
         return toQString(text(key)) + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) + QLatin1Char(')');
@@ -79,32 +79,34 @@ QStringList mediaFilters() {
             filter("filter.photos", {photoExtensions}), toQString(text("filter.all")) + QStringLiteral(" (*)")};
 }
 
-void DialogPanels::chooseInput(QWidget *parent, Chosen chosen) {
+void DialogPanels::chooseInput(QWidget *parent, ChosenCallback chosen) {
     constexpr char title[] = "panel.select.input.title";
     if (!hasNativeDialogs()) {
         auto *dialog =
             new FilesAndFoldersDialog(parent->window(), toQString(text(title)), toQString(text("button.select")));
         dialog->setNameFilters(mediaFilters());
-        return open(dialog, lastPlace_, chosen);
+        return openDialog(dialog, lastFolder_, chosen);
     }
-    // The desktops' own dialogs take either files or a folder; in a sandbox there is no other way in.
+    // A native dialog accepts either files or folders, so a menu asks which. In a sandbox only native dialogs give
+    // access to files.
     auto *menu = new QMenu(parent);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    QObject::connect(menu->addAction(toQString(text("menu.choose.files"))), &QAction::triggered, parent,
-                     [=, this] { open(panel(parent, title, QFileDialog::ExistingFiles), lastPlace_, chosen); });
+    QObject::connect(menu->addAction(toQString(text("menu.choose.files"))), &QAction::triggered, parent, [=, this] {
+        openDialog(makeDialog(parent, title, QFileDialog::ExistingFiles), lastFolder_, chosen);
+    });
     QObject::connect(menu->addAction(toQString(text("menu.choose.folder"))), &QAction::triggered, parent,
-                     [=, this] { open(panel(parent, title, QFileDialog::Directory), lastPlace_, chosen); });
-    const QWidget *asking = parent->focusWidget() ? parent->focusWidget() : parent;
-    const bool pointed = asking->rect().contains(asking->mapFromGlobal(QCursor::pos()));
-    menu->popup(pointed ? QCursor::pos() : asking->mapToGlobal(asking->rect().bottomLeft()));
+                     [=, this] { openDialog(makeDialog(parent, title, QFileDialog::Directory), lastFolder_, chosen); });
+    const QWidget *source = parent->focusWidget() ? parent->focusWidget() : parent;
+    const bool pointerInside = source->rect().contains(source->mapFromGlobal(QCursor::pos()));
+    menu->popup(pointerInside ? QCursor::pos() : source->mapToGlobal(source->rect().bottomLeft()));
 }
 
-void DialogPanels::chooseOutputFolder(QWidget *parent, Chosen chosen) {
-    open(panel(parent, "section.output.folder", QFileDialog::Directory), lastPlace_, chosen);
+void DialogPanels::chooseOutputFolder(QWidget *parent, ChosenCallback chosen) {
+    openDialog(makeDialog(parent, "section.output.folder", QFileDialog::Directory), lastFolder_, chosen);
 }
 
-void DialogPanels::chooseFileToCheck(QWidget *parent, Chosen chosen) {
-    open(panel(parent, "panel.check.spatial.title", QFileDialog::ExistingFile), lastPlace_, chosen);
+void DialogPanels::chooseFileToCheck(QWidget *parent, ChosenCallback chosen) {
+    openDialog(makeDialog(parent, "panel.check.spatial.title", QFileDialog::ExistingFile), lastFolder_, chosen);
 }
 
 } // namespace lumetwin

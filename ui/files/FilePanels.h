@@ -11,34 +11,34 @@ class QWidget;
 
 namespace lumetwin {
 
-/// The open panels. Replaced in tests by ones that choose. Each returns at once; the choice comes later, and never
-/// when the user cancels.
+/// The dialogs that choose files and folders. Tests replace them by ones that choose at once. Each function returns at
+/// once; the choice comes later, and never comes when the user cancels.
 class FilePanels {
 public:
-    using Chosen = std::function<void(const std::vector<std::filesystem::path> &paths)>;
+    using ChosenCallback = std::function<void(const std::vector<std::filesystem::path> &paths)>;
 
     virtual ~FilePanels() = default;
 
-    /// Folders and files, several at once.
-    virtual void chooseInput(QWidget *parent, Chosen chosen) = 0;
-    /// One folder.
-    virtual void chooseOutputFolder(QWidget *parent, Chosen chosen) = 0;
-    /// One file of any kind.
-    virtual void chooseFileToCheck(QWidget *parent, Chosen chosen) = 0;
+    /// Chooses any number of folders and files.
+    virtual void chooseInput(QWidget *parent, ChosenCallback chosen) = 0;
+    /// Chooses one folder.
+    virtual void chooseOutputFolder(QWidget *parent, ChosenCallback chosen) = 0;
+    /// Chooses one file of any type.
+    virtual void chooseFileToCheck(QWidget *parent, ChosenCallback chosen) = 0;
 };
 
-/// What file dialogs offer to show: all media, videos, photos, everything.
+/// The name filters of file dialogs: all media, videos, photos, all files.
 QStringList mediaFilters();
 
-/// Panels of the desktop.
+/// Uses the desktop's dialogs, or Qt's where the desktop has none.
 class DialogPanels : public FilePanels {
 public:
-    void chooseInput(QWidget *parent, Chosen chosen) override;
-    void chooseOutputFolder(QWidget *parent, Chosen chosen) override;
-    void chooseFileToCheck(QWidget *parent, Chosen chosen) override;
+    void chooseInput(QWidget *parent, ChosenCallback chosen) override;
+    void chooseOutputFolder(QWidget *parent, ChosenCallback chosen) override;
+    void chooseFileToCheck(QWidget *parent, ChosenCallback chosen) override;
 
 private:
-    std::filesystem::path lastPlace_;
+    std::filesystem::path lastFolder_;
 };
 
 } // namespace lumetwin

@@ -16,7 +16,8 @@ FilesAndFoldersDialog::FilesAndFoldersDialog(QWidget *parent, const QString &tit
     setOption(QFileDialog::HideNameFilterDetails);
     setFileMode(QFileDialog::ExistingFiles);
     setLabelText(QFileDialog::Accept, prompt);
-    // Without a marked entry the dialog would disable its button; here that means the folder itself.
+    // Without a selected entry QFileDialog disables its accept button. Here no selection means the shown folder, so the
+    // button stays enabled.
     if (auto *buttons = findChild<QDialogButtonBox *>())
         for (QAbstractButton *button : buttons->buttons())
             if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole) {
@@ -33,13 +34,13 @@ bool FilesAndFoldersDialog::eventFilter(QObject *watched, QEvent *event) {
 }
 
 void FilesAndFoldersDialog::accept() {
-    QStringList marked = selectedFiles();
-    if (marked.isEmpty())
-        marked << directory().absolutePath();
+    QStringList selected = selectedFiles();
+    if (selected.isEmpty())
+        selected << directory().absolutePath();
     const auto exists = [](const QString &path) { return QFileInfo::exists(path); };
-    if (!std::all_of(marked.cbegin(), marked.cend(), exists))
-        return QFileDialog::accept(); // says which one is missing
-    choice_ = marked;
+    if (!std::all_of(selected.cbegin(), selected.cend(), exists))
+        return QFileDialog::accept(); // shows which file is missing
+    choice_ = selected;
     done(Accepted);
 }
 

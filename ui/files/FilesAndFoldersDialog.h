@@ -5,8 +5,8 @@
 
 namespace lumetwin {
 
-/// A file dialog that takes folders as well as files, several at once; with nothing marked it takes the folder that
-/// it shows. The desktops' own dialogs take either the one or the other.
+/// A file dialog that accepts folders and files together, several at once. With nothing selected it chooses the folder
+/// that it shows. Native dialogs accept either files or folders.
 class FilesAndFoldersDialog : public QFileDialog {
     Q_OBJECT
 

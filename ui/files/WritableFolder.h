@@ -5,8 +5,8 @@
 
 namespace lumetwin {
 
-/// Whether a file can be made in a folder. It is tried, because permissions alone do not tell: a disk may be
-/// read-only, and a share may have rules of its own. Nothing stays behind.
+/// Whether a file can be created in a folder. This creates and removes one, because permissions are not enough to know
+/// it: a disk may be read-only, and a network share may have its own rules.
 bool canWriteInto(const std::filesystem::path &folder);
 
 } // namespace lumetwin

@@ -13,30 +13,30 @@
 
 namespace lumetwin {
 
-/// What a spatial check finds in a file.
+/// The result of a spatial check of one file.
 struct SpatialFinding {
     bool isSpatial = false;
     StereoValues values = {};
-    std::optional<PictureSize> picture = {}; ///< of what is not spatial
-    std::string failure = {};                ///< why the file cannot be read; empty where it can
+    std::optional<PictureSize> picture = {}; ///< only of files that are not spatial
+    std::string failure = {};                ///< why the file cannot be read; empty when it can
 };
 
-/// What the form needs from the world around it. Tests put other answers in.
+/// The functions that the form calls outside of itself. Tests replace them.
 struct FormServices {
     std::shared_ptr<AlertPresenter> alerts = std::make_shared<MessageBoxPresenter>();
     std::shared_ptr<FilePanels> panels = std::make_shared<DialogPanels>();
-    /// What is done to single files.
+    /// The operations on single files.
     MediaOperations operations = MediaOperations::inProcess();
-    /// On the batch's thread.
+    /// Runs on the batch's thread.
     std::function<void(VideoProcessor &processor)> runBatch = [](VideoProcessor &processor) { processor.processAll(); };
-    /// On a background thread.
+    /// Runs on a background thread.
     std::function<bool(const VideoProcessor &processor, const std::filesystem::path &file)> isSpatialVideo =
         [](const VideoProcessor &processor, const std::filesystem::path &file) {
             return processor.isSpatialVideo(file);
         };
-    /// On a background thread; empty: the form's own inspection.
+    /// Runs on a background thread. When empty, inspectFile is used.
     std::function<SpatialFinding(const std::filesystem::path &file)> inspect = {};
-    /// Shows outputs in the file manager.
+    /// Shows the outputs in the file manager.
     std::function<void(const std::filesystem::path &folder, const std::vector<std::filesystem::path> &outputs)>
         showInFolder = {};
 };

@@ -14,7 +14,7 @@ std::optional<double> fieldValue(const StereoRange &range, const QString &text) 
     return value && range.accepts(*value) ? value : std::nullopt;
 }
 
-std::optional<std::int64_t> eyeSize(const QString &text) {
+std::optional<std::int64_t> parseEyeSize(const QString &text) {
     const auto size = parseInteger(text);
     return size && *size >= 1 ? size : std::nullopt;
 }

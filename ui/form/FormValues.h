@@ -10,15 +10,16 @@
 
 namespace lumetwin {
 
-// What the texts of the form's controls stand for, and the other way round.
+// Conversion between the texts of the form's controls and their values.
 
-/// The text that a slider writes into its field.
+/// The text of a value in the field beside its slider.
 QString fieldText(const StereoRange &range, double value);
-/// The value of a field's text; none for what is no number or lies outside the range.
+/// The value of a field's text; nullopt when it is not a number or lies outside the range.
 std::optional<double> fieldValue(const StereoRange &range, const QString &text);
-/// The width or height of one eye, from 1, in pixels; none for any other text.
-std::optional<std::int64_t> eyeSize(const QString &text);
-/// The percentage, truncated; a decimal such as 0.29 counts as what it says although its binary form lies below.
+/// The width or height of one eye, in pixels, at least 1; nullopt for any other text.
+std::optional<std::int64_t> parseEyeSize(const QString &text);
+/// The quality as a percentage, rounded down, such as "29%". 0.29 gives 29 although its binary value is slightly
+/// smaller.
 QString qualityText(double quality);
 
 } // namespace lumetwin

@@ -11,11 +11,11 @@ namespace lumetwin {
 void HeaderBand::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.fillRect(rect(), bandColour(palette()));
-    drawSymbol(painter, QRectF(symbolPlace_), Symbol::film, palette().color(QPalette::WindowText));
+    drawSymbol(painter, QRectF(symbolRect_), Symbol::film, palette().color(QPalette::WindowText));
 }
 
-void HeaderBand::setSymbolPlace(const QRect &place) {
-    symbolPlace_ = place;
+void HeaderBand::setSymbolRect(const QRect &place) {
+    symbolRect_ = place;
     update();
 }
 

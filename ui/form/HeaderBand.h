@@ -5,20 +5,20 @@
 
 namespace lumetwin {
 
-/// The band behind the form's title, in the accent colour at reduced opacity, with a symbol before the title.
+/// The band behind the form's title: the accent colour at reduced opacity, with a symbol to the left of the title.
 class HeaderBand : public QWidget {
     Q_OBJECT
 
 public:
     using QWidget::QWidget;
 
-    void setSymbolPlace(const QRect &place);
+    void setSymbolRect(const QRect &place);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QRect symbolPlace_;
+    QRect symbolRect_;
 };
 
 } // namespace lumetwin

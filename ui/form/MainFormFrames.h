@@ -6,7 +6,7 @@
 
 namespace lumetwin {
 
-/// Where the form's parts stand in its document, in points from the bottom left.
+/// The positions of the form's parts in its document, in points. The origin is the bottom left corner.
 struct MainFormFrames {
     PointFrame startButton;
     PointFrame commonSection;

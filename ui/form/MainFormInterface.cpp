@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The building of the form: every control, its texts, its starting state and its action.
+// Builds the form: every control with its texts, its initial state and its action.
 #include "ui/form/MainViewController.h"
 
 #include "ui/files/DropFolderView.h"
@@ -27,50 +27,50 @@ namespace lumetwin {
 
 namespace {
 
-template <typename Widget> Widget *named(Widget *widget, const char *name) {
+template <typename Widget> Widget *withName(Widget *widget, const char *name) {
     widget->setObjectName(QLatin1String(name));
     return widget;
 }
 
-QString local(const char *key) {
+QString localizedText(const char *key) {
     return toQString(text(key));
 }
 
-/// The caption's words name the control for screen readers too.
-void describe(QLabel *caption, QWidget *control) {
+/// Makes the label the caption of the control, also for screen readers.
+void setCaption(QLabel *caption, QWidget *control) {
     caption->setBuddy(control);
     control->setAccessibleName(caption->accessibleName());
 }
 
-/// A button's words, and the letter that the Alt key presses it by.
-template <typename Button> Button *labelled(Button *button, const QString &words, char mnemonic) {
+/// Sets the text of a button or label, and the letter that reaches it together with the Alt key.
+template <typename Button> Button *withLabel(Button *button, const QString &words, char mnemonic) {
     button->setText(withMnemonic(words, mnemonic));
     button->setAccessibleName(words);
     return button;
 }
 
-/// Every number as short as it can be: 10, -100, 19.24.
-std::string number(double value) {
+/// The shortest text of a number, such as 10, -100 or 19.24.
+std::string shortNumber(double value) {
     return QString::number(value).toStdString();
 }
 
-QString shown(const QKeySequence &keys) {
+QString shortcutText(const QKeySequence &keys) {
     return keys.toString(QKeySequence::NativeText);
 }
 
 } // namespace
 
 void MainViewController::buildInterface() {
-    contentView = named(new QWidget(this), "contentView");
-    scrollView = named(new QScrollArea(contentView), "scrollView");
+    contentView = withName(new QWidget(this), "contentView");
+    scrollView = withName(new QScrollArea(contentView), "scrollView");
     scrollView->setFrameShape(QFrame::NoFrame);
     scrollView->setFocusPolicy(Qt::NoFocus);
-    documentView = named(new QWidget, "documentView");
+    documentView = withName(new QWidget, "documentView");
     buildHeader();
     buildDirection();
     buildInput();
     buildOutput();
-    optionsSection = named(new SectionView(local("section.output.options"), documentView), "optionsSection");
+    optionsSection = withName(new SectionView(localizedText("section.output.options"), documentView), "optionsSection");
     buildSpatialOptions();
     buildSBSOptions();
     buildCommonOptions();
@@ -78,14 +78,14 @@ void MainViewController::buildInterface() {
     scrollView->setWidget(documentView);
     setTabOrders();
     setShortcuts();
-    updateResets();
+    updateResetButtons();
 }
 
 QLabel *MainViewController::caption(QLabel *&label, const std::string &text, QWidget *parent, char mnemonic) {
     if (!label) {
         label = new QLabel(parent);
         label->setTextFormat(Qt::PlainText);
-        labelled(label, toQString(text), mnemonic);
+        withLabel(label, toQString(text), mnemonic);
         label->setProperty("secondary", false);
     }
     return label;
@@ -101,23 +101,23 @@ QLabel *MainViewController::unit(QLabel *&label, const char *text, QWidget *pare
 }
 
 void MainViewController::buildHeader() {
-    headerView = named(new HeaderBand(documentView), "headerView");
-    titleLabel = named(new QLabel(QStringLiteral("Lumetwin"), headerView), "titleLabel");
-    subtitleLabel = named(new QLabel(local("app.subtitle"), headerView), "subtitleLabel");
+    headerView = withName(new HeaderBand(documentView), "headerView");
+    titleLabel = withName(new QLabel(QStringLiteral("Lumetwin"), headerView), "titleLabel");
+    subtitleLabel = withName(new QLabel(localizedText("app.subtitle"), headerView), "subtitleLabel");
     subtitleLabel->setProperty("secondary", true);
 }
 
 void MainViewController::buildDirection() {
-    directionSection = named(new SectionView(local("section.direction"), documentView), "directionSection");
-    spatialToSBSButton = named(new QRadioButton(directionSection), "spatialToSBSButton");
-    sbsToSpatialButton = named(new QRadioButton(directionSection), "sbsToSpatialButton");
-    labelled(spatialToSBSButton, local("direction.spatial.to.sbs"), 'p');
-    labelled(sbsToSpatialButton, local("direction.sbs.to.spatial"), 'd');
+    directionSection = withName(new SectionView(localizedText("section.direction"), documentView), "directionSection");
+    spatialToSBSButton = withName(new QRadioButton(directionSection), "spatialToSBSButton");
+    sbsToSpatialButton = withName(new QRadioButton(directionSection), "sbsToSpatialButton");
+    withLabel(spatialToSBSButton, localizedText("direction.spatial.to.sbs"), 'p');
+    withLabel(sbsToSpatialButton, localizedText("direction.sbs.to.spatial"), 'd');
     spatialToSBSButton->setChecked(true);
     auto *tags = new QButtonGroup(this);
     tags->addButton(spatialToSBSButton, 0);
     tags->addButton(sbsToSpatialButton, 1);
-    // Also when the arrow keys choose: the button that becomes checked is the sender.
+    // This also handles the arrow keys. The button that becomes checked is the sender.
     connect(tags, &QButtonGroup::buttonToggled, this, [this](QAbstractButton *button, bool checked) {
         if (checked)
             directionChanged(button);
@@ -125,77 +125,79 @@ void MainViewController::buildDirection() {
 }
 
 void MainViewController::buildInput() {
-    inputSection = named(new SectionView(local("panel.select.input.title"), documentView), "inputSection");
-    inputDropView = named(new DropFolderView(inputSection), "inputDropView");
-    inputDropView->setPlaceholder(local("drop.folder.file.placeholder"));
+    inputSection = withName(new SectionView(localizedText("panel.select.input.title"), documentView), "inputSection");
+    inputDropView = withName(new DropFolderView(inputSection), "inputDropView");
+    inputDropView->setPlaceholder(localizedText("drop.folder.file.placeholder"));
     inputDropView->setAccessibleName(inputSection->titleLabel->text());
     inputDropView->onFolderDropped = [this](const auto &folder) {
         setInputFolder(folder);
-        warnOfAVI();
+        warnAboutAVI();
     };
     inputDropView->onFilesDropped = [this](const auto &files) {
         setInputFiles(files);
-        warnOfAVI();
+        warnAboutAVI();
     };
     inputDropView->onActivated = [this] { selectInputFolder(); };
-    inputSelectBtn = named(new QPushButton(local("button.select"), inputSection), "inputSelectBtn");
+    inputSelectBtn = withName(new QPushButton(localizedText("button.select"), inputSection), "inputSelectBtn");
     inputSelectBtn->setAccessibleDescription(inputSection->titleLabel->text());
     connect(inputSelectBtn, &QPushButton::clicked, this, &MainViewController::selectInputFolder);
-    checkSpatialBtn = named(new QPushButton(local("button.check.spatial"), inputSection), "checkSpatialBtn");
+    checkSpatialBtn = withName(new QPushButton(localizedText("button.check.spatial"), inputSection), "checkSpatialBtn");
     connect(checkSpatialBtn, &QPushButton::clicked, this, &MainViewController::checkSpatialMedia);
-    inputPathLabel = named(new ElidedLabel(local("label.not.selected"), inputSection), "inputPathLabel");
+    inputPathLabel = withName(new ElidedLabel(localizedText("label.not.selected"), inputSection), "inputPathLabel");
     inputPathLabel->setProperty("secondary", true);
 }
 
 void MainViewController::buildOutput() {
-    outputSection = named(new SectionView(local("section.output.folder"), documentView), "outputSection");
-    outputDropView = named(new DropFolderView(outputSection), "outputDropView");
+    outputSection = withName(new SectionView(localizedText("section.output.folder"), documentView), "outputSection");
+    outputDropView = withName(new DropFolderView(outputSection), "outputDropView");
     outputDropView->setPlaceholder(toQString(folderPlaceholder()));
     outputDropView->setAccessibleName(outputSection->titleLabel->text());
-    outputDropView->takeOnlyFolders();
+    outputDropView->acceptOnlyFolders();
     outputDropView->objection = [](const auto &folder) {
-        return canWriteInto(folder) ? "" : formatted("error.output.unwritable.format", shownName(folder).toStdString());
+        return canWriteInto(folder) ? ""
+                                    : formatted("error.output.unwritable.format", displayName(folder).toStdString());
     };
     outputDropView->onFolderDropped = [this](const auto &folder) { setOutputFolder(folder); };
     outputDropView->onActivated = [this] { selectOutputFolder(); };
-    outputSelectBtn = named(new QPushButton(local("button.select.folder"), outputSection), "outputSelectBtn");
+    outputSelectBtn =
+        withName(new QPushButton(localizedText("button.select.folder"), outputSection), "outputSelectBtn");
     outputSelectBtn->setAccessibleDescription(outputSection->titleLabel->text());
     connect(outputSelectBtn, &QPushButton::clicked, this, &MainViewController::selectOutputFolder);
-    outputPathLabel = named(new ElidedLabel(local("label.not.selected"), outputSection), "outputPathLabel");
+    outputPathLabel = withName(new ElidedLabel(localizedText("label.not.selected"), outputSection), "outputPathLabel");
     outputPathLabel->setProperty("secondary", true);
 }
 
 NumberField *MainViewController::stereoField(const char *name, const StereoRange &range, QLabel *caption,
                                              const char *help) {
     const auto parse = [range](const QString &text) { return fieldValue(range, text); };
-    auto *field = named(new NumberField(fieldText(range, range.start), parse, caption->parentWidget()), name);
+    auto *field = withName(new NumberField(fieldText(range, range.start), parse, caption->parentWidget()), name);
     field->setAlignment(Qt::AlignRight);
-    describe(caption, field);
-    const std::string low = number(range.minimum), high = number(range.maximum);
-    const QString words = toQString(formatted(help, low, high, number(range.start)));
-    field->setWords(toQString(formatted("field.range.format", low, high)), words);
+    setCaption(caption, field);
+    const std::string low = shortNumber(range.minimum), high = shortNumber(range.maximum);
+    const QString words = toQString(formatted(help, low, high, shortNumber(range.start)));
+    field->setTexts(toQString(formatted("field.range.format", low, high)), words);
     caption->setToolTip(words);
     return field;
 }
 
 NumberField *MainViewController::sizeField(const char *name, std::int64_t start, QLabel *caption) {
     const auto parse = [](const QString &text) -> std::optional<double> {
-        const auto size = eyeSize(text);
+        const auto size = parseEyeSize(text);
         return size ? std::optional(static_cast<double>(*size)) : std::nullopt;
     };
-    auto *field = named(new NumberField(QString::number(start), parse, caption->parentWidget()), name);
+    auto *field = withName(new NumberField(QString::number(start), parse, caption->parentWidget()), name);
     field->setAlignment(Qt::AlignRight);
-    describe(caption, field);
-    field->setWords(local("field.size"), local("resize.help"));
+    setCaption(caption, field);
+    field->setTexts(localizedText("field.size"), localizedText("resize.help"));
     return field;
 }
 
 QToolButton *MainViewController::resetButton(const char *name, const StereoRange &range, QLabel *caption,
                                              ValueSlider *slider) {
-    auto *button = named(new QToolButton(spatialOptionsView), name);
+    auto *button = withName(new QToolButton(spatialOptionsView), name);
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::StrongFocus);
-    button->setToolTip(toQString(formatted("button.reset.format", number(range.start))));
+    button->setToolTip(toQString(formatted("button.reset.format", shortNumber(range.start))));
     button->setAccessibleName(button->toolTip());
     button->setAccessibleDescription(caption->accessibleName());
     connect(button, &QToolButton::clicked, slider, [slider, range] { slider->moveTo(range.start); });
@@ -203,10 +205,10 @@ QToolButton *MainViewController::resetButton(const char *name, const StereoRange
 }
 
 void MainViewController::buildSpatialOptions() {
-    spatialOptionsView = named(new QWidget(optionsSection), "spatialOptionsView");
+    spatialOptionsView = withName(new QWidget(optionsSection), "spatialOptionsView");
     QWidget *view = spatialOptionsView;
     const auto slider = [view](const char *name, const StereoRange &range, QLabel *caption) {
-        auto *made = named(new ValueSlider(range, view), name);
+        auto *made = withName(new ValueSlider(range, view), name);
         made->setAccessibleName(caption->accessibleName());
         return made;
     };
@@ -239,12 +241,12 @@ void MainViewController::buildSpatialOptions() {
 }
 
 void MainViewController::buildSBSOptions() {
-    sbsOptionsView = named(new QWidget(optionsSection), "sbsOptionsView");
+    sbsOptionsView = withName(new QWidget(optionsSection), "sbsOptionsView");
     const auto popup = [this](const char *name, const auto &cases, QLabel *caption) {
-        auto *made = named(new QComboBox(sbsOptionsView), name);
+        auto *made = withName(new QComboBox(sbsOptionsView), name);
         for (const auto item : cases)
             made->addItem(QString::fromUtf8(rawValue(item).data(), static_cast<qsizetype>(rawValue(item).size())));
-        describe(caption, made);
+        setCaption(caption, made);
         return made;
     };
     QWidget *view = sbsOptionsView;
@@ -254,28 +256,32 @@ void MainViewController::buildSBSOptions() {
                              caption(lblPhotoFmt, text("option.photo.output.format"), view, 'f'));
     connect(photoFormatPopup, &QComboBox::currentIndexChanged, this, &MainViewController::photoFormatChanged);
     caption(lblQuality, text("option.quality"), view, 'q');
-    compressionSlider = named(new ValueSlider(qualityRange, view), "compressionSlider");
-    describe(lblQuality, compressionSlider);
+    compressionSlider = withName(new ValueSlider(qualityRange, view), "compressionSlider");
+    setCaption(lblQuality, compressionSlider);
     for (QWidget *part : std::initializer_list<QWidget *>{lblQuality, compressionSlider})
-        part->setToolTip(local("option.quality.help"));
+        part->setToolTip(localizedText("option.quality.help"));
     connect(compressionSlider, &ValueSlider::moved, this, &MainViewController::compressionChanged);
-    compressionLabel = named(new QLabel(QStringLiteral("75%"), view), "compressionLabel");
-    halfWidthCheck = labelled(named(new QCheckBox(view), "halfWidthCheck"), local("option.half.width"), 'w');
+    compressionLabel = withName(new QLabel(QStringLiteral("75%"), view), "compressionLabel");
+    halfWidthCheck =
+        withLabel(withName(new QCheckBox(view), "halfWidthCheck"), localizedText("option.half.width"), 'w');
     connect(halfWidthCheck, &QCheckBox::toggled, this, &MainViewController::halfWidthChanged);
 }
 
 void MainViewController::buildCommonOptions() {
-    commonSection = named(new SectionView(local("section.common"), documentView), "commonSection");
+    commonSection = withName(new SectionView(localizedText("section.common"), documentView), "commonSection");
     QWidget *view = commonSection;
-    swapLRCheck = labelled(named(new QCheckBox(view), "swapLRCheck"), local("option.swap.lr"), 's');
+    swapLRCheck = withLabel(withName(new QCheckBox(view), "swapLRCheck"), localizedText("option.swap.lr"), 's');
     connect(swapLRCheck, &QCheckBox::toggled, this, &MainViewController::swapLRChanged);
-    copyAudioCheck = labelled(named(new QCheckBox(view), "copyAudioCheck"), local("option.copy.audio"), 'u');
+    copyAudioCheck =
+        withLabel(withName(new QCheckBox(view), "copyAudioCheck"), localizedText("option.copy.audio"), 'u');
     copyAudioCheck->setChecked(true);
     connect(copyAudioCheck, &QCheckBox::toggled, this, &MainViewController::copyAudioChanged);
-    keepTimingCheck = labelled(named(new QCheckBox(view), "keepTimingCheck"), local("option.keep.timing"), 'k');
-    keepTimingCheck->setToolTip(local("option.keep.timing.help"));
+    keepTimingCheck =
+        withLabel(withName(new QCheckBox(view), "keepTimingCheck"), localizedText("option.keep.timing"), 'k');
+    keepTimingCheck->setToolTip(localizedText("option.keep.timing.help"));
     connect(keepTimingCheck, &QCheckBox::toggled, this, &MainViewController::keepTimingChanged);
-    enableResizeCheck = labelled(named(new QCheckBox(view), "enableResizeCheck"), local("option.enable.resize"), 'r');
+    enableResizeCheck =
+        withLabel(withName(new QCheckBox(view), "enableResizeCheck"), localizedText("option.enable.resize"), 'r');
     connect(enableResizeCheck, &QCheckBox::toggled, this, &MainViewController::enableResizeChanged);
     resizeWidthField =
         sizeField("resizeWidthField", settings->resizeWidth, caption(lblEyeW, text("resize.eye.width"), view, 'e'));
@@ -288,27 +294,27 @@ void MainViewController::buildCommonOptions() {
         connect(field, &NumberField::editingFinished, this, &MainViewController::resizeDimChanged);
     }
     caption(lblResizeMode, text("resize.mode.label"), view, 't');
-    resizeModePopup = named(new QComboBox(view), "resizeModePopup");
+    resizeModePopup = withName(new QComboBox(view), "resizeModePopup");
     resizeModePopup->addItem(toQString(text("resize.mode.stretch", "Stretch to output size (ignore aspect ratio)")));
     resizeModePopup->addItem(toQString(text("resize.mode.cropFill", "Preserve aspect ratio (center crop)")));
     resizeModePopup->addItem(toQString(text("resize.mode.letterbox", "Preserve aspect ratio (letterbox)")));
     resizeModePopup->setCurrentIndex(rawValue(ResizeMode::letterbox));
-    describe(lblResizeMode, resizeModePopup);
+    setCaption(lblResizeMode, resizeModePopup);
     connect(resizeModePopup, &QComboBox::currentIndexChanged, this, &MainViewController::resizeModeChanged);
-    resizeWarningLabel = named(new QLabel(view), "resizeWarningLabel");
+    resizeWarningLabel = withName(new QLabel(view), "resizeWarningLabel");
     resizeWarningLabel->setWordWrap(true);
     resizeWarningLabel->setTextFormat(Qt::PlainText);
     resizeWarningLabel->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 }
 
 void MainViewController::buildStartButton() {
-    const QString title = local("button.start.conversion");
-    startLine = named(new QFrame(contentView), "startLine");
+    const QString title = localizedText("button.start.conversion");
+    startLine = withName(new QFrame(contentView), "startLine");
     startLine->setFrameShape(QFrame::HLine);
-    startButton = named(new ColouredButton(QStringLiteral("▶  ") + title, 10, contentView), "startButton");
+    startButton = withName(new ColouredButton(QStringLiteral("▶  ") + title, 10, contentView), "startButton");
     startButton->setAccessibleName(title);
     connect(startButton, &QPushButton::clicked, this, &MainViewController::startConversion);
-    // The keypad's key counts as well.
+    // Ctrl and the Enter key of the keypad also start.
     auto *keypad = new QShortcut(Qt::CTRL | Qt::Key_Enter, contentView);
     connect(keypad, &QShortcut::activated, startButton, [this] { startButton->click(); });
 }
@@ -324,14 +330,14 @@ void MainViewController::setTabOrders() {
         setTabOrder(order[i - 1], order[i]);
     for (QWidget *control : order) {
         control->installEventFilter(this);
-        // The wheel gives no focus: see eventFilter.
+        // Turning the wheel must not move the focus; see eventFilter.
         if (control->focusPolicy() == Qt::WheelFocus)
             control->setFocusPolicy(Qt::StrongFocus);
     }
     updateTabStop();
 }
 
-/// The keys of what has no letter of its own, and Enter, which presses what has the focus.
+/// Sets the shortcuts of the buttons that have no Alt letter, and lets Enter press the focused button.
 void MainViewController::setShortcuts() {
     const QKeySequence select(QKeySequence::Open), folder(Qt::CTRL | Qt::SHIFT | Qt::Key_O),
         check(Qt::CTRL | Qt::Key_I), start(Qt::CTRL | Qt::Key_Return);
@@ -340,13 +346,13 @@ void MainViewController::setShortcuts() {
                                        {outputSelectBtn, folder},
                                        {startButton, start}}) {
         button->setShortcut(keys);
-        button->setToolTip(shown(keys));
+        button->setToolTip(shortcutText(keys));
         button->setAutoDefault(true);
     }
 }
 
-/// The tabulator stops at the chosen direction, however it was chosen; the toolkit lets it stop at the button that had
-/// the focus last.
+/// Lets the Tab key stop at the chosen direction, however it was chosen. Without this, Qt stops at the radio button
+/// that had the focus last.
 void MainViewController::updateTabStop() {
     for (QRadioButton *button : {spatialToSBSButton, sbsToSpatialButton})
         button->setFocusPolicy(button->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The looks of the form: where everything stands, fonts and colours.
+// The form's layout, fonts and colours.
 #include "ui/form/MainViewController.h"
 
 #include "ui/files/DropFolderView.h"
@@ -27,17 +27,17 @@ namespace lumetwin {
 
 namespace {
 
-constexpr double titleHeight = 24; // points that a section's title takes at its top
+constexpr double titleHeight = 24; // points, at the top of a section
 constexpr double textSize = 13;
 constexpr double smallTextSize = 12;
-constexpr double pinnedMargin = 14; // above and below the start button of a low window
+constexpr double pinnedMargin = 14; // points, above and below the start button in a low window
 
-int pinnedRow(const PointScale &scale) {
+int pinnedRowHeight(const PointScale &scale) {
     constexpr double buttonHeight = 48;
     return scale.vertical(buttonHeight + 2 * pinnedMargin);
 }
 
-/// Places widgets in a container by their distance from its top.
+/// Places widgets in a container by the distance from its top, in points.
 class Rows {
 public:
     Rows(double containerHeight, const PointScale &scale) : height_(containerHeight), scale_(scale) {}
@@ -85,18 +85,19 @@ void MainViewController::applyColours() {
     }
 }
 
-/// The form scrolls in a window that is too low for it; the start button stays in sight below it. A window that is too
-/// narrow takes of the right margin first, and then of every width.
+/// In a window that is too low, the form scrolls and the start button stays visible below it. In a window that is too
+/// narrow, the right margin shrinks first, then all widths.
 void MainViewController::layoutDocument() {
     constexpr double buttonRow = 68; // points from the common options' gap to the bottom
     constexpr double spareMargin = 18;
     scale_ = PointScale::current();
     const MainFormFrames frames = mainFormFrames(settings->direction, settings->enableResize);
     const int formHeight = scale_.vertical(frames.documentHeight - buttonRow);
-    const int room = scale_.vertical(frames.documentHeight) <= height() ? formHeight : height() - pinnedRow(scale_);
-    scrollView->setGeometry(0, 0, width(), qMin(formHeight, room));
-    const int bar = formHeight > room ? scrollView->verticalScrollBar()->sizeHint().width() : 0;
-    const int available = width() - bar;
+    const int visibleHeight =
+        scale_.vertical(frames.documentHeight) <= height() ? formHeight : height() - pinnedRowHeight(scale_);
+    scrollView->setGeometry(0, 0, width(), qMin(formHeight, visibleHeight));
+    const int scrollBarWidth = formHeight > visibleHeight ? scrollView->verticalScrollBar()->sizeHint().width() : 0;
+    const int available = width() - scrollBarWidth;
     scale_.x = qMin(scale_.x, available / (MainFormFrames::documentWidth - spareMargin));
     const int formWidth = scale_.horizontal(MainFormFrames::documentWidth);
     documentView->resize(available, formHeight);
@@ -111,10 +112,10 @@ void MainViewController::layoutDocument() {
     place(directionSection, frames.directionSection);
     place(headerView, frames.header);
     place(startButton, frames.startButton);
-    startLine->setVisible(formHeight > room);
-    if (formHeight > room) {
-        startButton->move(startButton->x(), room + scale_.vertical(pinnedMargin));
-        startLine->setGeometry(0, room, width(), 1);
+    startLine->setVisible(formHeight > visibleHeight);
+    if (formHeight > visibleHeight) {
+        startButton->move(startButton->x(), visibleHeight + scale_.vertical(pinnedMargin));
+        startLine->setGeometry(0, visibleHeight, width(), 1);
     }
     layoutSections();
     layoutOptions();
@@ -123,11 +124,11 @@ void MainViewController::layoutDocument() {
 
 void MainViewController::layoutSections() {
     const PointScale &scale = scale_;
-    headerView->setSymbolPlace(scale.toQt({20, 31, 28, 28}, 68));
+    headerView->setSymbolRect(scale.toQt({20, 31, 28, 28}, 68));
     titleLabel->setGeometry(scale.toQt({20, 30, 680, 28}, 68));
     titleLabel->setIndent(scale.horizontal(36));
     subtitleLabel->setGeometry(scale.toQt({22, 10, 680, 17}, 68));
-    // A little below their usual places: the section's title must not touch them.
+    // Placed a little low, so that they do not touch the section's title.
     spatialToSBSButton->setGeometry(scale.toQt({16, 32, 380, 22}, 76));
     sbsToSpatialButton->setGeometry(scale.toQt({16, 8, 380, 22}, 76));
     inputDropView->setGeometry(scale.toQt({14, 40, 320, 36}, 100));
@@ -195,7 +196,7 @@ void MainViewController::layoutCommon() {
 void MainViewController::layoutOptionsArea() {
     layoutDocument();
     scrollView->verticalScrollBar()->setValue(0);
-    // In a window that is too low for the whole form, what the user just changed stays in sight.
+    // In a window that is too low for the whole form, keep the control visible that the user just changed.
     if (QWidget *control = focusWidget(); control && commonSection->isAncestorOf(control))
         scrollView->ensureWidgetVisible(commonSection, 0, PointScale::current().vertical(14));
 }
@@ -225,11 +226,11 @@ bool MainViewController::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::FocusIn)
         scrollView->ensureWidgetVisible(control, 20, 40);
     else if (event->type() == QEvent::MouseButtonPress)
-        clicked_ = control;
-    else if (event->type() == QEvent::FocusOut && clicked_ == control)
-        clicked_ = nullptr;
-    // The wheel scrolls the form; it changes only what the user clicked.
-    if (event->type() == QEvent::Wheel && clicked_ != control) {
+        lastClicked_ = control;
+    else if (event->type() == QEvent::FocusOut && lastClicked_ == control)
+        lastClicked_ = nullptr;
+    // The wheel scrolls the form. It changes a control only after the user clicked that control.
+    if (event->type() == QEvent::Wheel && lastClicked_ != control) {
         event->ignore();
         return true;
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the user selects on the form: the input, the output folder, a file to check.
+// Handles what the user selects on the form: the input, the output folder, a file to check.
 #include "ui/form/MainViewController.h"
 
 #include "engine/batch/InputList.h"
@@ -42,31 +42,31 @@ void MainViewController::inputChosen(const std::vector<fs::path> &paths) {
         setInputFiles(input.files);
         inputDropView->showFiles(input.files);
     }
-    warnOfAVI();
+    warnAboutAVI();
 }
 
 void MainViewController::setInputFolder(const fs::path &folder) {
     settings->inputFolderURL = folder;
     settings->inputFiles.reset();
-    aviSettled_ = false;
-    showPath(inputPathLabel, shownPath(folder));
+    aviQuestionAnswered_ = false;
+    showPath(inputPathLabel, displayPath(folder));
 }
 
 void MainViewController::setInputFiles(const std::vector<fs::path> &files) {
     settings->inputFiles = files;
     settings->inputFolderURL.reset();
-    aviSettled_ = false;
-    showPath(inputPathLabel, files.size() == 1 ? shownPath(files.front())
-                                               : toQString(filesSelected(static_cast<std::int64_t>(files.size()))));
+    aviQuestionAnswered_ = false;
+    showPath(inputPathLabel, files.size() == 1 ? displayPath(files.front())
+                                               : toQString(filesSelectedText(static_cast<std::int64_t>(files.size()))));
 }
 
-void MainViewController::warnOfAVI() {
-    if (settings->enableResize || !holdsAVI(inputEntries(*settings)))
+void MainViewController::warnAboutAVI() {
+    if (settings->enableResize || !containsAVI(inputEntries(*settings)))
         return;
     const Alert alert{
         text("alert.avi.title"), text("alert.avi.message"), {text("alert.avi.enable.resize"), text("button.continue")}};
     services_.alerts->present(alert, this, [this](int button) {
-        aviSettled_ = button != AlertPresenter::dismissed;
+        aviQuestionAnswered_ = button != AlertPresenter::dismissed;
         if (button == 0)
             turnOnResize();
     });
@@ -89,7 +89,7 @@ void MainViewController::outputChosen(const fs::path &folder) {
 
 void MainViewController::setOutputFolder(const fs::path &folder) {
     settings->outputFolderURL = folder;
-    showPath(outputPathLabel, shownPath(folder));
+    showPath(outputPathLabel, displayPath(folder));
 }
 
 void MainViewController::showPath(ElidedLabel *label, const QString &path) {
@@ -109,27 +109,27 @@ void MainViewController::checkFile(const fs::path &file) {
     setChecking(true);
     checkSpatialFile(file, this, services_, [this](const Alert &answer) {
         setChecking(false);
-        answer_ = answer;
-        showAnswer();
+        checkResult_ = answer;
+        showCheckResult();
     });
 }
 
 void MainViewController::setChecking(bool checking) {
-    const QString words = toQString(text(checking ? "button.checking" : "button.check.spatial"));
+    const QString title = toQString(text(checking ? "button.checking" : "button.check.spatial"));
     const bool hadFocus = checkSpatialBtn->hasFocus();
-    checkSpatialBtn->setText(words);
-    setShortcuts(); // which go with the old words
-    checkSpatialBtn->setAccessibleName(words);
+    checkSpatialBtn->setText(title);
+    setShortcuts(); // setText removed the shortcut
+    checkSpatialBtn->setAccessibleName(title);
     checkSpatialBtn->setEnabled(!checking);
     if (hadFocus && checking)
         inputSelectBtn->setFocus();
 }
 
-/// The answer of a check waits until no batch runs, and none is about to.
-void MainViewController::showAnswer() {
-    if (!answer_ || preflight_ || batch_->state() != BatchPresentation::State::idle)
+/// Shows the result of a check, but not while a batch runs or is about to start.
+void MainViewController::showCheckResult() {
+    if (!checkResult_ || preflight_ || batch_->state() != BatchPresentation::State::idle)
         return;
-    const Alert answer = *std::exchange(answer_, {});
+    const Alert answer = *std::exchange(checkResult_, {});
     services_.alerts->present(answer, this, [](int) {});
 }
 

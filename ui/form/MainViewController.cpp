@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How the form keeps the settings in step with its controls, and starts batches.
+// Copies the values of the form's controls into the settings, and starts batches.
 #include "ui/form/MainViewController.h"
 
 #include "ui/form/FormValues.h"
@@ -21,15 +21,15 @@ namespace lumetwin {
 
 namespace {
 
-/// Moving a slider: the value goes into the setting, and its text into the field.
-void takeFromSlider(double value, const StereoRange &range, double &setting, NumberField *field) {
+/// After a slider moved: stores its value in the setting and shows it in the field.
+void setValueFromSlider(double value, const StereoRange &range, double &setting, NumberField *field) {
     setting = value;
     field->showValue(value, fieldText(range, value));
 }
 
-/// Editing a field: what it stands for goes into the setting and moves the slider. What it does not take stands for
-/// the value before the editing, so that no half-typed number is left behind.
-void takeFromField(const NumberField *field, double &setting, ValueSlider *slider) {
+/// After a field was edited: stores its value in the setting and moves the slider. While the text is not valid, the
+/// value from before the editing is used, so that no half-typed number stays in the settings.
+void setValueFromField(const NumberField *field, double &setting, ValueSlider *slider) {
     setting = field->value();
     slider->setDoubleValue(setting);
 }
@@ -42,17 +42,17 @@ MainViewController::MainViewController(FormServices services, QWidget *parent)
     applyFonts();
     applyColours();
     layoutOptionsArea();
-    spatialToSBSButton->setFocus(); // the first control has the focus at first, not the start button
+    spatialToSBSButton->setFocus(); // the first control, not the start button
     batch_ = std::make_unique<BatchPresentation>(contentView, services_);
     connect(batch_.get(), &BatchPresentation::batchStarted, this, &MainViewController::batchStarted);
     connect(batch_.get(), &BatchPresentation::batchProgressed, this, &MainViewController::batchProgressed);
     connect(batch_.get(), &BatchPresentation::batchFinished, this, &MainViewController::batchFinished);
     connect(batch_.get(), &BatchPresentation::batchEnded, this, &MainViewController::batchEnded);
-    connect(batch_.get(), &BatchPresentation::stateChanged, this, &MainViewController::updateUse);
+    connect(batch_.get(), &BatchPresentation::stateChanged, this, &MainViewController::updateEnabledState);
 }
 
 MainViewController::~MainViewController() {
-    // A field that goes while it is edited tells the end of its editing, when this is a form no more.
+    // A field that is destroyed while it has the focus emits editingFinished. At that time this form no longer exists.
     for (const QObject *child : findChildren<QObject *>())
         child->disconnect(this);
 }
@@ -68,35 +68,35 @@ void MainViewController::directionChanged(QAbstractButton *sender) {
 }
 
 void MainViewController::fovSliderChanged(double value) {
-    takeFromSlider(value, fovRange, settings->horizontalFOV, fovField);
-    updateResets();
+    setValueFromSlider(value, fovRange, settings->horizontalFOV, fovField);
+    updateResetButtons();
 }
 
 void MainViewController::disparitySliderChanged(double value) {
-    takeFromSlider(value, disparityRange, settings->disparityAdjustment, disparityField);
-    updateResets();
+    setValueFromSlider(value, disparityRange, settings->disparityAdjustment, disparityField);
+    updateResetButtons();
 }
 
 void MainViewController::baselineSliderChanged(double value) {
-    takeFromSlider(value, baselineRange, settings->stereoBaseline, baselineField);
-    updateResets();
+    setValueFromSlider(value, baselineRange, settings->stereoBaseline, baselineField);
+    updateResetButtons();
 }
 
 void MainViewController::fovFieldChanged() {
-    takeFromField(fovField, settings->horizontalFOV, fovSlider);
-    updateResets();
+    setValueFromField(fovField, settings->horizontalFOV, fovSlider);
+    updateResetButtons();
     updateResizePreview();
 }
 
 void MainViewController::disparityFieldChanged() {
-    takeFromField(disparityField, settings->disparityAdjustment, disparitySlider);
-    updateResets();
+    setValueFromField(disparityField, settings->disparityAdjustment, disparitySlider);
+    updateResetButtons();
     updateResizePreview();
 }
 
 void MainViewController::baselineFieldChanged() {
-    takeFromField(baselineField, settings->stereoBaseline, baselineSlider);
-    updateResets();
+    setValueFromField(baselineField, settings->stereoBaseline, baselineSlider);
+    updateResetButtons();
     updateResizePreview();
 }
 
@@ -139,7 +139,7 @@ void MainViewController::enableResizeChanged(bool checked) {
 }
 
 void MainViewController::resizeDimChanged() {
-    takeSizes();
+    readSizeFields();
     updateResizePreview();
 }
 
@@ -154,44 +154,44 @@ void MainViewController::updateResizePreview() {
     applyColours();
 }
 
-void MainViewController::takeSizes() {
+void MainViewController::readSizeFields() {
     settings->resizeWidth = static_cast<std::int64_t>(resizeWidthField->value());
     settings->resizeHeight = static_cast<std::int64_t>(resizeHeightField->value());
 }
 
-void MainViewController::updateResets() {
+void MainViewController::updateResetButtons() {
     fovReset->setEnabled(settings->horizontalFOV != fovRange.start);
     disparityReset->setEnabled(settings->disparityAdjustment != disparityRange.start);
     baselineReset->setEnabled(settings->stereoBaseline != baselineRange.start);
 }
 
-NumberField *MainViewController::wrongField() const {
+NumberField *MainViewController::firstInvalidField() const {
     QList<NumberField *> inUse;
     if (settings->direction == ConversionDirection::sbsToSpatial)
         inUse = {fovField, disparityField, baselineField};
     if (settings->enableResize)
         inUse << resizeWidthField << resizeHeightField;
     for (NumberField *field : inUse)
-        if (!field->isAccepted())
+        if (!field->isValid())
             return field;
     return nullptr;
 }
 
-QString MainViewController::nameOf(const NumberField *field) const {
+QString MainViewController::fieldName(const NumberField *field) const {
     return field->accessibleName();
 }
 
 void MainViewController::commitFields() {
     settings->enableResize = enableResizeCheck->isChecked();
     if (settings->enableResize)
-        takeSizes();
-    const auto commit = [](const NumberField *field, double &setting) {
-        if (field->isAccepted())
+        readSizeFields();
+    const auto saveIfValid = [](const NumberField *field, double &setting) {
+        if (field->isValid())
             setting = field->value();
     };
-    commit(fovField, settings->horizontalFOV);
-    commit(disparityField, settings->disparityAdjustment);
-    commit(baselineField, settings->stereoBaseline);
+    saveIfValid(fovField, settings->horizontalFOV);
+    saveIfValid(disparityField, settings->disparityAdjustment);
+    saveIfValid(baselineField, settings->stereoBaseline);
 }
 
 void MainViewController::turnOnResize() {
@@ -207,7 +207,7 @@ void MainViewController::startConversion() {
     if (preflight_ || batch_->state() != BatchPresentation::State::idle)
         return;
     preflight_ = new PreflightSequence(*this, services_);
-    connect(preflight_, &QObject::destroyed, this, &MainViewController::showAnswer);
+    connect(preflight_, &QObject::destroyed, this, &MainViewController::showCheckResult);
     preflight_->start();
 }
 
@@ -223,18 +223,19 @@ bool MainViewController::isConverting() const {
     return batch_->isConverting();
 }
 
-/// The form is out of use while a sheet covers it, and until a stopped batch, which reads the settings, has ended.
-void MainViewController::updateUse() {
+/// Disables the form while a sheet covers it, and until a stopped batch has ended, because that batch still reads the
+/// settings.
+void MainViewController::updateEnabledState() {
     const bool usable = batch_->state() == BatchPresentation::State::idle;
     const bool stopping = batch_->state() == BatchPresentation::State::stopping;
     const QString title = toQString(text(stopping ? "button.stopping" : "button.start.conversion"));
     startButton->setText(stopping ? title : QStringLiteral("▶  ") + title);
     startButton->setAccessibleName(title);
-    setShortcuts(); // which go with the old title
+    setShortcuts(); // setText removed the shortcut
     contentView->setEnabled(usable);
     if (usable)
         startButton->setFocus();
-    showAnswer();
+    showCheckResult();
 }
 
 } // namespace lumetwin

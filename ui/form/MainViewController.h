@@ -37,8 +37,8 @@ class SectionView;
 class ValueSlider;
 struct StereoRange;
 
-/// The form of the main window. It keeps every field of its settings record in step with a control, runs the checks
-/// before a batch, and presents the progress sheet.
+/// The form of the main window. It has a control for every field of the settings and copies each change into them, runs
+/// the checks before a batch, and shows the progress sheet.
 class MainViewController : public QWidget {
     Q_OBJECT
 
@@ -48,7 +48,7 @@ public:
 
     const std::shared_ptr<ConversionSettings> settings = std::make_shared<ConversionSettings>();
 
-    // Actions of the controls. Those that end in "Changed" take over a control's new state.
+    // Actions of the controls. Those that end in "Changed" copy a control's new state into the settings.
     void directionChanged(QAbstractButton *sender);
     void selectInputFolder();
     void selectOutputFolder();
@@ -69,29 +69,29 @@ public:
     void enableResizeChanged(bool checked);
     void resizeDimChanged();
     void resizeModeChanged(int index);
-    /// Runs the checks and, when nothing speaks against it, the batch.
+    /// Runs the checks, and then the batch if they allow it.
     void startConversion();
 
-    /// Takes paths as if they had been dropped on the input.
+    /// Does what dropping these paths on the input does. Returns whether any of them can be used.
     bool openInput(const std::vector<std::filesystem::path> &paths);
 
-    // For the checks before a run.
-    /// Takes over what is still typed in the fields. The sliders stay where they are.
+    // Used by the checks before a run.
+    /// Copies the values of the fields into the settings. It does not move the sliders.
     void commitFields();
-    /// Checks the resize box and shows the size fields.
+    /// Checks the "resize" check box, shows the size fields and sets the focus to the first one.
     void turnOnResize();
-    /// The first field in use that holds something it does not take; none when all are well.
-    NumberField *wrongField() const;
-    /// What a field is for, as it is written before it.
-    QString nameOf(const NumberField *field) const;
-    /// Whether the user has already said what is to become of the AVI files of this input.
-    bool aviSettled() const { return aviSettled_; }
-    void settleAVI() { aviSettled_ = true; }
+    /// The first field in use whose text is not valid; null when all are valid.
+    NumberField *firstInvalidField() const;
+    /// The caption of a field.
+    QString fieldName(const NumberField *field) const;
+    /// Whether the user has already answered the question about AVI files for this input.
+    bool isAVIQuestionAnswered() const { return aviQuestionAnswered_; }
+    void setAVIQuestionAnswered() { aviQuestionAnswered_ = true; }
     void presentProgressSheet();
 
-    /// The sheet of the current run; none between runs.
+    /// The sheet of the current run; null between runs.
     ProgressViewController *progressSheet() const;
-    /// Whether a batch runs that has not been stopped.
+    /// Whether a batch is running and has not been stopped.
     bool isConverting() const;
 
 signals:
@@ -99,7 +99,7 @@ signals:
     /// 0 to 1.
     void batchProgressed(double fraction);
     void batchFinished(bool success, const QString &message);
-    /// The run is over or stopped: nothing shows it any more, or the sheet shows its end.
+    /// The run has finished or was stopped. In the first case the sheet still shows the result.
     void batchEnded();
 
 protected:
@@ -127,7 +127,7 @@ private:
     NumberField *sizeField(const char *name, std::int64_t start, QLabel *caption);
     QToolButton *resetButton(const char *name, const StereoRange &range, QLabel *caption, ValueSlider *slider);
 
-    // Looks and layout
+    // Appearance and layout
     void applyColours();
     void applyFonts();
     void layoutDocument();
@@ -135,26 +135,25 @@ private:
     void layoutOptions();
     void layoutCommon();
     void layoutOptionsArea();
-    void layoutStartButton(const PointFrame &frame, double documentHeight, QPoint origin);
     void showPath(ElidedLabel *label, const QString &path);
 
     // State
-    void updateResets();
-    void takeSizes();
+    void updateResetButtons();
+    void readSizeFields();
     void updateResizePreview();
     void setInputFolder(const std::filesystem::path &folder);
     void setInputFiles(const std::vector<std::filesystem::path> &files);
     void inputChosen(const std::vector<std::filesystem::path> &paths);
     void setOutputFolder(const std::filesystem::path &folder);
     void outputChosen(const std::filesystem::path &folder);
-    void warnOfAVI();
-    void updateUse();
+    void warnAboutAVI();
+    void updateEnabledState();
     void checkFile(const std::filesystem::path &file);
     void setChecking(bool checking);
-    void showAnswer();
+    void showCheckResult();
 
     FormServices services_;
-    QWidget *contentView = nullptr; ///< everything: the scrolled form, and below it the start button
+    QWidget *contentView = nullptr; ///< the scrolled form and the start button below it
     HeaderBand *headerView = nullptr;
     QLabel *titleLabel = nullptr;
     QLabel *subtitleLabel = nullptr;
@@ -197,7 +196,7 @@ private:
     QComboBox *resizeModePopup = nullptr;
     QLabel *resizeWarningLabel = nullptr;
     ColouredButton *startButton = nullptr;
-    QFrame *startLine = nullptr; ///< above the start button while the form scrolls behind it
+    QFrame *startLine = nullptr; ///< line above the start button, shown while the form scrolls
     QScrollArea *scrollView = nullptr;
     QWidget *documentView = nullptr;
     QLabel *lblFOV = nullptr;
@@ -215,10 +214,10 @@ private:
     QLabel *lblPx = nullptr;
     QLabel *lblResizeMode = nullptr;
 
-    QPointer<QWidget> clicked_; ///< the control that the user clicked last; the wheel may change that one
-    PointScale scale_ = PointScale::current(); ///< narrower where the window is
-    bool aviSettled_ = false;
-    std::optional<Alert> answer_; ///< of a check, until it can be shown
+    QPointer<QWidget> lastClicked_; ///< the focused control if the user clicked it; only this one reacts to the wheel
+    PointScale scale_ = PointScale::current(); ///< x is smaller in a narrow window
+    bool aviQuestionAnswered_ = false;
+    std::optional<Alert> checkResult_; ///< of the spatial check, until it can be shown
     QPointer<PreflightSequence> preflight_;
     std::unique_ptr<BatchPresentation> batch_;
 };

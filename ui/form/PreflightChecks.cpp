@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t mostNamesShown = 5;
+constexpr std::size_t maximumNamesShown = 5;
 
 std::string sortedLines(std::vector<std::string> names) {
     std::ranges::sort(names);
@@ -50,7 +50,7 @@ std::vector<fs::path> candidateVideos(const std::vector<fs::path> &entries) {
     return videos;
 }
 
-bool holdsAVI(const std::vector<fs::path> &entries) {
+bool containsAVI(const std::vector<fs::path> &entries) {
     return std::any_of(entries.begin(), entries.end(),
                        [](const fs::path &entry) { return lowerCasedExtension(entry) == "avi"; });
 }
@@ -63,7 +63,7 @@ std::optional<Alert> directionMismatch(ConversionDirection direction, std::size_
     return std::nullopt;
 }
 
-std::optional<Alert> oddResizeSize(const ConversionSettings &settings) {
+std::optional<Alert> oddResizeSizeError(const ConversionSettings &settings) {
     if (!settings.enableResize || (settings.resizeWidth % 2 == 0 && settings.resizeHeight % 2 == 0))
         return std::nullopt;
     return Alert{formatted("error.resize.odd.format", roundedUpTo16(settings.resizeWidth),
@@ -98,16 +98,16 @@ std::optional<OnExisting> overwriteAnswer(int button) {
 
 Alert overwriteQuestion(const std::vector<std::string> &names) {
     std::string list;
-    for (std::size_t i = 0; i < std::min(names.size(), mostNamesShown); ++i)
+    for (std::size_t i = 0; i < std::min(names.size(), maximumNamesShown); ++i)
         list += (i ? "\n" : "") + names[i];
-    if (names.size() > mostNamesShown)
-        list +=
-            "\n" + formatted("alert.overwrite.more.format", static_cast<std::int64_t>(names.size() - mostNamesShown));
+    if (names.size() > maximumNamesShown)
+        list += "\n" +
+                formatted("alert.overwrite.more.format", static_cast<std::int64_t>(names.size() - maximumNamesShown));
     Alert question{text("alert.overwrite.title"),
                    formatted("alert.overwrite.message.format", list),
                    {text("button.overwrite"), text("button.cancel"), text("button.keep.both"), text("button.skip")}};
     question.defaultButton = 1;
-    if (names.size() > mostNamesShown) {
+    if (names.size() > maximumNamesShown) {
         question.details = sortedLines(names);
         question.detailsName = text("spoken.replaced");
     }

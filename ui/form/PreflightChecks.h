@@ -11,30 +11,30 @@
 
 namespace lumetwin {
 
-// The checks before a run, one by one. They show nothing and ask nobody.
+// The checks before a run, as functions without user interface.
 
-/// The chosen files, or the folder's visible entries, in listing order. A folder that cannot be listed is empty.
+/// The chosen files, or the folder's visible entries, in listing order. Empty when the folder cannot be listed.
 std::vector<std::filesystem::path> inputEntries(const ConversionSettings &settings);
 
 std::vector<std::filesystem::path> candidateVideos(const std::vector<std::filesystem::path> &entries);
 
-bool holdsAVI(const std::vector<std::filesystem::path> &entries);
+bool containsAVI(const std::vector<std::filesystem::path> &entries);
 
-/// The question about a direction that does not match the candidates; nothing when it matches. A batch meant to become
-/// side-by-side is questioned only when not one video is spatial, one meant to become spatial as soon as one already
-/// is.
+/// The question to ask when the direction does not match the candidates; nullopt when it matches. For spatial to
+/// side-by-side it is asked when no video is spatial, for side-by-side to spatial when at least one video is already
+/// spatial. spatial: number of spatial candidates.
 std::optional<Alert> directionMismatch(ConversionDirection direction, std::size_t candidates, std::size_t spatial);
 
-/// The refusal of odd resize sizes.
-std::optional<Alert> oddResizeSize(const ConversionSettings &settings);
+/// The error message for an odd resize width or height; nullopt when both are even.
+std::optional<Alert> oddResizeSizeError(const ConversionSettings &settings);
 
-/// The names of outputs that exist already, in input order. It looks at names only: what the engine will later skip is
-/// listed all the same.
+/// The names of the outputs that already exist, in input order. Only names are compared, so files that the engine will
+/// skip later are included.
 std::vector<std::string> existingOutputs(const std::vector<std::filesystem::path> &entries,
                                          const ConversionSettings &settings);
 
 Alert overwriteQuestion(const std::vector<std::string> &names);
-/// What a button of that question says is to happen to those files; nothing where the start is called off.
+/// What the pressed button of that question means for the existing files; nullopt when the start is cancelled.
 std::optional<OnExisting> overwriteAnswer(int button);
 
 } // namespace lumetwin

@@ -18,8 +18,8 @@ namespace lumetwin {
 
 namespace {
 
-// A test that ends this soon is waited for, so that no dialog flashes up.
-constexpr std::chrono::milliseconds patience{40};
+// The dialog is shown only when the test takes longer than this, so that it does not appear for a moment only.
+constexpr std::chrono::milliseconds dialogDelay{40};
 constexpr int refreshInterval = 50; // milliseconds
 
 } // namespace
@@ -33,11 +33,11 @@ PreflightSequence::~PreflightSequence() {
 }
 
 void PreflightSequence::finish() {
-    endWaiting();
+    closeCheckingDialog();
     deleteLater();
 }
 
-void PreflightSequence::refuse(const Alert &alert) {
+void PreflightSequence::refuseStart(const Alert &alert) {
     services_.alerts->present(alert, &form_, [](int) {});
     finish();
 }
@@ -50,18 +50,19 @@ void PreflightSequence::start() {
 void PreflightSequence::checkInputAndOutput() {
     const ConversionSettings &settings = *form_.settings;
     if (!settings.inputFolderURL && !settings.inputFiles)
-        return refuse({text("error.no.input.folder")});
+        return refuseStart({text("error.no.input.folder")});
     if (!settings.outputFolderURL)
-        return refuse({text("error.no.output.folder")});
-    if (NumberField *wrong = form_.wrongField())
-        return refuseField(*wrong);
+        return refuseStart({text("error.no.output.folder")});
+    if (NumberField *invalid = form_.firstInvalidField())
+        return refuseInvalidField(*invalid);
     entries_ = inputEntries(settings);
     testCandidates();
 }
 
-/// Nothing is converted with another value than the one that the form shows.
-void PreflightSequence::refuseField(NumberField &field) {
-    const Alert alert{formatted("error.field.format", form_.nameOf(&field).toStdString()), field.takes().toStdString()};
+/// Refuses the start, because a run must not use another value than the form shows.
+void PreflightSequence::refuseInvalidField(NumberField &field) {
+    const Alert alert{formatted("error.field.format", form_.fieldName(&field).toStdString()),
+                      field.expectedInput().toStdString()};
     services_.alerts->present(alert, &form_, [field = QPointer(&field)](int) {
         if (!field)
             return;
@@ -71,12 +72,13 @@ void PreflightSequence::refuseField(NumberField &field) {
     finish();
 }
 
-/// Opening a thousand files takes its time: it happens beside the interface thread, with the form out of reach.
+/// Counts the spatial videos on a background thread, because opening a thousand files takes time. The form cannot be
+/// used meanwhile.
 void PreflightSequence::testCandidates() {
     test_ = std::make_shared<SpatialTest>();
     test_->candidates = candidateVideos(entries_);
     auto ended = std::make_shared<std::promise<void>>();
-    std::future<void> soon = ended->get_future();
+    std::future<void> endedFuture = ended->get_future();
     const QPointer<PreflightSequence> weak(this);
     BackgroundThreads::shared().run("check", [weak, ended, test = test_, isSpatial = services_.isSpatialVideo,
                                               operations = services_.operations,
@@ -95,32 +97,33 @@ void PreflightSequence::testCandidates() {
                 weak->candidatesTested();
         });
     });
-    if (soon.wait_for(patience) != std::future_status::ready)
-        showWaiting();
+    if (endedFuture.wait_for(dialogDelay) != std::future_status::ready)
+        showCheckingDialog();
 }
 
-void PreflightSequence::showWaiting() {
-    waiting_ = new CheckingDialog(static_cast<std::int64_t>(test_->candidates.size()), &form_);
-    connect(waiting_, &CheckingDialog::givenUp, this, [this] {
+void PreflightSequence::showCheckingDialog() {
+    checkingDialog_ = new CheckingDialog(static_cast<std::int64_t>(test_->candidates.size()), &form_);
+    connect(checkingDialog_, &CheckingDialog::cancelled, this, [this] {
         test_->cancelled = true;
         finish();
     });
-    auto *timer = new QTimer(waiting_);
-    connect(timer, &QTimer::timeout, waiting_,
-            [dialog = waiting_.data(), test = test_] { dialog->setTested(static_cast<std::int64_t>(test->tested)); });
+    auto *timer = new QTimer(checkingDialog_);
+    connect(timer, &QTimer::timeout, checkingDialog_, [dialog = checkingDialog_.data(), test = test_] {
+        dialog->setCheckedCount(static_cast<std::int64_t>(test->tested));
+    });
     timer->start(refreshInterval);
-    waiting_->show();
+    checkingDialog_->show();
 }
 
-/// The dialog deletes itself later: it may be at work when it goes.
-void PreflightSequence::endWaiting() {
-    if (waiting_)
-        waiting_->dismiss();
-    waiting_ = nullptr;
+/// The dialog deletes itself later, because this may be called from inside one of its functions.
+void PreflightSequence::closeCheckingDialog() {
+    if (checkingDialog_)
+        checkingDialog_->dismiss();
+    checkingDialog_ = nullptr;
 }
 
 void PreflightSequence::candidatesTested() {
-    endWaiting();
+    closeCheckingDialog();
     const auto question = directionMismatch(form_.settings->direction, test_->candidates.size(), test_->spatial);
     if (!question)
         return checkAVI();
@@ -131,7 +134,7 @@ void PreflightSequence::candidatesTested() {
 }
 
 void PreflightSequence::checkAVI() {
-    if (form_.settings->enableResize || form_.aviSettled() || !holdsAVI(entries_))
+    if (form_.settings->enableResize || form_.isAVIQuestionAnswered() || !containsAVI(entries_))
         return checkResizeSize();
     const Alert question{text("alert.avi.title"),
                          text("alert.avi.noresize.message"),
@@ -140,7 +143,7 @@ void PreflightSequence::checkAVI() {
         if (!weak)
             return;
         if (button != AlertPresenter::dismissed)
-            weak->form_.settleAVI();
+            weak->form_.setAVIQuestionAnswered();
         if (button == 1)
             return weak->checkResizeSize();
         if (button == 0)
@@ -150,8 +153,8 @@ void PreflightSequence::checkAVI() {
 }
 
 void PreflightSequence::checkResizeSize() {
-    if (const auto refusal = oddResizeSize(*form_.settings))
-        return refuse(*refusal);
+    if (const auto refusal = oddResizeSizeError(*form_.settings))
+        return refuseStart(*refusal);
     checkOverwriting();
 }
 
@@ -159,17 +162,17 @@ void PreflightSequence::checkOverwriting() {
     const std::vector<std::string> names = existingOutputs(entries_, *form_.settings);
     form_.settings->onExisting = OnExisting::replace;
     if (names.empty())
-        return present();
+        return presentProgressSheet();
     services_.alerts->present(overwriteQuestion(names), &form_, [weak = QPointer(this)](int button) {
         if (!weak)
             return;
         const auto answer = overwriteAnswer(button);
         weak->form_.settings->onExisting = answer.value_or(OnExisting::replace);
-        answer ? weak->present() : weak->finish();
+        answer ? weak->presentProgressSheet() : weak->finish();
     });
 }
 
-void PreflightSequence::present() {
+void PreflightSequence::presentProgressSheet() {
     finish();
     form_.presentProgressSheet();
 }

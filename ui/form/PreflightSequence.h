@@ -17,8 +17,8 @@ class MainViewController;
 class NumberField;
 struct Alert;
 
-/// One press of the start button: the checks in their order. Each stops the start or lets the next one run; the last
-/// presents the progress sheet. It destroys itself at its end.
+/// Runs the checks in their order after a press of the start button. Each check stops the start or runs the next one;
+/// the last one shows the progress sheet. The object deletes itself at the end.
 class PreflightSequence : public QObject {
     Q_OBJECT
 
@@ -29,7 +29,7 @@ public:
     void start();
 
 private:
-    /// What the interface thread and the thread of the spatial test share.
+    /// Shared by the interface thread and the thread of the spatial test.
     struct SpatialTest {
         std::vector<std::filesystem::path> candidates;
         std::atomic<std::size_t> tested{0};
@@ -39,22 +39,22 @@ private:
 
     void checkInputAndOutput();
     void testCandidates();
-    void showWaiting();
-    void endWaiting();
+    void showCheckingDialog();
+    void closeCheckingDialog();
     void candidatesTested();
     void checkAVI();
     void checkResizeSize();
     void checkOverwriting();
-    void present();
-    void refuse(const Alert &alert);
-    void refuseField(NumberField &field);
+    void presentProgressSheet();
+    void refuseStart(const Alert &alert);
+    void refuseInvalidField(NumberField &field);
     void finish();
 
     MainViewController &form_;
     FormServices services_;
     std::vector<std::filesystem::path> entries_;
     std::shared_ptr<SpatialTest> test_;
-    QPointer<CheckingDialog> waiting_;
+    QPointer<CheckingDialog> checkingDialog_;
 };
 
 } // namespace lumetwin

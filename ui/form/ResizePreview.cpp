@@ -9,8 +9,8 @@ namespace lumetwin {
 
 namespace {
 
-/// Twice the width; the largest integer where that is larger still.
-std::int64_t doubled(std::int64_t width) {
+/// Twice the width, or the largest integer if that would overflow.
+std::int64_t doubledWidth(std::int64_t width) {
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     return width > most / 2 ? most : width * 2;
 }
@@ -29,7 +29,7 @@ bool isOddSize(const ConversionSettings &settings) {
 std::string resizePreview(const ConversionSettings &settings) {
     const std::int64_t width = settings.resizeWidth, height = settings.resizeHeight;
     const bool toSBS = settings.direction == ConversionDirection::spatialToSBS;
-    const std::int64_t output = settings.halfWidth ? width : doubled(width);
+    const std::int64_t output = settings.halfWidth ? width : doubledWidth(width);
     const std::string size = toSBS ? formatted("resize.preview.format", output, height, output / 2, height)
                                    : formatted("resize.preview.spatial.format", width, height);
     const std::int64_t wide = roundedUpTo16(width), high = roundedUpTo16(height);

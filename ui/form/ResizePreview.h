@@ -8,13 +8,13 @@
 
 namespace lumetwin {
 
-/// The next multiple of 16 that is not smaller. For values from 1; the largest ones stay as they are.
+/// The size rounded up to a multiple of 16. size is at least 1; it is returned unchanged if that would overflow.
 std::int64_t roundedUpTo16(std::int64_t size);
 
-/// Whether the size of an eye is one that cannot be encoded.
+/// Whether the width or height of an eye is odd, which cannot be encoded.
 bool isOddSize(const ConversionSettings &settings);
 
-/// What the resize options lead to: the output's size, and a warning about sizes that do not suit encoders.
+/// The output size that the resize options give, and a warning when encoders cannot use it well.
 std::string resizePreview(const ConversionSettings &settings);
 
 } // namespace lumetwin

@@ -13,7 +13,7 @@ SectionView::SectionView(const QString &title, QWidget *parent) : QWidget(parent
     titleLabel->setAutoFillBackground(true);
     titleLabel->setBackgroundRole(QPalette::Window);
     titleLabel->setTextFormat(Qt::PlainText);
-    titleLabel->setAlignment(Qt::AlignCenter); // in line with what stands below it
+    titleLabel->setAlignment(Qt::AlignCenter); // aligned with the controls below it
     setAccessibleName(title);
 }
 
@@ -40,7 +40,8 @@ void SectionView::changeEvent(QEvent *event) {
 void SectionView::layoutTitle() {
     const PointScale scale = PointScale::current();
     titleLabel->setFont(scale.font(12, QFont::Bold));
-    // One line of the label's own font, also where a fallback font with more space around its lines shows the text.
+    // The height of one line in the label's own font, even when a fallback font with a larger line height draws the
+    // text.
     const QFontMetrics fitting(titleLabel->font());
     titleLabel->setGeometry(scale.horizontal(12), scale.vertical(6),
                             fitting.horizontalAdvance(titleLabel->text()) + scale.horizontal(4), fitting.height());

@@ -6,7 +6,7 @@
 
 namespace lumetwin {
 
-/// A titled box that groups controls. Its owner places the contents.
+/// A box with a title that groups controls. Its owner places the controls.
 class SectionView : public QWidget {
     Q_OBJECT
 

@@ -24,7 +24,7 @@ std::string valueLines(const StereoValues &values) {
     return lines;
 }
 
-Alert whatItIs(const std::string &name, const SpatialFinding &finding, const std::vector<std::string> &buttons) {
+Alert notSpatialAlert(const std::string &name, const SpatialFinding &finding, const std::vector<std::string> &buttons) {
     if (!finding.failure.empty())
         return {formatted("alert.check.unreadable.format", name), finding.failure, buttons};
     if (finding.picture && finding.picture->looksSideBySide())
@@ -58,7 +58,7 @@ Alert spatialCheckAlert(const fs::path &file, const SpatialFinding &finding) {
     const std::string name = file.filename().string();
     const std::vector<std::string> buttons{text("button.close")};
     if (!finding.isSpatial)
-        return whatItIs(name, finding, buttons);
+        return notSpatialAlert(name, finding, buttons);
     std::string lines = valueLines(finding.values);
     if (lines.empty())
         lines = text(isPhotoFile(file) ? "media.type.photo" : "media.type.video");

@@ -3,7 +3,7 @@
 
 namespace lumetwin {
 
-/// A stereo value of the form: where its slider goes, what its field takes and shows.
+/// The range, initial value and number of decimals of a value that has a slider and a field in the form.
 struct StereoRange {
     double minimum;
     double maximum;

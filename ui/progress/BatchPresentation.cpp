@@ -10,7 +10,7 @@ BatchPresentation::BatchPresentation(QWidget *content, const FormServices &servi
     : content_(content), services_(services) {}
 
 BatchPresentation::~BatchPresentation() {
-    // A batch must not go on without anybody to see it.
+    // A batch must not go on when no window shows it.
     if (isConverting())
         sheet_->runningProcessor()->cancelRequested = true;
 }

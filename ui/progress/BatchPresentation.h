@@ -16,8 +16,9 @@ class ConversionSettings;
 class ProgressViewController;
 class SheetOverlay;
 
-/// Presents batches on a content, one at a time: covers the content with the progress sheet and follows the batch to
-/// the end of its thread, which may come after the sheet has gone. A batch that still runs when this goes is stopped.
+/// Presents batches on a content widget, one at a time. It covers the content with the progress sheet, and waits for
+/// the end of the batch's thread, which may come after the sheet was closed. The destructor stops a batch that still
+/// runs.
 class BatchPresentation : public QObject {
     Q_OBJECT
 
@@ -25,20 +26,20 @@ public:
     enum class State {
         idle,
         presented, ///< the sheet covers the content
-        stopping,  ///< the sheet has gone, but the batch's thread still reads the settings
+        stopping,  ///< the sheet is closed, but the batch's thread still reads the settings
     };
 
-    /// Both outlive this.
+    /// Both arguments must outlive this object.
     BatchPresentation(QWidget *content, const FormServices &services);
     ~BatchPresentation() override;
 
-    /// Starts a batch, while idle.
+    /// Starts a batch. Allowed only in state idle.
     void present(const std::shared_ptr<const ConversionSettings> &settings);
 
     State state() const;
-    /// The sheet of the current run; none between runs.
+    /// The sheet of the current run; null between runs.
     ProgressViewController *sheet() const { return sheet_; }
-    /// Whether a batch runs that has not been stopped.
+    /// Whether a batch is running and has not been stopped.
     bool isConverting() const;
 
 signals:
@@ -46,7 +47,7 @@ signals:
     /// 0 to 1.
     void batchProgressed(double fraction);
     void batchFinished(bool success, const QString &message);
-    /// The run is over or stopped: nothing shows it any more, or the sheet shows its end.
+    /// The run has finished or was stopped. In the first case the sheet still shows the result.
     void batchEnded();
     void stateChanged();
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The looks of the progress sheet: its widgets, where they stand, its colours.
+// The widgets, layout and colours of the progress sheet.
 #include "ui/progress/ProgressViewController.h"
 #include "ui/widgets/BarIndicator.h"
 #include "ui/widgets/ColouredButton.h"
@@ -20,12 +20,12 @@ constexpr double sheetWidth = 560; // points
 constexpr double sheetHeight = 340;
 constexpr double sheetRadius = 14;
 
-const QColor sheetGround = colour(0.08, 0.09, 0.12);
+const QColor sheetBackground = colour(0.08, 0.09, 0.12);
 const QColor stopRed = colour(0.7, 0.15, 0.15);
 const QColor closeGreen = colour(0.15, 0.5, 0.25);
 const QColor barBlue = colour(0.25, 0.55, 1.0);
 const QColor barGreen = colour(0.3, 0.75, 0.5);
-const QColor faint = white(0.62); // the faintest grey that can be read on the sheet
+const QColor faintGrey = greyColour(0.62); // the darkest grey that can be read on the sheet
 
 QString buttonTitle(const char *symbol, const std::string &title) {
     return QString::fromUtf8(symbol) + QStringLiteral("  ") + toQString(title);
@@ -52,36 +52,36 @@ void ProgressViewController::buildInterface() {
     cancelButton->setAccessibleName(toQString(text("button.cancel")));
     cancelButton->setColour(stopRed);
     connect(cancelButton, &QPushButton::clicked, this, &ProgressViewController::buttonPressed);
-    elapsedLabel = addLabel("elapsedLabel", text("progress.elapsed.initial"), faint);
+    elapsedLabel = addLabel("elapsedLabel", text("progress.elapsed.initial"), faintGrey);
     fileCountLabel = addLabel("fileCountLabel", "0 / 0", colour(0.5, 0.75, 1.0));
     overallProgress = new BarIndicator(barBlue, this);
     overallProgress->setObjectName(QStringLiteral("overallProgress"));
     overallProgress->setAccessibleName(toQString(text("spoken.overall.progress")));
-    overallLabel = addLabel("overallLabel", text("progress.files.initial"), faint);
+    overallLabel = addLabel("overallLabel", text("progress.files.initial"), faintGrey);
     fileProgressBar = new BarIndicator(barGreen, this);
     fileProgressBar->setObjectName(QStringLiteral("fileProgressBar"));
     fileProgressBar->setAccessibleName(toQString(text("spoken.file.progress")));
     fileProgressBar->setIndeterminate(true);
     fileProgressLabel = addLabel("fileProgressLabel", text("progress.frame.initial"), colour(0.4, 0.85, 0.6));
-    fileNameLabel = addLabel("fileNameLabel", text("progress.preparing"), white(0.8));
-    statusLabel = addLabel("statusLabel", text("progress.starting"), faint);
-    titleLabel = addLabel("titleLabel", text("progress.title"), white(1));
+    fileNameLabel = addLabel("fileNameLabel", text("progress.preparing"), greyColour(0.8));
+    statusLabel = addLabel("statusLabel", text("progress.starting"), faintGrey);
+    titleLabel = addLabel("titleLabel", text("progress.title"), greyColour(1));
     cancelButton->setAutoDefault(true);
     setFocusProxy(cancelButton);
     applyColours();
     layoutWidgets();
 }
 
-/// The sheet is dark with any palette, but one of high contrast.
+/// The sheet is dark with every palette except a high contrast one.
 void ProgressViewController::applyColours() {
-    const bool plain = isHighContrast(palette());
+    const bool highContrast = isHighContrast(palette());
     for (const auto &[label, colour] : labels_)
-        setTextColour(label, plain ? palette().color(QPalette::WindowText) : colour);
+        setTextColour(label, highContrast ? palette().color(QPalette::WindowText) : colour);
 }
 
 void ProgressViewController::fitInto(QSize room) {
-    const PointScale usual = PointScale::current();
-    scale_ = {std::min(usual.x, room.width() / sheetWidth), std::min(usual.y, room.height() / sheetHeight)};
+    const PointScale current = PointScale::current();
+    scale_ = {std::min(current.x, room.width() / sheetWidth), std::min(current.y, room.height() / sheetHeight)};
     if (titleLabel)
         layoutWidgets();
 }
@@ -125,10 +125,10 @@ void ProgressViewController::paintEvent(QPaintEvent *) {
     const double radius = sheetRadius * scale_.y;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const bool plain = isHighContrast(palette());
-    painter.setPen(plain ? QPen(palette().color(QPalette::WindowText), 2) : QPen(Qt::NoPen));
-    painter.setBrush(plain ? palette().color(QPalette::Window) : sheetGround);
-    const double edge = plain ? 1 : 0;
+    const bool highContrast = isHighContrast(palette());
+    painter.setPen(highContrast ? QPen(palette().color(QPalette::WindowText), 2) : QPen(Qt::NoPen));
+    painter.setBrush(highContrast ? palette().color(QPalette::Window) : sheetBackground);
+    const double edge = highContrast ? 1 : 0;
     painter.drawRoundedRect(QRectF(rect()).adjusted(edge, edge, -edge, -edge), radius, radius);
 }
 

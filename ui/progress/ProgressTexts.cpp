@@ -12,7 +12,7 @@ namespace lumetwin {
 
 namespace {
 
-/// Truncated.
+/// Rounded down.
 std::int64_t percentOf(double fraction) {
     return static_cast<std::int64_t>(fraction * 100);
 }
@@ -23,22 +23,22 @@ std::pair<std::int64_t, std::int64_t> minutesAndSeconds(std::chrono::seconds tim
     return {time.count() / 60, time.count() % 60};
 }
 
-std::string reasonAndWayOn(const BatchEnd &end) {
-    if (!end.success)
-        return end.message + "\n" + text("alert.nothing.way.on");
-    std::string words = formatted("alert.all.skipped.format", end.skipped) + "\n";
-    if (end.skipReasons == std::set{text("status.skipped.not.spatial")})
-        return words + text("alert.all.skipped.not.spatial");
-    if (end.skipReasons == std::set{text("status.skipped.spatial")})
-        return words + text("alert.all.skipped.spatial");
-    return words + text("alert.all.skipped.details");
+std::string nothingConvertedMessage(const BatchResult &result) {
+    if (!result.success)
+        return result.message + "\n" + text("alert.nothing.way.on");
+    std::string message = formatted("alert.all.skipped.format", result.skipped) + "\n";
+    if (result.skipReasons == std::set{text("status.skipped.not.spatial")})
+        return message + text("alert.all.skipped.not.spatial");
+    if (result.skipReasons == std::set{text("status.skipped.spatial")})
+        return message + text("alert.all.skipped.spatial");
+    return message + text("alert.all.skipped.details");
 }
 
-/// Also how many files have warnings, and how many were skipped, where there are any.
-std::string messageAndCounts(const BatchEnd &end) {
-    if (end.warned == 0 && end.skipped == 0)
-        return end.message;
-    return end.message + "\n" + formatted("status.warned.skipped.format", end.warned, end.skipped);
+/// The engine's message, and how many files have warnings or were skipped, if any.
+std::string messageAndCounts(const BatchResult &result) {
+    if (result.warned == 0 && result.skipped == 0)
+        return result.message;
+    return result.message + "\n" + formatted("status.warned.skipped.format", result.warned, result.skipped);
 }
 
 } // namespace
@@ -72,25 +72,25 @@ std::optional<std::chrono::seconds> timeLeft(std::chrono::steady_clock::duration
 
 std::string elapsedText(std::chrono::steady_clock::duration elapsed, std::optional<std::chrono::seconds> left) {
     const auto [minutes, seconds] = minutesAndSeconds(std::chrono::duration_cast<std::chrono::seconds>(elapsed));
-    const std::string past = formatted("progress.elapsed.format", minutes, seconds);
+    const std::string elapsedPart = formatted("progress.elapsed.format", minutes, seconds);
     if (!left)
-        return past;
+        return elapsedPart;
     const auto [minutesLeft, secondsLeft] = minutesAndSeconds(*left);
-    return past + separator + formatted("progress.left.format", minutesLeft, secondsLeft);
+    return elapsedPart + separator + formatted("progress.left.format", minutesLeft, secondsLeft);
 }
 
-std::string workText(const std::string &fileName) {
+std::string activityText(const std::string &fileName) {
     return text(isPhotoFile(fileName) ? "progress.photo" : "progress.frame.calculating");
 }
 
 std::string detailLine(const std::string &fileName, const std::string &reason) {
-    std::string once = reason;
-    if (const auto place = once.find(" " + fileName); place != std::string::npos)
-        once.erase(place, fileName.size() + 1);
-    return formatted("detail.file.format", fileName, once) + "\n";
+    std::string shortReason = reason;
+    if (const auto position = shortReason.find(" " + fileName); position != std::string::npos)
+        shortReason.erase(position, fileName.size() + 1);
+    return formatted("detail.file.format", fileName, shortReason) + "\n";
 }
 
-bool BatchEnd::isEmpty() const {
+bool BatchResult::isEmpty() const {
     return !anyConverted && (success ? skipped > 0 : message == text("error.no.media.files"));
 }
 
@@ -101,15 +101,15 @@ Alert stopQuestion() {
     return question;
 }
 
-Alert resultAlert(const BatchEnd &end) {
-    const bool empty = end.isEmpty();
-    Alert alert{text(empty         ? "alert.nothing.title"
-                     : end.success ? "alert.conversion.success"
-                                   : "alert.conversion.error"),
-                empty ? reasonAndWayOn(end) : messageAndCounts(end)};
-    alert.style = end.success && !empty ? AlertStyle::informational : AlertStyle::warning;
-    alert.details = end.details;
-    if (end.showsOutputs)
+Alert resultAlert(const BatchResult &result) {
+    const bool empty = result.isEmpty();
+    Alert alert{text(empty            ? "alert.nothing.title"
+                     : result.success ? "alert.conversion.success"
+                                      : "alert.conversion.error"),
+                empty ? nothingConvertedMessage(result) : messageAndCounts(result)};
+    alert.style = result.success && !empty ? AlertStyle::informational : AlertStyle::warning;
+    alert.details = result.details;
+    if (result.showsOutputs)
         alert.sideButton = text("button.show.in.folder");
     return alert;
 }

@@ -11,45 +11,46 @@
 
 namespace lumetwin {
 
-// What the progress sheet says, as functions of what the batch reports.
+// The texts of the progress sheet, as functions of what the batch reports.
 
-/// The share of a total; 0 of no total. More than announced is more than 1.
+/// current / total, or 0 for a total below 1. More than 1 when current is above the total.
 double fractionOf(std::int64_t current, std::int64_t total);
-/// The share of the whole batch, 0 to 1: the files that are done and the share of the current one. For totals from 1.
+/// The finished share of the whole batch, 0 to 1: the files that are done and the share of the current one. filesTotal
+/// is at least 1.
 double batchFraction(std::int64_t filesDone, std::int64_t filesTotal, double fractionOfFile);
 
-/// fraction: the share of the whole batch.
+/// fraction: the finished share of the whole batch.
 std::string filesText(std::int64_t current, std::int64_t total, double fraction);
-/// A total below 1 is an unknown one. rate: frames per second, once it is known.
+/// A total below 1 means that the total is not known. rate: frames per second, if known.
 std::string framesText(std::int64_t current, std::int64_t total, std::optional<double> rate = {});
-/// How long the rest of the batch will take at the pace so far; nothing before that can be told.
+/// How long the rest of the batch will take at the speed so far; nullopt while it is too early for an estimate.
 std::optional<std::chrono::seconds> timeLeft(std::chrono::steady_clock::duration elapsed, double fraction);
-/// Whole minutes, also beyond an hour, and seconds.
+/// The elapsed time in minutes (more than 59 when needed) and seconds, and the time left if known.
 std::string elapsedText(std::chrono::steady_clock::duration elapsed, std::optional<std::chrono::seconds> left = {});
-/// What is done to a file before, or without, any frames to count.
-std::string workText(const std::string &fileName);
-/// A line of the details that the alert at the end can unfold. It names the file once.
+/// The text about the current file while there are no frames to count.
+std::string activityText(const std::string &fileName);
+/// One line of the details in the alert at the end. The file is named once, even when the reason names it too.
 std::string detailLine(const std::string &fileName, const std::string &reason);
 
-/// How a batch ended.
-struct BatchEnd {
+/// The result of a batch.
+struct BatchResult {
     bool success = false;
     std::string message = {};
     std::string details = {};
     bool showsOutputs = false;
-    std::int64_t skipped = 0;               ///< files
-    std::set<std::string> skipReasons = {}; ///< each once
-    std::int64_t warned = 0;                ///< converted files that have warnings
+    std::int64_t skipped = 0; ///< files
+    std::set<std::string> skipReasons = {};
+    std::int64_t warned = 0; ///< converted files that have warnings
     bool anyConverted = false;
 
-    /// Whether nothing was converted although nothing failed.
+    /// Whether nothing was converted and nothing failed.
     bool isEmpty() const;
 };
 
-/// Asks whether to stop; the first button stops, the other one is the default.
+/// Asks whether to stop. The first button stops; the second one continues and is the default.
 Alert stopQuestion();
-/// Tells how a batch went, and when it converted nothing, why, and what can be done. Its side button leads to the
-/// outputs, where there are any to show.
-Alert resultAlert(const BatchEnd &end);
+/// Reports the result of a batch. When nothing was converted, it says why and what the user can do. Its side button
+/// opens the folder of the outputs, if there are any.
+Alert resultAlert(const BatchResult &result);
 
 } // namespace lumetwin

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// One run of a batch, and what the sheet does with what the batch reports.
+// Runs one batch and shows what it reports.
 #include "ui/progress/ProgressViewController.h"
 
 #include "engine/texts/FileNames.h"
@@ -38,7 +38,7 @@ void ProgressViewController::startProcessing() {
     timerUpdateTimer->start(500);
     processor = std::make_shared<VideoProcessor>(settings, SystemVersion::current(), services_.operations);
     connectProcessor();
-    // The thread keeps the processor alive, not the sheet.
+    // The processor is owned by the thread too, so it may outlive the sheet.
     BackgroundThreads::shared().run("batch", [processor = processor, services = services_] {
         services.run(*processor);
         if (services.runEnded)
@@ -46,11 +46,11 @@ void ProgressViewController::startProcessing() {
     });
 }
 
-/// Each callback posts itself, from whatever thread, to the interface thread and does nothing there once the sheet
-/// has gone.
+/// The processor calls back on its own threads. Each callback is posted to the interface thread, and does nothing there
+/// when the sheet is gone.
 void ProgressViewController::connectProcessor() {
     const QPointer<ProgressViewController> weak(this);
-    const auto repost = [weak](auto operation) {
+    const auto onMainThread = [weak](auto operation) {
         return [weak, operation](const auto &...arguments) {
             MainThreadQueue::shared().post([weak, operation, arguments...] {
                 if (weak)
@@ -59,11 +59,11 @@ void ProgressViewController::connectProcessor() {
         };
     };
     using Self = ProgressViewController;
-    processor->onProgress = repost(std::mem_fn(&Self::updateProgress));
-    processor->onFrameProgress = repost(std::mem_fn(&Self::updateFrameProgress));
-    processor->onSkip = repost(std::mem_fn(&Self::showSkipped));
-    processor->onComplete = repost(std::mem_fn(&Self::conversionFinished));
-    processor->onResult = repost(std::mem_fn(&Self::noteResult));
+    processor->onProgress = onMainThread(std::mem_fn(&Self::updateProgress));
+    processor->onFrameProgress = onMainThread(std::mem_fn(&Self::updateFrameProgress));
+    processor->onSkip = onMainThread(std::mem_fn(&Self::showSkipped));
+    processor->onComplete = onMainThread(std::mem_fn(&Self::conversionFinished));
+    processor->onResult = onMainThread(std::mem_fn(&Self::addResult));
 }
 
 void ProgressViewController::updateProgress(std::int64_t current, std::int64_t total, const std::string &fileName) {
@@ -75,10 +75,10 @@ void ProgressViewController::updateProgress(std::int64_t current, std::int64_t t
     fileNameLabel->setText(toQString(formatted("progress.processing.format", fileName)));
     statusLabel->setText(toQString(text("progress.converting")));
     fileProgressBar->setIndeterminate(true);
-    fileProgressLabel->setText(toQString(workText(fileName)));
+    fileProgressLabel->setText(toQString(activityText(fileName)));
 }
 
-/// The bar, its words and whoever listens outside all tell the same share.
+/// Shows the share in the bar and its text, and emits it.
 void ProgressViewController::showBatchFraction(double fraction) {
     fraction_ = fraction;
     overallProgress->setDoubleValue(fraction);
@@ -86,7 +86,7 @@ void ProgressViewController::showBatchFraction(double fraction) {
     emit batchProgressed(fraction);
 }
 
-/// Frames per second of the current file, once a second of it has passed.
+/// Frames per second of the current file; nullopt in its first second.
 std::optional<double> ProgressViewController::frameRate(std::int64_t current) {
     const auto now = std::chrono::steady_clock::now();
     if (!firstReport_)
@@ -117,7 +117,7 @@ void ProgressViewController::showSkipped(const std::string &fileName, const std:
     skipReasons_.insert(reason);
 }
 
-void ProgressViewController::noteResult(const FileResult &result) {
+void ProgressViewController::addResult(const FileResult &result) {
     const std::string name = lastPathComponent(result.input);
     if (result.state == FileState::failed)
         details_ += detailLine(name, result.reason);
@@ -141,7 +141,7 @@ void ProgressViewController::conversionFinished(bool success, const std::string 
     if (isCancelled())
         return;
     state_ = State::finished;
-    delete question_; // at once: the alert at the end must know that it follows another one
+    delete stopQuestionParent_; // now, not later: the result alert checks whether another alert was closed just before
     elapsedLabel->setText(toQString(elapsedText(std::chrono::steady_clock::now() - *startTime)));
     fileProgressBar->setIndeterminate(false);
     fileProgressBar->setDoubleValue(1);
@@ -151,19 +151,19 @@ void ProgressViewController::conversionFinished(bool success, const std::string 
     fileCountLabel->setText(toQString(formatted("progress.filecount.format", filesTotal_, filesTotal_)));
     statusLabel->setText(toQString(message));
     turnIntoCloseButton();
-    const BatchEnd end = batchEnd(success, message);
+    const BatchResult end = batchResult(success, message);
     const Alert result = resultAlert(end);
-    showEnd(success && !end.isEmpty() ? text("progress.title.done") : result.message);
+    showTitle(success && !end.isEmpty() ? text("progress.title.done") : result.message);
     emit batchFinished(success, toQString(message));
     showResult(result);
 }
 
-BatchEnd ProgressViewController::batchEnd(bool success, const std::string &message) const {
+BatchResult ProgressViewController::batchResult(bool success, const std::string &message) const {
     const bool showsOutputs = !outputs_.empty() && services_.showInFolder;
     return {success, message, details_, showsOutputs, skipped_, skipReasons_, warned_, !outputs_.empty()};
 }
 
-void ProgressViewController::showEnd(const std::string &title) {
+void ProgressViewController::showTitle(const std::string &title) {
     titleLabel->setText(toQString(title));
     setAccessibleName(toQString(title));
 }
@@ -187,21 +187,21 @@ void ProgressViewController::cancelTapped() {
 }
 
 void ProgressViewController::confirmCancel() {
-    if (state_ != State::running || question_)
+    if (state_ != State::running || stopQuestionParent_)
         return;
-    question_ = new QWidget(this);
-    services_.alerts->present(stopQuestion(), question_, [this](int button) {
-        endQuestion();
+    stopQuestionParent_ = new QWidget(this);
+    services_.alerts->present(stopQuestion(), stopQuestionParent_, [this](int button) {
+        closeStopQuestion();
         if (button == 0)
             stop();
     });
 }
 
-/// An alert goes with the widget that it was presented on; here it is still telling its answer.
-void ProgressViewController::endQuestion() {
-    if (question_)
-        question_->deleteLater();
-    question_ = nullptr;
+/// Destroying this widget closes the alert. It is deleted later, because the alert is just delivering its answer.
+void ProgressViewController::closeStopQuestion() {
+    if (stopQuestionParent_)
+        stopQuestionParent_->deleteLater();
+    stopQuestionParent_ = nullptr;
 }
 
 void ProgressViewController::stop() {
@@ -219,7 +219,7 @@ void ProgressViewController::closeTapped() {
 
 void ProgressViewController::hideEvent(QHideEvent *event) {
     QWidget::hideEvent(event);
-    // Minimizing the window hides the sheet too, but does not put it away.
+    // Minimizing the window hides the sheet too, with a spontaneous event, but does not close it.
     if (timerUpdateTimer && !event->spontaneous())
         timerUpdateTimer->stop();
 }

@@ -28,10 +28,10 @@ class BarIndicator;
 class ColouredButton;
 class ElidedLabel;
 
-/// Runs a whole batch on the calling thread, which is the batch's own.
+/// Runs a whole batch on the calling thread, which is the batch's thread.
 using BatchRun = std::function<void(VideoProcessor &processor)>;
 
-/// The sheet that runs one batch and shows its progress. It may go away while the batch still runs.
+/// The sheet that runs one batch and shows its progress. It may be destroyed while the batch still runs.
 class ProgressViewController : public Sheet {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ public:
         AlertPresenter *alerts;
         MediaOperations operations = MediaOperations::inProcess();
         BatchRun run = [](VideoProcessor &batch) { batch.processAll(); };
-        /// On the interface thread, when the batch has returned, also when the sheet is gone by then.
+        /// Called on the interface thread when the batch has returned, even when the sheet is gone by then.
         std::function<void()> runEnded = {};
         /// Shows the outputs in the file manager.
         std::function<void(const std::filesystem::path &folder, const std::vector<std::filesystem::path> &outputs)>
@@ -53,7 +53,7 @@ public:
                            QWidget *parent = nullptr);
     ~ProgressViewController() override;
 
-    /// Builds the interface and starts the batch; once, when the sheet has its window.
+    /// Builds the interface and starts the batch. Called once, when the sheet is in its window.
     void viewDidLoad();
     void fitInto(QSize room) override;
 
@@ -63,24 +63,24 @@ public:
 
     void updateProgress(std::int64_t current, std::int64_t total, const std::string &fileName);
     void updateFrameProgress(std::int64_t current, std::int64_t total);
-    void noteResult(const FileResult &result);
+    void addResult(const FileResult &result);
     void showSkipped(const std::string &fileName, const std::string &reason);
     void conversionFinished(bool success, const std::string &message);
     void updateElapsedTime();
     /// While running: asks whether to stop.
     void cancelTapped();
-    /// After the end: puts the sheet away.
+    /// After the end: closes the sheet.
     void closeTapped();
-    /// Stops the run and puts the sheet away, without asking.
+    /// Stops the run and closes the sheet, without asking.
     void stop();
 
-    /// When the run started; moved by tests.
+    /// When the run started. Tests change it.
     std::optional<std::chrono::steady_clock::time_point> startTime;
 
 signals:
-    /// The sheet wants to go: closed or stopped.
+    /// The sheet was closed or the run stopped; the receiver removes the sheet.
     void dismissed();
-    /// How much of the whole batch is done, 0 to 1, frames of the current file included.
+    /// The finished share of the whole batch, 0 to 1, including the frames of the current file.
     void batchProgressed(double fraction);
     void batchFinished(bool success, const QString &message);
 
@@ -98,13 +98,13 @@ private:
     void startProcessing();
     void connectProcessor();
     void confirmCancel();
-    void endQuestion();
+    void closeStopQuestion();
     void turnIntoCloseButton();
     void applyColours();
     void showBatchFraction(double fraction);
     std::optional<double> frameRate(std::int64_t current);
-    BatchEnd batchEnd(bool success, const std::string &message) const;
-    void showEnd(const std::string &title);
+    BatchResult batchResult(bool success, const std::string &message) const;
+    void showTitle(const std::string &title);
     void showResult(const Alert &alert);
     void buttonPressed();
 
@@ -125,12 +125,12 @@ private:
     QLabel *elapsedLabel = nullptr;
     QTimer *timerUpdateTimer = nullptr;
 
-    std::vector<std::pair<QLabel *, QColor>> labels_; ///< with their usual colours
-    QPointer<QWidget> question_;                      ///< stands for the stop confirmation while that is open
+    std::vector<std::pair<QLabel *, QColor>> labels_; ///< and their colours, except in high contrast
+    QPointer<QWidget> stopQuestionParent_;            ///< parent of the stop question while it is open
     std::int64_t filesDone_ = 0;
     std::int64_t filesTotal_ = 0;
-    double fraction_ = 0; ///< of the whole batch
-    /// Where the speed of the current file is counted from.
+    double fraction_ = 0; ///< finished share of the whole batch
+    /// The first frame report of the current file, for its speed.
     struct FrameReport {
         std::chrono::steady_clock::time_point time;
         std::int64_t frame = 0;
@@ -140,7 +140,7 @@ private:
     std::int64_t warned_ = 0; ///< converted files that have warnings
     std::set<std::string> skipReasons_;
     std::vector<std::filesystem::path> outputs_;
-    std::string details_; ///< what was skipped or failed, and warnings, one a line
+    std::string details_; ///< skipped and failed files, and warnings, one in each line
 };
 
 } // namespace lumetwin

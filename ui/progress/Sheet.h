@@ -5,15 +5,15 @@
 
 namespace lumetwin {
 
-/// What a SheetOverlay presents.
+/// The widget that a SheetOverlay presents.
 class Sheet : public QWidget {
     Q_OBJECT
 
 public:
     using QWidget::QWidget;
 
-    /// Takes its usual size, or a smaller one that the room holds.
-    virtual void fitInto(QSize room) = 0;
+    /// Resizes to its normal size, or to a smaller one that fits into the available size.
+    virtual void fitInto(QSize available) = 0;
 };
 
 } // namespace lumetwin

@@ -12,20 +12,20 @@ SheetOverlay::SheetOverlay(QWidget *content, Sheet *sheet)
     : QWidget(content->parentWidget()), content_(content), sheet_(sheet) {
     sheet->setParent(this);
     content->installEventFilter(this);
-    cover();
+    coverContent();
     show();
     raise();
     sheet->show();
     sheet->setFocus();
 }
 
-void SheetOverlay::cover() {
+void SheetOverlay::coverContent() {
     setGeometry(content_->geometry());
 }
 
 bool SheetOverlay::eventFilter(QObject *watched, QEvent *event) {
     if (watched == content_ && (event->type() == QEvent::Resize || event->type() == QEvent::Move))
-        cover();
+        coverContent();
     return QWidget::eventFilter(watched, event);
 }
 
@@ -36,7 +36,7 @@ void SheetOverlay::resizeEvent(QResizeEvent *event) {
 }
 
 void SheetOverlay::paintEvent(QPaintEvent *) {
-    QPainter(this).fillRect(rect(), white(0, 0.5));
+    QPainter(this).fillRect(rect(), greyColour(0, 0.5));
 }
 
 } // namespace lumetwin

@@ -7,14 +7,14 @@
 
 namespace lumetwin {
 
-/// Presents a sheet on a window's content: covers and dims the content and keeps the sheet in its middle.
-/// The sheet is part of the window and not a window of its own, because a window that is blocked by another one hears
-/// nothing of being closed; this one can ask.
+/// Presents a sheet on a window's content: covers and dims the content and keeps the sheet in its middle. The sheet is
+/// a part of the window, not a window of its own, because a window that is blocked by a modal one does not hear of its
+/// close button. This way the program can ask before it closes.
 class SheetOverlay : public QWidget {
     Q_OBJECT
 
 public:
-    /// Covers the content and takes the sheet.
+    /// Covers the content and becomes the parent of the sheet.
     SheetOverlay(QWidget *content, Sheet *sheet);
 
 protected:
@@ -23,7 +23,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void cover();
+    void coverContent();
 
     QPointer<QWidget> content_;
     Sheet *sheet_;

@@ -13,7 +13,7 @@ namespace lumetwin {
 
 namespace {
 
-/// A slider whose value is the number that it stands for, not its position.
+/// Reports the slider's decimal value, not its integer position.
 class AccessibleValueSlider : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
     explicit AccessibleValueSlider(ValueSlider *slider) : QAccessibleWidget(slider, QAccessible::Slider) {}
@@ -35,7 +35,7 @@ private:
     ValueSlider *slider() const { return static_cast<ValueSlider *>(widget()); }
 };
 
-/// A drop target: named by its section, described by what it holds.
+/// A drop target. Its name is the title of its section; its description is the text that it shows.
 class AccessibleDropView : public QAccessibleWidget {
 public:
     explicit AccessibleDropView(DropFolderView *view) : QAccessibleWidget(view, QAccessible::Button) {}

@@ -3,8 +3,8 @@
 
 namespace lumetwin {
 
-/// Tells the accessibility bus what the form's own widgets are: sliders with decimal values, drop targets that tell
-/// what they hold, and a progress sheet that is a dialog. Called once.
+/// Registers accessible interfaces for the widgets of this program: sliders with decimal values, drop targets that
+/// report their content, the progress sheet as a dialog, and sections as groups. Call it once.
 void installAccessibility();
 
 } // namespace lumetwin

@@ -12,7 +12,7 @@ namespace lumetwin {
 
 namespace {
 
-void nameThisThread([[maybe_unused]] const char *name) {
+void setThreadName([[maybe_unused]] const char *name) {
 #ifdef __linux__
     pthread_setname_np(pthread_self(), name);
 #endif
@@ -21,36 +21,36 @@ void nameThisThread([[maybe_unused]] const char *name) {
 } // namespace
 
 BackgroundThreads &BackgroundThreads::shared() {
-    // Never destroyed: a thread that the program could not wait for may still end.
+    // Never destroyed, because a thread that the program did not wait for may still use it.
     static auto *threads = new BackgroundThreads;
     return *threads;
 }
 
 void BackgroundThreads::run(const char *name, std::function<void()> work) {
     const std::lock_guard guard(lock_);
-    joinEnded();
+    joinEndedThreads();
     Run &run = runs_.emplace_back();
     run.thread = std::thread([this, &run, name, work = std::move(work)]() mutable {
-        nameThisThread(name);
+        setThreadName(name);
         work();
-        work = nullptr; // what the work holds goes before the thread counts as ended
+        work = nullptr; // release what the work holds before the thread counts as ended
         const std::lock_guard ending(lock_);
         run.ended = true;
-        oneEnded_.notify_all();
+        threadEnded_.notify_all();
     });
 }
 
 bool BackgroundThreads::waitForAll(std::chrono::milliseconds atMost) {
     std::unique_lock guard(lock_);
-    oneEnded_.wait_for(guard, atMost, [this] {
+    threadEnded_.wait_for(guard, atMost, [this] {
         return std::all_of(runs_.begin(), runs_.end(), [](const Run &run) { return run.ended; });
     });
-    joinEnded();
+    joinEndedThreads();
     return runs_.empty();
 }
 
-/// With lock_ held: an ended thread needs it no more.
-void BackgroundThreads::joinEnded() {
+/// The caller holds lock_. That cannot block, because an ended thread does not need lock_ any more.
+void BackgroundThreads::joinEndedThreads() {
     runs_.remove_if([](Run &run) {
         if (run.ended)
             run.thread.join();

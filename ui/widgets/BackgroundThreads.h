@@ -10,16 +10,16 @@
 
 namespace lumetwin {
 
-/// The threads on which batches and longer checks run, beside the interface thread. The program waits for them before
-/// it ends, so that a stopped batch can clean up behind itself.
+/// The threads that run batches and long checks, beside the interface thread. The program waits for them before it
+/// ends, so that a stopped batch can remove its partial files.
 class BackgroundThreads {
 public:
     static BackgroundThreads &shared();
 
-    /// Runs the work on a thread of its own. name: at most 15 bytes, shown by system monitors.
+    /// Runs the work on a new thread. name: at most 15 bytes; system monitors show it.
     void run(const char *name, std::function<void()> work);
 
-    /// Waits until everything has ended, or for the given time. Returns whether everything has ended.
+    /// Waits until all threads have ended, but not longer than atMost. Returns whether all have ended.
     bool waitForAll(std::chrono::milliseconds atMost);
 
 private:
@@ -28,10 +28,10 @@ private:
         bool ended = false;
     };
 
-    void joinEnded();
+    void joinEndedThreads();
 
     std::mutex lock_;
-    std::condition_variable oneEnded_;
+    std::condition_variable threadEnded_;
     std::list<Run> runs_; // guarded by lock_
 };
 

@@ -14,7 +14,7 @@ namespace lumetwin {
 
 namespace {
 
-constexpr int steps = 1000;        // of the bar as others see it
+constexpr int steps = 1000;        // of the bar, as accessibility tools see it
 constexpr int frameInterval = 33;  // milliseconds
 constexpr double sweep = 1600;     // milliseconds from one end to the other
 constexpr double sweepShare = 0.3; // of the bar's length
@@ -62,22 +62,22 @@ void BarIndicator::paintEvent(QPaintEvent *) {
     const QRectF bar = QRectF(rect());
     QPainterPath track;
     track.addRoundedRect(bar, bar.height() / 2, bar.height() / 2);
-    const bool plain = isHighContrast(palette());
-    painter.fillPath(track, plain ? palette().color(QPalette::Window) : white(1, 0.14));
+    const bool highContrast = isHighContrast(palette());
+    painter.fillPath(track, highContrast ? palette().color(QPalette::Window) : greyColour(1, 0.14));
     QRectF filled = bar;
     if (indeterminate_) {
         const double phase = std::fmod(static_cast<double>(sinceStart_.elapsed()), 2 * sweep) / sweep;
-        const double there = (1 - std::cos(phase * M_PI)) / 2; // back and forth, slower at the ends
+        const double position = (1 - std::cos(phase * M_PI)) / 2; // back and forth, slower at the ends
         filled.setWidth(bar.width() * sweepShare);
-        filled.moveLeft((bar.width() - filled.width()) * there);
+        filled.moveLeft((bar.width() - filled.width()) * position);
     } else {
         filled.setWidth(bar.width() * std::clamp(doubleValue_, 0.0, 1.0));
     }
     painter.setClipPath(track);
     QPainterPath part;
     part.addRoundedRect(filled, bar.height() / 2, bar.height() / 2);
-    painter.fillPath(part, plain ? palette().color(QPalette::Highlight) : fill_);
-    if (plain)
+    painter.fillPath(part, highContrast ? palette().color(QPalette::Highlight) : fill_);
+    if (highContrast)
         painter.strokePath(track, QPen(palette().color(QPalette::WindowText), 2));
 }
 

@@ -7,7 +7,7 @@
 
 namespace lumetwin {
 
-/// A progress bar from 0 to 1, or one that only shows that something goes on. Made for a dark ground.
+/// A progress bar from 0 to 1, or one that only shows that work goes on. Its colours suit a dark background.
 class BarIndicator : public QProgressBar {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ public:
     BarIndicator(const QColor &fill, QWidget *parent = nullptr);
 
     double doubleValue() const { return doubleValue_; }
-    /// Not clamped; what is drawn is.
+    /// The value is stored as it is; only the drawing clamps it to 0...1.
     void setDoubleValue(double value);
     bool isIndeterminate() const { return indeterminate_; }
     void setIndeterminate(bool indeterminate);

@@ -15,7 +15,7 @@ constexpr QChar stopSquare(0x23F9);
 constexpr QChar playSign(0x25B6);
 constexpr QChar checkMark(0x2713);
 
-/// The symbol that begins a title, in a square of 1 by 1; empty for other titles.
+/// The outline of the symbol that a title begins with, in a square of 1 by 1. Empty for a title without a symbol.
 QPainterPath symbolPath(const QString &title) {
     QPainterPath path;
     if (title.startsWith(stopSquare)) {
@@ -49,28 +49,28 @@ QColor ColouredButton::colour() const {
 void ColouredButton::paintEvent(QPaintEvent *) {
     const PointScale scale = PointScale::current();
     const double radius = cornerRadius_ * scale.y;
-    QColor ground = colour();
-    const QColor ink = colour_ ? QColor(Qt::white) : onAccentColour(palette());
-    // Darker, never lighter: the title stays readable.
+    QColor background = colour();
+    const QColor textColour = colour_ ? QColor(Qt::white) : textOnAccentColour(palette());
+    // The background gets darker, never lighter, so that the title stays readable.
     if (!isEnabled())
-        ground.setAlphaF(0.45F);
+        background.setAlphaF(0.45F);
     else if (isDown())
-        ground = ground.darker(125);
+        background = background.darker(125);
     else if (underMouse())
-        ground = ground.darker(110);
+        background = background.darker(110);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
+    painter.setBrush(background);
     painter.drawRoundedRect(rect(), radius, radius);
     if (hasFocus()) {
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(ink, 2));
+        painter.setPen(QPen(textColour, 2));
         painter.drawRoundedRect(QRectF(rect()).adjusted(3, 3, -3, -3), qMax(1.0, radius - 3), qMax(1.0, radius - 3));
     }
-    QColor faded = ink;
+    QColor faded = textColour;
     faded.setAlphaF(0.7F);
-    painter.setPen(isEnabled() ? ink : faded);
+    painter.setPen(isEnabled() ? textColour : faded);
     paintTitle(painter);
 }
 
@@ -85,11 +85,11 @@ void ColouredButton::paintTitle(QPainter &painter) const {
         return;
     painter.translate(left, (height() - size) / 2);
     painter.scale(size, size);
-    const QColor ink = painter.pen().color();
+    const QColor textColour = painter.pen().color();
     if (text().startsWith(checkMark))
-        painter.strokePath(symbol, QPen(ink, 0.16, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.strokePath(symbol, QPen(textColour, 0.16, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     else
-        painter.fillPath(symbol, ink);
+        painter.fillPath(symbol, textColour);
 }
 
 } // namespace lumetwin

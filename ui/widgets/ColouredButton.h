@@ -7,9 +7,9 @@
 
 namespace lumetwin {
 
-/// A borderless button with rounded corners and a white title on a colour of its own, or on the desktop's accent
-/// colour while it has none. A stop square, play sign or check mark that begins the title is drawn, because some fonts
-/// have it as a coloured picture and others not at all.
+/// A borderless button with rounded corners and a white title. Its background is its own colour, or the desktop's
+/// accent colour while it has none. A stop square, play sign or check mark at the start of the title is drawn here,
+/// because some fonts show it as a coloured picture and others lack it.
 class ColouredButton : public QPushButton {
     Q_OBJECT
 

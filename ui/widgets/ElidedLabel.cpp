@@ -16,7 +16,7 @@ QSize ElidedLabel::minimumSizeHint() const {
     return {fontMetrics().horizontalAdvance(QStringLiteral("…")), QLabel::minimumSizeHint().height()};
 }
 
-QString ElidedLabel::shownText() const {
+QString ElidedLabel::elidedText() const {
     QString line = text();
     line.replace(QLatin1Char('\n'), QLatin1Char(' '));
     return fontMetrics().elidedText(line, Qt::ElideMiddle, contentsRect().width());
@@ -25,13 +25,13 @@ QString ElidedLabel::shownText() const {
 void ElidedLabel::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    painter.drawText(contentsRect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shownText());
+    painter.drawText(contentsRect(), static_cast<int>(alignment()) | Qt::TextSingleLine, elidedText());
 }
 
 bool ElidedLabel::event(QEvent *event) {
     if (event->type() != QEvent::ToolTip)
         return QLabel::event(event);
-    const bool whole = shownText() == text();
+    const bool whole = elidedText() == text();
     QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), whole ? QString() : text().toHtmlEscaped(), this);
     return true;
 }

@@ -5,8 +5,8 @@
 
 namespace lumetwin {
 
-/// A one-line label of plain text that leaves out its middle where it is too long; text() stays whole, and a tool tip
-/// shows it.
+/// A label with one line of plain text. When the text is too long, an ellipsis replaces its middle and the tool tip
+/// shows all of it. text() always returns the whole text.
 class ElidedLabel : public QLabel {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ protected:
     bool event(QEvent *event) override;
 
 private:
-    QString shownText() const;
+    QString elidedText() const;
 };
 
 } // namespace lumetwin

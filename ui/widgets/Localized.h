@@ -14,19 +14,19 @@ inline QString toQString(const std::string &utf8) {
     return QString::fromStdString(utf8);
 }
 
-/// A path for people's eyes; bytes that are no UTF-8 are replaced.
-inline QString shownPath(const std::filesystem::path &path) {
+/// A path for display. Bytes that are not valid UTF-8 are replaced.
+inline QString displayPath(const std::filesystem::path &path) {
     return QString::fromStdString(path.string());
 }
-inline QString shownName(const std::filesystem::path &path) {
-    return shownPath(path.filename());
+inline QString displayName(const std::filesystem::path &path) {
+    return displayPath(path.filename());
 }
 
-/// The texts with an English default of their own.
+/// Texts that have an English default in the code.
 inline std::string folderPlaceholder() {
     return text("drop.folder.placeholder", "Drop folder here");
 }
-inline std::string filesSelected(std::int64_t count) {
+inline std::string filesSelectedText(std::int64_t count) {
     return fmt::sprintf(text("label.files.selected.format", "%d files selected"), count);
 }
 

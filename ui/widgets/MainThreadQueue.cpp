@@ -12,12 +12,12 @@ namespace lumetwin {
 namespace {
 
 constexpr qint64 sliceMilliseconds = 8;
-const QEvent::Type workWaits = static_cast<QEvent::Type>(QEvent::registerEventType());
+const QEvent::Type tasksWaitingEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 } // namespace
 
 MainThreadQueue &MainThreadQueue::shared() {
-    // Never destroyed: threads may still post while the program ends.
+    // Never destroyed, because threads may still post tasks while the program ends.
     static MainThreadQueue *queue = [] {
         auto *made = new MainThreadQueue;
         made->moveToThread(QCoreApplication::instance()->thread());
@@ -30,10 +30,10 @@ void MainThreadQueue::post(std::function<void()> task) {
     const std::lock_guard guard(lock_);
     tasks_.push_back(std::move(task));
     if (!std::exchange(scheduled_, true))
-        QCoreApplication::postEvent(this, new QEvent(workWaits));
+        QCoreApplication::postEvent(this, new QEvent(tasksWaitingEvent));
 }
 
-std::function<void()> MainThreadQueue::next() {
+std::function<void()> MainThreadQueue::takeNextTask() {
     const std::lock_guard guard(lock_);
     if (tasks_.empty()) {
         scheduled_ = false;
@@ -44,12 +44,12 @@ std::function<void()> MainThreadQueue::next() {
     return task;
 }
 
-/// Whether more may be waiting.
+/// Runs tasks for a few milliseconds. Returns whether more may be waiting.
 bool MainThreadQueue::runSlice() {
     QElapsedTimer slice;
     slice.start();
     while (slice.elapsed() < sliceMilliseconds) {
-        const std::function<void()> task = next();
+        const std::function<void()> task = takeNextTask();
         if (!task)
             return false;
         task();
@@ -63,11 +63,11 @@ void MainThreadQueue::drain() {
 }
 
 bool MainThreadQueue::event(QEvent *event) {
-    if (event->type() != workWaits)
+    if (event->type() != tasksWaitingEvent)
         return QObject::event(event);
-    // Input and painting go first.
+    // The low priority lets input and painting go first.
     if (runSlice())
-        QCoreApplication::postEvent(this, new QEvent(workWaits), Qt::LowEventPriority);
+        QCoreApplication::postEvent(this, new QEvent(tasksWaitingEvent), Qt::LowEventPriority);
     return true;
 }
 

@@ -9,26 +9,27 @@
 
 namespace lumetwin {
 
-/// Brings work from any thread to the interface thread, in the order in which it was posted. It runs in slices of a
-/// few milliseconds, so that a flood of work does not keep the window from drawing and answering.
+/// Runs tasks from any thread on the interface thread, in the order in which they were posted. It stops after some
+/// milliseconds and continues later, so that many tasks do not block drawing and input.
 class MainThreadQueue : public QObject {
     Q_OBJECT
 
 public:
-    /// The queue of the program, which must have its application object.
+    /// The program's queue. A QCoreApplication must exist.
     static MainThreadQueue &shared();
 
-    /// From any thread. The task must hold what it touches weakly.
+    /// May be called on any thread. The task must hold weak references to the objects that it uses, because they may be
+    /// gone when it runs.
     void post(std::function<void()> task);
 
-    /// Runs what is waiting, on the interface thread.
+    /// Runs all waiting tasks. Call it on the interface thread.
     void drain();
 
 protected:
     bool event(QEvent *event) override;
 
 private:
-    std::function<void()> next();
+    std::function<void()> takeNextTask();
     bool runSlice();
 
     std::mutex lock_;

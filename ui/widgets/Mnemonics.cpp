@@ -3,12 +3,12 @@
 
 namespace lumetwin {
 
-QString withMnemonic(const QString &words, char letter) {
-    QString marked = words;
-    marked.replace(QLatin1Char('&'), QStringLiteral("&&"));
-    const qsizetype place = marked.indexOf(QLatin1Char(letter), 0, Qt::CaseInsensitive);
-    return place < 0 ? marked + QStringLiteral("(&%1)").arg(QChar(QLatin1Char(letter)).toUpper())
-                     : marked.insert(place, QLatin1Char('&'));
+QString withMnemonic(const QString &text, char letter) {
+    QString result = text;
+    result.replace(QLatin1Char('&'), QStringLiteral("&&"));
+    const qsizetype position = result.indexOf(QLatin1Char(letter), 0, Qt::CaseInsensitive);
+    return position < 0 ? result + QStringLiteral("(&%1)").arg(QChar(QLatin1Char(letter)).toUpper())
+                        : result.insert(position, QLatin1Char('&'));
 }
 
 } // namespace lumetwin

@@ -5,8 +5,8 @@
 
 namespace lumetwin {
 
-/// The words of a control with the letter that the Alt key reaches it by: marked where it stands in the words, and
-/// behind them in brackets where it does not, as scripts without Latin letters have it.
-QString withMnemonic(const QString &words, char letter);
+/// Adds the letter that reaches a control together with the Alt key. It is marked inside the text where the text
+/// contains it, otherwise appended in brackets, as is usual in scripts without Latin letters.
+QString withMnemonic(const QString &text, char letter);
 
 } // namespace lumetwin

@@ -12,9 +12,9 @@
 namespace lumetwin {
 
 NumberField::NumberField(const QString &start, Parse parse, QWidget *parent)
-    : QLineEdit(start, parent), parse_(std::move(parse)), typed_(parse_(start)), kept_(value()) {
-    connect(this, &QLineEdit::textChanged, this, &NumberField::read);
-    connect(this, &QLineEdit::editingFinished, this, &NumberField::keep);
+    : QLineEdit(start, parent), parse_(std::move(parse)), typedValue_(parse_(start)), previousValue_(value()) {
+    connect(this, &QLineEdit::textChanged, this, &NumberField::parseText);
+    connect(this, &QLineEdit::editingFinished, this, &NumberField::savePreviousValue);
 }
 
 void NumberField::showValue(double value, const QString &text) {
@@ -22,37 +22,37 @@ void NumberField::showValue(double value, const QString &text) {
         const QSignalBlocker quiet(this);
         setText(text);
     }
-    typed_ = kept_ = value;
-    mark();
+    typedValue_ = previousValue_ = value;
+    updateMarking();
 }
 
-void NumberField::setWords(const QString &takes, const QString &help) {
-    takes_ = takes;
+void NumberField::setTexts(const QString &expectedInput, const QString &help) {
+    expectedInput_ = expectedInput;
     help_ = help;
-    mark();
+    updateMarking();
 }
 
-void NumberField::read() {
-    typed_ = parse_(text());
-    // A text that nobody typed is no step on the way to another one.
+void NumberField::parseText() {
+    typedValue_ = parse_(text());
+    // A text that was set by the program is complete, so its value counts at once.
     if (!isModified())
-        keep();
-    mark();
+        savePreviousValue();
+    updateMarking();
 }
 
-void NumberField::keep() {
-    kept_ = value();
+void NumberField::savePreviousValue() {
+    previousValue_ = value();
 }
 
-void NumberField::mark() {
-    const bool wasWrong = accessibleDescription() == takes_ && !takes_.isEmpty();
-    setToolTip(isAccepted() ? help_ : takes_);
-    setAccessibleDescription(isAccepted() ? help_ : takes_);
-    if (!isAccepted() && !wasWrong && hasFocus()) {
+void NumberField::updateMarking() {
+    const bool wasWrong = accessibleDescription() == expectedInput_ && !expectedInput_.isEmpty();
+    setToolTip(isValid() ? help_ : expectedInput_);
+    setAccessibleDescription(isValid() ? help_ : expectedInput_);
+    if (!isValid() && !wasWrong && hasFocus()) {
         QAccessibleEvent changed(this, QAccessible::DescriptionChanged);
         QAccessible::updateAccessibility(&changed);
-        QToolTip::showText(mapToGlobal(QPoint(0, height())), takes_, this);
-    } else if (isAccepted() && wasWrong) {
+        QToolTip::showText(mapToGlobal(QPoint(0, height())), expectedInput_, this);
+    } else if (isValid() && wasWrong) {
         QToolTip::hideText();
     }
     update();
@@ -60,7 +60,7 @@ void NumberField::mark() {
 
 void NumberField::paintEvent(QPaintEvent *event) {
     QLineEdit::paintEvent(event);
-    if (isAccepted())
+    if (isValid())
         return;
     const double line = 2 * PointScale::current().y;
     QPainter painter(this);

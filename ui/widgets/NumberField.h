@@ -8,41 +8,41 @@
 
 namespace lumetwin {
 
-/// A field for a number. What it does not take stays as typed, is marked at once, and leaves the value that stood
-/// there before the editing began.
+/// A field for a number. A text that is not valid stays as it was typed and is marked at once. Until the text is valid
+/// again, value() returns the value from before the editing.
 class NumberField : public QLineEdit {
     Q_OBJECT
 
 public:
-    /// The number of a text; none for what the field does not take.
+    /// Returns the number of a text; nullopt when the text is not valid.
     using Parse = std::function<std::optional<double>(const QString &text)>;
 
     NumberField(const QString &start, Parse parse, QWidget *parent = nullptr);
 
-    /// The number that is typed, or the last one before the editing when that is none.
-    double value() const { return typed_.value_or(kept_); }
-    /// Whether the field takes what is typed.
-    bool isAccepted() const { return typed_.has_value(); }
-    /// Shows a value that came from elsewhere, without a signal.
+    /// The typed number, or the value from before the editing while the text is not valid.
+    double value() const { return typedValue_.value_or(previousValue_); }
+    /// Whether the typed text is valid.
+    bool isValid() const { return typedValue_.has_value(); }
+    /// Shows a value that the user set in another control. Emits no signal.
     void showValue(double value, const QString &text);
 
-    /// What the field takes, in words; told wherever it takes something else.
-    QString takes() const { return takes_; }
-    /// help: the tool tip while nothing is wrong.
-    void setWords(const QString &takes, const QString &help);
+    /// A sentence for the user about which values are valid, shown when the text is not.
+    QString expectedInput() const { return expectedInput_; }
+    /// help: the tool tip while the text is valid.
+    void setTexts(const QString &expectedInput, const QString &help);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void read();
-    void keep();
-    void mark();
+    void parseText();
+    void savePreviousValue();
+    void updateMarking();
 
     Parse parse_;
-    std::optional<double> typed_;
-    double kept_ = 0;
-    QString takes_;
+    std::optional<double> typedValue_;
+    double previousValue_ = 0;
+    QString expectedInput_;
     QString help_;
 };
 

@@ -9,7 +9,7 @@ namespace lumetwin {
 
 namespace {
 
-/// from_chars over the whole text; unlike it, takes a leading "+".
+/// Parses the whole text with from_chars, but also accepts a leading "+".
 template <typename Number> std::optional<Number> parseWhole(std::string digits) {
     if (digits.starts_with("+"))
         digits = digits.starts_with("+-") ? "" : digits.substr(1);
@@ -24,10 +24,10 @@ template <typename Number> std::optional<Number> parseWhole(std::string digits) 
 } // namespace
 
 std::optional<double> parseDecimal(const QString &text) {
-    QString pointed = text;
+    QString withPoint = text;
     if (!text.contains(QLatin1Char('.')) && text.count(QLatin1Char(',')) == 1)
-        pointed.replace(QLatin1Char(','), QLatin1Char('.'));
-    const auto number = parseWhole<double>(pointed.toStdString());
+        withPoint.replace(QLatin1Char(','), QLatin1Char('.'));
+    const auto number = parseWhole<double>(withPoint.toStdString());
     return number && std::isfinite(*number) ? number : std::nullopt;
 }
 

@@ -11,27 +11,29 @@ namespace lumetwin {
 
 namespace {
 
-constexpr double readable = 4.5;      // WCAG 2.1, success criterion 1.4.3
-constexpr double highContrast = 19.5; // of 21; the usual palettes stay below
+constexpr double minimumTextContrast = 4.5; // WCAG 2.1, success criterion 1.4.3
+constexpr double highContrastRatio = 19.5;  // of at most 21; ordinary palettes have less
 
-double linear(double component) {
+double linearComponent(double component) {
     return component <= 0.04045 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
 }
 
 double luminance(const QColor &colour) {
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+    return 0.2126 * linearComponent(colour.redF()) + 0.7152 * linearComponent(colour.greenF()) +
+           0.0722 * linearComponent(colour.blueF());
 }
 
-QColor mixed(const QColor &one, const QColor &other, double share) {
+QColor mix(const QColor &one, const QColor &other, double share) {
     const auto part = [share](double a, double b) { return a + (b - a) * share; };
     return colour(part(one.redF(), other.redF()), part(one.greenF(), other.greenF()), part(one.blueF(), other.blueF()));
 }
 
-/// The colour itself, or the nearest one on its way to black or white that can be read on the background.
-QColor readableOn(const QColor &background, const QColor &wanted) {
+/// The wanted colour if text in it can be read on the background. Otherwise it is mixed with black or white until it
+/// can.
+QColor readableColour(const QColor &background, const QColor &wanted) {
     const QColor end = luminance(background) > 0.18 ? QColor(Qt::black) : QColor(Qt::white);
     for (double share = 0; share < 1; share += 0.05)
-        if (const QColor candidate = mixed(wanted, end, share); contrast(candidate, background) >= readable)
+        if (const QColor candidate = mix(wanted, end, share); contrast(candidate, background) >= minimumTextContrast)
             return candidate;
     return end;
 }
@@ -43,7 +45,7 @@ QColor colour(double red, double green, double blue, double alpha) {
                             static_cast<float>(alpha));
 }
 
-QColor white(double level, double alpha) {
+QColor greyColour(double level, double alpha) {
     return colour(level, level, level, alpha);
 }
 
@@ -58,73 +60,73 @@ bool isDark(const QPalette &palette) {
 
 bool isHighContrast(const QPalette &palette) {
     return contrast(palette.color(QPalette::Active, QPalette::Window),
-                    palette.color(QPalette::Active, QPalette::WindowText)) >= highContrast;
+                    palette.color(QPalette::Active, QPalette::WindowText)) >= highContrastRatio;
 }
 
 QColor accentColour(const QPalette &palette) {
     if (isHighContrast(palette))
         return palette.color(QPalette::Active, QPalette::Highlight);
-    return readableOn(Qt::white, palette.color(QPalette::Active, QPalette::Highlight));
+    return readableColour(Qt::white, palette.color(QPalette::Active, QPalette::Highlight));
 }
 
-QColor onAccentColour(const QPalette &palette) {
+QColor textOnAccentColour(const QPalette &palette) {
     return isHighContrast(palette) ? palette.color(QPalette::Active, QPalette::HighlightedText) : QColor(Qt::white);
 }
 
 QColor sectionColour(const QPalette &palette) {
     if (isHighContrast(palette))
         return palette.color(QPalette::Window);
-    return isDark(palette) ? mixed(palette.color(QPalette::Window), Qt::white, 0.07) : palette.color(QPalette::Base);
+    return isDark(palette) ? mix(palette.color(QPalette::Window), Qt::white, 0.07) : palette.color(QPalette::Base);
 }
 
 QColor accentTextColour(const QPalette &palette) {
-    return readableOn(sectionColour(palette), palette.color(QPalette::Active, QPalette::Highlight));
+    return readableColour(sectionColour(palette), palette.color(QPalette::Active, QPalette::Highlight));
 }
 
 QColor secondaryTextColour(const QPalette &palette) {
     if (isHighContrast(palette))
         return palette.color(QPalette::WindowText);
     const QColor background = sectionColour(palette);
-    return readableOn(background, mixed(palette.color(QPalette::WindowText), background, 0.4));
+    return readableColour(background, mix(palette.color(QPalette::WindowText), background, 0.4));
 }
 
 QColor bandColour(const QPalette &palette) {
     constexpr double opacity = 0.15;
-    const QColor ground = palette.color(QPalette::Active, QPalette::Window);
-    return isHighContrast(palette) ? ground
-                                   : mixed(ground, palette.color(QPalette::Active, QPalette::Highlight), opacity);
+    const QColor window = palette.color(QPalette::Active, QPalette::Window);
+    return isHighContrast(palette) ? window
+                                   : mix(window, palette.color(QPalette::Active, QPalette::Highlight), opacity);
 }
 
 QColor bandTextColour(const QPalette &palette) {
-    return readableOn(bandColour(palette), secondaryTextColour(palette));
+    return readableColour(bandColour(palette), secondaryTextColour(palette));
 }
 
 QColor separatorColour(const QPalette &palette) {
     if (isHighContrast(palette))
         return palette.color(QPalette::WindowText);
-    return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), isDark(palette) ? 0.22 : 0.18);
+    return mix(palette.color(QPalette::Window), palette.color(QPalette::WindowText), isDark(palette) ? 0.22 : 0.18);
 }
 
 QColor indicatorEdgeColour(const QPalette &palette) {
     if (isHighContrast(palette))
         return palette.color(QPalette::WindowText);
-    return mixed(sectionColour(palette), palette.color(QPalette::WindowText), 0.5);
+    return mix(sectionColour(palette), palette.color(QPalette::WindowText), 0.5);
 }
 
 QColor warningColour(const QPalette &palette) {
-    return readableOn(sectionColour(palette), colour(1, 0.58, 0));
+    return readableColour(sectionColour(palette), colour(1, 0.58, 0));
 }
 
 QColor errorColour(const QPalette &palette) {
-    return readableOn(sectionColour(palette), colour(0.85, 0.15, 0.15));
+    return readableColour(sectionColour(palette), colour(0.85, 0.15, 0.15));
 }
 
 void setTextColour(QWidget *widget, const QColor &colour) {
-    const QPalette usual = QApplication::palette();
+    const QPalette defaultPalette = QApplication::palette();
     QColor faded = colour;
     faded.setAlphaF(colour.alphaF() / 2);
-    if (colour == usual.color(QPalette::Active, QPalette::WindowText))
-        faded = usual.color(QPalette::Disabled, QPalette::WindowText);
+    if (colour == defaultPalette.color(QPalette::Active, QPalette::WindowText))
+        faded = defaultPalette.color(QPalette::Disabled, QPalette::WindowText);
     QPalette palette = widget->palette();
     palette.setColor(QPalette::WindowText, colour);
     palette.setColor(QPalette::Disabled, QPalette::WindowText, faded);

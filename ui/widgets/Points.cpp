@@ -13,18 +13,18 @@ namespace lumetwin {
 
 namespace {
 
-constexpr double usualTextPixels = 40.0 / 3; // 10 pt at 96 dots per inch, the desktops' default
-constexpr double formWidth = 720;            // points
+constexpr double defaultTextPixels = 40.0 / 3; // 10 pt at 96 dots per inch, the default of desktops
+constexpr double formWidth = 720;              // points
 constexpr double largestScale = 3;
-constexpr double narrowest = 0.9; // of the texts' scale; there is that much room to spare beside them
+constexpr double minimumWidthShare = 0.9; // of the text scale; the texts leave that much space unused
 
 } // namespace
 
 PointScale PointScale::of(const QFont &font, int availableWidth) {
-    const double text = QFontInfo(font).pixelSize() / usualTextPixels;
+    const double text = QFontInfo(font).pixelSize() / defaultTextPixels;
     const double scale = std::clamp(std::round(text * 20) / 20, 1.0, largestScale);
     const double fitting = std::floor(availableWidth / formWidth * 50) / 50;
-    return {std::clamp(fitting, std::max(1.0, scale * narrowest), scale), scale};
+    return {std::clamp(fitting, std::max(1.0, scale * minimumWidthShare), scale), scale};
 }
 
 PointScale PointScale::current() {
@@ -47,7 +47,7 @@ QFont PointScale::font(double size, QFont::Weight weight) const {
 
 QFont PointScale::digitFont(double size) const {
     QFont result = font(size);
-    // Fonts with tabular figures have them as their default figures; a font without gets a fixed-pitch family.
+    // Fonts with tabular figures use them by default. For any other font, use a fixed-pitch family.
     const QFontMetrics metrics(result);
     if (metrics.horizontalAdvance(QLatin1Char('1')) != metrics.horizontalAdvance(QLatin1Char('0')))
         result.setFamilies({QStringLiteral("DejaVu Sans Mono"), QStringLiteral("monospace")});

@@ -13,7 +13,7 @@ namespace lumetwin {
 ScaledStyle::ScaledStyle() : QProxyStyle(QStringLiteral("fusion")) {}
 
 int ScaledStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const {
-    const int usual = QProxyStyle::pixelMetric(metric, option, widget);
+    const int base = QProxyStyle::pixelMetric(metric, option, widget);
     switch (metric) {
     case PM_IndicatorWidth:
     case PM_IndicatorHeight:
@@ -28,9 +28,9 @@ int ScaledStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, con
     case PM_LayoutHorizontalSpacing:
     case PM_LayoutVerticalSpacing:
     case PM_MessageBoxIconSize:
-        return PointScale::current().vertical(usual);
+        return PointScale::current().vertical(base);
     default:
-        return usual;
+        return base;
     }
 }
 
@@ -42,7 +42,7 @@ void ScaledStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *op
     const bool box = element == PE_IndicatorCheckBox;
     if ((!box && element != PE_IndicatorRadioButton) || !(isDark(option->palette) || isHighContrast(option->palette)))
         return;
-    // The style marks the box that the keyboard has reached by its edge, but no radio button.
+    // Qt's Fusion style shows the keyboard focus of a check box by its edge, but not that of a radio button.
     if (box && (option->state & State_HasFocus) && (option->state & State_KeyboardFocusChange))
         return;
     painter->save();
@@ -78,7 +78,7 @@ void ScaledStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
         }
 }
 
-/// The toolkit's style draws edges a little darker than the ground, which shows nothing on black.
+/// Fusion draws edges a little darker than the background, which cannot be seen on black.
 void ScaledStyle::drawEdge(const QStyleOption *option, QPainter *painter) {
     if (!isHighContrast(option->palette))
         return;
@@ -96,9 +96,9 @@ int ScaledStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWi
                            QStyleHintReturn *answer) const {
     switch (hint) {
     case SH_DialogButtonBox_ButtonsHaveIcons:
-        return 0; // the style has pictures for some buttons only, and small ones
+        return 0; // the style has icons for some buttons only, and they are small
     case SH_Slider_AbsoluteSetButtons:
-        return Qt::LeftButton; // a click takes the knob there; a page would be a small step
+        return Qt::LeftButton; // a click moves the handle there, not by a page step
     case SH_MenuBar_AltKeyNavigation:
         return 1;
     default:
@@ -107,7 +107,7 @@ int ScaledStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWi
 }
 
 QIcon ScaledStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const {
-    // The style's own are pictures of 32 pixels, which high resolutions blow up.
+    // The style's icons are bitmaps of 32 pixels, which look blurred at high resolutions.
     if (icon == SP_MessageBoxWarning && !QIcon::hasThemeIcon(QStringLiteral("dialog-warning")))
         return warningIcon();
     if (icon == SP_MessageBoxInformation && !QIcon::hasThemeIcon(QStringLiteral("dialog-information")))

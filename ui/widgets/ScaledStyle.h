@@ -5,9 +5,8 @@
 
 namespace lumetwin {
 
-/// The toolkit's own style with check boxes, radio buttons and sliders that grow with the user's font, and with edges
-/// of check boxes and radio buttons that can be seen in dark palettes. Alerts have sharp signs, and words alone on
-/// their buttons.
+/// Qt's Fusion style with some changes: check boxes, radio buttons and sliders grow with the user's font, the edges of
+/// check boxes and radio buttons can be seen in dark palettes, and alerts have sharp icons and buttons without icons.
 class ScaledStyle : public QProxyStyle {
     Q_OBJECT
 

@@ -9,7 +9,8 @@
 #include <algorithm>
 #include <cmath>
 
-// The library that holds the pictures is linked statically: they have to be asked for. Outside of every namespace.
+// The symbols are resources of a static library, so they must be registered explicitly. Q_INIT_RESOURCE must stand
+// outside of every namespace.
 static void loadSymbols() {
     Q_INIT_RESOURCE(symbols);
 }
@@ -18,7 +19,7 @@ namespace lumetwin {
 
 namespace {
 
-const char *nameOf(Symbol symbol) {
+const char *symbolName(Symbol symbol) {
     switch (symbol) {
     case Symbol::film:
         return "film";
@@ -32,9 +33,9 @@ const char *nameOf(Symbol symbol) {
     return "";
 }
 
-QByteArray drawing(Symbol symbol, const QColor &colour) {
+QByteArray colouredSvg(Symbol symbol, const QColor &colour) {
     loadSymbols();
-    QFile file(QStringLiteral(":/lumetwin/symbols/%1.svg").arg(QLatin1String(nameOf(symbol))));
+    QFile file(QStringLiteral(":/lumetwin/symbols/%1.svg").arg(QLatin1String(symbolName(symbol))));
     if (!file.open(QIODevice::ReadOnly))
         qFatal("a symbol is missing in the program");
     return file.readAll().replace("currentColor", colour.name().toLatin1());
@@ -43,7 +44,7 @@ QByteArray drawing(Symbol symbol, const QColor &colour) {
 } // namespace
 
 void drawSymbol(QPainter &painter, const QRectF &rect, Symbol symbol, const QColor &colour) {
-    QSvgRenderer renderer(drawing(symbol, colour));
+    QSvgRenderer renderer(colouredSvg(symbol, colour));
     const double side = std::min(rect.width(), rect.height());
     QRectF square(0, 0, side, side);
     square.moveCenter(rect.center());

@@ -9,13 +9,13 @@ class QPainter;
 
 namespace lumetwin {
 
-/// Small drawn signs, in one colour.
+/// Small pictures in one colour.
 enum class Symbol { film, folder, picture, reset };
 
-/// Fits the symbol into the rectangle, sharp at any size.
+/// Draws the symbol into the middle of the rectangle, sharp at any size.
 void drawSymbol(QPainter &painter, const QRectF &rect, Symbol symbol, const QColor &colour);
 
-/// As an icon of that size in device independent pixels.
+/// The symbol as an icon. size: width and height in device independent pixels.
 QIcon symbolIcon(Symbol symbol, const QColor &colour, int size, double devicePixelRatio);
 
 } // namespace lumetwin

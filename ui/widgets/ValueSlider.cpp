@@ -10,25 +10,25 @@ namespace lumetwin {
 ValueSlider::ValueSlider(const StereoRange &range, QWidget *parent)
     : QSlider(Qt::Horizontal, parent), range_(range), stepsPerUnit_(std::pow(10, range.decimals)),
       doubleValue_(range.start) {
-    setRange(position(range.minimum), position(range.maximum));
-    // What the field shows, and ten times that.
+    setRange(positionFor(range.minimum), positionFor(range.maximum));
+    // One step is the last decimal that the field shows.
     setSingleStep(1);
     setPageStep(10);
     setDoubleValue(range.start);
-    connect(this, &QSlider::valueChanged, this, &ValueSlider::follow);
+    connect(this, &QSlider::valueChanged, this, &ValueSlider::positionChanged);
 }
 
-int ValueSlider::position(double value) const {
+int ValueSlider::positionFor(double value) const {
     return static_cast<int>(std::lround(value * stepsPerUnit_));
 }
 
 void ValueSlider::setDoubleValue(double value) {
     const QSignalBlocker quiet(this);
     doubleValue_ = value;
-    setValue(position(value));
+    setValue(positionFor(value));
 }
 
-void ValueSlider::follow(int position) {
+void ValueSlider::positionChanged(int position) {
     doubleValue_ = position / stepsPerUnit_;
     emit moved(doubleValue_);
 }

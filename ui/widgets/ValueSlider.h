@@ -7,7 +7,7 @@
 
 namespace lumetwin {
 
-/// A horizontal slider over decimal numbers.
+/// A horizontal slider for decimal numbers.
 class ValueSlider : public QSlider {
     Q_OBJECT
 
@@ -16,11 +16,11 @@ public:
 
     double doubleValue() const { return doubleValue_; }
     const StereoRange &range() const { return range_; }
-    /// The smallest difference between two of its values.
+    /// The difference between two neighbouring values.
     double step() const { return 1 / stepsPerUnit_; }
-    /// As if the user had moved it.
-    void moveTo(double value) { setValue(position(value)); }
-    /// Moves the slider without a signal. Exact, also between the slider's own steps.
+    /// Does what moving the slider by hand does, including the signal.
+    void moveTo(double value) { setValue(positionFor(value)); }
+    /// Moves the slider without a signal. The value is kept exactly, even between two steps of the slider.
     void setDoubleValue(double value);
 
 signals:
@@ -28,8 +28,8 @@ signals:
     void moved(double value);
 
 private:
-    int position(double value) const;
-    void follow(int position);
+    int positionFor(double value) const;
+    void positionChanged(int position);
 
     StereoRange range_;
     double stepsPerUnit_;

@@ -22,7 +22,7 @@ protected:
 
     AlertBox &present(const Alert &alert) {
         MessageBoxPresenter().present(alert, &window, [this](int button) { answers.push_back(button); });
-        settle();
+        processPendingEvents();
         return *window.findChild<AlertBox *>();
     }
     static void press(AlertBox &box, const char *title) {
@@ -37,11 +37,11 @@ protected:
     const Alert question{"Message", "More", {"First", "Second"}};
 };
 
-TEST_F(AlertBoxes, TellWhichButtonWasPressed) {
+TEST_F(AlertBoxes, ReportThePressedButton) {
     press(present(question), "Second");
-    settle();
+    processPendingEvents();
     press(present(question), "First");
-    settle();
+    processPendingEvents();
     EXPECT_EQ(answers, (std::vector{1, 0}));
     EXPECT_FALSE(window.findChild<AlertBox *>()) << "and go away";
 }
@@ -50,7 +50,7 @@ TEST_F(AlertBoxes, TheFirstButtonIsTheDefaultOne) {
     AlertBox &box = present(question);
     EXPECT_EQ(box.defaultButton()->text(), QStringLiteral("First"));
     QTest::keyClick(&box, Qt::Key_Return);
-    settle();
+    processPendingEvents();
     EXPECT_EQ(answers, std::vector{0});
 }
 
@@ -60,7 +60,7 @@ TEST_F(AlertBoxes, EnterPressesTheSafeButtonWhereTheFirstOneIsNot) {
     AlertBox &box = present(dangerous);
     EXPECT_EQ(box.defaultButton()->text(), QStringLiteral("Second"));
     QTest::keyClick(&box, Qt::Key_Return);
-    settle();
+    processPendingEvents();
     EXPECT_EQ(answers, std::vector{1});
 }
 
@@ -72,19 +72,19 @@ TEST_F(AlertBoxes, EnterPressesTheButtonThatHasTheFocus) {
             QTest::keyClick(button, Qt::Key_Return);
             break;
         }
-    settle();
+    processPendingEvents();
     EXPECT_EQ(answers, std::vector{AlertPresenter::sideButton});
 }
 
-TEST_F(AlertBoxes, AClickMeantForAQuestionThatIsGoneHitsNothing) {
+TEST_F(AlertBoxes, IgnoreAClickMeantForAClosedQuestion) {
     auto *asking = new QWidget(&window);
     MessageBoxPresenter presenter;
     presenter.present(question, asking, [](int) { FAIL() << "nobody answered"; });
-    settle();
+    processPendingEvents();
     delete asking; // the run has ended
     presenter.present({.message = "Done", .buttons = {"Close"}}, &window,
                       [this](int button) { answers.push_back(button); });
-    settle();
+    processPendingEvents();
     auto *box = window.findChild<AlertBox *>();
     ASSERT_TRUE(box);
     QAbstractButton *button = box->buttons().constFirst();
@@ -92,63 +92,63 @@ TEST_F(AlertBoxes, AClickMeantForAQuestionThatIsGoneHitsNothing) {
     QTest::mouseClick(button, Qt::LeftButton);
     QTest::keyClick(box, Qt::Key_Return);
     QTest::keyClick(box, Qt::Key_Escape);
-    settle();
+    processPendingEvents();
     EXPECT_TRUE(answers.empty());
-    ASSERT_TRUE(until([button] { return button->isEnabled(); }));
+    ASSERT_TRUE(waitUntil([button] { return button->isEnabled(); }));
     EXPECT_TRUE(box->isVisible());
     QTest::mouseClick(button, Qt::LeftButton);
-    settle();
+    processPendingEvents();
     EXPECT_EQ(answers, std::vector{0});
 }
 
-TEST_F(AlertBoxes, WithoutSuchAQuestionTheyAnswerAtOnce) {
+TEST_F(AlertBoxes, AcceptClicksAtOnceWithoutAClosedQuestion) {
     MessageBoxPresenter presenter;
     presenter.present(question, &window, [](int) {});
-    settle();
+    processPendingEvents();
     for (const QAbstractButton *button : window.findChild<AlertBox *>()->buttons())
         EXPECT_TRUE(button->isEnabled());
 }
 
-TEST_F(AlertBoxes, EachOfFourButtonsTellsItsPosition) {
+TEST_F(AlertBoxes, ReportThePositionOfEachOfFourButtons) {
     for (const auto &[title, position] : {std::pair{"Replace", 0}, {"Cancel", 1}, {"Keep", 2}, {"Skip", 3}}) {
         answers.clear();
         press(present({"Message", "More", {"Replace", "Cancel", "Keep", "Skip"}}), title);
-        settle();
+        processPendingEvents();
         EXPECT_EQ(answers, std::vector{position});
     }
 }
 
 TEST_F(AlertBoxes, EscapeAndClosingPressNoButton) {
     QTest::keyClick(&present(question), Qt::Key_Escape);
-    settle();
+    processPendingEvents();
     present(question).close();
-    settle();
+    processPendingEvents();
     EXPECT_EQ(answers, (std::vector{AlertPresenter::dismissed, AlertPresenter::dismissed}));
 }
 
 TEST_F(AlertBoxes, CloseWhateverTheirButtons) {
     for (const Alert &alert : {Alert{"Message"}, Alert{.message = "Message", .sideButton = "Show"},
                                Alert{"Message", "More", {"First"}}, Alert{"Message", "More", {"One", "Two", "Three"}}})
-        present(alert).close(), settle();
+        present(alert).close(), processPendingEvents();
     EXPECT_EQ(answers, std::vector<int>(4, AlertPresenter::dismissed));
     EXPECT_FALSE(window.findChild<AlertBox *>());
 }
 
-TEST_F(AlertBoxes, WithoutButtonsThereIsThePlatformsOwn) {
+TEST_F(AlertBoxes, WithoutButtonsHaveTheToolkitsButton) {
     AlertBox &box = present({"Message"});
     EXPECT_EQ(box.buttons().size(), 1);
     box.button(QMessageBox::Ok)->click();
-    settle();
+    processPendingEvents();
     EXPECT_EQ(answers, std::vector{0});
 }
 
-TEST_F(AlertBoxes, TheSideButtonAnswersForItself) {
+TEST_F(AlertBoxes, SideButtonHasItsOwnAnswer) {
     press(present({.message = "Message", .sideButton = "Show"}), "Show");
-    settle();
+    processPendingEvents();
     EXPECT_EQ(answers, std::vector{AlertPresenter::sideButton});
 }
 
-TEST_F(AlertBoxes, NamesOfFilesAreNoMarkup) {
+TEST_F(AlertBoxes, FileNamesAreNotMarkup) {
     AlertBox &box = present({"<b>bold</b>.mov", "<i>italic</i>\n&amp;", {"First"}});
     for (const QLabel *label : box.findChildren<QLabel *>())
         if (!label->text().isEmpty()) {
@@ -161,32 +161,32 @@ TEST_F(AlertBoxes, LongNamesDoNotWidenTheBoxBeyondTheScreen) {
     EXPECT_LT(box.width(), 720);
 }
 
-TEST_F(AlertBoxes, EverythingInReachHasANameOfItsOwn) {
+TEST_F(AlertBoxes, EveryReachableControlHasItsOwnName) {
     AlertBox &box =
         present({.message = "Message", .buttons = {"First", "Second"}, .sideButton = "Show", .details = "a: b"});
     for (QAbstractButton *button : box.buttons())
         if (box.buttonRole(button) == QMessageBox::ActionRole && button->text() != QLatin1String("Show"))
-            button->click(); // unfolds the details
-    settle();
-    Things controls = controlsBelow(box);
-    // A label may take a click, but the tabulator passes it by.
-    std::erase_if(controls, [](const auto *thing) { return !(widgetOf(*thing).focusPolicy() & Qt::TabFocus); });
+            button->click(); // opens the details
+    processPendingEvents();
+    AccessibleObjects controls = focusableControls(box);
+    // A label can accept clicks, but the Tab key skips it.
+    std::erase_if(controls, [](const auto *object) { return !(widgetOf(*object).focusPolicy() & Qt::TabFocus); });
     std::set<std::pair<QAccessible::Role, std::string>> seen;
-    for (const QAccessibleInterface *thing : controls) {
-        EXPECT_FALSE(nameOf(*thing).empty()) << thing->role();
-        EXPECT_TRUE(seen.emplace(thing->role(), nameOf(*thing)).second) << nameOf(*thing);
+    for (const QAccessibleInterface *object : controls) {
+        EXPECT_FALSE(accessibleName(*object).empty()) << object->role();
+        EXPECT_TRUE(seen.emplace(object->role(), accessibleName(*object)).second) << accessibleName(*object);
     }
     EXPECT_EQ(seen.size(), 5U) << "four buttons and the details";
     EXPECT_EQ(seen.count({QAccessible::EditableText, text("spoken.details")}), 1U);
-    EXPECT_EQ(nameOf(accessible(box)), "Message");
+    EXPECT_EQ(accessibleName(accessible(box)), "Message");
 }
 
-TEST_F(AlertBoxes, GoWithTheWidgetTheyWereShownOn) {
+TEST_F(AlertBoxes, CloseWithTheWidgetTheyWereShownOn) {
     auto *sheet = new QWidget(&window);
     MessageBoxPresenter().present(question, sheet, [this](int button) { answers.push_back(button); });
-    settle();
+    processPendingEvents();
     delete sheet;
-    settle();
+    processPendingEvents();
     EXPECT_FALSE(window.findChild<AlertBox *>());
     EXPECT_TRUE(answers.empty());
 }

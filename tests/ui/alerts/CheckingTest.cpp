@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The check of many videos before a run, which works beside the interface and can be given up.
+// The check of many videos before a run. It runs on a background thread and can be cancelled.
 #include "engine/texts/Texts.h"
 #include "support/PreflightFixture.h"
 #include "tests/support/Paths.h"
@@ -30,23 +30,25 @@ TEST_F(Preflight, AThousandCandidatesDoNotFreezeTheWindow) {
     open();
     control<QPushButton>(*form, "startButton").click();
     CheckingDialog *waiting = nullptr;
-    ASSERT_TRUE(until([&] { return (waiting = form->findChild<CheckingDialog *>()) && waiting->tested() == 500; }))
-        << "the interface goes on working while the candidates are tested";
+    ASSERT_TRUE(waitUntil([&] {
+        return (waiting = form->findChild<CheckingDialog *>()) && waiting->checkedCount() == 500;
+    })) << "the interface goes on working while the candidates are tested";
     EXPECT_TRUE(waiting->isModal());
     EXPECT_EQ(waiting->findChild<QProgressBar *>()->accessibleName().toStdString(), text("spoken.check.progress"));
-    EXPECT_EQ(waiting->words().toStdString(), formatted("check.videos.format", std::int64_t(500), std::int64_t(1000)));
+    EXPECT_EQ(waiting->labelText().toStdString(),
+              formatted("check.videos.format", std::int64_t(500), std::int64_t(1000)));
     hold = false;
-    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+    EXPECT_TRUE(waitUntil([&] { return form->progressSheet() != nullptr; }));
     EXPECT_EQ(tested, 1000) << "all of them, not a sample";
-    settle();
+    processPendingEvents();
     EXPECT_FALSE(form->findChild<CheckingDialog *>());
 }
 
-/// The dialog that waits for the check of the input, and the ways to put it away.
+/// The dialog shown during the check of the input, and the ways to close it.
 class Checking : public Preflight {
 protected:
     Checking() {
-        put({"a.mp4", "b.mp4", "c.mp4"});
+        addInputs({"a.mp4", "b.mp4", "c.mp4"});
         services.isSpatialVideo = [this](const VideoProcessor &, const fs::path &) {
             while (hold)
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -61,16 +63,16 @@ protected:
         hold = true;
         control<QPushButton>(*form, "startButton").click();
         CheckingDialog *waiting = nullptr;
-        EXPECT_TRUE(until([&] { return (waiting = form->findChild<CheckingDialog *>()) != nullptr; }));
+        EXPECT_TRUE(waitUntil([&] { return (waiting = form->findChild<CheckingDialog *>()) != nullptr; }));
         return waiting;
     }
-    void expectGivenUp() {
+    void expectCancelled() {
         hold = false;
-        settle();
-        EXPECT_TRUE(BackgroundThreads::shared().waitForAll(patience));
-        settle();
+        processPendingEvents();
+        EXPECT_TRUE(BackgroundThreads::shared().waitForAll(testTimeout));
+        processPendingEvents();
         EXPECT_FALSE(form->findChild<CheckingDialog *>());
-        EXPECT_TRUE(stage.alerts->shown.empty());
+        EXPECT_TRUE(fakes.alerts->shown.empty());
         EXPECT_FALSE(form->progressSheet());
     }
 
@@ -78,9 +80,9 @@ protected:
     std::atomic<int> tested{0};
 };
 
-TEST_F(Checking, CanBeGivenUp) {
+TEST_F(Checking, CanBeCancelled) {
     startAndWait()->findChild<QPushButton *>()->click();
-    expectGivenUp();
+    expectCancelled();
     EXPECT_EQ(tested, 1);
     start();
     EXPECT_EQ(alert().message, text("alert.direction.spatial2sbs.title")) << "start works again";
@@ -90,25 +92,25 @@ TEST_F(Checking, ClosingItsWindowUsesNoFreedMemory) {
     for (int round = 0; round < 5; ++round) {
         const QPointer<CheckingDialog> waiting = startAndWait();
         ASSERT_TRUE(waiting);
-        // As the window manager does: the dialog is still at work when it is gone for its owner.
+        // Closes it as a window manager does: its owner drops it while its close function still runs.
         EXPECT_TRUE(waiting->close());
-        expectGivenUp();
+        expectCancelled();
         EXPECT_FALSE(waiting);
     }
 }
 
-TEST_F(Checking, EscapeGivesItUp) {
+TEST_F(Checking, EscapeCancelsIt) {
     QTest::keyClick(startAndWait(), Qt::Key_Escape);
-    expectGivenUp();
+    expectCancelled();
 }
 
 TEST_F(Checking, ClosingTheFormMeanwhileIsHarmless) {
     startAndWait();
     form.reset();
     hold = false;
-    EXPECT_TRUE(BackgroundThreads::shared().waitForAll(patience));
-    settle();
-    EXPECT_TRUE(stage.alerts->shown.empty());
+    EXPECT_TRUE(BackgroundThreads::shared().waitForAll(testTimeout));
+    processPendingEvents();
+    EXPECT_TRUE(fakes.alerts->shown.empty());
 }
 
 } // namespace

@@ -31,7 +31,7 @@ protected:
         view.show();
     }
 
-    static std::unique_ptr<QMimeData> carrying(const std::vector<fs::path> &paths) {
+    static std::unique_ptr<QMimeData> mimeDataOf(const std::vector<fs::path> &paths) {
         auto mime = std::make_unique<QMimeData>();
         QList<QUrl> urls;
         for (const fs::path &path : paths)
@@ -52,12 +52,12 @@ protected:
         return event.isAccepted();
     }
     bool drop(const std::vector<fs::path> &paths) {
-        const auto mime = carrying(paths);
+        const auto mime = mimeDataOf(paths);
         return enter(*mime) && drop(*mime);
     }
     QString label() { return control<QLabel>(view, "label").text(); }
     std::vector<Symbol> icon() { return control<DropIcon>(view, "iconLabel").symbols(); }
-    QRgb ground() { return view.grab().toImage().pixelColor(view.width() / 2, 4).rgba(); }
+    QRgb backgroundColour() { return view.grab().toImage().pixelColor(view.width() / 2, 4).rgba(); }
 
     ScratchFolder scratch;
     DropFolderView view;
@@ -89,7 +89,7 @@ TEST_F(DropView, OneFolderIsReportedAsAFolder) {
     EXPECT_EQ(icon(), std::vector{Symbol::folder});
 }
 
-TEST_F(DropView, AnEmptyFolderIsTakenTooAndSoIsOneWithAMediaName) {
+TEST_F(DropView, AcceptsAnEmptyFolderAndAFolderWithAMediaName) {
     EXPECT_TRUE(drop({scratch.folder("empty")}));
     EXPECT_TRUE(drop({scratch.folder("strange.mov")}));
     EXPECT_EQ(folders.size(), 2U);
@@ -108,7 +108,7 @@ TEST_F(DropView, AFolderAmongFilesContributesItsMedia) {
     EXPECT_TRUE(folders.empty());
 }
 
-TEST_F(DropView, UnsupportedFilesAreRefusedAndLeaveWhatWasThere) {
+TEST_F(DropView, UnsupportedFilesAreRefusedAndTheContentStays) {
     EXPECT_TRUE(drop({scratch.file("clip.mov")}));
     EXPECT_FALSE(drop({scratch.file("notes.txt"), scratch.file("data")}));
     EXPECT_TRUE(view.hasContent());
@@ -116,26 +116,27 @@ TEST_F(DropView, UnsupportedFilesAreRefusedAndLeaveWhatWasThere) {
     EXPECT_EQ(fileSets.size(), 1U);
     EXPECT_TRUE(view.isRefusing());
     EXPECT_EQ(label().toStdString(), text("drop.refused.no.media"));
-    EXPECT_NE(ground(), colour(0.08, 0.18, 0.1).rgba()) << "not green while it refuses";
-    EXPECT_TRUE(until([this] { return label() == QStringLiteral("clip.mov"); })) << "the refusal goes after a while";
+    EXPECT_NE(backgroundColour(), colour(0.08, 0.18, 0.1).rgba()) << "not green while it refuses";
+    EXPECT_TRUE(waitUntil([this] { return label() == QStringLiteral("clip.mov"); }))
+        << "the refusal goes after a while";
     EXPECT_FALSE(view.isRefusing());
 }
 
 TEST_F(DropView, ATargetForFoldersNeverTurnsGreenForFilesOrTwoFolders) {
-    view.takeOnlyFolders();
-    const QRgb empty = ground();
+    view.acceptOnlyFolders();
+    const QRgb empty = backgroundColour();
     for (const std::vector<fs::path> &wrong :
          {std::vector{scratch.file("clip.mov")}, std::vector{scratch.folder("a"), scratch.folder("b")},
           std::vector{scratch.folder("a"), scratch.file("clip.mov")}}) {
-        const auto mime = carrying(wrong);
+        const auto mime = mimeDataOf(wrong);
         enter(*mime);
         EXPECT_FALSE(view.isHighlighted()) << "it says at once that it will not take that";
         EXPECT_FALSE(drop(*mime));
         EXPECT_FALSE(view.hasContent());
         EXPECT_TRUE(view.isRefusing());
         EXPECT_EQ(label().toStdString(), text("drop.refused.no.folder"));
-        EXPECT_NE(ground(), colour(0.08, 0.18, 0.1).rgba());
-        EXPECT_NE(ground(), empty) << "visibly";
+        EXPECT_NE(backgroundColour(), colour(0.08, 0.18, 0.1).rgba());
+        EXPECT_NE(backgroundColour(), empty) << "visibly";
     }
     EXPECT_TRUE(folders.empty());
     EXPECT_TRUE(fileSets.empty());
@@ -144,7 +145,7 @@ TEST_F(DropView, ATargetForFoldersNeverTurnsGreenForFilesOrTwoFolders) {
     EXPECT_EQ(label(), QStringLiteral("a"));
 }
 
-TEST_F(DropView, AFolderWithAnObjectionIsRefusedInItsWords) {
+TEST_F(DropView, AFolderThatCannotBeUsedIsRefusedWithTheReason) {
     view.objection = [](const fs::path &folder) { return folder.filename() == "locked" ? "no way" : ""; };
     EXPECT_FALSE(drop({scratch.folder("locked")}));
     EXPECT_EQ(label(), QStringLiteral("no way"));
@@ -174,26 +175,26 @@ TEST_F(DropView, OneFileShowsItsNameAndMoreShowTheirNumber) {
     EXPECT_EQ(label(), QStringLiteral("3 files selected"));
 }
 
-TEST_F(DropView, IconTellsPhotosVideosOrBoth) {
+TEST_F(DropView, IconShowsPhotosVideosOrBoth) {
     EXPECT_EQ(symbolsOfFiles({"a.jpg", "b.HEIC", "c.tif"}), std::vector{Symbol::picture});
     EXPECT_EQ(symbolsOfFiles({"a.mov", "b.mp4", "c.jpg"}), (std::vector{Symbol::film, Symbol::picture}));
     EXPECT_EQ(symbolsOfFiles({"a.mov", "b.mp4"}), std::vector{Symbol::film});
     EXPECT_EQ(symbolsOfFiles({"a.txt"}), std::vector{Symbol::film});
 }
 
-TEST_F(DropView, HasThreeLooks) {
-    EXPECT_EQ(ground(), colour(0.1, 0.11, 0.15).rgba());
-    const auto mime = carrying({scratch.file("notes.txt")});
+TEST_F(DropView, HasThreeColourStates) {
+    EXPECT_EQ(backgroundColour(), colour(0.1, 0.11, 0.15).rgba());
+    const auto mime = mimeDataOf({scratch.file("notes.txt")});
     EXPECT_TRUE(enter(*mime)) << "what it holds is looked at when it is dropped";
-    EXPECT_EQ(ground(), colour(0.1, 0.25, 0.5).rgba());
+    EXPECT_EQ(backgroundColour(), colour(0.1, 0.25, 0.5).rgba());
     QDragLeaveEvent leave;
     QCoreApplication::sendEvent(&view, &leave);
-    EXPECT_EQ(ground(), colour(0.1, 0.11, 0.15).rgba());
+    EXPECT_EQ(backgroundColour(), colour(0.1, 0.11, 0.15).rgba());
     view.showFolder("/x/y");
-    EXPECT_EQ(ground(), colour(0.08, 0.18, 0.1).rgba());
+    EXPECT_EQ(backgroundColour(), colour(0.08, 0.18, 0.1).rgba());
     EXPECT_TRUE(enter(*mime));
     QCoreApplication::sendEvent(&view, &leave);
-    EXPECT_EQ(ground(), colour(0.08, 0.18, 0.1).rgba());
+    EXPECT_EQ(backgroundColour(), colour(0.08, 0.18, 0.1).rgba());
 }
 
 TEST_F(DropView, DragsWithoutFilesAreRefused) {
@@ -206,7 +207,7 @@ TEST_F(DropView, DragsWithoutFilesAreRefused) {
     EXPECT_FALSE(view.isHighlighted());
 }
 
-TEST_F(DropView, NamesThatAreNoUtf8AndOddNamesArriveUnharmed) {
+TEST_F(DropView, KeepsNamesThatAreNotUtf8) {
     const fs::path strange = scratch.file("\xff odd %41 #name.mov");
     QMimeData mime;
     mime.setData(QStringLiteral("text/uri-list"),
@@ -224,18 +225,18 @@ TEST(DroppedFiles, ReadsUriLists) {
     EXPECT_TRUE(localFiles(QByteArray("file:relative.mov\nfile:///nul%00.mov\n/plain/path.mov\n\n")).empty());
 }
 
-TEST_F(DropView, AcceptsAPortalsTransferThatNobodyAnswers) {
+TEST_F(DropView, AcceptsAPortalTransferWithoutAnAnswer) {
     QMimeData mime;
     mime.setData(QStringLiteral("application/vnd.portal.filetransfer"), QByteArray("12345\0", 6));
     EXPECT_EQ(portalTransferKey(mime), QByteArray("12345"));
     EXPECT_TRUE(enter(mime));
     EXPECT_TRUE(drop(mime));
-    settle();
+    processPendingEvents();
     EXPECT_FALSE(view.hasContent());
 }
 
-TEST_F(DropView, TakesPastedFiles) {
-    QGuiApplication::clipboard()->setMimeData(carrying({scratch.file("clip.mov")}).release());
+TEST_F(DropView, AcceptsPastedFiles) {
+    QGuiApplication::clipboard()->setMimeData(mimeDataOf({scratch.file("clip.mov")}).release());
     view.setFocus();
     QTest::keySequence(&view, QKeySequence::Paste);
     EXPECT_EQ(fileSets.size(), 1U);
@@ -249,7 +250,7 @@ TEST_F(DropView, KeyboardAsksForAChoice) {
     EXPECT_EQ(asked, 2);
 }
 
-TEST_F(DropView, TellsItsNameAndWhatItHolds) {
+TEST_F(DropView, ReportsItsNameAndContent) {
     QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&view);
     ASSERT_TRUE(interface);
     EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Input"));

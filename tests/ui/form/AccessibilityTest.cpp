@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a screen reader and a keyboard find: a walk over the accessibility tree and one with the tabulator, in each
+// What a screen reader and the keyboard can reach: walks over the accessibility tree and along the tab order, in each
 // state of the form and the sheet, in each language.
 #include "engine/texts/Texts.h"
 #include "support/Accessible.h"
@@ -26,62 +26,63 @@
 namespace lumetwin::test {
 namespace {
 
-constexpr char16_t firstOfJapanese = 0x3000; // Unicode: CJK symbols, kana, then ideographs
+constexpr char16_t firstJapaneseCharacter = 0x3000; // Unicode: CJK symbols, kana, then ideographs
 
-bool sameRow(const QRect &one, const QRect &other) {
+bool areInSameRow(const QRect &one, const QRect &other) {
     return one.center().y() >= other.top() && one.center().y() <= other.bottom();
 }
 
-/// Whether a label with exactly these words stands before a control, in its row.
+/// Whether a label with exactly this text stands to the left of a control, in its row.
 bool hasCaption(const QWidget &control, const QString &words) {
     const QList<QLabel *> labels = control.parentWidget()->findChildren<QLabel *>(Qt::FindDirectChildrenOnly);
     return std::any_of(labels.begin(), labels.end(), [&](const QLabel *label) {
-        return label->isVisible() && plain(label->text()) == words && label->x() < control.x() &&
-               sameRow(label->geometry(), control.geometry());
+        return label->isVisible() && withoutMnemonic(label->text()) == words && label->x() < control.x() &&
+               areInSameRow(label->geometry(), control.geometry());
     });
 }
 
-void expectNumberInItsRange(const QAccessibleInterface &thing) {
-    auto *value = const_cast<QAccessibleInterface &>(thing).valueInterface();
-    ASSERT_TRUE(value) << nameOf(thing);
-    EXPECT_LE(value->minimumValue().toDouble(), value->currentValue().toDouble()) << nameOf(thing);
-    EXPECT_LE(value->currentValue().toDouble(), value->maximumValue().toDouble()) << nameOf(thing);
+void expectNumberInRange(const QAccessibleInterface &object) {
+    auto *value = const_cast<QAccessibleInterface &>(object).valueInterface();
+    ASSERT_TRUE(value) << accessibleName(object);
+    EXPECT_LE(value->minimumValue().toDouble(), value->currentValue().toDouble()) << accessibleName(object);
+    EXPECT_LE(value->currentValue().toDouble(), value->maximumValue().toDouble()) << accessibleName(object);
 }
 
-/// That a control tells what it holds, each kind in its own way.
-void expectItsValue(const QAccessibleInterface &thing) {
-    const QString value = thing.text(QAccessible::Value);
-    const QWidget &widget = widgetOf(thing);
-    switch (thing.role()) {
+/// Expects that a control reports its value, in the way of its role.
+void expectValue(const QAccessibleInterface &object) {
+    const QString value = object.text(QAccessible::Value);
+    const QWidget &widget = widgetOf(object);
+    switch (object.role()) {
     case QAccessible::Slider:
-        EXPECT_FALSE(value.isEmpty()) << nameOf(thing);
-        return expectNumberInItsRange(thing);
+        EXPECT_FALSE(value.isEmpty()) << accessibleName(object);
+        return expectNumberInRange(object);
     case QAccessible::EditableText:
-        EXPECT_FALSE(value.isEmpty()) << nameOf(thing);
+        EXPECT_FALSE(value.isEmpty()) << accessibleName(object);
         EXPECT_EQ(value, static_cast<const QLineEdit &>(widget).text());
         return;
     case QAccessible::ComboBox:
-        EXPECT_FALSE(value.isEmpty()) << nameOf(thing);
+        EXPECT_FALSE(value.isEmpty()) << accessibleName(object);
         EXPECT_EQ(value, static_cast<const QComboBox &>(widget).currentText());
         return;
     case QAccessible::CheckBox:
     case QAccessible::RadioButton:
-        EXPECT_TRUE(thing.state().checkable) << nameOf(thing);
-        EXPECT_EQ(thing.state().checked, static_cast<const QAbstractButton &>(widget).isChecked()) << nameOf(thing);
+        EXPECT_TRUE(object.state().checkable) << accessibleName(object);
+        EXPECT_EQ(object.state().checked, static_cast<const QAbstractButton &>(widget).isChecked())
+            << accessibleName(object);
         return;
     case QAccessible::Button:
         return;
     default:
-        ADD_FAILURE() << nameOf(thing) << " is a control of an unknown kind, " << thing.role();
+        ADD_FAILURE() << accessibleName(object) << " is a control of an unknown kind, " << object.role();
     }
 }
 
-/// That it is called what the eye reads: on the control, or before it in its row, or as its section's title.
-void expectTheNameThatTheEyeReads(const QAccessibleInterface &thing) {
-    const QString name = purposeOf(thing);
-    QWidget &widget = widgetOf(thing);
+/// Expects that the accessible name is the visible text: on the control, to its left, or the title of its section.
+void expectVisibleName(const QAccessibleInterface &object) {
+    const QString name = accessiblePurpose(object);
+    QWidget &widget = widgetOf(object);
     if (const auto *button = qobject_cast<const QAbstractButton *>(&widget)) {
-        EXPECT_TRUE(plain(button->text()).endsWith(name)) << nameOf(thing);
+        EXPECT_TRUE(withoutMnemonic(button->text()).endsWith(name)) << accessibleName(object);
     } else if (qobject_cast<const DropFolderView *>(&widget)) {
         EXPECT_EQ(name, accessible(*widget.parentWidget()).text(QAccessible::Name));
     } else {
@@ -89,58 +90,58 @@ void expectTheNameThatTheEyeReads(const QAccessibleInterface &thing) {
     }
 }
 
-void expectNamesAndValues(const Things &controls) {
+void expectNamesAndValues(const AccessibleObjects &controls) {
     std::set<std::pair<QAccessible::Role, QString>> seen;
-    for (const QAccessibleInterface *thing : controls) {
-        EXPECT_FALSE(nameOf(*thing).empty()) << widgetOf(*thing).objectName().toStdString();
-        EXPECT_FALSE(purposeOf(*thing).isEmpty()) << nameOf(*thing);
-        EXPECT_TRUE(seen.emplace(thing->role(), purposeOf(*thing)).second)
-            << "two of one kind are called " << purposeOf(*thing).toStdString();
-        expectItsValue(*thing);
-        expectTheNameThatTheEyeReads(*thing);
+    for (const QAccessibleInterface *object : controls) {
+        EXPECT_FALSE(accessibleName(*object).empty()) << widgetOf(*object).objectName().toStdString();
+        EXPECT_FALSE(accessiblePurpose(*object).isEmpty()) << accessibleName(*object);
+        EXPECT_TRUE(seen.emplace(object->role(), accessiblePurpose(*object)).second)
+            << "two of one kind are called " << accessiblePurpose(*object).toStdString();
+        expectValue(*object);
+        expectVisibleName(*object);
     }
 }
 
-/// Top to bottom, left to right.
-bool readsAfter(const QRect &later, const QRect &earlier) {
-    return sameRow(later, earlier) ? later.left() > earlier.right() : later.center().y() > earlier.bottom();
+/// Order of reading: top to bottom, then left to right.
+bool comesAfter(const QRect &later, const QRect &earlier) {
+    return areInSameRow(later, earlier) ? later.left() > earlier.right() : later.center().y() > earlier.bottom();
 }
 
-class Reading : public testing::TestWithParam<const char *> {
+class FormAccessibility : public testing::TestWithParam<const char *> {
 protected:
-    Reading() : form(makeForm()) {
+    FormAccessibility() : form(makeForm()) {
         form->resize(720, 980);
         form->show();
-        settle();
+        processPendingEvents();
     }
-    ~Reading() override {
+    ~FormAccessibility() override {
         form.reset();
         setTextLocale("en");
     }
 
     std::unique_ptr<MainViewController> makeForm() {
         setTextLocale(GetParam());
-        FormServices services = stage.services();
+        FormServices services = fakes.services();
         services.runBatch = [](VideoProcessor &) {};
         return std::make_unique<MainViewController>(services);
     }
 
     template <typename Widget> Widget &find(const char *name) { return control<Widget>(*form, name); }
 
-    /// Both directions, with and without the rows of resizing.
-    template <typename Look> void inEachState(Look look) {
+    /// Calls the check for both directions, with and without the resize rows.
+    template <typename Check> void forEachState(Check check) {
         for (const bool resizing : {false, true})
             for (const char *direction : {"spatialToSBSButton", "sbsToSpatialButton"}) {
                 SCOPED_TRACE(std::string(direction) + (resizing ? ", resizing" : ""));
                 find<QCheckBox>("enableResizeCheck").setChecked(resizing);
                 find<QRadioButton>(direction).setChecked(true);
-                settle();
-                look();
+                processPendingEvents();
+                check();
             }
     }
 
-    /// Where that key leads to, from the start button around and back to it.
-    std::vector<QWidget *> round(Qt::Key key) {
+    /// The controls that the key reaches, from the start button until it comes back to it.
+    std::vector<QWidget *> focusOrder(Qt::Key key) {
         auto *start = &find<QWidget>("startButton");
         start->setFocus();
         std::vector<QWidget *> stops;
@@ -151,32 +152,32 @@ protected:
         return stops;
     }
 
-    QRect place(const QWidget &widget) const { return {widget.mapTo(form.get(), QPoint()), widget.size()}; }
+    QRect rectInForm(const QWidget &widget) const { return {widget.mapTo(form.get(), QPoint()), widget.size()}; }
 
-    Stage stage;
+    FakeServices fakes;
     std::unique_ptr<MainViewController> form;
 };
 
-TEST_P(Reading, EveryControlOfTheFormHasItsNameAndItsValue) {
-    inEachState([this] {
-        const Things controls = controlsBelow(*form);
+TEST_P(FormAccessibility, EveryControlOfTheFormHasNameAndValue) {
+    forEachState([this] {
+        const AccessibleObjects controls = focusableControls(*form);
         EXPECT_EQ(controls.size(), 16U + (form->settings->enableResize ? 3 : 0) +
                                        (form->settings->direction == ConversionDirection::sbsToSpatial ? 2 : 0));
         expectNamesAndValues(controls);
     });
 }
 
-TEST_P(Reading, NamesAreInTheLanguageOfTheUser) {
+TEST_P(FormAccessibility, NamesAreInTheLanguageOfTheUser) {
     find<QCheckBox>("enableResizeCheck").setChecked(true);
-    for (const QAccessibleInterface *thing : controlsBelow(*form)) {
-        const QString name = purposeOf(*thing);
-        const bool japanese =
-            std::any_of(name.begin(), name.end(), [](QChar letter) { return letter.unicode() >= firstOfJapanese; });
+    for (const QAccessibleInterface *object : focusableControls(*form)) {
+        const QString name = accessiblePurpose(*object);
+        const bool japanese = std::any_of(name.begin(), name.end(),
+                                          [](QChar letter) { return letter.unicode() >= firstJapaneseCharacter; });
         EXPECT_EQ(japanese, GetParam() == std::string_view("ja")) << name.toStdString();
     }
 }
 
-TEST_P(Reading, CaptionsNameTheirControls) {
+TEST_P(FormAccessibility, CaptionsNameTheirControls) {
     find<QCheckBox>("enableResizeCheck").setChecked(true);
     find<QRadioButton>("sbsToSpatialButton").setChecked(true);
     for (const char *name : {"fovField", "disparityField", "baselineField", "resizeWidthField", "resizeHeightField",
@@ -187,96 +188,96 @@ TEST_P(Reading, CaptionsNameTheirControls) {
     }
 }
 
-TEST_P(Reading, ControlsStandInSectionsWithATitle) {
-    for (const QAccessibleInterface *thing : controlsBelow(*form)) {
-        const QAccessibleInterface *above = thing->parent();
+TEST_P(FormAccessibility, ControlsStandInSectionsWithATitle) {
+    for (const QAccessibleInterface *object : focusableControls(*form)) {
+        const QAccessibleInterface *above = object->parent();
         while (above && above->role() != QAccessible::Grouping && above->object() != form.get())
             above = above->parent();
         ASSERT_TRUE(above);
-        if (thing->object() != &find<QWidget>("startButton")) {
-            EXPECT_EQ(above->role(), QAccessible::Grouping) << nameOf(*thing);
-            EXPECT_FALSE(nameOf(*above).empty()) << nameOf(*thing);
+        if (object->object() != &find<QWidget>("startButton")) {
+            EXPECT_EQ(above->role(), QAccessible::Grouping) << accessibleName(*object);
+            EXPECT_FALSE(accessibleName(*above).empty()) << accessibleName(*object);
         }
     }
 }
 
-TEST_P(Reading, ButtonsThatSayOnlySelectTellWhat) {
+TEST_P(FormAccessibility, SelectButtonsDescribeWhatTheySelect) {
     for (const auto &[button, section] :
          {std::pair{"inputSelectBtn", "inputSection"}, {"outputSelectBtn", "outputSection"}})
         EXPECT_EQ(accessible(find<QWidget>(button)).text(QAccessible::Description),
                   accessible(find<QWidget>(section)).text(QAccessible::Name));
 }
 
-TEST_P(Reading, TheTabulatorFollowsTheEyeAndReachesEverything) {
-    inEachState([this] {
-        const std::vector<QWidget *> stops = round(Qt::Key_Tab);
+TEST_P(FormAccessibility, TabKeyReachesEveryControlInReadingOrder) {
+    forEachState([this] {
+        const std::vector<QWidget *> stops = focusOrder(Qt::Key_Tab);
         for (std::size_t stop = 1; stop < stops.size(); ++stop)
-            EXPECT_TRUE(readsAfter(place(*stops[stop]), place(*stops[stop - 1])))
+            EXPECT_TRUE(comesAfter(rectInForm(*stops[stop]), rectInForm(*stops[stop - 1])))
                 << stops[stop]->objectName().toStdString() << " after " << stops[stop - 1]->objectName().toStdString();
         std::vector<QWidget *> expected;
-        for (const QAccessibleInterface *thing : controlsBelow(*form))
-            // Of a group of radio buttons, the tabulator stops at the chosen one.
-            if (thing->role() != QAccessible::RadioButton || thing->state().checked)
-                expected.push_back(&widgetOf(*thing));
+        for (const QAccessibleInterface *object : focusableControls(*form))
+            // In a group of radio buttons the Tab key stops only at the checked one.
+            if (object->role() != QAccessible::RadioButton || object->state().checked)
+                expected.push_back(&widgetOf(*object));
         EXPECT_THAT(stops, testing::UnorderedElementsAreArray(expected));
-        std::vector<QWidget *> back = round(Qt::Key_Backtab);
+        std::vector<QWidget *> back = focusOrder(Qt::Key_Backtab);
         std::reverse(back.begin(), back.end() - 1);
         EXPECT_EQ(back, stops) << "and the other way round";
     });
 }
 
-TEST_P(Reading, TheTabulatorStopsAtTheChosenDirectionHoweverItWasChosen) {
+TEST_P(FormAccessibility, TabKeyStopsAtTheCheckedDirection) {
     auto &toSBS = find<QRadioButton>("spatialToSBSButton");
     auto &toSpatial = find<QRadioButton>("sbsToSpatialButton");
     toSBS.setFocus();
     accessible(toSpatial).actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
     EXPECT_TRUE(toSpatial.isChecked());
-    EXPECT_THAT(round(Qt::Key_Tab), testing::Contains(&toSpatial));
-    EXPECT_THAT(round(Qt::Key_Tab), testing::Not(testing::Contains(&toSBS)));
+    EXPECT_THAT(focusOrder(Qt::Key_Tab), testing::Contains(&toSpatial));
+    EXPECT_THAT(focusOrder(Qt::Key_Tab), testing::Not(testing::Contains(&toSBS)));
 }
 
-TEST_P(Reading, TheTreeReadsAsTheEyeDoes) {
-    inEachState([this] {
-        Things leaves = shownBelow(accessible(find<QWidget>("documentView")));
-        std::erase_if(leaves, [](const QAccessibleInterface *thing) {
-            return !shownBelow(*thing).empty() || !thing->object()->isWidgetType() ||
-                   qobject_cast<DropFolderView *>(thing->object()->parent());
+TEST_P(FormAccessibility, AccessibilityTreeIsInReadingOrder) {
+    forEachState([this] {
+        AccessibleObjects leaves = visibleDescendants(accessible(find<QWidget>("documentView")));
+        std::erase_if(leaves, [](const QAccessibleInterface *object) {
+            return !visibleDescendants(*object).empty() || !object->object()->isWidgetType() ||
+                   qobject_cast<DropFolderView *>(object->object()->parent());
         });
         for (std::size_t leaf = 1; leaf < leaves.size(); ++leaf)
-            EXPECT_TRUE(readsAfter(leaves[leaf]->rect(), leaves[leaf - 1]->rect()))
-                << nameOf(*leaves[leaf]) << " after " << nameOf(*leaves[leaf - 1]);
-        EXPECT_GT(leaves.size(), controlsBelow(*form).size()) << "labels are read as well";
+            EXPECT_TRUE(comesAfter(leaves[leaf]->rect(), leaves[leaf - 1]->rect()))
+                << accessibleName(*leaves[leaf]) << " after " << accessibleName(*leaves[leaf - 1]);
+        EXPECT_GT(leaves.size(), focusableControls(*form).size()) << "labels are read as well";
     });
 }
 
-TEST_P(Reading, ArrowKeysReachTheOtherDirection) {
+TEST_P(FormAccessibility, ArrowKeysReachTheOtherDirection) {
     find<QRadioButton>("spatialToSBSButton").setFocus();
     QTest::keyClick(form->focusWidget(), Qt::Key_Down);
     EXPECT_EQ(form->focusWidget(), &find<QRadioButton>("sbsToSpatialButton"));
 }
 
-TEST_P(Reading, DropTargetsTellWhatTheyHold) {
+TEST_P(FormAccessibility, DropTargetsReportTheirContent) {
     for (const char *name : {"inputDropView", "outputDropView"}) {
         auto &target = find<DropFolderView>(name);
-        EXPECT_FALSE(nameOf(accessible(target)).empty());
+        EXPECT_FALSE(accessibleName(accessible(target)).empty());
         EXPECT_EQ(accessible(target).text(QAccessible::Description), target.placeholder());
         target.showFolder("/x/Holiday");
         EXPECT_EQ(accessible(target).text(QAccessible::Description), QStringLiteral("Holiday"));
     }
 }
 
-TEST_P(Reading, WhileTheSheetIsUpItsButtonIsAllThereIsToReach) {
+TEST_P(FormAccessibility, WhileTheSheetIsShownOnlyItsButtonIsReachable) {
     form->presentProgressSheet();
-    settle();
+    processPendingEvents();
     ProgressViewController &sheet = *form->progressSheet();
     EXPECT_EQ(accessible(sheet).role(), QAccessible::Dialog);
-    EXPECT_EQ(nameOf(accessible(sheet)), text("progress.title"));
+    EXPECT_EQ(accessibleName(accessible(sheet)), text("progress.title"));
     QWidget &button = control<QWidget>(sheet, "cancelButton");
     const auto expectOnlyTheButton = [&](const char *title) {
-        const Things controls = controlsBelow(*form);
+        const AccessibleObjects controls = focusableControls(*form);
         ASSERT_EQ(controls.size(), 1U);
         EXPECT_EQ(&widgetOf(*controls.front()), &button);
-        EXPECT_EQ(nameOf(*controls.front()), text(title));
+        EXPECT_EQ(accessibleName(*controls.front()), text(title));
         expectNamesAndValues(controls);
         QTest::keyClick(form->focusWidget(), Qt::Key_Tab);
         EXPECT_EQ(form->focusWidget(), &button);
@@ -285,21 +286,21 @@ TEST_P(Reading, WhileTheSheetIsUpItsButtonIsAllThereIsToReach) {
     sheet.conversionFinished(true, "done");
     expectOnlyTheButton("button.close");
     sheet.closeTapped();
-    EXPECT_TRUE(until([this] { return controlsBelow(*form).size() == 16; })) << "and then the form is back";
+    EXPECT_TRUE(waitUntil([this] { return focusableControls(*form).size() == 16; })) << "and then the form is back";
 }
 
-TEST_P(Reading, ProgressBarsHaveNamesAndValuesInEachOfTheirStates) {
+TEST_P(FormAccessibility, ProgressBarsHaveNamesAndValuesInEachOfTheirStates) {
     form->presentProgressSheet();
-    settle();
+    processPendingEvents();
     ProgressViewController &sheet = *form->progressSheet();
     const auto expectBars = [&] {
-        Things bars = shownBelow(accessible(sheet));
-        std::erase_if(bars, [](const auto *thing) { return thing->role() != QAccessible::ProgressBar; });
+        AccessibleObjects bars = visibleDescendants(accessible(sheet));
+        std::erase_if(bars, [](const auto *object) { return object->role() != QAccessible::ProgressBar; });
         ASSERT_EQ(bars.size(), 2U);
-        EXPECT_NE(nameOf(*bars[0]), nameOf(*bars[1]));
+        EXPECT_NE(accessibleName(*bars[0]), accessibleName(*bars[1]));
         for (const QAccessibleInterface *bar : bars) {
-            EXPECT_FALSE(nameOf(*bar).empty());
-            expectNumberInItsRange(*bar);
+            EXPECT_FALSE(accessibleName(*bar).empty());
+            expectNumberInRange(*bar);
         }
     };
     expectBars();
@@ -313,7 +314,7 @@ TEST_P(Reading, ProgressBarsHaveNamesAndValuesInEachOfTheirStates) {
     expectBars();
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, Reading, testing::Values("en", "ja"),
+INSTANTIATE_TEST_SUITE_P(Languages, FormAccessibility, testing::Values("en", "ja"),
                          [](const auto &testInfo) { return std::string(testInfo.param); });
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The form's numbers: what fields take and refuse, how sliders step, and how both keep to the settings.
+// The form's numbers: what fields accept and refuse, the steps of sliders, and that both agree with the settings.
 #include "engine/texts/Texts.h"
 #include "support/FormFixture.h"
 #include "ui/widgets/Palettes.h"
@@ -14,7 +14,7 @@ namespace {
 
 using FormFields = MainForm;
 
-TEST_F(FormFields, FieldOfViewIsTakenUpTo180) {
+TEST_F(FormFields, AcceptsAFieldOfViewUpTo180) {
     find<QRadioButton>("sbsToSpatialButton").click();
     settings.horizontalFOV = 63.4;
     type("fovField", "180");
@@ -28,7 +28,7 @@ TEST_F(FormFields, TwoHundredIsRefusedAndNotReadAsTwenty) {
     EXPECT_EQ(field("fovField").text(), QStringLiteral("200"));
     EXPECT_EQ(settings.horizontalFOV, 63.4) << "\"20\" on the way was in the range";
     EXPECT_EQ(slider("fovSlider").doubleValue(), 63.4);
-    EXPECT_FALSE(field("fovField").isAccepted());
+    EXPECT_FALSE(field("fovField").isValid());
     type("fovField", "90");
     EXPECT_EQ(settings.horizontalFOV, 90);
     find<QPushButton>("startButton").setFocus(); // the editing ends
@@ -36,9 +36,9 @@ TEST_F(FormFields, TwoHundredIsRefusedAndNotReadAsTwenty) {
     EXPECT_EQ(settings.horizontalFOV, 90);
 }
 
-TEST_F(FormFields, WhatAFieldDoesNotTakeIsMarkedAtOnce) {
+TEST_F(FormFields, InvalidTextIsMarkedAtOnce) {
     find<QRadioButton>("sbsToSpatialButton").click();
-    settle();
+    processPendingEvents();
     NumberField &fov = field("fovField");
     const QString usual = fov.toolTip();
     const auto edge = [&fov] { return fov.grab().toImage().pixelColor(fov.width() / 2, 1); };
@@ -53,7 +53,7 @@ TEST_F(FormFields, WhatAFieldDoesNotTakeIsMarkedAtOnce) {
     EXPECT_EQ(edge(), usualEdge);
 }
 
-TEST_F(FormFields, ToolTipsTellRangeMeaningAndDefault) {
+TEST_F(FormFields, ToolTipsNameRangeMeaningAndDefault) {
     find<QRadioButton>("sbsToSpatialButton").click();
     for (const auto &[name, low, high, usual] : {std::tuple{"fovField", "10", "180", "63.4"},
                                                  {"disparityField", "-100", "100", "2"},
@@ -63,7 +63,7 @@ TEST_F(FormFields, ToolTipsTellRangeMeaningAndDefault) {
     EXPECT_EQ(slider("fovSlider").toolTip(), field("fovField").toolTip());
 }
 
-TEST_F(FormFields, ThereIsAWayBackToTheDefault) {
+TEST_F(FormFields, ResetButtonsRestoreTheDefault) {
     find<QRadioButton>("sbsToSpatialButton").click();
     auto &reset = find<QToolButton>("baselineReset");
     EXPECT_FALSE(reset.isEnabled()) << "nothing to put back";
@@ -96,7 +96,7 @@ TEST_F(FormFields, TextOutOfTheRangeChangesNothing) {
     EXPECT_EQ(settings.stereoBaseline, 1);
 }
 
-TEST_F(FormFields, FieldsTakeMoreDecimalsThanTheSlidersShow) {
+TEST_F(FormFields, FieldsAcceptMoreDecimalsThanTheSlidersShow) {
     field("fovField").setText(QStringLiteral("63.4567"));
     EXPECT_EQ(settings.horizontalFOV, 63.4567);
     EXPECT_EQ(slider("fovSlider").doubleValue(), 63.4567);
@@ -114,7 +114,7 @@ TEST_F(FormFields, ZeroAndLettersLeaveTheResizeSize) {
     EXPECT_EQ(settings.resizeWidth, 640);
 }
 
-TEST_F(FormFields, TheDefaultSizeCarriesNoWarningColour) {
+TEST_F(FormFields, TheDefaultSizeHasNoWarningColour) {
     find<QCheckBox>("enableResizeCheck").click();
     const auto ink = [this] { return find<QLabel>("resizeWarningLabel").palette().color(QPalette::WindowText); };
     EXPECT_EQ(ink(), secondaryTextColour(form.palette()));
@@ -152,7 +152,7 @@ TEST_F(FormFields, ArrowKeysStepByWhatTheFieldShows) {
                   step);
 }
 
-TEST_F(FormFields, SlidersTellTheirRealValue) {
+TEST_F(FormFields, SlidersReportTheirDecimalValue) {
     auto *interface = QAccessible::queryAccessibleInterface(&slider("fovSlider"));
     ASSERT_TRUE(interface->valueInterface());
     EXPECT_EQ(interface->valueInterface()->currentValue().toDouble(), 63.4);

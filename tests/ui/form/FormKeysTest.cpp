@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The form under the hands: keys, the wheel, and low windows.
+// Keys, the mouse wheel, and low windows.
 #include "engine/texts/Texts.h"
 #include "support/FormFixture.h"
 
@@ -22,18 +22,18 @@ class Wheel : public MainForm {
 protected:
     Wheel() {
         form.resize(720, 500);
-        settle();
+        processPendingEvents();
     }
     void turn(QWidget &control) {
         QWheelEvent wheel(QPointF(5, 5), control.mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, -120), Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
-        QSpontaneKeyEvent::setSpontaneous(&wheel); // others do not go on to what lies below
+        QSpontaneKeyEvent::setSpontaneous(&wheel); // only spontaneous wheel events are passed on to the parent
         QApplication::instance()->notify(&control, &wheel);
     }
-    int scrolled() { return find<QScrollArea>("scrollView").verticalScrollBar()->value(); }
+    int scrollPosition() { return find<QScrollArea>("scrollView").verticalScrollBar()->value(); }
 };
 
-TEST_F(Wheel, ScrollsTheFormAndChangesNothingThatWasNotClicked) {
+TEST_F(Wheel, ScrollsTheFormAndChangesNoControlThatWasNotClicked) {
     auto &popup = find<QComboBox>("formatPopup");
     auto &quality = slider("compressionSlider");
     for (QWidget *control : std::initializer_list<QWidget *>{&popup, &quality}) {
@@ -49,10 +49,10 @@ TEST_F(Wheel, ScrollsTheFormAndChangesNothingThatWasNotClicked) {
     popup.setFocus(Qt::TabFocusReason);
     find<QScrollArea>("scrollView").verticalScrollBar()->setValue(1);
     turn(popup);
-    EXPECT_GT(scrolled(), 1) << "the form moves instead";
+    EXPECT_GT(scrollPosition(), 1) << "the form moves instead";
 }
 
-TEST_F(Wheel, ChangesWhatTheUserClickedUntilTheFocusGoesOn) {
+TEST_F(Wheel, ChangesTheClickedControlUntilTheFocusMoves) {
     auto &quality = slider("compressionSlider");
     quality.setFocus();
     QTest::mouseClick(&quality, Qt::LeftButton, {}, QPoint(quality.width() / 2, quality.height() / 2));
@@ -80,21 +80,21 @@ TEST_F(FormKeys, EnterPressesTheButtonWithTheFocus) {
     }
 }
 
-TEST_F(FormKeys, StartIsInSightInALowWindowWithResizingOn) {
+TEST_F(FormKeys, StartButtonIsVisibleInALowWindowWithResizingOn) {
     find<QCheckBox>("enableResizeCheck").click();
     for (const int height : {690, 500, 400}) {
         form.resize(720, height);
-        settle();
+        processPendingEvents();
         auto &start = find<QPushButton>("startButton");
         for (const char *direction : {"sbsToSpatialButton", "spatialToSBSButton"}) {
             find<QRadioButton>(direction).click();
-            settle();
+            processPendingEvents();
             EXPECT_EQ(start.visibleRegion().boundingRect(), start.rect()) << height;
             EXPECT_FALSE(start.geometry().intersects(find<QScrollArea>("scrollView").geometry())) << height;
         }
         auto &last = find<QWidget>("resizeModePopup");
         last.setFocus();
-        settle();
+        processPendingEvents();
         EXPECT_EQ(last.visibleRegion().boundingRect(), last.rect()) << "and nothing hides behind it";
     }
 }
@@ -111,8 +111,8 @@ TEST_F(FormKeys, KeysPressTheButtonsThatShowThem) {
     form.activateWindow();
     find<QCheckBox>("swapLRCheck").setFocus();
     QTest::keyClick(&form, Qt::Key_Return, Qt::ControlModifier);
-    EXPECT_TRUE(until([this] { return !stage.alerts->shown.empty(); }));
-    EXPECT_EQ(stage.alerts->shown.front().message, text("error.no.input.folder"));
+    EXPECT_TRUE(waitUntil([this] { return !fakes.alerts->shown.empty(); }));
+    EXPECT_EQ(fakes.alerts->shown.front().message, text("error.no.input.folder"));
 }
 
 TEST_F(FormKeys, EveryLetterForTheAltKeyIsUsedOnce) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// That no text is cut off and nothing overlaps, in each language and at each text size.
+// Checks that no text is cut off and no widgets overlap, in each language and at each text size.
 #include "engine/texts/Texts.h"
 #include "support/Scripted.h"
 #include "ui/form/MainViewController.h"
@@ -57,17 +57,17 @@ protected:
         QApplication::setFont(usual_);
     }
 
-    static std::string nameOf(const QWidget &widget) {
+    static std::string widgetName(const QWidget &widget) {
         return (widget.objectName().isEmpty() ? QLatin1String(widget.metaObject()->className()) : widget.objectName())
             .toStdString();
     }
 
     /// The width that a widget's text needs.
-    static int wanted(const QWidget &widget) {
+    static int neededWidth(const QWidget &widget) {
         if (const auto *label = qobject_cast<const QLabel *>(&widget))
-            return label->wordWrap() ? 0 : label->fontMetrics().horizontalAdvance(plain(label->text()));
+            return label->wordWrap() ? 0 : label->fontMetrics().horizontalAdvance(withoutMnemonic(label->text()));
         if (const auto *button = qobject_cast<const QPushButton *>(&widget)) // its edges may come close
-            return button->fontMetrics().horizontalAdvance(plain(button->text())) + 2;
+            return button->fontMetrics().horizontalAdvance(withoutMnemonic(button->text())) + 2;
         if (qobject_cast<const QAbstractButton *>(&widget) || qobject_cast<const QComboBox *>(&widget))
             return widget.sizeHint().width();
         if (const auto *field = qobject_cast<const QLineEdit *>(&widget))
@@ -79,8 +79,8 @@ protected:
         for (const QWidget *widget : window.findChildren<QWidget *>()) {
             if (!widget->isVisibleTo(&window) || qobject_cast<const ElidedLabel *>(widget))
                 continue;
-            EXPECT_LE(wanted(*widget), widget->width())
-                << nameOf(*widget) << " " << widget->accessibleName().toStdString();
+            EXPECT_LE(neededWidth(*widget), widget->width())
+                << widgetName(*widget) << " " << widget->accessibleName().toStdString();
             const auto *label = qobject_cast<const QLabel *>(widget);
             if (label && label->wordWrap()) {
                 EXPECT_LE(label->heightForWidth(label->width()), label->height()) << label->text().toStdString();
@@ -88,13 +88,13 @@ protected:
         }
     }
 
-    /// No two visible widgets of a window lie upon each other, at whatever depth, but a widget and what it holds.
+    /// Expects that no two visible widgets of a window overlap, except a widget and its descendants.
     static void expectNoOverlaps(const QWidget &window) {
         QList<const QWidget *> shown;
         for (const QWidget *widget : window.findChildren<QWidget *>())
             if (widget->isVisibleTo(&window) && !widget->isWindow() && widget->window() == window.window())
                 shown << widget;
-        // What is scrolled away hides behind the rest of the window.
+        // Widgets that are scrolled out of view lie behind other parts of the window.
         const auto place = [&window](const QWidget *widget) {
             return widget->visibleRegion().boundingRect().translated(widget->mapTo(&window, QPoint()));
         };
@@ -102,12 +102,12 @@ protected:
             for (qsizetype j = i + 1; j < shown.size(); ++j)
                 if (!shown[i]->isAncestorOf(shown[j]) && !shown[j]->isAncestorOf(shown[i])) {
                     EXPECT_FALSE(place(shown[i]).intersects(place(shown[j])))
-                        << nameOf(*shown[i]) << " and " << nameOf(*shown[j]);
+                        << widgetName(*shown[i]) << " and " << widgetName(*shown[j]);
                 }
     }
 
-    /// That the words of a dialog have the room that they need.
-    static void expectWordsHaveRoom(const QWidget &dialog) {
+    /// Expects that the texts of a dialog have enough space.
+    static void expectTextsHaveSpace(const QWidget &dialog) {
         for (const QLabel *label : dialog.findChildren<QLabel *>()) {
             if (label->text().isEmpty() || !label->isVisible())
                 continue;
@@ -124,14 +124,14 @@ protected:
         }
     }
 
-    Stage stage;
+    FakeServices fakes;
 
 private:
     const QFont usual_ = QApplication::font();
 };
 
 TEST_P(Looks, NothingInTheFormIsCutOffOrOverlaps) {
-    MainViewController form(stage.services());
+    MainViewController form(fakes.services());
     const PointScale scale = PointScale::current();
     form.resize(scale.horizontal(720), scale.vertical(860));
     form.show();
@@ -140,7 +140,7 @@ TEST_P(Looks, NothingInTheFormIsCutOffOrOverlaps) {
         control<QRadioButton>(form, direction).click();
         for (const char *width : {"1921", "1000", "1920"}) {
             control<QLineEdit>(form, "resizeWidthField").setText(QLatin1String(width));
-            settle();
+            processPendingEvents();
             expectNothingCutOff(form);
             expectNoOverlaps(form);
         }
@@ -148,7 +148,7 @@ TEST_P(Looks, NothingInTheFormIsCutOffOrOverlaps) {
 }
 
 TEST_P(Looks, NothingIsCutOffAtTheSmallestWidth) {
-    MainViewController form(stage.services());
+    MainViewController form(fakes.services());
     const PointScale scale = PointScale::current();
     for (const double height : {760.0, 600.0}) {
         form.resize(scale.horizontal(680), scale.vertical(height));
@@ -156,7 +156,7 @@ TEST_P(Looks, NothingIsCutOffAtTheSmallestWidth) {
         control<QCheckBox>(form, "enableResizeCheck").setChecked(true);
         for (const char *direction : {"sbsToSpatialButton", "spatialToSBSButton"}) {
             control<QRadioButton>(form, direction).click();
-            settle();
+            processPendingEvents();
             expectNothingCutOff(form);
             expectNoOverlaps(form);
             EXPECT_EQ(control<QScrollArea>(form, "scrollView").horizontalScrollBar()->maximum(), 0);
@@ -164,15 +164,15 @@ TEST_P(Looks, NothingIsCutOffAtTheSmallestWidth) {
     }
 }
 
-TEST_P(Looks, NoAlertCutsItsWordsOff) {
+TEST_P(Looks, NoAlertCutsItsTextsOff) {
     ConversionSettings odd;
     odd.enableResize = true;
     odd.resizeWidth = 1921;
-    BatchEnd skipped{.success = true, .skipped = 12};
+    BatchResult skipped{.success = true, .skipped = 12};
     skipped.skipReasons = {text("status.skipped.not.spatial")};
     const std::string name = "A name of some length, as cameras and people give them.mov";
     for (const Alert &alert :
-         {Alert{text("error.no.input.folder")}, Alert{text("error.no.output.folder")}, *oddResizeSize(odd),
+         {Alert{text("error.no.input.folder")}, Alert{text("error.no.output.folder")}, *oddResizeSizeError(odd),
           *directionMismatch(ConversionDirection::spatialToSBS, 2, 0),
           *directionMismatch(ConversionDirection::sbsToSpatial, 2, 1), overwriteQuestion({"a_sbs.mp4", name}),
           Alert{text("alert.avi.title"), text("alert.avi.noresize.message"), {text("alert.avi.enable.resize")}},
@@ -182,45 +182,45 @@ TEST_P(Looks, NoAlertCutsItsWordsOff) {
         QWidget window;
         window.show();
         MessageBoxPresenter().present(alert, &window, [](int) {});
-        settle();
+        processPendingEvents();
         const auto *box = window.findChild<QMessageBox *>();
         ASSERT_TRUE(box);
-        expectWordsHaveRoom(*box);
+        expectTextsHaveSpace(*box);
         expectNoOverlaps(*box);
     }
 }
 
 TEST_P(Looks, NothingInTheSheetIsCutOff) {
-    FormServices services = stage.services();
+    FormServices services = fakes.services();
     services.runBatch = [](VideoProcessor &) {};
     MainViewController form(services);
     const PointScale scale = PointScale::current();
     form.resize(scale.horizontal(720), std::min(scale.vertical(860), 650));
     form.show();
     form.presentProgressSheet();
-    settle();
+    processPendingEvents();
     ProgressViewController &sheet = *form.progressSheet();
     EXPECT_TRUE(sheet.parentWidget()->rect().contains(sheet.geometry()));
     sheet.updateProgress(998, 1000, "clip.mov");
     sheet.updateFrameProgress(123456, 234567);
     *sheet.startTime -= std::chrono::hours(30);
     sheet.updateElapsedTime();
-    settle();
+    processPendingEvents();
     expectNoOverlaps(sheet);
     for (const QLabel *label : sheet.findChildren<QLabel *>())
-        EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width()) << nameOf(*label);
+        EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width()) << widgetName(*label);
     sheet.stop();
-    settle();
+    processPendingEvents();
 }
 
-TEST_P(Looks, AlertsAreNoNarrowColumns) {
+TEST_P(Looks, AlertsAreNotNarrowColumns) {
     QWidget window;
     window.show();
     const Alert alert{text("alert.direction.spatial2sbs.title"),
                       text("alert.direction.spatial2sbs.message"),
                       {text("button.fix.direction"), text("button.convert.anyway.continue")}};
     MessageBoxPresenter().present(alert, &window, [](int) {});
-    settle();
+    processPendingEvents();
     const auto &label = control<QLabel>(window, "qt_msgbox_informativelabel");
     const int line = label.fontMetrics().horizontalAdvance(QString(45, QLatin1Char('n')));
     EXPECT_GE(label.width(), std::min(line, window.screen()->availableSize().width() / 2) * 3 / 4);
@@ -235,7 +235,7 @@ TEST_P(Looks, LongNamesInAlertsAreNotCutOff) {
     Alert check = spatialCheckAlert(name, {});
     check.informative += name;
     MessageBoxPresenter().present(check, &window, [](int) {});
-    settle();
+    processPendingEvents();
     const QList<QLabel *> labels = window.findChildren<QLabel *>();
     ASSERT_GE(labels.size(), 4);
     for (QLabel *label : labels) {
@@ -264,8 +264,8 @@ TEST(DarkLooks, ARadioButtonWithTheFocusKeepsItsEdge) {
     EXPECT_GE(contrast(picture.pixelColor(10, 0), sectionColour(dark)), 2.5);
 }
 
-/// Whether the picture is a smaller one blown up: all blocks of two by two pixels are of one colour.
-bool isBlownUp(const QImage &picture) {
+/// Whether the picture is a smaller one scaled up: each block of 2 × 2 pixels has one colour.
+bool isUpscaled(const QImage &picture) {
     for (int y = 0; y + 1 < picture.height(); y += 2)
         for (int x = 0; x + 1 < picture.width(); x += 2)
             for (const QPoint next : {QPoint(1, 0), QPoint(0, 1), QPoint(1, 1)})
@@ -282,11 +282,11 @@ TEST(AlertLooks, SignsAreSharpAtHighResolutions) {
         EXPECT_EQ(picture.devicePixelRatio(), 2) << sign;
         EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0) << sign;
         EXPECT_EQ(qAlpha(picture.pixel(64, 80)), 255) << sign;
-        EXPECT_FALSE(isBlownUp(picture)) << sign;
+        EXPECT_FALSE(isUpscaled(picture)) << sign;
     }
 }
 
-TEST(AlertLooks, ButtonsHaveWordsAlone) {
+TEST(AlertLooks, ButtonsHaveNoIcons) {
     QApplication::setStyle(new ScaledStyle);
     QMessageBox alert(QMessageBox::Warning, QString(), QStringLiteral("words"));
     alert.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);

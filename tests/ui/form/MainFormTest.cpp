@@ -55,7 +55,7 @@ TEST_F(MainForm, StartsWithTheDefaultsOfTheSettings) {
     EXPECT_EQ(find<QPushButton>("startButton").text(), QStringLiteral("▶  Start Conversion"));
 }
 
-TEST_F(MainForm, EveryTextFadesWhileTheFormIsOutOfUse) {
+TEST_F(MainForm, EveryTextFadesWhileTheFormIsDisabled) {
     for (const QLabel *label : form.findChildren<QLabel *>())
         EXPECT_NE(label->palette().color(QPalette::Disabled, QPalette::WindowText),
                   label->palette().color(QPalette::Active, QPalette::WindowText))
@@ -158,7 +158,7 @@ TEST_F(MainForm, NamesTheUnitsOfItsValues) {
         EXPECT_THAT(words, testing::Contains(unit)) << unit;
 }
 
-TEST_F(MainForm, StandsWhereItShould) {
+TEST_F(MainForm, PartsAreAtTheirPositions) {
     EXPECT_EQ(find<QWidget>("startButton").geometry(), QRect(20, 764, 680, 48));
     EXPECT_EQ(find<QWidget>("commonSection").geometry(), QRect(20, 612, 680, 138));
     EXPECT_EQ(find<QWidget>("optionsSection").geometry(), QRect(20, 418, 680, 180));
@@ -176,7 +176,7 @@ TEST_F(MainForm, StandsWhereItShould) {
 
 TEST_F(MainForm, ScrollsToTheTopAfterLayingOut) {
     form.resize(720, 500);
-    settle();
+    processPendingEvents();
     auto *bar = find<QScrollArea>("scrollView").verticalScrollBar();
     bar->setValue(bar->maximum());
     EXPECT_GT(bar->value(), 0);
@@ -184,12 +184,12 @@ TEST_F(MainForm, ScrollsToTheTopAfterLayingOut) {
     EXPECT_EQ(bar->value(), 0);
 }
 
-TEST_F(MainForm, SizeFieldsComeIntoSightInALowWindow) {
+TEST_F(MainForm, SizeFieldsBecomeVisibleInALowWindow) {
     form.resize(720, 500);
-    settle();
+    processPendingEvents();
     find<QCheckBox>("enableResizeCheck").setFocus();
     QTest::keyClick(&find<QCheckBox>("enableResizeCheck"), Qt::Key_Space);
-    settle();
+    processPendingEvents();
     EXPECT_FALSE(field("resizeWidthField").visibleRegion().isEmpty());
     EXPECT_FALSE(find<QWidget>("enableResizeCheck").visibleRegion().isEmpty());
 }
@@ -197,7 +197,7 @@ TEST_F(MainForm, SizeFieldsComeIntoSightInALowWindow) {
 TEST_F(MainForm, NeedsNoSidewaysScrolling) {
     for (const int height : {860, 500}) {
         form.resize(720, height);
-        settle();
+        processPendingEvents();
         EXPECT_FALSE(find<QScrollArea>("scrollView").horizontalScrollBar()->isVisible()) << height;
         EXPECT_EQ(find<QWidget>("startButton").width(), 680);
     }
@@ -217,7 +217,7 @@ TEST_F(MainForm, AFolderReplacesFilesAndFilesReplaceAFolder) {
     EXPECT_TRUE(find<DropFolderView>("inputDropView").hasContent());
 }
 
-TEST_F(MainForm, OneChosenFileIsTakenWhateverItIs) {
+TEST_F(MainForm, OneChosenFileOfAnyTypeIsAccepted) {
     const fs::path file = scratch.file("notes.txt");
     choose({file});
     EXPECT_EQ(settings.inputFiles, std::vector{file});
@@ -237,7 +237,7 @@ TEST_F(MainForm, SeveralChosenItemsAreReducedToMediaSortedByName) {
 
 TEST_F(MainForm, OutputIsAFolder) {
     const fs::path folder = scratch.folder("out");
-    stage.panels->choice = {folder};
+    fakes.panels->choice = {folder};
     find<QPushButton>("outputSelectBtn").click();
     EXPECT_EQ(settings.outputFolderURL, folder);
     EXPECT_EQ(label("outputPathLabel").toStdString(), folder.string());
@@ -256,32 +256,32 @@ TEST_F(MainForm, DropsFillInputAndOutput) {
     EXPECT_EQ(settings.outputFolderURL, folder);
 }
 
-TEST_F(MainForm, AVIWithoutResizingIsWarnedOfAtOnce) {
+TEST_F(MainForm, WarnsAtOnceAboutAVIWithoutResizing) {
     const fs::path folder = scratch.folder("in");
     std::ofstream(folder / "old.AVI") << "x";
-    stage.alerts->answers = {1};
+    fakes.alerts->answers = {1};
     choose({folder});
-    ASSERT_EQ(stage.alerts->shown.size(), 1U);
-    const Alert &alert = stage.alerts->shown.front();
+    ASSERT_EQ(fakes.alerts->shown.size(), 1U);
+    const Alert &alert = fakes.alerts->shown.front();
     EXPECT_EQ(alert.message, text("alert.avi.title"));
     EXPECT_EQ(alert.informative, text("alert.avi.message"));
     EXPECT_EQ(alert.buttons, (std::vector{text("alert.avi.enable.resize"), text("button.continue")}));
     EXPECT_FALSE(settings.enableResize) << "continuing changes nothing";
-    stage.alerts->answers = {0};
+    fakes.alerts->answers = {0};
     EXPECT_TRUE(form.openInput({folder / "old.AVI", scratch.file("b.mov")}));
-    EXPECT_EQ(stage.alerts->shown.size(), 2U);
+    EXPECT_EQ(fakes.alerts->shown.size(), 2U);
     EXPECT_TRUE(settings.enableResize);
     EXPECT_TRUE(find<QCheckBox>("enableResizeCheck").isChecked());
     EXPECT_TRUE(field("resizeWidthField").isVisible());
     EXPECT_TRUE(form.openInput({folder}));
-    EXPECT_EQ(stage.alerts->shown.size(), 2U) << "with resizing on there is nothing to warn of";
+    EXPECT_EQ(fakes.alerts->shown.size(), 2U) << "with resizing on there is nothing to warn of";
 }
 
 TEST_F(MainForm, AnOutputFolderThatCannotBeWrittenToIsRefusedWhenItIsChosen) {
-    stage.panels->choice = {"/proc"};
+    fakes.panels->choice = {"/proc"};
     find<QPushButton>("outputSelectBtn").click();
-    ASSERT_EQ(stage.alerts->shown.size(), 1U);
-    EXPECT_EQ(stage.alerts->shown.front().message, formatted("error.output.unwritable.format", std::string("proc")));
+    ASSERT_EQ(fakes.alerts->shown.size(), 1U);
+    EXPECT_EQ(fakes.alerts->shown.front().message, formatted("error.output.unwritable.format", std::string("proc")));
     EXPECT_FALSE(settings.outputFolderURL);
     auto &box = find<DropFolderView>("outputDropView");
     EXPECT_FALSE(box.hasContent());
@@ -292,21 +292,21 @@ TEST_F(MainForm, AnOutputFolderThatCannotBeWrittenToIsRefusedWhenItIsChosen) {
 
 TEST_F(MainForm, AVIFilesAreAskedAboutOnce) {
     const fs::path file = scratch.file("old.avi");
-    stage.alerts->answers = {1};
+    fakes.alerts->answers = {1};
     choose({file});
     settings.outputFolderURL = scratch.folder("out");
-    EXPECT_EQ(stage.alerts->shown.size(), 1U);
-    stage.alerts->answers = {1, 1};
+    EXPECT_EQ(fakes.alerts->shown.size(), 1U);
+    fakes.alerts->answers = {1, 1};
     find<QPushButton>("startButton").click();
-    EXPECT_TRUE(until([this] { return form.progressSheet() || stage.alerts->shown.size() > 2; }));
-    for (std::size_t later = 1; later < stage.alerts->shown.size(); ++later)
-        EXPECT_NE(stage.alerts->shown[later].message, text("alert.avi.title"));
-    ASSERT_TRUE(until([this] { return form.progressSheet() && !form.isConverting(); }));
+    EXPECT_TRUE(waitUntil([this] { return form.progressSheet() || fakes.alerts->shown.size() > 2; }));
+    for (std::size_t later = 1; later < fakes.alerts->shown.size(); ++later)
+        EXPECT_NE(fakes.alerts->shown[later].message, text("alert.avi.title"));
+    ASSERT_TRUE(waitUntil([this] { return form.progressSheet() && !form.isConverting(); }));
     form.progressSheet()->closeTapped();
-    ASSERT_TRUE(until([this] { return find<QPushButton>("startButton").isEnabled(); }));
-    stage.alerts->answers = {1};
+    ASSERT_TRUE(waitUntil([this] { return find<QPushButton>("startButton").isEnabled(); }));
+    fakes.alerts->answers = {1};
     choose({scratch.file("another.avi")});
-    EXPECT_EQ(stage.alerts->shown.back().message, text("alert.avi.title")) << "of another input again";
+    EXPECT_EQ(fakes.alerts->shown.back().message, text("alert.avi.title")) << "of another input again";
 }
 
 TEST(SectionView, TitleFitsItsText) {

@@ -61,12 +61,12 @@ TEST_F(Preflight, ResizeSizesAreCommittedOnlyWhileResizing) {
     EXPECT_EQ(form->settings->resizeWidth, 1920);
 }
 
-TEST_F(Preflight, StartNamesTheFieldThatHoldsSomethingElse) {
+TEST_F(Preflight, StartNamesTheInvalidField) {
     open();
     control<QRadioButton>(*form, "sbsToSpatialButton").click();
     auto &field = control<NumberField>(*form, "fovField");
     field.setText(QStringLiteral("200"));
-    stage.alerts->answers = {0};
+    fakes.alerts->answers = {0};
     start();
     EXPECT_EQ(alert().message, formatted("error.field.format", text("option.fov")));
     EXPECT_EQ(alert().informative, formatted("field.range.format", std::string("10"), std::string("180")));
@@ -83,33 +83,34 @@ TEST_F(Preflight, StartNamesTheFieldThatHoldsSomethingElse) {
 }
 
 TEST_F(Preflight, OrdinaryVideosTowardsSBSAreQuestioned) {
-    put({"a.mp4", "b.mp4"});
+    addInputs({"a.mp4", "b.mp4"});
     open();
-    stage.alerts->answers = {0};
+    fakes.alerts->answers = {0};
     start();
     EXPECT_EQ(alert().message, text("alert.direction.spatial2sbs.title"));
     EXPECT_EQ(alert().informative, text("alert.direction.spatial2sbs.message"));
     EXPECT_EQ(alert().buttons, (std::vector{text("button.fix.direction"), text("button.convert.anyway.continue")}));
     EXPECT_FALSE(form->progressSheet());
     EXPECT_EQ(form->settings->direction, ConversionDirection::spatialToSBS) << "switching is left to the user";
-    stage.alerts->answers = {1};
+    fakes.alerts->answers = {1};
     start();
-    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+    EXPECT_TRUE(waitUntil([&] { return form->progressSheet() != nullptr; }));
 }
 
 TEST_F(Preflight, OneSpatialVideoAmongOrdinaryOnesIsEnoughTowardsSBS) {
-    put({"a.mp4", "b.mp4", "spatial.mov"});
+    addInputs({"a.mp4", "b.mp4", "spatial.mov"});
     open();
     start();
     EXPECT_TRUE(form->progressSheet());
-    EXPECT_TRUE(stage.alerts->shown.empty());
+    EXPECT_TRUE(fakes.alerts->shown.empty());
 }
 
 TEST_F(Preflight, OneSpatialVideoAmongTenIsQuestionedTowardsSpatial) {
-    put({"0.mp4", "1.mp4", "2.mp4", "3.mp4", "4.mp4", "5.mp4", "6.mp4", "7.mp4", "8.mp4", "9.mp4", "spatial.mov"});
+    addInputs(
+        {"0.mp4", "1.mp4", "2.mp4", "3.mp4", "4.mp4", "5.mp4", "6.mp4", "7.mp4", "8.mp4", "9.mp4", "spatial.mov"});
     open();
     control<QRadioButton>(*form, "sbsToSpatialButton").click();
-    stage.alerts->answers = {AlertPresenter::dismissed};
+    fakes.alerts->answers = {AlertPresenter::dismissed};
     start();
     EXPECT_EQ(alert().message, text("alert.direction.sbs2spatial.title"));
     EXPECT_EQ(alert().informative, text("alert.direction.sbs2spatial.message"));
@@ -117,38 +118,38 @@ TEST_F(Preflight, OneSpatialVideoAmongTenIsQuestionedTowardsSpatial) {
 }
 
 TEST_F(Preflight, PhotosAreNotQuestioned) {
-    put({"spatial.heic", "b.jpg", "notes.txt", ".hidden.mp4"});
+    addInputs({"spatial.heic", "b.jpg", "notes.txt", ".hidden.mp4"});
     open();
     start();
     EXPECT_TRUE(form->progressSheet());
-    EXPECT_TRUE(stage.alerts->shown.empty());
+    EXPECT_TRUE(fakes.alerts->shown.empty());
     open();
     control<QRadioButton>(*form, "sbsToSpatialButton").click();
     start();
     EXPECT_TRUE(form->progressSheet());
-    EXPECT_TRUE(stage.alerts->shown.empty());
+    EXPECT_TRUE(fakes.alerts->shown.empty());
 }
 
 TEST_F(Preflight, AFolderThatCannotBeListedCountsAsEmpty) {
     open().settings->inputFolderURL = input / "missing";
     start();
     EXPECT_TRUE(form->progressSheet());
-    EXPECT_TRUE(stage.alerts->shown.empty());
+    EXPECT_TRUE(fakes.alerts->shown.empty());
 }
 
 TEST_F(Preflight, ChosenFilesAreTheCandidates) {
-    put({"spatial.mov"});
+    addInputs({"spatial.mov"});
     open().settings->inputFiles = std::vector{input / "plain.mp4", input / "b.jpg"};
     form->settings->inputFolderURL.reset();
-    stage.alerts->answers = {0};
+    fakes.alerts->answers = {0};
     start();
     EXPECT_EQ(alert().message, text("alert.direction.spatial2sbs.title"));
 }
 
 TEST_F(Preflight, AVIWithoutResizingTurnsResizingOnAndStops) {
-    put({"spatial.mov", "old.AVI"});
+    addInputs({"spatial.mov", "old.AVI"});
     open();
-    stage.alerts->answers = {0};
+    fakes.alerts->answers = {0};
     start();
     EXPECT_EQ(alert().message, text("alert.avi.title"));
     EXPECT_EQ(alert().informative, text("alert.avi.noresize.message"));
@@ -159,22 +160,22 @@ TEST_F(Preflight, AVIWithoutResizingTurnsResizingOnAndStops) {
     EXPECT_FALSE(form->progressSheet());
     start();
     EXPECT_TRUE(form->progressSheet()) << "the next press goes past the AVI step";
-    EXPECT_EQ(stage.alerts->shown.size(), 1U);
+    EXPECT_EQ(fakes.alerts->shown.size(), 1U);
 }
 
 TEST_F(Preflight, AVIMayBeConvertedAnyway) {
-    put({"spatial.mov", "old.avi"});
+    addInputs({"spatial.mov", "old.avi"});
     open();
-    stage.alerts->answers = {1};
+    fakes.alerts->answers = {1};
     start();
-    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+    EXPECT_TRUE(waitUntil([&] { return form->progressSheet() != nullptr; }));
     EXPECT_FALSE(form->settings->enableResize);
 }
 
-TEST_F(Preflight, PuttingTheAVIQuestionAwayStopsAndChangesNothing) {
-    put({"spatial.mov", "old.avi"});
+TEST_F(Preflight, ClosingTheAVIQuestionStopsAndChangesNothing) {
+    addInputs({"spatial.mov", "old.avi"});
     open();
-    stage.alerts->answers = {AlertPresenter::dismissed};
+    fakes.alerts->answers = {AlertPresenter::dismissed};
     start();
     EXPECT_FALSE(form->progressSheet());
     EXPECT_FALSE(control<QCheckBox>(*form, "enableResizeCheck").isChecked());
@@ -194,7 +195,7 @@ TEST_F(Preflight, OddSizesAreRefused) {
 }
 
 TEST_F(Preflight, ExistingOutputsArePredictedByName) {
-    put({"trip.mov", "pair.heic", "new.mov", "notes.txt"});
+    addInputs({"trip.mov", "pair.heic", "new.mov", "notes.txt"});
     for (const char *name : {"trip_sbs.mp4", "pair_sbs.jpg", "notes_sbs.mp4"})
         std::ofstream(output / name) << "x";
     ConversionSettings settings;
@@ -229,48 +230,48 @@ TEST(OverwriteQuestion, AllNamesAreListedInOrderOnDemand) {
 }
 
 TEST_F(Preflight, OverwritingIsAskedForLast) {
-    put({"spatial.mov"});
+    addInputs({"spatial.mov"});
     std::ofstream(output / "spatial_sbs.mp4") << "x";
     open();
-    stage.alerts->answers = {1};
+    fakes.alerts->answers = {1};
     start();
     EXPECT_EQ(alert().message, text("alert.overwrite.title"));
     EXPECT_FALSE(form->progressSheet());
-    stage.alerts->answers = {0};
+    fakes.alerts->answers = {0};
     start();
-    EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+    EXPECT_TRUE(waitUntil([&] { return form->progressSheet() != nullptr; }));
 }
 
-TEST_F(Preflight, WhatExistsIsReplacedKeptOrSkippedAsTheUserSays) {
-    put({"spatial.mov"});
+TEST_F(Preflight, ExistingFilesAreReplacedKeptOrSkippedAsTheUserChooses) {
+    addInputs({"spatial.mov"});
     std::ofstream(output / "spatial_sbs.mp4") << "x";
     for (const auto &[button, wanted] :
          {std::pair{0, OnExisting::replace}, {2, OnExisting::keepBoth}, {3, OnExisting::skip}}) {
         open();
-        stage.alerts->answers = {button};
+        fakes.alerts->answers = {button};
         start();
-        EXPECT_TRUE(until([&] { return form->progressSheet() != nullptr; }));
+        EXPECT_TRUE(waitUntil([&] { return form->progressSheet() != nullptr; }));
         EXPECT_EQ(form->settings->onExisting, wanted);
     }
     fs::remove(output / "spatial_sbs.mp4");
     form->progressSheet()->conversionFinished(true, "done");
     form->progressSheet()->closeTapped();
-    EXPECT_TRUE(until([&] { return control<QPushButton>(*form, "startButton").isEnabled(); }));
+    EXPECT_TRUE(waitUntil([&] { return control<QPushButton>(*form, "startButton").isEnabled(); }));
     start();
     EXPECT_EQ(form->settings->onExisting, OnExisting::replace) << "an earlier answer is not for later runs";
 }
 
-TEST_F(Preflight, AnAnswerAfterTheFormHasGoneDoesNothing) {
-    put({"spatial.mov"});
+TEST_F(Preflight, AnAnswerAfterTheFormIsDestroyedDoesNothing) {
+    addInputs({"spatial.mov"});
     std::ofstream(output / "spatial_sbs.mp4") << "x";
     open();
     start();
-    const auto answer = stage.alerts->open;
+    const auto answer = fakes.alerts->open;
     form.reset();
     answer(0);
 }
 
-TEST_F(Preflight, TheSheetCoversTheFormAndGivesItBack) {
+TEST_F(Preflight, TheSheetCoversTheFormUntilItIsClosed) {
     services.runBatch = [](VideoProcessor &processor) { processor.onComplete(true, "done"); };
     open();
     auto &scroll = control<QScrollArea>(*form, "scrollView");
@@ -280,10 +281,10 @@ TEST_F(Preflight, TheSheetCoversTheFormAndGivesItBack) {
     EXPECT_FALSE(control<QPushButton>(*form, "startButton").isEnabled());
     EXPECT_TRUE(form->progressSheet()->parentWidget()->geometry().contains(
         control<QPushButton>(*form, "startButton").geometry()));
-    EXPECT_TRUE(until([&] { return !form->isConverting(); }));
+    EXPECT_TRUE(waitUntil([&] { return !form->isConverting(); }));
     EXPECT_FALSE(scroll.isEnabled()) << "until the sheet is closed";
     form->progressSheet()->closeTapped();
-    EXPECT_TRUE(until([&] { return scroll.isEnabled(); }));
+    EXPECT_TRUE(waitUntil([&] { return scroll.isEnabled(); }));
     EXPECT_FALSE(form->progressSheet());
     EXPECT_EQ(form->focusWidget(), &control<QPushButton>(*form, "startButton"));
 }
@@ -298,7 +299,7 @@ TEST_F(Preflight, AfterStopTheFormWaitsForTheBatchToEnd) {
     };
     open();
     start();
-    stage.alerts->answers = {0};
+    fakes.alerts->answers = {0};
     form->progressSheet()->cancelTapped();
     EXPECT_FALSE(form->progressSheet());
     EXPECT_FALSE(form->isConverting());
@@ -306,9 +307,9 @@ TEST_F(Preflight, AfterStopTheFormWaitsForTheBatchToEnd) {
     EXPECT_FALSE(button.isEnabled()) << "two runs must not write the same files";
     EXPECT_EQ(button.text().toStdString(), text("button.stopping"));
     hold = false;
-    EXPECT_TRUE(until([&] { return button.isEnabled(); }));
+    EXPECT_TRUE(waitUntil([&] { return button.isEnabled(); }));
     EXPECT_EQ(button.accessibleName().toStdString(), text("button.start.conversion"));
-    EXPECT_EQ(stage.alerts->shown.size(), 1U) << "no alert about the end of a stopped run";
+    EXPECT_EQ(fakes.alerts->shown.size(), 1U) << "no alert about the end of a stopped run";
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The form and its checks with real media instead of told answers.
+// The form and its checks with real media instead of fake answers.
 #include "engine/batch/VideoProcessor.h"
 #include "engine/texts/Texts.h"
 #include "support/Scripted.h"
@@ -49,7 +49,7 @@ protected:
     std::shared_ptr<ConversionSettings> settings = toSpatial();
 };
 
-TEST_F(RealMedia, ASpatialMovieIsToldWithItsValues) {
+TEST_F(RealMedia, ASpatialMovieIsShownWithItsValues) {
     const SpatialFinding finding = inspectFile(spatialMovie("clip.MOV"), MediaOperations::inProcess());
     EXPECT_TRUE(finding.isSpatial);
     EXPECT_EQ(finding.values.horizontalFOV, 63.4);
@@ -66,7 +66,7 @@ TEST_F(RealMedia, AFieldOfViewWithoutABaselineIsNotSpatial) {
     EXPECT_EQ(spatialCheckAlert(movie, finding).style, AlertStyle::warning);
 }
 
-TEST_F(RealMedia, ASpatialPhotoIsToldWithItsValues) {
+TEST_F(RealMedia, ASpatialPhotoIsShownWithItsValues) {
     const fs::path photo = folder / "pair.HEIC";
     VideoProcessor(settings).convertPhoto(sideBySidePhoto("pair.png"), folder / "pair_spatial.heic");
     fs::rename(folder / "pair_spatial.heic", photo);
@@ -76,7 +76,7 @@ TEST_F(RealMedia, ASpatialPhotoIsToldWithItsValues) {
     EXPECT_NEAR(*finding.values.stereoBaseline, 19.24, 0.01);
 }
 
-TEST_F(RealMedia, ASideBySidePictureIsCalledWhatItIs) {
+TEST_F(RealMedia, ASideBySidePictureIsNamedAsSuch) {
     for (const fs::path &file : {sideBySidePhoto("pair.png"), draw(folder / "clip.mp4")}) {
         const Alert alert = spatialCheckAlert(file, inspectFile(file, MediaOperations::inProcess()));
         EXPECT_EQ(alert.message, formatted("alert.check.side.by.side.format", file.filename().string()));
@@ -87,27 +87,27 @@ TEST_F(RealMedia, ASideBySidePictureIsCalledWhatItIs) {
 }
 
 TEST_F(RealMedia, TheDirectionIsQuestionedByWhatTheFilesAre) {
-    Stage stage;
-    FormServices services = stage.services();
+    FakeServices fakes;
+    FormServices services = fakes.services();
     services.isSpatialVideo = FormServices().isSpatialVideo;
     services.runBatch = [](VideoProcessor &) {};
     MainViewController form(services);
     const fs::path movie = spatialMovie("clip_spatial.mov");
     form.settings->inputFiles = {folder / "clip.mp4"};
     form.settings->outputFolderURL = folder.path();
-    stage.alerts->answers = {0, 0};
+    fakes.alerts->answers = {0, 0};
     control<QPushButton>(form, "startButton").click();
-    ASSERT_TRUE(until([&] { return stage.alerts->shown.size() == 1; }));
-    EXPECT_EQ(stage.alerts->shown.back().message, text("alert.direction.spatial2sbs.title"));
-    settle();
+    ASSERT_TRUE(waitUntil([&] { return fakes.alerts->shown.size() == 1; }));
+    EXPECT_EQ(fakes.alerts->shown.back().message, text("alert.direction.spatial2sbs.title"));
+    processPendingEvents();
     control<QRadioButton>(form, "sbsToSpatialButton").click();
     form.settings->inputFiles = {folder / "clip.mp4", movie};
     control<QPushButton>(form, "startButton").click();
-    ASSERT_TRUE(until([&] { return stage.alerts->shown.size() == 2; }));
-    EXPECT_EQ(stage.alerts->shown.back().message, text("alert.direction.sbs2spatial.title"));
-    settle();
+    ASSERT_TRUE(waitUntil([&] { return fakes.alerts->shown.size() == 2; }));
+    EXPECT_EQ(fakes.alerts->shown.back().message, text("alert.direction.sbs2spatial.title"));
+    processPendingEvents();
     EXPECT_FALSE(form.progressSheet());
-    BackgroundThreads::shared().waitForAll(patience);
+    BackgroundThreads::shared().waitForAll(testTimeout);
 }
 
 } // namespace

@@ -18,7 +18,7 @@ namespace {
 
 const auto settings = std::make_shared<const ConversionSettings>();
 
-TEST(SpatialCheck, TellsTheValuesOfASpatialVideo) {
+TEST(SpatialCheck, ShowsTheValuesOfASpatialVideo) {
     const Alert alert = spatialCheckAlert("/x/clip.mov", {true, {63.4, 19.24, 2.0}});
     EXPECT_EQ(alert.message, formatted("alert.spatial.check.yes.title", std::string("clip.mov")));
     EXPECT_EQ(alert.informative, formatted("alert.spatial.fov.format", 63.4) + "\n" +
@@ -35,7 +35,7 @@ TEST(SpatialCheck, ABaselineAloneIsALineWithALineFeed) {
     EXPECT_EQ(alert.informative, formatted("alert.spatial.baseline.format", 19.24) + "\n");
 }
 
-TEST(SpatialCheck, WithoutValuesTheMediaTypeIsTold) {
+TEST(SpatialCheck, WithoutValuesTheMediaTypeIsShown) {
     EXPECT_EQ(spatialCheckAlert("/x/pair.HEIC", {true, {}}).informative, text("media.type.photo"));
     EXPECT_EQ(spatialCheckAlert("/x/clip.mov", {true, {}}).informative, text("media.type.video"));
 }
@@ -48,7 +48,7 @@ TEST(SpatialCheck, NotSpatialIsAWarning) {
     EXPECT_EQ(alert.style, AlertStyle::warning);
 }
 
-TEST(SpatialCheck, SaysWhatAWidePictureIs) {
+TEST(SpatialCheck, RecognisesASideBySidePicture) {
     SpatialFinding finding;
     finding.picture = PictureSize{3840, 1080};
     const Alert alert = spatialCheckAlert("/x/pair.jpg", finding);
@@ -74,7 +74,7 @@ TEST(SpatialCheck, AFileThatCannotBeReadIsNotCalledNotSpatial) {
     }
 }
 
-TEST(SpatialCheck, WhatCannotBeReadIsNotSpatial) {
+TEST(SpatialCheck, AnUnreadableFileIsNotSpatial) {
     const ScratchFolder scratch;
     for (const char *name : {"clip.MOV", "pair.HEIC", "notes.txt", "noextension"})
         EXPECT_FALSE(inspectFile(scratch.file(name), MediaOperations::inProcess()).isSpatial) << name;
@@ -83,28 +83,28 @@ TEST(SpatialCheck, WhatCannotBeReadIsNotSpatial) {
 }
 
 TEST(SpatialCheck, RunsFromTheFormAndChangesNothing) {
-    Stage stage;
-    FormServices services = stage.services();
+    FakeServices fakes;
+    FormServices services = fakes.services();
     services.inspect = [](const std::filesystem::path &file) {
         return SpatialFinding{file.filename() == "clip.mov", {{}, 19.24, {}}};
     };
     MainViewController form(services);
-    stage.panels->choice = {"/x/clip.mov"};
+    fakes.panels->choice = {"/x/clip.mov"};
     control<QPushButton>(form, "checkSpatialBtn").click();
-    ASSERT_TRUE(until([&] { return !stage.alerts->shown.empty(); }));
-    EXPECT_EQ(stage.alerts->shown.front().style, AlertStyle::informational);
+    ASSERT_TRUE(waitUntil([&] { return !fakes.alerts->shown.empty(); }));
+    EXPECT_EQ(fakes.alerts->shown.front().style, AlertStyle::informational);
     EXPECT_FALSE(form.settings->inputFiles);
-    stage.panels->choice = {};
+    fakes.panels->choice = {};
     control<QPushButton>(form, "checkSpatialBtn").click();
-    settle();
-    EXPECT_EQ(stage.alerts->shown.size(), 1U) << "cancelling ends the command";
+    processPendingEvents();
+    EXPECT_EQ(fakes.alerts->shown.size(), 1U) << "cancelling ends the command";
 }
 
-/// A form whose check of a file takes as long as the test wants.
+/// A form whose spatial check takes as long as the test needs.
 class SlowCheck : public testing::Test {
 protected:
     SlowCheck() {
-        FormServices services = stage.services();
+        FormServices services = fakes.services();
         services.inspect = [this](const std::filesystem::path &) {
             while (hold)
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -113,18 +113,18 @@ protected:
         services.runBatch = [](VideoProcessor &) {};
         form = std::make_unique<MainViewController>(services);
         form->show();
-        stage.panels->choice = {"/x/clip.mov"};
+        fakes.panels->choice = {"/x/clip.mov"};
         button().click();
     }
     ~SlowCheck() override {
         hold = false;
         form.reset();
-        BackgroundThreads::shared().waitForAll(patience);
-        settle();
+        BackgroundThreads::shared().waitForAll(testTimeout);
+        processPendingEvents();
     }
     QPushButton &button() { return control<QPushButton>(*form, "checkSpatialBtn"); }
 
-    Stage stage;
+    FakeServices fakes;
     std::atomic<bool> hold{true};
     std::unique_ptr<MainViewController> form;
 };
@@ -133,21 +133,21 @@ TEST_F(SlowCheck, TheButtonIsBusyMeanwhile) {
     EXPECT_FALSE(button().isEnabled());
     EXPECT_EQ(button().text().toStdString(), text("button.checking"));
     hold = false;
-    ASSERT_TRUE(until([this] { return !stage.alerts->shown.empty(); }));
+    ASSERT_TRUE(waitUntil([this] { return !fakes.alerts->shown.empty(); }));
     EXPECT_TRUE(button().isEnabled());
     EXPECT_EQ(button().accessibleName().toStdString(), text("button.check.spatial"));
 }
 
-TEST_F(SlowCheck, ItsAnswerNeverOpensOverABatch) {
+TEST_F(SlowCheck, ItsResultIsNotShownDuringABatch) {
     form->presentProgressSheet();
-    settle();
+    processPendingEvents();
     hold = false;
-    EXPECT_TRUE(BackgroundThreads::shared().waitForAll(patience));
-    settle();
-    EXPECT_TRUE(stage.alerts->shown.empty());
+    EXPECT_TRUE(BackgroundThreads::shared().waitForAll(testTimeout));
+    processPendingEvents();
+    EXPECT_TRUE(fakes.alerts->shown.empty());
     form->progressSheet()->stop();
-    ASSERT_TRUE(until([this] { return !stage.alerts->shown.empty(); })) << "it comes when the form is back";
-    EXPECT_EQ(stage.alerts->shown.front().message, formatted("alert.spatial.check.no.title", std::string("clip.mov")));
+    ASSERT_TRUE(waitUntil([this] { return !fakes.alerts->shown.empty(); })) << "it comes when the form is back";
+    EXPECT_EQ(fakes.alerts->shown.front().message, formatted("alert.spatial.check.no.title", std::string("clip.mov")));
 }
 
 } // namespace

@@ -35,7 +35,7 @@ TEST_F(ProgressSheet, BeginsWithItsInitialTexts) {
     EXPECT_EQ(sheet->state(), ProgressViewController::State::running);
 }
 
-TEST_F(ProgressSheet, WidgetsStandWhereTheyShould) {
+TEST_F(ProgressSheet, WidgetsAreAtTheirPositions) {
     start();
     EXPECT_EQ(button().geometry(), QRect(200, 278, 160, 38));
     EXPECT_EQ(control<QLabel>(*sheet, "titleLabel").geometry(), QRect(40, 36, 480, 26));
@@ -114,7 +114,7 @@ TEST_F(ProgressSheet, MinutesAreNotWrappedIntoHours) {
     EXPECT_NE(label("elapsedLabel").find("62:05"), std::string::npos);
 }
 
-TEST_F(ProgressSheet, BarsWordsAndTitleTellTheSameShare) {
+TEST_F(ProgressSheet, BarTextAndTitleShowTheSameShare) {
     start();
     double told = 0;
     QObject::connect(sheet, &ProgressViewController::batchProgressed, sheet, [&](double share) { told = share; });
@@ -126,7 +126,7 @@ TEST_F(ProgressSheet, BarsWordsAndTitleTellTheSameShare) {
               formatted("progress.files.format", std::int64_t(1), std::int64_t(4), std::int64_t(37)));
 }
 
-TEST_F(ProgressSheet, TellsTheTimeLeft) {
+TEST_F(ProgressSheet, ShowsTheTimeLeft) {
     start();
     sheet->updateProgress(1, 4, "b.mov");
     *sheet->startTime -= seconds(60);
@@ -136,7 +136,7 @@ TEST_F(ProgressSheet, TellsTheTimeLeft) {
     EXPECT_EQ(label("elapsedLabel"), elapsedText(seconds(60))) << "and at the end there is none left";
 }
 
-TEST_F(ProgressSheet, APhotoSaysWhatIsDoneWithIt) {
+TEST_F(ProgressSheet, APhotoHasItsOwnActivityText) {
     start();
     sheet->updateProgress(0, 1, "a.heic");
     EXPECT_EQ(label("fileProgressLabel"), text("progress.photo"));
@@ -175,7 +175,7 @@ TEST_F(ProgressSheet, StopDismissesAtOnceAndTheLateEndIsSilent) {
     EXPECT_FALSE(timerRuns());
     EXPECT_EQ(dismissals, 1);
     gate->open();
-    EXPECT_TRUE(until([this] { return *ended; }));
+    EXPECT_TRUE(waitUntil([this] { return *ended; }));
     EXPECT_EQ(alerts.shown.size(), 1U);
 }
 
@@ -202,7 +202,7 @@ TEST_F(ProgressSheet, AskingTwiceShowsOneQuestion) {
     EXPECT_EQ(alerts.shown.size(), 1U);
 }
 
-TEST_F(ProgressSheet, MayGoAwayWhileTheBatchRunsOn) {
+TEST_F(ProgressSheet, MayBeDestroyedWhileTheBatchRuns) {
     std::atomic<int> calls{0};
     start([&calls](VideoProcessor &processor) {
         for (std::int64_t file = 0; file < 100; ++file) {
@@ -217,10 +217,10 @@ TEST_F(ProgressSheet, MayGoAwayWhileTheBatchRunsOn) {
     delete sheet;
     EXPECT_FALSE(processor.expired()) << "the running thread keeps it";
     gate->open();
-    EXPECT_TRUE(until([this] { return *ended; }));
+    EXPECT_TRUE(waitUntil([this] { return *ended; }));
     EXPECT_EQ(calls, 100);
     EXPECT_TRUE(alerts.shown.empty());
-    EXPECT_TRUE(until([&processor] { return processor.expired(); }));
+    EXPECT_TRUE(waitUntil([&processor] { return processor.expired(); }));
 }
 
 TEST_F(ProgressSheet, CallbacksOfAllThreadsArriveInOrder) {
@@ -238,7 +238,7 @@ TEST_F(ProgressSheet, CallbacksOfAllThreadsArriveInOrder) {
     QObject::connect(sheet, &ProgressViewController::batchProgressed, sheet,
                      [&fractions](double fraction) { fractions.push_back(fraction); });
     gate->open();
-    ASSERT_TRUE(until([this] { return sheet->state() == ProgressViewController::State::finished; }));
+    ASSERT_TRUE(waitUntil([this] { return sheet->state() == ProgressViewController::State::finished; }));
     EXPECT_EQ(fractions.size(), 50U * 21);
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
 }

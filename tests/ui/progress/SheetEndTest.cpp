@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How the progress sheet tells the end of a batch.
+// How the progress sheet shows the end of a batch.
 #include "engine/texts/Texts.h"
 #include "support/SheetFixture.h"
 #include "ui/widgets/Palettes.h"
@@ -34,7 +34,7 @@ TEST_F(SheetEnd, FinishesWithAnAlertAndACloseButton) {
     EXPECT_EQ(alerts.shown.size(), 1U);
 }
 
-TEST_F(SheetEnd, TellsTheEndAtItsEnd) {
+TEST_F(SheetEnd, ShowsTheResultAtTheEnd) {
     start();
     sheet->updateProgress(2, 3, "c.mov");
     sheet->conversionFinished(true, "Converted: 3, failed: 0");
@@ -44,7 +44,7 @@ TEST_F(SheetEnd, TellsTheEndAtItsEnd) {
               text("progress.title.done"));
 }
 
-TEST_F(SheetEnd, EverythingSkippedIsNoSuccess) {
+TEST_F(SheetEnd, EverythingSkippedIsNotASuccess) {
     start();
     for (std::int64_t file = 0; file < 2; ++file) {
         sheet->updateProgress(file, 2, "a.mov");
@@ -57,7 +57,7 @@ TEST_F(SheetEnd, EverythingSkippedIsNoSuccess) {
     EXPECT_EQ(label("titleLabel"), text("alert.nothing.title"));
 }
 
-TEST_F(SheetEnd, FailureIsToldAsAWarning) {
+TEST_F(SheetEnd, FailureIsShownAsAWarning) {
     start();
     sheet->conversionFinished(false, "Converted: 1, failed: 1");
     ASSERT_EQ(alerts.shown.size(), 1U);
@@ -65,7 +65,7 @@ TEST_F(SheetEnd, FailureIsToldAsAWarning) {
     EXPECT_EQ(alerts.shown.front().style, AlertStyle::warning);
 }
 
-TEST_F(SheetEnd, TheAlertAtTheEndLeadsToTheOutputsAndNamesWhatWentWrong) {
+TEST_F(SheetEnd, TheResultAlertOpensTheOutputsAndNamesErrors) {
     std::vector<std::filesystem::path> revealed;
     services.showInFolder = [&revealed](const auto &folder, const auto &outputs) {
         EXPECT_EQ(folder, "/x/out");
@@ -85,7 +85,7 @@ TEST_F(SheetEnd, TheAlertAtTheEndLeadsToTheOutputsAndNamesWhatWentWrong) {
         processor.onComplete(false, "Converted: 1, failed: 1");
     });
     gate->open();
-    ASSERT_TRUE(until([this] { return !alerts.shown.empty(); }));
+    ASSERT_TRUE(waitUntil([this] { return !alerts.shown.empty(); }));
     EXPECT_EQ(alerts.shown.front().details, "a.mov: The video is written without sound (it is encrypted).\n"
                                             "a.mov: Chapters left out: 2\n"
                                             "b.mov: not spatial\nc.mov: the file ends too early\n");
@@ -95,12 +95,12 @@ TEST_F(SheetEnd, TheAlertAtTheEndLeadsToTheOutputsAndNamesWhatWentWrong) {
     EXPECT_EQ(revealed, std::vector<std::filesystem::path>{"/x/out/a_sbs.mp4"});
 }
 
-TEST_F(SheetEnd, AQuestionIsWithdrawnWhenTheBatchEnds) {
+TEST_F(SheetEnd, AnOpenQuestionIsClosedWhenTheBatchEnds) {
     start();
     sheet->cancelTapped();
     const QPointer<QWidget> question = alerts.anchor;
     sheet->conversionFinished(true, "done");
-    settle();
+    processPendingEvents();
     EXPECT_FALSE(question);
     EXPECT_EQ(alerts.shown.size(), 2U);
     EXPECT_EQ(sheet->state(), ProgressViewController::State::finished);

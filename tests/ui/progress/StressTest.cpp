@@ -20,8 +20,8 @@ namespace {
 
 constexpr std::int64_t files = 1000;
 
-/// What a batch of a thousand files would report, without the files.
-void reportLikeMad(VideoProcessor &processor) {
+/// Reports what a batch of a thousand files would report, without the files.
+void reportManyFiles(VideoProcessor &processor) {
     for (std::int64_t file = 0; file < files && !processor.cancelRequested; ++file) {
         processor.onProgress(file, files, "clip " + std::to_string(file) + ".mov");
         std::thread video;
@@ -43,15 +43,15 @@ void reportLikeMad(VideoProcessor &processor) {
 class Stress : public testing::Test {
 protected:
     Stress() {
-        services = stage.services();
+        services = fakes.services();
         services.runBatch = [this](VideoProcessor &processor) {
-            reportLikeMad(processor);
+            reportManyFiles(processor);
             ++runsEnded;
         };
     }
     ~Stress() override {
         BackgroundThreads::shared().waitForAll(std::chrono::seconds(60));
-        settle();
+        processPendingEvents();
     }
     std::unique_ptr<MainViewController> openForm() {
         auto form = std::make_unique<MainViewController>(services);
@@ -61,7 +61,7 @@ protected:
         return form;
     }
 
-    Stage stage;
+    FakeServices fakes;
     FormServices services;
     ScratchFolder scratch;
     std::atomic<int> runsEnded{0};
@@ -73,8 +73,8 @@ TEST_F(Stress, AThousandFilesEndInOneAlert) {
     int ends = 0;
     QObject::connect(form.get(), &MainViewController::batchFinished, form.get(), [&ends] { ++ends; });
     control<QPushButton>(*form, "startButton").click();
-    ASSERT_TRUE(until([&] { return ends == 1; }));
-    EXPECT_EQ(stage.alerts->shown.size(), 1U);
+    ASSERT_TRUE(waitUntil([&] { return ends == 1; }));
+    EXPECT_EQ(fakes.alerts->shown.size(), 1U);
     EXPECT_EQ(runsEnded, 1);
 }
 
@@ -82,21 +82,21 @@ TEST_F(Stress, StoppedAtRandomMomentsAHundredTimes) {
     const auto form = openForm();
     auto &button = control<QPushButton>(*form, "startButton");
     for (int round = 0; round < 100; ++round) {
-        ASSERT_TRUE(until([&] { return button.isEnabled(); })) << "round " << round;
+        ASSERT_TRUE(waitUntil([&] { return button.isEnabled(); })) << "round " << round;
         button.click();
-        ASSERT_TRUE(until([&] { return form->progressSheet() != nullptr; })) << "round " << round;
+        ASSERT_TRUE(waitUntil([&] { return form->progressSheet() != nullptr; })) << "round " << round;
         for (unsigned turns = random() % 20; turns > 0; --turns)
             QCoreApplication::processEvents();
         if (ProgressViewController *sheet = form->progressSheet()) {
-            stage.alerts->answers = {0};
+            fakes.alerts->answers = {0};
             if (sheet->state() == ProgressViewController::State::running)
                 sheet->cancelTapped();
             else
                 sheet->closeTapped();
         }
-        stage.alerts->answers.clear();
+        fakes.alerts->answers.clear();
     }
-    EXPECT_TRUE(until([&] { return button.isEnabled(); }));
+    EXPECT_TRUE(waitUntil([&] { return button.isEnabled(); }));
     EXPECT_EQ(runsEnded, 100);
 }
 
@@ -107,10 +107,10 @@ TEST_F(Stress, ClosedAtRandomMomentsAHundredTimes) {
         for (unsigned turns = random() % 30; turns > 0; --turns)
             QCoreApplication::processEvents();
         form.reset();
-        settle();
+        processPendingEvents();
     }
     EXPECT_TRUE(BackgroundThreads::shared().waitForAll(std::chrono::seconds(60)));
-    settle();
+    processPendingEvents();
 }
 
 TEST(MainThreadQueue, KeepsTheOrderOfEachThread) {
@@ -124,13 +124,13 @@ TEST(MainThreadQueue, KeepsTheOrderOfEachThread) {
         });
     for (std::thread &poster : posters)
         poster.join();
-    EXPECT_TRUE(until(
+    EXPECT_TRUE(waitUntil(
         [&] { return std::all_of(seen.begin(), seen.end(), [](const auto &list) { return list.size() == tasks; }); }));
     for (const auto &list : seen)
         EXPECT_TRUE(std::is_sorted(list.begin(), list.end()));
 }
 
-TEST(MainThreadQueue, LetsTheInterfaceWorkDuringAFlood) {
+TEST(MainThreadQueue, InterfaceRespondsWhileManyTasksWait) {
     std::atomic<bool> stop{false};
     std::atomic<int> pending{0};
     std::thread flood([&] {
@@ -143,15 +143,15 @@ TEST(MainThreadQueue, LetsTheInterfaceWorkDuringAFlood) {
                 });
             }
     });
-    ASSERT_TRUE(until([&] { return pending > 1000; }));
+    ASSERT_TRUE(waitUntil([&] { return pending > 1000; }));
     int timeouts = 0;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &timer, [&timeouts] { ++timeouts; });
     timer.start(0);
-    EXPECT_TRUE(until([&] { return timeouts >= 10; }));
+    EXPECT_TRUE(waitUntil([&] { return timeouts >= 10; }));
     stop = true;
     flood.join();
-    EXPECT_TRUE(until([&] { return pending == 0; }));
+    EXPECT_TRUE(waitUntil([&] { return pending == 0; }));
 }
 
 } // namespace

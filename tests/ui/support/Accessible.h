@@ -9,44 +9,45 @@
 
 namespace lumetwin::test {
 
-using Things = std::vector<QAccessibleInterface *>;
+using AccessibleObjects = std::vector<QAccessibleInterface *>;
 
 inline QAccessibleInterface &accessible(QWidget &widget) {
     return *QAccessible::queryAccessibleInterface(&widget);
 }
 
-inline std::string nameOf(const QAccessibleInterface &thing) {
-    return thing.text(QAccessible::Name).toStdString();
+inline std::string accessibleName(const QAccessibleInterface &object) {
+    return object.text(QAccessible::Name).toStdString();
 }
 
-/// What a control is for: its label's words where it has one, otherwise its own name. Some versions of the toolkit name
-/// a menu by what is chosen in it and leave its purpose to the label.
-inline QString purposeOf(const QAccessibleInterface &thing) {
-    const auto labels = thing.relations(QAccessible::Label);
-    return (labels.isEmpty() ? &thing : labels.front().first)->text(QAccessible::Name);
+/// The purpose of a control: the text of its label if it has one, otherwise its name. Some Qt versions name a menu by
+/// its current item, so only the label has its purpose.
+inline QString accessiblePurpose(const QAccessibleInterface &object) {
+    const auto labels = object.relations(QAccessible::Label);
+    return (labels.isEmpty() ? &object : labels.front().first)->text(QAccessible::Name);
 }
 
-inline QWidget &widgetOf(const QAccessibleInterface &thing) {
-    return *qobject_cast<QWidget *>(thing.object());
+inline QWidget &widgetOf(const QAccessibleInterface &object) {
+    return *qobject_cast<QWidget *>(object.object());
 }
 
-/// Everything below a thing that is shown.
-inline Things shownBelow(const QAccessibleInterface &root) {
-    Things found;
+/// All visible descendants of an accessible object.
+inline AccessibleObjects visibleDescendants(const QAccessibleInterface &root) {
+    AccessibleObjects found;
     for (int index = 0; index < root.childCount(); ++index)
         if (QAccessibleInterface *child = root.child(index); child && !child->state().invisible) {
             found.push_back(child);
-            const Things below = shownBelow(*child);
+            const AccessibleObjects below = visibleDescendants(*child);
             found.insert(found.end(), below.begin(), below.end());
         }
     return found;
 }
 
-/// What the keyboard can work with now.
-inline Things controlsBelow(QWidget &root) {
-    Things things = shownBelow(accessible(root));
-    std::erase_if(
-        things, [](const QAccessibleInterface *thing) { return !thing->state().focusable || thing->state().disabled; });
+/// The descendants that can have the keyboard focus now.
+inline AccessibleObjects focusableControls(QWidget &root) {
+    AccessibleObjects things = visibleDescendants(accessible(root));
+    std::erase_if(things, [](const QAccessibleInterface *object) {
+        return !object->state().focusable || object->state().disabled;
+    });
     return things;
 }
 

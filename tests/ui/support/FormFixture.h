@@ -14,13 +14,13 @@
 
 namespace lumetwin::test {
 
-/// A form of the usual size that converts nothing, and short ways to its controls.
+/// A form of the default size that converts nothing, with short functions to reach its controls.
 class MainForm : public testing::Test {
 protected:
-    MainForm() : form(stage.services()) {
+    MainForm() : form(fakes.services()) {
         form.resize(720, 860);
         form.show();
-        settle();
+        processPendingEvents();
     }
 
     template <typename Widget> Widget &find(const char *name) { return control<Widget>(form, name); }
@@ -33,11 +33,11 @@ protected:
         QTest::keyClicks(&field(name), QLatin1String(text));
     }
     void choose(const std::vector<std::filesystem::path> &paths) {
-        stage.panels->choice = paths;
+        fakes.panels->choice = paths;
         find<QPushButton>("inputSelectBtn").click();
     }
 
-    Stage stage;
+    FakeServices fakes;
     ScratchFolder scratch;
     MainViewController form;
     ConversionSettings &settings = *form.settings;

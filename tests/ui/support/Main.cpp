@@ -12,14 +12,14 @@
 int main(int argc, char **argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" LUMETWIN_SOURCE_DIR "/tests/ui/support/laptop.json");
-    // The desktop of whoever runs the tests is none of their business.
+    // The tests must not use the session bus of the person who runs them.
     qputenv("DBUS_SESSION_BUS_ADDRESS", qEnvironmentVariable("LUMETWIN_TEST_BUS").toUtf8());
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     lumetwin::setTextLocale("en");
     lumetwin::installAccessibility();
-    lumetwin::MainThreadQueue::shared(); // made here, where the thread sanitizer sees who made it
+    lumetwin::MainThreadQueue::shared(); // created on the main thread, for the thread sanitizer
     const int status = RUN_ALL_TESTS();
-    lumetwin::BackgroundThreads::shared().waitForAll(lumetwin::test::patience);
+    lumetwin::BackgroundThreads::shared().waitForAll(lumetwin::test::testTimeout);
     return status;
 }

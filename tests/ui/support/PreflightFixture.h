@@ -12,17 +12,17 @@
 
 namespace lumetwin::test {
 
-/// A form with folders of its own whose batches do nothing.
+/// A form with its own input and output folder. Its batches do nothing.
 class Preflight : public testing::Test {
 protected:
     Preflight() {
-        services = stage.services();
+        services = fakes.services();
         services.runBatch = [](VideoProcessor &) {};
     }
     ~Preflight() override {
         form.reset();
-        BackgroundThreads::shared().waitForAll(patience);
-        settle();
+        BackgroundThreads::shared().waitForAll(testTimeout);
+        processPendingEvents();
     }
 
     MainViewController &open() {
@@ -33,20 +33,20 @@ protected:
         form->settings->outputFolderURL = output;
         return *form;
     }
-    void put(std::initializer_list<const char *> names) const {
+    void addInputs(std::initializer_list<const char *> names) const {
         for (const char *name : names)
             std::ofstream(input / name) << "x";
     }
-    /// Presses start and waits until an alert or the sheet has come.
+    /// Presses start and waits until an alert or the sheet is shown.
     void start() {
-        const std::size_t before = stage.alerts->shown.size();
+        const std::size_t before = fakes.alerts->shown.size();
         control<QPushButton>(*form, "startButton").click();
-        EXPECT_TRUE(until([&] { return form->progressSheet() || stage.alerts->shown.size() > before; }));
-        settle();
+        EXPECT_TRUE(waitUntil([&] { return form->progressSheet() || fakes.alerts->shown.size() > before; }));
+        processPendingEvents();
     }
-    const Alert &alert() { return stage.alerts->shown.back(); }
+    const Alert &alert() { return fakes.alerts->shown.back(); }
 
-    Stage stage;
+    FakeServices fakes;
     FormServices services;
     ScratchFolder scratch;
     std::filesystem::path input = scratch.folder("in");

@@ -22,7 +22,7 @@
 
 namespace lumetwin::test {
 
-/// What became of a file, without its details. An output of its name where it was converted.
+/// The result of a file without details. A converted file has an output of the same name.
 inline FileResult result(const std::filesystem::path &input, FileState state) {
     FileResult result;
     result.input = input;
@@ -32,7 +32,7 @@ inline FileResult result(const std::filesystem::path &input, FileState state) {
     return result;
 }
 
-/// Answers alerts from a list, in order, and remembers them. Without an answer an alert stays open.
+/// Answers alerts from a list, in order, and records them. When the list is empty, an alert stays open.
 class ScriptedAlerts : public AlertPresenter {
 public:
     std::vector<Alert> shown;
@@ -50,7 +50,7 @@ public:
         answered(answer);
     }
 
-    /// Answers the alert that stayed open, unless what it was shown on is gone.
+    /// Answers the open alert, unless the widget that it was shown on is destroyed.
     void answer(int button) {
         const auto answered = std::exchange(open, {});
         if (anchor && answered)
@@ -61,23 +61,23 @@ public:
     QPointer<QWidget> anchor;
 };
 
-/// Chooses what it is told.
+/// Chooses the paths in `choice`.
 class ScriptedPanels : public FilePanels {
 public:
     std::vector<std::filesystem::path> choice;
 
-    void chooseInput(QWidget *, Chosen chosen) override { give(chosen); }
-    void chooseOutputFolder(QWidget *, Chosen chosen) override { give(chosen); }
-    void chooseFileToCheck(QWidget *, Chosen chosen) override { give(chosen); }
+    void chooseInput(QWidget *, ChosenCallback chosen) override { callWithChoice(chosen); }
+    void chooseOutputFolder(QWidget *, ChosenCallback chosen) override { callWithChoice(chosen); }
+    void chooseFileToCheck(QWidget *, ChosenCallback chosen) override { callWithChoice(chosen); }
 
 private:
-    void give(const Chosen &chosen) const {
+    void callWithChoice(const ChosenCallback &chosen) const {
         if (!choice.empty())
             chosen(choice);
     }
 };
 
-/// A folder of its own that goes with it.
+/// A temporary folder that the destructor removes.
 class ScratchFolder {
 public:
     ScratchFolder() {
@@ -100,15 +100,15 @@ public:
     std::filesystem::path path;
 };
 
-/// When a test gives up: late enough for a machine that is busy with other things.
-constexpr std::chrono::minutes patience{1};
+/// A wait that takes longer than this fails. Long enough for a busy machine.
+constexpr std::chrono::minutes testTimeout{1};
 
-/// Lets the interface work until the condition holds; false when it does not within `patience`.
-template <typename Condition> bool until(Condition holds) {
+/// Processes events until the condition is true. Returns false when that takes longer than `testTimeout`.
+template <typename Condition> bool waitUntil(Condition holds) {
     QElapsedTimer time;
     time.start();
     while (!holds()) {
-        if (std::chrono::milliseconds(time.elapsed()) > patience)
+        if (std::chrono::milliseconds(time.elapsed()) > testTimeout)
             return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -116,16 +116,16 @@ template <typename Condition> bool until(Condition holds) {
     return true;
 }
 
-/// Lets the interface do what is waiting.
-inline void settle() {
+/// Processes pending events, including deferred deletions.
+inline void processPendingEvents() {
     for (int turn = 0; turn < 5; ++turn) {
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 }
 
-/// Services that convert nothing: no video is spatial, and a run ends at once.
-struct Stage {
+/// Fake services: a video is spatial when its name begins with "spatial", and a run ends at once without converting.
+struct FakeServices {
     std::shared_ptr<ScriptedAlerts> alerts = std::make_shared<ScriptedAlerts>();
     std::shared_ptr<ScriptedPanels> panels = std::make_shared<ScriptedPanels>();
 
@@ -142,13 +142,13 @@ struct Stage {
     }
 };
 
-/// Words as they are shown: without the mark of the letter that the Alt key uses, and the letter in brackets.
-inline QString plain(QString words) {
+/// A control's text without the mark of its Alt letter, and without an Alt letter in brackets.
+inline QString withoutMnemonic(QString words) {
     static const QRegularExpression added(QStringLiteral("\\(&.\\)$"));
     return words.remove(added).remove(QLatin1Char('&'));
 }
 
-/// The control of an object name; its absence ends the test.
+/// The control with that object name. Ends the program when there is none.
 template <typename Widget> Widget &control(QWidget &parent, const char *name) {
     auto *found = parent.findChild<Widget *>(QLatin1String(name));
     if (!found)

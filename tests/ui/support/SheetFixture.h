@@ -18,7 +18,7 @@
 
 namespace lumetwin::test {
 
-/// A gate that a batch waits at until the test opens it.
+/// A batch waits at this gate until the test opens it.
 class Gate {
 public:
     void open() {
@@ -26,7 +26,7 @@ public:
         isOpen_ = true;
         opened_.notify_all();
     }
-    void pass() {
+    void wait() {
         std::unique_lock guard(lock_);
         opened_.wait(guard, [this] { return isOpen_; });
     }
@@ -42,15 +42,15 @@ protected:
     ~ProgressSheet() override {
         gate->open();
         delete sheet;
-        BackgroundThreads::shared().waitForAll(patience);
-        settle();
+        BackgroundThreads::shared().waitForAll(testTimeout);
+        processPendingEvents();
     }
 
-    /// A sheet whose batch waits at the gate and then does what is asked of it.
+    /// Starts a sheet whose batch waits at the gate and then runs the given function.
     void start(BatchRun batch = [](VideoProcessor &) {}) {
         services.alerts = &alerts;
         services.run = [gate = gate, batch](VideoProcessor &processor) {
-            gate->pass();
+            gate->wait();
             batch(processor);
         };
         services.runEnded = [ended = ended] { *ended = true; };

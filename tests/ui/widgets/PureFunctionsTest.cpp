@@ -29,7 +29,7 @@
 namespace lumetwin {
 namespace {
 
-TEST(NumberParsing, TakesWholeDecimalNumbers) {
+TEST(NumberParsing, ParsesWholeDecimalNumbers) {
     EXPECT_EQ(parseDecimal(QStringLiteral("63.4")), 63.4);
     EXPECT_EQ(parseDecimal(QStringLiteral("-100")), -100.0);
     EXPECT_EQ(parseDecimal(QStringLiteral("+.5")), 0.5);
@@ -39,13 +39,13 @@ TEST(NumberParsing, TakesWholeDecimalNumbers) {
         EXPECT_FALSE(parseDecimal(QString::fromUtf8(text))) << text;
 }
 
-TEST(NumberParsing, ACommaIsAsGoodAsAPoint) {
+TEST(NumberParsing, AcceptsACommaOrAPoint) {
     EXPECT_EQ(parseDecimal(QStringLiteral("63,4")), 63.4);
     EXPECT_EQ(parseDecimal(QStringLiteral("-,5")), -0.5);
     EXPECT_FALSE(parseInteger(QStringLiteral("1,920")));
 }
 
-TEST(NumberParsing, TakesWholeIntegers) {
+TEST(NumberParsing, ParsesWholeIntegers) {
     EXPECT_EQ(parseInteger(QStringLiteral("1920")), 1920);
     EXPECT_EQ(parseInteger(QStringLiteral("+1920")), 1920);
     EXPECT_EQ(parseInteger(QStringLiteral("-3")), -3);
@@ -54,15 +54,15 @@ TEST(NumberParsing, TakesWholeIntegers) {
         EXPECT_FALSE(parseInteger(QString::fromUtf8(text))) << text;
 }
 
-TEST(FormValues, AreTakenInTheirRange) {
+TEST(FormValues, AreAcceptedInTheirRange) {
     EXPECT_EQ(fieldValue(fovRange, QStringLiteral("180")), 180.0);
     EXPECT_EQ(fieldValue(disparityRange, QStringLiteral("-100")), -100.0);
     EXPECT_EQ(fieldValue(baselineRange, QStringLiteral("1")), 1.0);
     for (const char *text : {"9.9", "180.1", "wide", ""})
         EXPECT_FALSE(fieldValue(fovRange, QString::fromUtf8(text))) << text;
-    EXPECT_EQ(eyeSize(QStringLiteral("1")), 1);
+    EXPECT_EQ(parseEyeSize(QStringLiteral("1")), 1);
     for (const char *text : {"0", "-5", "12.5", ""})
-        EXPECT_FALSE(eyeSize(QString::fromUtf8(text))) << text;
+        EXPECT_FALSE(parseEyeSize(QString::fromUtf8(text))) << text;
 }
 
 TEST(FormValues, AreShownWithTheirDecimals) {
@@ -84,12 +84,12 @@ TEST(ProgressTexts, CountFilesAndFrames) {
     EXPECT_EQ(framesText(2, 3), formatted("progress.frame.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
 }
 
-TEST(ProgressTexts, TellTheTimeInMinutes) {
+TEST(ProgressTexts, ShowTheTimeInMinutes) {
     EXPECT_NE(elapsedText(std::chrono::milliseconds(59999)).find("0:59"), std::string::npos);
     EXPECT_NE(elapsedText(std::chrono::seconds(3725)).find("62:05"), std::string::npos);
 }
 
-TEST(ProgressTexts, TellTheTimeLeftOnceItCanBeKnown) {
+TEST(ProgressTexts, ShowTheTimeLeftOnceItCanBeEstimated) {
     using std::chrono::seconds;
     EXPECT_EQ(timeLeft(seconds(60), 0.25), seconds(180));
     EXPECT_FALSE(timeLeft(seconds(4), 0.25)) << "too early to tell";
@@ -99,13 +99,13 @@ TEST(ProgressTexts, TellTheTimeLeftOnceItCanBeKnown) {
               elapsedText(seconds(60)) + " · " + formatted("progress.left.format", std::int64_t(3), std::int64_t(5)));
 }
 
-TEST(ProgressTexts, TellTheSpeedBehindTheFrames) {
+TEST(ProgressTexts, ShowTheSpeedAfterTheFrames) {
     EXPECT_EQ(framesText(2, 3, 47.96), framesText(2, 3) + " · " + formatted("progress.rate.format", 47.96));
 }
 
-TEST(ProgressTexts, APhotoSaysWhatIsDoneWithIt) {
-    EXPECT_EQ(workText("a.HEIC"), text("progress.photo"));
-    EXPECT_EQ(workText("a.mov"), text("progress.frame.calculating"));
+TEST(ProgressTexts, APhotoHasItsOwnActivityText) {
+    EXPECT_EQ(activityText("a.HEIC"), text("progress.photo"));
+    EXPECT_EQ(activityText("a.mov"), text("progress.frame.calculating"));
 }
 
 TEST(ProgressTexts, ADetailNamesItsFileOnce) {
@@ -113,15 +113,15 @@ TEST(ProgressTexts, ADetailNamesItsFileOnce) {
     EXPECT_EQ(detailLine("a.mov", "not spatial"), "a.mov: not spatial\n");
 }
 
-TEST(ProgressTexts, OfferTheOutputsOnlyWhereThereAreSome) {
+TEST(ProgressTexts, OfferTheOutputsOnlyIfThereAreAny) {
     EXPECT_EQ(resultAlert({.success = true, .message = "done", .showsOutputs = true}).sideButton,
               text("button.show.in.folder"));
     EXPECT_TRUE(resultAlert({.success = true, .message = "done"}).sideButton.empty());
     EXPECT_EQ(resultAlert({.message = "done", .details = "a.mov: broken\n"}).details, "a.mov: broken\n");
 }
 
-TEST(ProgressTexts, NothingConvertedIsNoSuccess) {
-    BatchEnd end{.success = true, .message = "Converted: 0, failed: 0", .skipped = 3};
+TEST(ProgressTexts, NothingConvertedIsNotASuccess) {
+    BatchResult end{.success = true, .message = "Converted: 0, failed: 0", .skipped = 3};
     end.skipReasons = {text("status.skipped.not.spatial")};
     const Alert alert = resultAlert(end);
     EXPECT_EQ(alert.style, AlertStyle::warning);
@@ -138,7 +138,7 @@ TEST(ProgressTexts, NothingConvertedIsNoSuccess) {
     EXPECT_EQ(empty.informative, text("error.no.media.files") + "\n" + text("alert.nothing.way.on"));
 }
 
-TEST(MainFormFrames, StandWhereTheyShouldWithoutResizing) {
+TEST(MainFormFrames, HaveTheirPositionsWithoutResizing) {
     const MainFormFrames frames = mainFormFrames(ConversionDirection::spatialToSBS, false);
     EXPECT_EQ(frames.startButton, (PointFrame{20, 20, 680, 48}));
     EXPECT_EQ(frames.commonSection, (PointFrame{20, 82, 680, 138}));
@@ -244,13 +244,13 @@ TEST(Palettes, AccentAndWarningsAreReadable) {
         }
 }
 
-TEST(WindowSizes, AreTheUsualOnesWhereThereIsRoom) {
+TEST(WindowSizes, AreTheDefaultSizesOnALargeScreen) {
     const WindowSizes sizes = windowSizes({1, 1}, {1920, 1080}, 22);
     EXPECT_EQ(sizes.initial, QSize(720, 882));
     EXPECT_EQ(sizes.minimum, QSize(680, 760));
 }
 
-TEST(WindowSizes, KeepToASmallScreen) {
+TEST(WindowSizes, FitASmallScreen) {
     const WindowSizes sizes = windowSizes({1, 1}, {1366, 728}, 22);
     EXPECT_EQ(sizes.initial.width(), 720);
     EXPECT_LT(sizes.initial.height(), 728);
@@ -280,13 +280,13 @@ TEST(HelpPages, WithoutASiteTheInstalledOnesAreFound) {
     }
 }
 
-TEST(Mnemonics, AreMarkedInTheWordsOrBehindThem) {
+TEST(Mnemonics, AreMarkedInTheTextOrAppendedToIt) {
     EXPECT_EQ(withMnemonic(QStringLiteral("Video format"), 'f'), QStringLiteral("Video &format"));
     EXPECT_EQ(withMnemonic(QString::fromUtf8("画質"), 'q').toStdString(), "画質(&Q)");
     EXPECT_EQ(withMnemonic(QStringLiteral("Sound & picture"), 'p'), QStringLiteral("Sound && &picture"));
 }
 
-TEST(WritableFolder, IsTriedAndLeavesNothingBehind) {
+TEST(WritableFolder, IsTestedWithAFileThatIsRemovedAgain) {
     const test::ScratchFolder scratch;
     EXPECT_TRUE(canWriteInto(scratch.path));
     EXPECT_TRUE(std::filesystem::is_empty(scratch.path));
@@ -302,7 +302,7 @@ TEST(MediaFilters, OfferEveryExtensionInBothCases) {
     EXPECT_TRUE(filters.last().endsWith(QStringLiteral("(*)")));
 }
 
-TEST(Palettes, HighContrastIsTakenAsItIs) {
+TEST(Palettes, HighContrastColoursAreUsedUnchanged) {
     for (const bool dark : {false, true}) {
         const QPalette palette = highContrastPalette(dark);
         EXPECT_TRUE(isHighContrast(palette));
@@ -312,7 +312,7 @@ TEST(Palettes, HighContrastIsTakenAsItIs) {
              {secondaryTextColour(palette), separatorColour(palette), indicatorEdgeColour(palette)})
             EXPECT_EQ(colour, ink);
         EXPECT_EQ(sectionColour(palette), palette.color(QPalette::Window));
-        EXPECT_GE(contrast(onAccentColour(palette), accentColour(palette)), 7);
+        EXPECT_GE(contrast(textOnAccentColour(palette), accentColour(palette)), 7);
         EXPECT_GE(contrast(warningColour(palette), sectionColour(palette)), 4.5);
         EXPECT_FALSE(isHighContrast(darkPalette()));
     }
@@ -322,8 +322,8 @@ TEST(Localized, EnglishDefaultsAreWhatTheTableSays) {
     for (const char *language : {"en", "C"}) {
         setTextLocale(language);
         EXPECT_EQ(folderPlaceholder(), "Drop folder here");
-        EXPECT_EQ(filesSelected(3), "3 files selected");
-        EXPECT_EQ(filesSelected(1), "1 files selected") << "there is no text of its own for one";
+        EXPECT_EQ(filesSelectedText(3), "3 files selected");
+        EXPECT_EQ(filesSelectedText(1), "1 files selected") << "there is no text of its own for one";
         EXPECT_EQ(text("resize.mode.stretch"), "Stretch to output size (ignore aspect ratio)");
         EXPECT_EQ(text("resize.mode.cropFill"), "Preserve aspect ratio (center crop)");
         EXPECT_EQ(text("resize.mode.letterbox"), "Preserve aspect ratio (letterbox)");
@@ -333,7 +333,7 @@ TEST(Localized, EnglishDefaultsAreWhatTheTableSays) {
     setTextLocale("en");
 }
 
-TEST(Language, ToolkitAndWindowSpeakTheSame) {
+TEST(Language, ToolkitAndWindowUseTheSameLanguage) {
     if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + QStringLiteral("/qtbase_ja.qm")))
         GTEST_SKIP() << "the toolkit's translations are not installed";
     setTextLocale("ja");
