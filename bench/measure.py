@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the benchmarks share: where the programs are, fair timing, and a table.
+"""Shared by the benchmarks: paths of the programs, fair timing, and a table of results.
 
-A benchmark compares whole commands in the same run, taking turns, so that a busy machine slows both: what counts is
-the ratio. It draws its own media with the ffmpeg of the media stack.
+A benchmark runs the compared commands by turns in the same run, so that a busy machine slows all of them. Only the
+ratio counts. It draws its own media with the ffmpeg of the media stack.
 """
 import dataclasses
 import hashlib
@@ -39,7 +39,7 @@ class Cost:
 
 
 def run(*command, **options):
-    """Runs a command to its end and returns its cost. Its output is shown when it fails."""
+    """Runs a command and returns its cost. Prints its output and ends the benchmark when it fails."""
     began = time.monotonic()
     with subprocess.Popen([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, **options) as process:
@@ -51,8 +51,8 @@ def run(*command, **options):
     return Cost(time.monotonic() - began, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024)
 
 
-def together(*commands):
-    """Runs commands side by side; the cost of all of them."""
+def run_together(*commands):
+    """Runs the commands at the same time and returns their total cost."""
     began = time.monotonic()
     processes = [subprocess.Popen([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                   stderr=subprocess.DEVNULL) for command in commands]
@@ -68,8 +68,8 @@ def together(*commands):
 
 
 def take_turns(rounds, **contestants):
-    """Calls the contestants (each returns a Cost) in turn; the median cost of each, by name. A round before the others
-    is not counted: whoever comes first waits for the system to hand out memory."""
+    """Calls the contestants by turns; each returns a Cost. Returns the median cost of each, by name. The first round
+    is not counted, because the first run also pays for memory that the system has not yet allocated."""
     costs = {name: [] for name in contestants}
     for round_ in range(-1 if rounds > 1 else 0, rounds):
         for name, contestant in contestants.items():
@@ -81,14 +81,14 @@ def take_turns(rounds, **contestants):
 
 
 @dataclasses.dataclass
-class Likeness:
+class Similarity:
     psnr: float  # dB, of luma, over all frames
     ssim: float  # of luma, the mean of the frames
 
 
-def likeness(stream, original, fps, view=""):
-    """How like its original (raw video, y4m) a stream's view is, frame by frame. A raw stream says nothing true of its
-    rate: frames meet by their number, in a time base that holds every time, and both count as limited range."""
+def similarity(stream, original, fps, view=""):
+    """Compares a view of a stream with its original (raw video, y4m), frame by frame. The frame rate of a raw stream is
+    not reliable, so frames are paired by their number. Both are treated as limited range."""
     def frames(pad):
         return f"{pad}settb=AVTB,setpts=N/{fps}/TB,setparams=range=tv,format=yuv420p"
     result = subprocess.run(
@@ -96,19 +96,18 @@ def likeness(stream, original, fps, view=""):
          "-lavfi", f"{frames(f'[0:v{view}]')},split[a1][a2];{frames('[1:v]')},split[b1][b2];"
                    "[a1][b1]psnr[p];[a2][b2]ssim[s]",
          "-map", "[p]", "-map", "[s]", "-f", "null", "-"], capture_output=True, text=True, check=True)
-    return Likeness(*(float(re.search(pattern, result.stderr).group(1)) for pattern in (r"PSNR y:([\d.]+|inf)", r"SSIM Y:([\d.]+)")))
+    return Similarity(*(float(re.search(pattern, result.stderr).group(1)) for pattern in (r"PSNR y:([\d.]+|inf)", r"SSIM Y:([\d.]+)")))
 
 
 def psnr(first, second, filters="[0:v][1:v]"):
-    """Luma PSNR in dB between two videos, after a filter graph that ends in two pads to compare."""
+    """Luma PSNR in dB between two videos. filters: a filter graph that ends in the two pads to compare."""
     result = subprocess.run([tool("ffmpeg"), "-nostdin", "-v", "info", "-i", str(first), "-i", str(second), "-lavfi",
                              f"{filters}psnr", "-f", "null", "-"], capture_output=True, text=True, check=True)
     return float(re.search(r"PSNR y:([\d.]+|inf)", result.stderr).group(1))
 
 
 class Report:
-    """Rows of measured values with the limit each is held to, shown as they come; finish() prints the table and tells
-    whether all are met."""
+    """Measured values with their limits. add() prints a row at once; finish() prints the whole table."""
 
     def __init__(self, title):
         self.title = title
@@ -121,7 +120,7 @@ class Report:
         print("  " + "  ".join(filter(None, self.rows[-1])), flush=True)
 
     def finish(self):
-        """The exit status: 1 when a limit is missed."""
+        """Prints the table. Returns the exit status: 1 when a limit is missed."""
         widths = [max(len(row[column]) for row in self.rows) for column in range(4)]
         print(f"\n{self.title}")
         for row in self.rows:

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Photos both ways: time against the tools that a user has and against x265 alone, memory of one and of many.
+"""Photos in both directions: time against common tools and against x265 alone, memory of one photo and of many.
 
-A spatial photo of a headset is used where the folder of sample media is present (LUMETWIN_SAMPLES), else one that
+A spatial photo of a headset is used if the folder of sample media exists (LUMETWIN_SAMPLES), otherwise one that
 Lumetwin makes.
 """
 import json
@@ -12,14 +12,14 @@ import subprocess
 import sys
 import tempfile
 
-from measure import BATCH, SOURCE, Report, run, take_turns, together, tool
+from measure import BATCH, SOURCE, Report, run, take_turns, run_together, tool
 
 STAGES = BATCH.parent.parent / "bench/lumetwin-photo-stages"
 ROUNDS = 5
-# The settings of media/x265/StillEncoder.cpp; the quantiser is that of spatial photos.
+# The same settings as in media/x265/StillEncoder.cpp, with the quantiser of spatial photos.
 X265 = ("--preset ultrafast --qp 14 --ipratio 1 --signhide --psy-rd 0 --keyint 1 --bframes 0 --rc-lookahead 0 "
         "--frame-threads 1 --aq-mode 0 --no-info --log-level none").split()
-JPEG_QUALITY = 86  # what a quality of 0.75 is
+JPEG_QUALITY = 86  # the JPEG quality that Lumetwin uses for 0.75
 
 
 def magick(*words):
@@ -27,7 +27,7 @@ def magick(*words):
 
 
 def draw(target, width, height):
-    """Two views of a scene with detail and grain."""
+    """Draws two views of a scene with detail and grain."""
     half = width // 2
     magick("-seed", 7, "-size", f"{half}x{height}", "plasma:tomato-navy", "-attenuate", 0.25, "+noise", "gaussian",
            target.with_suffix(".eye.png"))
@@ -49,8 +49,8 @@ def spatial_photo(folder):
     return folder / "made_spatial.heic", 5120 * 2560
 
 
-def users_way(photo, folder):
-    """The tools of the distribution: both images out of the file, then joined."""
+def convert_with_common_tools(photo, folder):
+    """The same with common tools: extracts both images from the file, then joins them."""
     extracted = run("heif-convert", "-q", 100, photo, folder / "eye.jpg")
     joined = run("convert", folder / "eye-1.jpg", folder / "eye-2.jpg", "+append", "-quality", JPEG_QUALITY,
                  folder / "theirs.jpg")
@@ -66,7 +66,7 @@ def check_memory(report, what, peak, pixels):
 def to_sbs(report, folder):
     photo, pixels = spatial_photo(folder)
     costs = take_turns(ROUNDS, ours=lambda: batch("spatialToSBS", photo, folder),
-                       theirs=lambda: users_way(photo, folder))
+                       theirs=lambda: convert_with_common_tools(photo, folder))
     report.add("spatial photo to JPEG, wall, against heif-convert and ImageMagick",
                costs["ours"].wall / costs["theirs"].wall, at_most=0.333)
     check_memory(report, "spatial photo to JPEG", costs["ours"].peak, pixels)
@@ -85,13 +85,13 @@ def to_spatial(report, folder, width, height):
                         f"crop={width // 2}:{height}:{index * width // 2}:0", "-f", "rawvideo", str(raw)], check=True)
         eyes.append([tool("x265"), "--input", raw, "--input-res", f"{width // 2}x{height}", "--fps", 1, "--frames", 1, *X265,
                      "-o", raw.with_suffix(".hevc")])
-    costs = take_turns(ROUNDS, ours=lambda: batch("sbsToSpatial", source, folder), theirs=lambda: together(*eyes))
+    costs = take_turns(ROUNDS, ours=lambda: batch("sbsToSpatial", source, folder), theirs=lambda: run_together(*eyes))
     report.add(f"{width} × {height} JPEG to spatial photo, wall, against x265 alone",
                costs["ours"].wall / costs["theirs"].wall, at_most=1.15)
     check_memory(report, f"{width} × {height} JPEG to spatial photo", costs["ours"].peak, width * height)
 
 
-def many(report, folder):
+def measure_many(report, folder):
     draw(folder / "small.jpg", 640, 240)
     batch("sbsToSpatial", folder / "small.jpg", folder)
     for direction, source, target in (("spatial", "small.jpg", "out.heic"), ("sbs", "small_spatial.heic", "out.jpg")):
@@ -109,7 +109,7 @@ def main():
         to_sbs(report, folder)
         to_spatial(report, folder, 3840, 1080)
         to_spatial(report, folder, 8000, 3000)
-        many(report, folder)
+        measure_many(report, folder)
     return report.finish()
 
 

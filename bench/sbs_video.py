@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Spatial video to side-by-side video: time against ffmpeg's own way, presets, stages, memory, inspection.
+"""Spatial video to side-by-side video: time against ffmpeg, presets, stages, memory, inspection.
 
     sbs_video.py                everything, about half an hour
     sbs_video.py speed | presets | memory
@@ -25,7 +25,7 @@ def ffmpeg(*words):
 
 
 def draw_sbs(target, seconds, eye=(1920, 1080), rate="60M"):
-    """A moving scene with grain, seen by two eyes 24 pixels apart; `rate` in bits per second, as ffmpeg writes it."""
+    """Draws a moving scene with grain for two eyes, with a disparity of 24 pixels. rate: bits per second, as for ffmpeg."""
     width, height = eye
     scene = (f"[0:v]format=yuv420p,gblur=sigma=0.7,split[a][b];[a]crop={width}:{height}:40:0[l0];"
              f"[b]crop={width}:{height}:64:0[r0];[1:v]format=yuv420p,split[t1][t2];"
@@ -37,7 +37,7 @@ def draw_sbs(target, seconds, eye=(1920, 1080), rate="60M"):
 
 
 def draw_long_sbs(target, seconds):
-    """A small scene that begins anew every ten seconds: drawing must not take longer than what is measured."""
+    """Draws a small scene that repeats every ten seconds, because drawing must not take longer than the measurement."""
     piece = target.with_name("piece.mp4")
     draw_sbs(piece, 10, (960, 540), "6M")
     ffmpeg("-stream_loop", "-1", "-i", piece, "-t", seconds, "-c", "copy", target)
@@ -65,7 +65,7 @@ def against_ffmpeg(report, clip, folder, codec):
 
 
 def presets(report, source, folder, codec):
-    """The encoder alone on raw frames, the shipped preset against medium; luma PSNR over the frame, which holds both eyes."""
+    """Compares the shipped preset with medium: the encoder alone, on raw frames. Luma PSNR of the frame with both eyes."""
     library, shipped, options = SHIPPED[codec]
     rate = int(30 * 3840 * 1080 * 0.15 * 0.75)
     target = {preset: folder / f"{preset}.mp4" for preset in (shipped, "medium")}
@@ -78,8 +78,8 @@ def presets(report, source, folder, codec):
                at_most=0.3, unit="dB")
 
 
-def long_and_many(report, folder, clip):
-    """Memory of a long film, and the inspection of a thousand."""
+def measure_memory_and_inspection(report, folder, clip):
+    """Measures memory during a long film, and the inspection of a thousand files."""
     long = folder / "long.mp4"
     draw_long_sbs(long, 680)
     batch("sbsToSpatial", long, folder)
@@ -116,7 +116,7 @@ def main():
                 presets(report, raw, folder, codec)
             raw.unlink()
         if "memory" in wanted:
-            long_and_many(report, folder, clip)
+            measure_memory_and_inspection(report, folder, clip)
     return report.finish()
 
 

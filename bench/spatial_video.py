@@ -12,13 +12,13 @@ import subprocess
 import sys
 import tempfile
 
-from measure import BATCH, BUILD, Cost, Report, run, take_turns, together, tool
+from measure import BATCH, BUILD, Cost, Report, run, take_turns, run_together, tool
 from sbs_video import draw_long_sbs, draw_sbs, ffmpeg
-from two_views import QUALITIES, bits_ratio, independent, raw_video, rule, split, two_encodes, two_views
+from two_views import QUALITIES, bits_ratio, encode_command, raw_video, target_rate, split, two_encodes, two_views
 
 STAGES = BUILD / "lumetwin-stages"
 SHIPPED = "veryfast"
-# What our encoder adds to the preset for the right view, if an encoder of one view is to have it as well.
+# Options that our encoder adds to the preset for the right view, for a comparison with the same options.
 SHIPPED_EXTRA = ("--ref", 3, "--max-merge", 3)
 CANDIDATES = ("ultrafast", "superfast", "veryfast", "fast")
 ROUNDS = 3
@@ -30,8 +30,8 @@ def batch(source, folder, *words):
 
 
 def draw_cuts(target, seconds, eye, fps):
-    """A scene whose brightness wraps round in another way after each 40 frames: cuts, and some seconds need ten times
-    the bits of others."""
+    """Draws a scene whose brightness changes abruptly after each 40 frames. So it has cuts, and some seconds need ten
+    times as many bits as others."""
     width, height = eye
     luma = "mod(lum(X,Y)*(1+mod(floor(N/40),3))+60*mod(floor(N/40),4),255)"
     scene = (f"geq=lum='{luma}':cb='cb(X,Y)':cr='cr(X,Y)',split[a][b];[a]crop={width}:{height}:0:0[l];"
@@ -47,7 +47,7 @@ def rates(report, title, clip, eye, fps, folder):
         found = subprocess.run([tool("ffprobe"), "-v", "error", "-select_streams", "v:0", "-show_entries", "stream=bit_rate",
                                 "-of", "default=nk=1:nw=1", str(folder / f"{clip.stem}_spatial.mov")],
                                capture_output=True, text=True, check=True).stdout
-        wanted = rule(quality, eye, fps)
+        wanted = target_rate(quality, eye, fps)
         share = float(found) / wanted
         print(f"  {title}, quality {quality}: {float(found):.0f} of {wanted} bit/s, {share:.4f}")
         report.add(f"{title}: bit rate at quality {quality}: distance from the rule", abs(share - 1), at_most=0.03)
@@ -55,12 +55,12 @@ def rates(report, title, clip, eye, fps, folder):
 
 def speed(report, clip, folder):
     eyes = split(clip, folder)
-    half = rule(0.75, EYE, 30) / 2
+    half = target_rate(0.75, EYE, 30) / 2
     streams = [folder / "left.hevc", folder / "right.hevc"]
     costs = take_turns(
         ROUNDS,
         ours=lambda: batch(clip, folder),
-        theirs=lambda: together(*(independent(eye, 30, SHIPPED, half, stream) for eye, stream in zip(eyes, streams))))
+        theirs=lambda: run_together(*(encode_command(eye, 30, SHIPPED, half, stream) for eye, stream in zip(eyes, streams))))
     report.add("whole conversion, wall, against two x265 on split raw video", costs["ours"].wall / costs["theirs"].wall,
                at_most=1.0)
     report.add("whole conversion, CPU, against two x265 on split raw video", costs["ours"].cpu / costs["theirs"].cpu)

@@ -6,7 +6,7 @@ the ratio at equal PSNR and at equal SSIM, how uneven the eyes are, and the CPU 
 
     LUMETWIN_SAMPLES=FOLDER stereo_bits.py [PRESET [CLIP…]]
 
-The films and photographs are those of the folder of samples; a clip whose source is missing is left out, and says so.
+The films and photographs come from the folder of samples. A clip whose source is missing is reported and left out.
 Reading photographs needs the distribution's ffmpeg.
 """
 import os
@@ -23,9 +23,9 @@ from two_views import bits_ratio, raw_video, two_encodes, two_views
 
 EYE = (1280, 720)
 FPS = 25
-# The most that an eye's PSNR may differ from the other's, in dB.
-MOST_UNEVEN = 1.0
-# Clips, of 1280 × 720 an eye where nothing else is said, and the ratio that each is held to.
+# The maximum difference between the PSNR of both eyes, in dB.
+MAXIMUM_UNEVENNESS = 1.0
+# The limit of the ratio for some clips, and for all others.
 LIMITS = {"candles": 0.92, "calf pan": 0.78}
 LIMIT = 0.97
 
@@ -46,7 +46,7 @@ def shorten(source, target, seconds):
 
 
 def photograph(left, right, eye, x_right, motion, frames):
-    """A film made of a photograph: `motion` is the filters that move over one eye of the given size."""
+    """A clip made from a photograph. motion: filters that move over one eye of the given size."""
     def draw(target):
         sources = [samples() / left, samples() / right]
         if not all(source.exists() for source in sources):
@@ -62,11 +62,11 @@ def photograph(left, right, eye, x_right, motion, frames):
     return draw
 
 
-def pan(window, across, down="(ih-oh)/2"):
+def pan_filter(window, across, down="(ih-oh)/2"):
     return f"crop={window[0]}:{window[1]}:'{across}':'{down}',scale={EYE[0]}:{EYE[1]}:flags=bicubic"
 
 
-def zoom(factor):
+def zoom_filter(factor):
     size = [f"2*trunc({side}*({factor})/2)" for side in EYE]
     return f"scale=w='{size[0]}':h='{size[1]}':eval=frame:flags=bicubic,crop={EYE[0]}:{EYE[1]}"
 
@@ -80,17 +80,17 @@ CALF = "sbs-image/calf_3840x1080.jpg"
 CAMERA = "sbs-image/camera_3648x1368.jpg"
 STEREOGRAPH = "sbs-image/stereograph_odd_width_3643x1574.jpg"
 LEFT, RIGHT = (f"other-layouts/Panasonic-DMC-GX8-{side}.jpg" for side in ("left", "right"))
-# Name: how it is drawn, size of an eye, frames per second, seconds.
+# Name: function that draws it, size of an eye, frames per second, seconds.
 CLIPS = {
     "candles": (film("candles_2560x720_25fps.mp4", 6), EYE, 25, 6),
     "panorama": (film("panorama_2048x1024_24fps.mp4", 5), (1024, 1024), 24, 5),
-    "calf pan": (photograph(CALF, CALF, (1920, 1080), 1920, pan((1152, 648), "(iw-ow)*n/149"), 150), EYE, FPS, 6),
-    "camera pan": (photograph(CAMERA, CAMERA, (1824, 1368), 1824, pan((1094, 616), "(iw-ow)*n/99"), 100), EYE, FPS, 4),
-    "camera zoom": (photograph(CAMERA, CAMERA, (1824, 1026), 1824, zoom("1.1+0.6*n/99"), 100), EYE, FPS, 4),
+    "calf pan": (photograph(CALF, CALF, (1920, 1080), 1920, pan_filter((1152, 648), "(iw-ow)*n/149"), 150), EYE, FPS, 6),
+    "camera pan": (photograph(CAMERA, CAMERA, (1824, 1368), 1824, pan_filter((1094, 616), "(iw-ow)*n/99"), 100), EYE, FPS, 4),
+    "camera zoom": (photograph(CAMERA, CAMERA, (1824, 1026), 1824, zoom_filter("1.1+0.6*n/99"), 100), EYE, FPS, 4),
     "stereograph pan": (photograph(STEREOGRAPH, STEREOGRAPH, (1820, 1574), 1820,
-                                   pan((1280, 720), "(iw-ow)*n/149", "(ih-oh)*n/149"), 150), EYE, FPS, 6),
-    "twin lens zoom": (photograph(LEFT, RIGHT, (1824, 1026), 0, zoom("1.5-0.4*n/99"), 100), EYE, FPS, 4),
-    "twin lens still": (photograph(LEFT, RIGHT, (1824, 1026), 0, zoom("1"), 100), EYE, FPS, 4),
+                                   pan_filter((1280, 720), "(iw-ow)*n/149", "(ih-oh)*n/149"), 150), EYE, FPS, 6),
+    "twin lens zoom": (photograph(LEFT, RIGHT, (1824, 1026), 0, zoom_filter("1.5-0.4*n/99"), 100), EYE, FPS, 4),
+    "twin lens still": (photograph(LEFT, RIGHT, (1824, 1026), 0, zoom_filter("1"), 100), EYE, FPS, 4),
     "drawn": (drawn, EYE, 30, 4),
 }
 
@@ -108,7 +108,7 @@ def compare(report, name, preset, folder):
     report.add(f"{name}: bits at equal PSNR", ratio, at_most=LIMITS.get(name, LIMIT))
     report.add(f"{name}: bits at equal SSIM", bits_ratio(ours, theirs, "ssim"))
     uneven = max(abs(point.unevenness()) for point in ours)
-    report.add(f"{name}: the eyes apart, at most", uneven, at_most=MOST_UNEVEN, unit="dB")
+    report.add(f"{name}: the eyes apart, at most", uneven, at_most=MAXIMUM_UNEVENNESS, unit="dB")
     report.add(f"{name}: CPU time", our_cpu / their_cpu)
     for quality, (one, other) in enumerate(zip(ours, theirs)):
         for who, point in (("two views", one), ("two encodes", other)):

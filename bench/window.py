@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""How soon the window is up, and how long it stops answering while a thousand videos are checked before a run.
+"""Time until the window appears, and how long it does not respond while a thousand videos are checked before a run.
 
-The window stands in an X server of its own. The time to the window runs from starting the program to the mapping of
-its window. The longest stop is the longest that the program's interface thread leaves a question of the accessibility
-bus unanswered, from the press on the start button to the alert that ends the check; the bus itself takes its time too,
-which the stops of a window at rest show.
+The window is in a new X server. The time to the window runs from the start of the program until its window is mapped.
+The longest stop is the longest time that the program's interface thread takes to answer a request of the accessibility
+bus, from the press on the start button to the alert that ends the check. The bus itself takes time too; the stops of an
+idle window show how much.
 """
 import argparse
 import ctypes
@@ -20,12 +20,12 @@ import measure
 
 PROGRAM = pathlib.Path(os.environ.get("LUMETWIN", measure.SOURCE / "build/release/app/lumetwin"))
 STARTS, ROUNDS, CANDIDATES = 9, 9, 1000
-PATIENCE = 60  # seconds
+TIMEOUT = 60  # seconds
 TESTS = measure.SOURCE / "tests/endtoend"
 
 
 class Screen:
-    """The X server, as far as windows that are mapped."""
+    """Connects to the X server to notice when a window is mapped."""
 
     MAP_NOTIFY, SUBSTRUCTURE_NOTIFY = 19, 1 << 19  # X.h
 
@@ -40,7 +40,7 @@ class Screen:
 
     def wait_for_window(self):
         event = (ctypes.c_long * 24)()  # XEvent
-        end = time.monotonic() + PATIENCE
+        end = time.monotonic() + TIMEOUT
         while time.monotonic() < end:
             if not self.x.XPending(self.display):
                 time.sleep(0.0005)
@@ -48,7 +48,7 @@ class Screen:
             self.x.XNextEvent(self.display, ctypes.byref(event))
             if ctypes.cast(event, ctypes.POINTER(ctypes.c_int))[0] == self.MAP_NOTIFY:
                 return
-        raise SystemExit("no window came up")
+        raise SystemExit("no window appeared")
 
 
 def time_to_window():
@@ -62,7 +62,7 @@ def time_to_window():
 
 
 class Stopwatch:
-    """Asks the program one thing after the other and keeps the longest time that an answer took, in seconds."""
+    """Sends requests to the program and records the longest time of an answer, in seconds."""
 
     def __init__(self):
         self.longest = 0
@@ -79,16 +79,16 @@ class Stopwatch:
 
 
 def watch(root, ended):
-    """The longest stop until the names of the program's windows are such that it ended."""
-    stopwatch, limit = Stopwatch(), time.monotonic() + PATIENCE
+    """The longest stop, in seconds, until ended(names of the program's windows) is true."""
+    stopwatch, limit = Stopwatch(), time.monotonic() + TIMEOUT
     while not ended(stopwatch.windows(root)):
         if time.monotonic() > limit:
-            raise SystemExit("the window never came to where it was awaited")
+            raise SystemExit("the expected window did not appear")
     return stopwatch.longest
 
 
 def stops(folder):
-    """Seconds: the longest stops of the quiet window, and those during the check, by rounds."""
+    """The longest stop of each round, in seconds: of the idle window, and during the check."""
     from window_test import Scene
     from gi.repository import Atspi
     options = argparse.Namespace(language="en", program=PROGRAM, batch=measure.BATCH, stack=measure.stack(),
@@ -101,17 +101,17 @@ def stops(folder):
     scene.choose_output(program)
     program.root.set_cache_mask(Atspi.Cache.NONE)
     title = scene["alert.direction.spatial2sbs.title"]
-    quiet, busy = [], []
+    idle, busy = [], []
     for _ in range(ROUNDS):
         end = time.monotonic() + 1
-        quiet.append(watch(program.root, lambda names: time.monotonic() > end))  # noqa: B023
+        idle.append(watch(program.root, lambda names: time.monotonic() > end))  # noqa: B023
         program.press("push button", scene["button.start.conversion"])
         busy.append(watch(program.root, lambda names: title in names))
         program.press("push button", scene["button.fix.direction"])
         watch(program.root, lambda names: title not in names)
     program.process.kill()
     program.process.wait()
-    return quiet, busy
+    return idle, busy
 
 
 def in_milliseconds(times):
@@ -121,15 +121,15 @@ def in_milliseconds(times):
 def main():
     if os.environ.get("LUMETWIN_BENCH_DESKTOP") != "1":
         os.environ["LUMETWIN_BENCH_DESKTOP"] = "1"
-        os.environ["LUMETWIN_CACHE"] = str(measure.stack().parent)  # the desktop has a home of its own
+        os.environ["LUMETWIN_CACHE"] = str(measure.stack().parent)  # the desktop has another home folder
         os.execv(TESTS / "desktop.sh", [str(TESTS / "desktop.sh"), "x11", str(pathlib.Path(__file__).resolve())])
     sys.path.insert(0, str(TESTS))
-    time_to_window()  # what follows is not read from the disk
+    time_to_window()  # the first start reads from the disk and is not counted
     times = [time_to_window() for _ in range(STARTS)]
     with tempfile.TemporaryDirectory(prefix="lumetwin-bench-") as folder:
-        quiet, busy = stops(pathlib.Path(folder))
+        idle, busy = stops(pathlib.Path(folder))
     print(f"window up                  {in_milliseconds(times)}  limit 500")
-    print(f"longest stop, at rest      {in_milliseconds(quiet)}")
+    print(f"longest stop, at rest      {in_milliseconds(idle)}")
     print(f"longest stop, {CANDIDATES} videos  {in_milliseconds(busy)}  limit 50")
 
 

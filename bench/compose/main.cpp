@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What it costs to put two eyes onto one frame, beside copying the frame. CPU time of the fastest of many turns.
+// Measures the cost of placing two eyes on one frame, relative to copying the frame: the CPU time of the fastest of
+// many rounds.
 #include "engine/geometry/SBSComposition.h"
 
 #include <algorithm>
@@ -20,18 +21,18 @@ double cpuMilliseconds() {
     return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
 }
 
-template <typename Work> double fastest(const Work &work) {
+template <typename Work> double fastestTime(const Work &work) {
     double best = 1e9;
-    for (int turn = 0; turn < 60; ++turn) {
+    for (int round = 0; round < 60; ++round) {
         const double began = cpuMilliseconds();
         work();
-        if (turn >= 3)
+        if (round >= 3)
             best = std::min(best, cpuMilliseconds() - began);
     }
     return best;
 }
 
-Picture noise(int width, int height, PictureFormat format) {
+Picture noisePicture(int width, int height, PictureFormat format) {
     Picture picture = media::makePicture(width, height, format);
     std::minstd_rand random(1);
     const unsigned mask = (1U << format.depth) - 1;
@@ -47,9 +48,9 @@ Picture noise(int width, int height, PictureFormat format) {
     return picture;
 }
 
-double copying(const Picture &canvas) {
-    Picture source = noise(canvas.width, canvas.height, canvas.format);
-    return fastest([&] {
+double copyTime(const Picture &canvas) {
+    Picture source = noisePicture(canvas.width, canvas.height, canvas.format);
+    return fastestTime([&] {
         for (int plane = 0; plane < 3; ++plane)
             std::memcpy(canvas.planes[plane].data, source.planes[plane].data,
                         static_cast<std::size_t>(source.planes[plane].stride) *
@@ -59,14 +60,14 @@ double copying(const Picture &canvas) {
 
 void measure(const char *name, int width, int height, PictureFormat format, const ConversionSettings &settings) {
     const SBSGeometry geometry = sbsGeometry(settings, width, height);
-    const Picture left = noise(width, height, format);
-    const Picture right = noise(width, height, format);
+    const Picture left = noisePicture(width, height, format);
+    const Picture right = noisePicture(width, height, format);
     Picture canvas =
         media::makePicture(static_cast<int>(geometry.outW), static_cast<int>(geometry.outH), media::yuv420);
     SBSComposition composition(geometry);
-    const double cost = fastest([&] { composition.compose(left, right, canvas); });
+    const double cost = fastestTime([&] { composition.compose(left, right, canvas); });
     std::printf("%-34s %4d x %-4d  %7.2f ms  %5.1f x copying\n", name, canvas.width, canvas.height, cost,
-                cost / copying(canvas));
+                cost / copyTime(canvas));
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What many photos cost in memory, for the benchmarks. Prints one JSON object.
+// Measures the memory that many photos need, for the benchmarks. Prints one JSON object.
 //
 //   lumetwin-photo-stages sbs|spatial FILE OUT COUNT   resident KiB after 50 conversions and after COUNT
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The stages of one conversion, each alone, for the benchmarks: what they cost in CPU time, and what a long film costs
-// in memory. Prints one JSON object.
+// Runs the stages of one conversion separately, for the benchmarks: measures their CPU time, and the memory of a long
+// film. Prints one JSON object.
 //
 //   lumetwin-stages decode|compose|encode FILE     CPU seconds of one stage of spatial video to side-by-side video
-//   lumetwin-stages encode-stereo FILE             of the two-view encoder and its movie, for a side-by-side FILE
+//   lumetwin-stages encode-stereo FILE             the same for the two-view encoder, for a side-by-side FILE
 //   lumetwin-stages memory sbs|spatial FILE OUT    resident KiB at every 1000th frame of a whole conversion
-//   lumetwin-stages inspect FILE…                  seconds to tell which of the files are spatial
+//   lumetwin-stages inspect FILE…                  seconds to find out which of the files are spatial
 
 #include "engine/batch/FileConversion.h"
 #include "engine/geometry/SBSComposition.h"
@@ -92,7 +92,7 @@ std::vector<media::Picture> composeAll(const std::vector<media::Frame> &frames, 
 void compose(const char *file) {
     VideoInfo info;
     const auto frames = decodeAll(file, info, media::Views::all, true);
-    composeAll(frames, info, false); // the first turn pays for memory that is used for the first time
+    composeAll(frames, info, false); // the first round also pays for memory that is used for the first time
     const double cpu = cpuSeconds();
     const double wall = wallSeconds();
     composeAll(frames, info, false);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The two-view encoder alone, for the benchmarks: raw 8-bit 4:2:0 side-by-side frames in, an Annex B stream out.
+// Runs only the two-view encoder, for the benchmarks. Input: raw 8-bit 4:2:0 side-by-side frames. Output: Annex B.
 //
 //   lumetwin-two-views FRAMES WIDTH HEIGHT RATE PRESET BITRATE STREAM
 //
