@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# What a room may include is what its targets find: each one's headers are reached through a folder of their own, which
-# only those get that may know them.
+# Restricts which headers a room can include. The headers of each target are reached through a separate folder, and only
+# targets that may use them get that folder as an include path.
 
 set(LUMETWIN_HEADERS "${CMAKE_BINARY_DIR}/headers")
 
-# lumetwin_show(TARGET target KIND kind PATH path): code that uses the target finds the headers below `path` of the source
-# as "path/…", and no others.
+# lumetwin_show(TARGET target KIND kind PATH path): lets code that uses the target include the headers below `path` as
+# "path/…", and no other headers.
 function(lumetwin_show)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "TARGET;KIND;PATH" "")
   string(REPLACE "/" "-" name "${arg_PATH}")
@@ -15,7 +15,7 @@ function(lumetwin_show)
   target_include_directories(${arg_TARGET} ${arg_KIND} "${LUMETWIN_HEADERS}/${name}")
 endfunction()
 
-# lumetwin_show_files(TARGET target KIND kind PATH path): the same for the headers that lie directly in `path`.
+# lumetwin_show_files(TARGET target KIND kind PATH path): the same, only for the headers directly in `path`.
 function(lumetwin_show_files)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "TARGET;KIND;PATH" "")
   set(folder "${LUMETWIN_HEADERS}/${arg_PATH}-root")

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Proves the arrows between the rooms (see ARCHITECTURE.md) and the licence line of every source file.
+"""Checks the dependencies between the rooms (see ARCHITECTURE.md) and the licence line of every source file.
 
-check_house.py SOURCE_DIR   lists what breaks a rule; the exit status is 1 when there is something
-check_house.py --self-test  plants one breach of each rule in a scratch tree and expects to find it
+check_house.py SOURCE_DIR   lists violations; the exit status is 1 if there are any
+check_house.py --self-test  creates a violation of each rule in a temporary tree and expects to find it
 """
 import pathlib
 import re
@@ -57,7 +57,7 @@ def includes(file):
 
 
 def house_path(root, file, header):
-    """A quoted header as a path from the root, wherever it was named from."""
+    """A quoted header as a path from the root of the source."""
     beside = file.parent / header
     if "/" not in header and beside.exists():
         return beside.relative_to(root)
