@@ -6,6 +6,7 @@
 #include "model/ResizeMode.h"
 #include "model/SBSOutputFormat.h"
 #include "model/SBSPhotoOutputFormat.h"
+#include "model/SettingsRules.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -27,17 +28,17 @@ public:
     std::optional<std::filesystem::path> inputFolderURL;          ///< the input, when it is a folder
     std::optional<std::vector<std::filesystem::path>> inputFiles; ///< the input, when it is a set of files
     std::optional<std::filesystem::path> outputFolderURL;         ///< receives the outputs
-    double horizontalFOV = 63.4;                                  ///< degrees, written as stereo metadata
-    double disparityAdjustment = 2.0;                             ///< percent of the image width
-    double stereoBaseline = 19.24;                                ///< millimetres
+    double horizontalFOV = fovRange.start;                        ///< degrees, written as stereo metadata
+    double disparityAdjustment = disparityRange.start;            ///< percent of the image width
+    double stereoBaseline = baselineRange.start;                  ///< millimetres
     SBSOutputFormat sbsOutputFormat = SBSOutputFormat::mp4H264;
     SBSPhotoOutputFormat sbsPhotoOutputFormat = SBSPhotoOutputFormat::jpg;
-    double compressionQuality = 0.75; ///< 0.0 to 1.0
-    bool halfWidth = false;           ///< pack each eye at half width
-    bool swapLeftRight = false;       ///< exchange the eyes
-    bool enableResize = false;        ///< resize each eye to the size below
-    std::int64_t resizeWidth = 1920;  ///< pixels of one eye
-    std::int64_t resizeHeight = 1080; ///< pixels of one eye
+    double compressionQuality = qualityRange.start; ///< 0.0 to 1.0
+    bool halfWidth = false;                         ///< pack each eye at half width
+    bool swapLeftRight = false;                     ///< exchange the eyes
+    bool enableResize = false;                      ///< resize each eye to the size below
+    std::int64_t resizeWidth = startWidth;          ///< pixels of one eye
+    std::int64_t resizeHeight = startHeight;        ///< pixels of one eye
     ResizeMode resizeMode = ResizeMode::letterbox;
     bool copyAudio = true;     ///< carry the source's audio track
     bool keepTiming = false;   ///< each frame at its own time, instead of a constant rate in 1/600 s

@@ -36,12 +36,12 @@ template <typename Number> bool parseNumber(std::string_view text, Number &numbe
     return error == std::errc() && end == text.data() + text.size();
 }
 
-double parseInRange(std::string_view value, double lowest, double highest, const std::string &option) {
+double parseInRange(std::string_view value, const NumberRange &range, const std::string &option) {
     double number = 0;
     if (!parseNumber(value, number) || !std::isfinite(number))
         throw UsageError(fmt::format("{}: \"{}\" is not a number", option, value));
-    if (number < lowest || number > highest)
-        throw UsageError(fmt::format("{}: {} is not between {} and {}", option, value, lowest, highest));
+    if (!range.accepts(number))
+        throw UsageError(fmt::format("{}: {} is not between {} and {}", option, value, range.minimum, range.maximum));
     return number;
 }
 
@@ -49,7 +49,7 @@ constexpr std::int64_t maximumSide = 65535; // pixels, the maximum of JPEG
 
 std::int64_t parseSize(std::string_view value, const std::string &option) {
     std::int64_t size = 0;
-    if (!parseNumber(value, size) || size < 1)
+    if (!parseNumber(value, size) || size < smallestSide)
         throw UsageError(fmt::format("{}: \"{}\" is not a number of pixels", option, value));
     if (size > maximumSide)
         throw UsageError(
@@ -71,18 +71,21 @@ constexpr std::array options{
                    throw UsageError(n + ": the folder has no name");
                o.settings->outputFolderURL = std::filesystem::path(v);
            }},
-    Option{"--horizontal-fov", "DEGREES", "field of view to write, 10 to 180 (63.4)",
-           [](Options &o, Value v, Name n) { o.settings->horizontalFOV = parseInRange(v, 10, 180, n); }},
-    Option{"--disparity-adjustment", "PERCENT", "disparity adjustment to write, -100 to 100 (2)",
-           [](Options &o, Value v, Name n) { o.settings->disparityAdjustment = parseInRange(v, -100, 100, n); }},
-    Option{"--stereo-baseline", "MILLIMETRES", "distance of the lenses to write, 1 to 200 (19.24)",
-           [](Options &o, Value v, Name n) { o.settings->stereoBaseline = parseInRange(v, 1, 200, n); }},
+    Option{"--horizontal-fov", "DEGREES", "field of view to write, ",
+           [](Options &o, Value v, Name n) { o.settings->horizontalFOV = parseInRange(v, fovRange, n); }, &fovRange},
+    Option{"--disparity-adjustment", "PERCENT", "disparity adjustment to write, ",
+           [](Options &o, Value v, Name n) { o.settings->disparityAdjustment = parseInRange(v, disparityRange, n); },
+           &disparityRange},
+    Option{"--stereo-baseline", "MILLIMETRES", "distance of the lenses to write, ",
+           [](Options &o, Value v, Name n) { o.settings->stereoBaseline = parseInRange(v, baselineRange, n); },
+           &baselineRange},
     Option{"--sbs-output-format", "FORMAT", "of side-by-side video: mp4H264 (default), mp4H265, movHEVC",
            [](Options &o, Value v, Name n) { o.settings->sbsOutputFormat = parseCase(videoFormatNames, v, n); }},
     Option{"--sbs-photo-output-format", "FORMAT", "of side-by-side photos: jpg (default), png, tiff, heic",
            [](Options &o, Value v, Name n) { o.settings->sbsPhotoOutputFormat = parseCase(photoFormatNames, v, n); }},
-    Option{"--compression-quality", "QUALITY", "0 to 1 (0.75)",
-           [](Options &o, Value v, Name n) { o.settings->compressionQuality = parseInRange(v, 0, 1, n); }},
+    Option{"--compression-quality", "QUALITY", "",
+           [](Options &o, Value v, Name n) { o.settings->compressionQuality = parseInRange(v, qualityRange, n); },
+           &qualityRange},
     Option{"--half-width", "", "pack each eye at half its width",
            [](Options &o, Value, Name) { o.settings->halfWidth = true; }},
     Option{"--swap-left-right", "", "exchange the eyes",
@@ -125,6 +128,17 @@ const Option *findOption(std::string_view name) {
     return found == options.end() ? nullptr : &*found;
 }
 
+namespace {
+
+/// The numbers that an option takes, and its default: "10 to 180 (63.4)".
+std::string rangeText(const Option &option) {
+    if (!option.range)
+        return {};
+    return fmt::format("{} to {} ({})", option.range->minimum, option.range->maximum, option.range->start);
+}
+
+} // namespace
+
 std::string helpText() {
     std::string text = "Usage: lumetwin-batch [OPTION]... --output FOLDER INPUT...\n"
                        "       lumetwin-batch inspect [--json] FILE...\n"
@@ -134,7 +148,8 @@ std::string helpText() {
                        "that do not suit the direction are skipped.\n"
                        "\n";
     for (const Option &option : optionTable())
-        text += fmt::format("  {:<38} {}\n", fmt::format("{} {}", option.name, option.argument), option.help);
+        text += fmt::format("  {:<38} {}\n", fmt::format("{} {}", option.name, option.argument),
+                            std::string(option.help) + rangeText(option));
     return text + "\n"
                   "inspect tells whether files are spatial media, and their stereo values; with --json, for programs.\n"
                   "\n"

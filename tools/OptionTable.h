@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/SettingsRules.h"
+
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,6 +18,7 @@ struct Option {
     std::string_view help;     ///< the description in the help text
     /// Sets the field. name: the option's name for the message. Throws UsageError when the value is not valid.
     void (*apply)(BatchOptions &options, std::string_view value, const std::string &name);
+    const NumberRange *range = nullptr; ///< of a number; the help text ends in it
 };
 
 std::span<const Option> optionTable();

@@ -5,11 +5,11 @@
 
 namespace lumetwin {
 
-QString fieldText(const StereoRange &range, double value) {
+QString fieldText(const NumberRange &range, double value) {
     return QString::number(value, 'f', range.decimals);
 }
 
-std::optional<double> fieldValue(const StereoRange &range, const QString &text) {
+std::optional<double> fieldValue(const NumberRange &range, const QString &text) {
     const auto value = parseDecimal(text);
     return value && range.accepts(*value) ? value : std::nullopt;
 }

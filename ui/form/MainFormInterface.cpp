@@ -167,7 +167,7 @@ void MainViewController::buildOutput() {
     outputPathLabel->setProperty("secondary", true);
 }
 
-NumberField *MainViewController::stereoField(const char *name, const StereoRange &range, QLabel *caption,
+NumberField *MainViewController::stereoField(const char *name, const NumberRange &range, QLabel *caption,
                                              const char *help) {
     const auto parse = [range](const QString &text) { return fieldValue(range, text); };
     auto *field = withName(new NumberField(fieldText(range, range.start), parse, caption->parentWidget()), name);
@@ -192,7 +192,7 @@ NumberField *MainViewController::sizeField(const char *name, std::int64_t start,
     return field;
 }
 
-QToolButton *MainViewController::resetButton(const char *name, const StereoRange &range, QLabel *caption,
+QToolButton *MainViewController::resetButton(const char *name, const NumberRange &range, QLabel *caption,
                                              ValueSlider *slider) {
     auto *button = withName(new QToolButton(spatialOptionsView), name);
     button->setAutoRaise(true);
@@ -207,7 +207,7 @@ QToolButton *MainViewController::resetButton(const char *name, const StereoRange
 void MainViewController::buildSpatialOptions() {
     spatialOptionsView = withName(new QWidget(optionsSection), "spatialOptionsView");
     QWidget *view = spatialOptionsView;
-    const auto slider = [view](const char *name, const StereoRange &range, QLabel *caption) {
+    const auto slider = [view](const char *name, const NumberRange &range, QLabel *caption) {
         auto *made = withName(new ValueSlider(range, view), name);
         made->setAccessibleName(caption->accessibleName());
         return made;

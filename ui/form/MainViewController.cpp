@@ -22,7 +22,7 @@ namespace lumetwin {
 namespace {
 
 /// After a slider moved: stores its value in the setting and shows it in the field.
-void setValueFromSlider(double value, const StereoRange &range, double &setting, NumberField *field) {
+void setValueFromSlider(double value, const NumberRange &range, double &setting, NumberField *field) {
     setting = value;
     field->showValue(value, fieldText(range, value));
 }

@@ -35,7 +35,7 @@ class PreflightSequence;
 class ProgressViewController;
 class SectionView;
 class ValueSlider;
-struct StereoRange;
+struct NumberRange;
 
 /// The form of the main window. It has a control for every field of the settings and copies each change into them, runs
 /// the checks before a batch, and shows the progress sheet.
@@ -123,9 +123,9 @@ private:
     void setShortcuts();
     QLabel *caption(QLabel *&label, const std::string &text, QWidget *parent, char mnemonic = 0);
     QLabel *unit(QLabel *&label, const char *text, QWidget *parent);
-    NumberField *stereoField(const char *name, const StereoRange &range, QLabel *caption, const char *help);
+    NumberField *stereoField(const char *name, const NumberRange &range, QLabel *caption, const char *help);
     NumberField *sizeField(const char *name, std::int64_t start, QLabel *caption);
-    QToolButton *resetButton(const char *name, const StereoRange &range, QLabel *caption, ValueSlider *slider);
+    QToolButton *resetButton(const char *name, const NumberRange &range, QLabel *caption, ValueSlider *slider);
 
     // Appearance and layout
     void applyColours();

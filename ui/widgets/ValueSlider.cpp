@@ -7,7 +7,7 @@
 
 namespace lumetwin {
 
-ValueSlider::ValueSlider(const StereoRange &range, QWidget *parent)
+ValueSlider::ValueSlider(const NumberRange &range, QWidget *parent)
     : QSlider(Qt::Horizontal, parent), range_(range), stepsPerUnit_(std::pow(10, range.decimals)),
       doubleValue_(range.start) {
     setRange(positionFor(range.minimum), positionFor(range.maximum));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/form/StereoRanges.h"
+#include "model/SettingsRules.h"
 
 #include <QSlider>
 
@@ -12,10 +12,10 @@ class ValueSlider : public QSlider {
     Q_OBJECT
 
 public:
-    explicit ValueSlider(const StereoRange &range, QWidget *parent = nullptr);
+    explicit ValueSlider(const NumberRange &range, QWidget *parent = nullptr);
 
     double doubleValue() const { return doubleValue_; }
-    const StereoRange &range() const { return range_; }
+    const NumberRange &range() const { return range_; }
     /// The difference between two neighbouring values.
     double step() const { return 1 / stepsPerUnit_; }
     /// Does what moving the slider by hand does, including the signal.
@@ -31,7 +31,7 @@ private:
     int positionFor(double value) const;
     void positionChanged(int position);
 
-    StereoRange range_;
+    NumberRange range_;
     double stepsPerUnit_;
     double doubleValue_;
 };
