@@ -2,6 +2,7 @@
 #include "media/jpeg/JpegExtras.h"
 
 #include "media/metadata/ExifBytes.h"
+#include "media/metadata/Xmp.h"
 
 #include <algorithm>
 #include <array>
@@ -39,24 +40,17 @@ bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
 
-/// Whether a packet says of a property that it is 1, as an attribute or as an element.
-bool isOne(std::string_view packet, std::string_view property) {
-    for (std::size_t at = packet.find(property); at != packet.npos; at = packet.find(property, at + 1)) {
-        const std::string_view value = packet.substr(at + property.size());
-        if (value.starts_with("=\"1\"") || value.starts_with("='1'") || value.starts_with(">1<"))
-            return true;
-    }
-    return false;
+PhotoExtras operator|(PhotoExtras one, PhotoExtras other) {
+    return {one.gainMap || other.gainMap, one.depthMap || other.depthMap, one.film || other.film};
 }
 
-void readXmp(std::string_view packet, PhotoExtras &extras) {
-    extras.gainMap |= contains(packet, "http://ns.adobe.com/hdr-gain-map/1.0/") ||
-                      contains(packet, "http://ns.apple.com/HDRGainMap/1.0/") ||
-                      contains(packet, "Semantic=\"GainMap\"");
-    extras.depthMap |= contains(packet, "http://ns.google.com/photos/1.0/depthmap/") ||
-                       contains(packet, "http://ns.google.com/photos/dd/1.0/") ||
-                       contains(packet, "Semantic=\"Depth\"");
-    extras.film |= isOne(packet, ":MotionPhoto") || isOne(packet, ":MicroVideo");
+/// A piece of a long packet: no XML of its own, but the first piece declares the namespaces.
+PhotoExtras extrasOfPiece(std::string_view piece) {
+    return {contains(piece, "http://ns.adobe.com/hdr-gain-map/1.0/") ||
+                contains(piece, "http://ns.apple.com/HDRGainMap/1.0/"),
+            contains(piece, "http://ns.google.com/photos/1.0/depthmap/") ||
+                contains(piece, "http://ns.google.com/photos/dd/1.0/"),
+            false};
 }
 
 /// The header of a multi-picture index: a TIFF structure whose offsets count from its beginning.
@@ -151,8 +145,10 @@ private:
         Bytes bytes(size);
         source_.read(place, bytes);
         const std::string_view text = textOf(bytes);
-        if (marker == firstApplication && (text.starts_with(xmpMark) || text.starts_with(extendedXmpMark)))
-            readXmp(text, extras_);
+        if (marker == firstApplication && text.starts_with(xmpMark))
+            extras_ = extras_ | xmpExtras(text.substr(xmpMark.size()));
+        else if (marker == firstApplication && text.starts_with(extendedXmpMark))
+            extras_ = extras_ | extrasOfPiece(text);
         else if (marker == secondApplication && text.starts_with(gainMapMark))
             extras_.gainMap = true;
         else if (marker == secondApplication && text.starts_with(multiPictureMark))

@@ -94,9 +94,24 @@ Bytes exifBlock() {
                    joined({u16(1), field(1, 2, 2, 0x4E000000), u32(0)}), Bytes(30, 1)});
 }
 
+/// A packet that has something of all: both forms of properties, other quotes, comments, sections, instructions.
 Bytes xmpPacket() {
-    return letters("<x:xmpmeta><rdf:Description tiff:Orientation=\"6\" exif:PixelXDimension='9'><tiff:ImageWidth>4"
-                   "</tiff:ImageWidth><xmp:Thumbnails><rdf:Alt/></xmp:Thumbnails></rdf:Description></x:xmpmeta>");
+    return letters("<?xpacket begin='' id='1'?><x:xmpmeta xmlns:x='adobe:ns:meta/'>"
+                   "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+                   "<rdf:Description xmlns:tiff=\"http://ns.adobe.com/tiff/1.0/\" tiff:Orientation=\"6\" "
+                   "xmlns:exif='http://ns.adobe.com/exif/1.0/' exif:PixelXDimension='9' tiff:Make='\"A\" &amp; B' "
+                   "xmlns:xmp='http://ns.adobe.com/xap/1.0/' xmlns:n='http://ns.adobe.com/xmp/note/' "
+                   "n:HasExtendedXMP='0'><tiff:ImageWidth>4</tiff:ImageWidth>"
+                   "<exif:PixelYDimension rdf:parseType='Resource'><rdf:value>7</rdf:value></exif:PixelYDimension>"
+                   "<xmp:Thumbnails><rdf:Alt/></xmp:Thumbnails><!-- a --><![CDATA[b]]></rdf:Description>"
+                   "<rdf:Description xmlns:GCamera='http://ns.google.com/photos/1.0/camera/' GCamera:MotionPhoto='1'/>"
+                   "</rdf:RDF></x:xmpmeta>  <?xpacket end='w'?>");
+}
+
+Bytes packetWithExtras() {
+    return letters(
+        "<x xmlns:g='http://ns.adobe.com/hdr-gain-map/1.0/'><y xmlns:d=\"http://ns.google.com/photos/dd/1.0/\">"
+        "<i:Semantic>Depth</i:Semantic></y></x>");
 }
 
 /// A JPEG file's segments: XMP, and a multi-picture index that names a second image with a gain map.
@@ -106,7 +121,8 @@ Bytes jpegWithExtras() {
     };
     const Bytes head = joined({u8(0xFF), u8(0xD8)});
     const Bytes end = joined({u8(0xFF), u8(0xD9)});
-    const Bytes packet = joined({letters("http://ns.adobe.com/xap/1.0/"), u8(0), letters("<GCamera:MotionPhoto>1</")});
+    const Bytes packet = joined(
+        {letters("http://ns.adobe.com/xap/1.0/"), u8(0), letters("<GCamera:MotionPhoto>1</GCamera:MotionPhoto>")});
     const Bytes xmp = segment(0xE1, packet);
     constexpr std::uint32_t indexSize = 8 + 2 + 12 + 4 + 32;
     const Bytes entries = joined({Bytes(16, 0), u32(0), u32(0), u32(indexSize + 2), u32(0)});
@@ -135,6 +151,7 @@ int main(int count, char **arguments) {
     write(folder / "movie_facts", movies());
     write(folder / "heif_file", {stereoGrids().file(), describedPair().file(), wideTables()});
     write(folder / "jpeg_extras", {jpegWithExtras()});
-    write(folder / "exif", {exifBlock(), xmpPacket()});
+    write(folder / "exif", {exifBlock()});
+    write(folder / "xmp", {xmpPacket(), packetWithExtras()});
     return 0;
 }

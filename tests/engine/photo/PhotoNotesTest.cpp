@@ -93,7 +93,7 @@ TEST_F(PhotoNotes, packetsTellOfExtras) {
     EXPECT_EQ(extrasOf(xmp("<x GCamera:MotionPhoto=\"1\"/>")), film);
     EXPECT_EQ(extrasOf(xmp("<GCamera:MicroVideo>1</GCamera:MicroVideo>")), film);
     EXPECT_EQ(extrasOf(xmp("<x GCamera:MotionPhoto=\"0\" GCamera:MotionPhotoVersion=\"1\"/>")), none);
-    EXPECT_EQ(extrasOf(segment(0xE5, letters("GCamera:MotionPhoto=\"1\""))), none) << "no packet";
+    EXPECT_EQ(extrasOf(segment(0xE5, letters("<x GCamera:MotionPhoto=\"1\"/>"))), none) << "no packet";
 }
 
 TEST_F(PhotoNotes, segmentsTellOfGainMaps) {
@@ -112,7 +112,7 @@ TEST_F(PhotoNotes, furtherImagesTellOfExtras) {
 }
 
 TEST_F(PhotoNotes, damagedSegmentsEndTheSearch) {
-    const Bytes whole = joined({{0xFF, 0xD8}, pictureIndex(70), xmp("GCamera:MotionPhoto=\"1\"")});
+    const Bytes whole = joined({{0xFF, 0xD8}, pictureIndex(70), xmp("<x GCamera:MotionPhoto=\"1\"/>")});
     for (std::size_t size = 3; size < whole.size(); ++size) {
         writeFile(file("a.jpg"), Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
         EXPECT_EQ(media::photoExtras(file("a.jpg")), none) << size;
@@ -128,7 +128,8 @@ TEST_F(PhotoNotes, aSideBySidePhotoTellsWhatItLosesOnItsWay) {
     writeJpeg("plain.jpg", {});
     EXPECT_THAT(notesOf("plain.jpg"), IsEmpty());
     writeJpeg("full.jpg",
-              joined({xmp("GCamera:MotionPhoto=\"1\" http://ns.google.com/photos/1.0/depthmap/"), isoGainMap()}));
+              joined({xmp("<x GCamera:MotionPhoto=\"1\" xmlns:GDepth=\"http://ns.google.com/photos/1.0/depthmap/\"/>"),
+                      isoGainMap()}));
     EXPECT_THAT(notesOf("full.jpg"),
                 ElementsAre(Warning{WarningKind::gainMapLeft, {}}, Warning{WarningKind::depthMapLeft, {}},
                             Warning{WarningKind::motionFilmLeft, {}}));

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/metadata/Xmp.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+using namespace lumetwin::media::images;
+
+/// What is written of a packet can be read again, needs no more correction, and tells of the same extras.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    const std::string packet(reinterpret_cast<const char *>(data), size);
+    const std::string corrected = correctedXmp(packet, 640, 480);
+    if (correctedXmp(corrected, 640, 480) != corrected)
+        std::abort();
+    const lumetwin::media::PhotoExtras extras = xmpExtras(corrected);
+    if (!corrected.empty() && !(xmpExtras(packet) == extras))
+        std::abort();
+    return 0;
+}
