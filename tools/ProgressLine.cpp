@@ -5,6 +5,7 @@
 #include "engine/texts/Texts.h"
 
 #include <fmt/format.h>
+#include <utf8.h>
 
 #include <algorithm>
 #include <clocale>
@@ -42,14 +43,10 @@ int characterColumns(char32_t code) {
 /// The characters of a text with their widths. The text is valid UTF-8.
 std::vector<Cell> toCells(std::string_view text) {
     std::vector<Cell> cells;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const auto first = static_cast<unsigned char>(text[begin]);
-        const std::size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-        char32_t code = length == 1 ? first : first & (0x7F >> length);
-        for (std::size_t at = 1; at < length; ++at)
-            code = code << 6 | (static_cast<unsigned char>(text[begin + at]) & 0x3F);
-        cells.push_back({text.substr(begin, length), characterColumns(code)});
-        begin += length;
+    for (auto at = text.begin(); at != text.end();) {
+        const auto begin = at;
+        const char32_t code = utf8::unchecked::next(at);
+        cells.push_back({std::string_view(begin, at), characterColumns(code)});
     }
     return cells;
 }
