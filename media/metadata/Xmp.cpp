@@ -7,6 +7,7 @@
 #include <array>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace lumetwin::media::images {
 
@@ -109,8 +110,8 @@ public:
                   {xmpSpace, "Thumbnails", {}},
                   {noteSpace, "HasExtendedXMP", {}}}} {}
 
-    /// The packet is one rdf:RDF, or an element around it. Returns whether something changed.
-    bool apply(pugi::xml_document &document) {
+    /// The packet is one rdf:RDF, or an element around it.
+    void apply(pugi::xml_document &document) {
         const pugi::xml_node root = document.document_element();
         const Namespaces namespaces(root);
         if (isRdf(root, namespaces))
@@ -119,8 +120,11 @@ public:
             for (const pugi::xml_node child : root.children())
                 if (const Namespaces inner(child, &namespaces); isRdf(child, inner))
                     applyToDescriptions(child, inner);
-        return changed_;
     }
+
+    bool changed() const { return changed_; }
+    /// Whether an element had one attribute twice, which XML forbids.
+    bool damaged() const { return damaged_; }
 
 private:
     static bool isRdf(pugi::xml_node element, const Namespaces &namespaces) {
@@ -137,12 +141,14 @@ private:
     }
 
     void applyToAttributes(pugi::xml_node description, const Namespaces &namespaces) {
-        pugi::xml_attribute unwanted; // XML has each attribute once
+        std::array<bool, ruleCount> seen{};
+        pugi::xml_attribute unwanted;
         for (pugi::xml_attribute attribute : description.attributes()) {
             const QualifiedName name(attribute.name());
             const Rule *rule = name.prefix.empty() ? nullptr : ruleFor(name, namespaces);
             if (!rule)
                 continue;
+            damaged_ |= std::exchange(seen[static_cast<std::size_t>(rule - rules_.data())], true);
             if (!rule->value)
                 unwanted = attribute;
             else if (*rule->value != attribute.value())
@@ -182,8 +188,10 @@ private:
         return nullptr;
     }
 
-    std::array<Rule, 7> rules_;
+    static constexpr std::size_t ruleCount = 7;
+    std::array<Rule, ruleCount> rules_;
     bool changed_ = false;
+    bool damaged_ = false;
 };
 
 struct StringWriter : pugi::xml_writer {
@@ -253,7 +261,11 @@ std::string correctedXmp(std::string packet, int width, int height) {
     pugi::xml_document document;
     if (!parse(packet, document))
         return {};
-    return Correction(width, height).apply(document) ? written(document) : packet;
+    Correction correction(width, height);
+    correction.apply(document);
+    if (correction.damaged())
+        return {};
+    return correction.changed() ? written(document) : packet;
 }
 
 PhotoExtras xmpExtras(std::string_view packet) {

@@ -114,6 +114,14 @@ TEST(Xmp, whatIsNoPacketIsLeftOut) {
         EXPECT_EQ(corrected(text), "") << text;
 }
 
+TEST(Xmp, anAttributeThatIsThereTwiceIsNoXml) {
+    const std::string two = tiff + " xmlns:t=\"http://ns.adobe.com/tiff/1.0/\" tiff:Orientation=\"6\"";
+    EXPECT_EQ(corrected(packet(two + " tiff:Orientation=\"8\"")), "");
+    EXPECT_EQ(corrected(packet(two + " t:Orientation=\"8\"")), "");
+    EXPECT_EQ(corrected(packet(" xmlns:n=\"http://ns.adobe.com/xmp/note/\" n:HasExtendedXMP='0' n:HasExtendedXMP='1'")),
+              "");
+}
+
 TEST(Xmp, entitiesAreNeverDefinedAndNeverExpanded) {
     const std::string bomb = "<!DOCTYPE x [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;\">]>";
     EXPECT_EQ(corrected(bomb + packet(tiff + " tiff:Orientation=\"6\" tiff:Make=\"&b;\"")), "");
