@@ -93,10 +93,11 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media
     const EyeSize eye = eyeSize(settings, info.width, info.height);
     media::FrameReader reader(source.movie, info.track, media::Views::base);
 
-    media::MovieWriter::requireSize(output.path(), eye.width,
-                                    eye.height); // larger ones would overflow the settings' arithmetic
-    media::StereoVideoEncoding encoding = stereoVideoEncoding(outputSettings(settings, eye, source.timing.rate, system),
-                                                              source.frameRate(), info.track.colour);
+    // Larger ones would overflow the settings' arithmetic.
+    media::MovieWriter::requireSize(output.path(), eye.width, eye.height);
+    media::StereoVideoEncoding encoding = stereoVideoEncoding(settings, eye, source.timing.rate, system);
+    encoding.frameRate = source.frameRate();
+    encoding.colour = info.track.colour;
     encoding.pixelAspect = outputPixelAspect(settings, info);
     requireSpace(output, source.estimatedBytes(encoding.averageBitRate));
 

@@ -36,35 +36,25 @@ template <std::size_t Count> std::vector<std::int64_t> listOf(const std::array<s
     return {identifiers.begin(), identifiers.end()};
 }
 
-EncoderProperties compressionProperties(const ConversionSettings &settings, const EyeSize &eye, double fps,
-                                        SystemVersion system) {
+EncoderProperties compressionProperties(const media::StereoVideoEncoding &encoding, SystemVersion system) {
     EncoderProperties table{
         {"kVTCompressionPropertyKey_MVHEVCVideoLayerIDs", listOf(MVHEVCVideoLayerIDs)},
         {"kVTCompressionPropertyKey_MVHEVCViewIDs", listOf(MVHEVCViewIDs)},
         {"kVTCompressionPropertyKey_MVHEVCLeftAndRightViewIDs", listOf(MVHEVCLeftAndRightViewIDs)},
-        {"kVTCompressionPropertyKey_HasLeftStereoEyeView", true},
-        {"kVTCompressionPropertyKey_HasRightStereoEyeView", true},
-        {"kVTCompressionPropertyKey_AverageBitRate", spatialBitRate(eye, fps, settings.compressionQuality)},
+        {"kVTCompressionPropertyKey_HasLeftStereoEyeView", encoding.hasLeftEye},
+        {"kVTCompressionPropertyKey_HasRightStereoEyeView", encoding.hasRightEye},
+        {"kVTCompressionPropertyKey_AverageBitRate", encoding.averageBitRate},
         {"kVTCompressionPropertyKey_ProfileLevel", std::string("kVTProfileLevel_HEVC_Main_AutoLevel")},
     };
-    if (system >= projectionKind)
+    if (encoding.rectilinear)
         table.push_back({"kVTCompressionPropertyKey_ProjectionKind",
                          std::string("kCMFormatDescriptionProjectionKind_Rectilinear")});
-    table.push_back({"kVTCompressionPropertyKey_StereoCameraBaseline", baselineInMicrometres(settings.stereoBaseline)});
+    table.push_back({"kVTCompressionPropertyKey_StereoCameraBaseline", encoding.baseline});
     table.push_back({system >= fieldOfViewKey ? "kVTCompressionPropertyKey_HorizontalFieldOfView"
                                               : "kCMFormatDescriptionExtension_HorizontalFieldOfView",
-                     fieldOfViewInThousandths(settings.horizontalFOV)});
-    table.push_back({"kVTCompressionPropertyKey_HorizontalDisparityAdjustment",
-                     disparityInTenThousandths(settings.disparityAdjustment)});
+                     encoding.horizontalFieldOfView});
+    table.push_back({"kVTCompressionPropertyKey_HorizontalDisparityAdjustment", encoding.disparityAdjustment});
     return table;
-}
-
-/// An entry that the table always has.
-template <typename Value> const Value &entry(const EncoderProperties &table, std::string_view key) {
-    const Value *value = find<Value>(table, key);
-    if (!value)
-        fatal("an entry of the encoder's settings is missing");
-    return *value;
 }
 
 /// Sizes beyond the media layer's limits stay beyond them, so that it refuses them.
@@ -111,7 +101,8 @@ EncoderProperties outputSettings(const ConversionSettings &settings, const EyeSi
         {"AVVideoCodecKey", std::string("AVVideoCodecTypeHEVC")},
         {"AVVideoWidthKey", eye.width},
         {"AVVideoHeightKey", eye.height},
-        {"AVVideoCompressionPropertiesKey", compressionProperties(settings, eye, fps, system)},
+        {"AVVideoCompressionPropertiesKey",
+         compressionProperties(stereoVideoEncoding(settings, eye, fps, system), system)},
     };
 }
 
@@ -124,25 +115,17 @@ EncoderProperties pixelBufferAttributes(const EyeSize &eye) {
     };
 }
 
-media::StereoVideoEncoding stereoVideoEncoding(const EncoderProperties &outputSettings, double frameRate,
-                                               const media::ColourTags &colour) {
-    const auto &compression = entry<EncoderProperties>(outputSettings, "AVVideoCompressionPropertiesKey");
-    const auto *fieldOfView = find<std::uint32_t>(compression, "kVTCompressionPropertyKey_HorizontalFieldOfView");
-    if (!fieldOfView)
-        fieldOfView = &entry<std::uint32_t>(compression, "kCMFormatDescriptionExtension_HorizontalFieldOfView");
+media::StereoVideoEncoding stereoVideoEncoding(const ConversionSettings &settings, const EyeSize &eye, double fps,
+                                               SystemVersion system) {
     media::StereoVideoEncoding encoding;
-    encoding.width = side(entry<std::int64_t>(outputSettings, "AVVideoWidthKey"));
-    encoding.height = side(entry<std::int64_t>(outputSettings, "AVVideoHeightKey"));
-    encoding.averageBitRate = entry<std::int64_t>(compression, "kVTCompressionPropertyKey_AverageBitRate");
-    encoding.frameRate = frameRate;
-    encoding.colour = colour;
-    encoding.baseline = entry<std::uint32_t>(compression, "kVTCompressionPropertyKey_StereoCameraBaseline");
-    encoding.horizontalFieldOfView = *fieldOfView;
-    encoding.disparityAdjustment =
-        entry<std::int32_t>(compression, "kVTCompressionPropertyKey_HorizontalDisparityAdjustment");
-    encoding.hasLeftEye = entry<bool>(compression, "kVTCompressionPropertyKey_HasLeftStereoEyeView");
-    encoding.hasRightEye = entry<bool>(compression, "kVTCompressionPropertyKey_HasRightStereoEyeView");
-    encoding.rectilinear = find<std::string>(compression, "kVTCompressionPropertyKey_ProjectionKind") != nullptr;
+    encoding.width = side(eye.width);
+    encoding.height = side(eye.height);
+    encoding.averageBitRate = spatialBitRate(eye, fps, settings.compressionQuality);
+    encoding.frameRate = fps;
+    encoding.baseline = baselineInMicrometres(settings.stereoBaseline);
+    encoding.horizontalFieldOfView = fieldOfViewInThousandths(settings.horizontalFOV);
+    encoding.disparityAdjustment = disparityInTenThousandths(settings.disparityAdjustment);
+    encoding.rectilinear = system >= projectionKind;
     return encoding;
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "media/ColourTags.h"
 #include "media/MovieWriter.h"
 #include "model/ConversionSettings.h"
 #include "model/SystemVersion.h"
@@ -57,16 +56,16 @@ std::uint32_t baselineInMicrometres(double millimetres);
 std::uint32_t fieldOfViewInThousandths(double degrees);
 std::int32_t disparityInTenThousandths(double percent);
 
-/// What the video writer is asked for: codec, size of one eye, and the compression properties with the stereo metadata.
-/// `fps` is the rate used for encoding (30 where the source has none).
+/// What the encoder is asked for. `fps` is the rate used for encoding (30 where the source has none).
+media::StereoVideoEncoding stereoVideoEncoding(const ConversionSettings &settings, const EyeSize &eye, double fps,
+                                               SystemVersion system);
+
+/// The same as a table, for whoever asks for it: codec, size of one eye, and the compression properties with the stereo
+/// metadata.
 EncoderProperties outputSettings(const ConversionSettings &settings, const EyeSize &eye, double fps,
                                  SystemVersion system);
 
 /// The buffers that the eyes of a frame are handed over in.
 EncoderProperties pixelBufferAttributes(const EyeSize &eye);
-
-/// The media layer's request for a table of output settings. Frames follow each other at the given rate.
-media::StereoVideoEncoding stereoVideoEncoding(const EncoderProperties &outputSettings, double frameRate,
-                                               const media::ColourTags &colour);
 
 } // namespace lumetwin

@@ -184,19 +184,17 @@ TEST(PixelBufferAttributes, HaveFourEntries) {
     EXPECT_EQ(pixelBufferAttributes({960, 1080}), expected);
 }
 
-TEST(StereoVideoEncoding, IsMadeFromTheTable) {
+TEST(StereoVideoEncoding, HoldsTheUnitsOfTheFile) {
     ConversionSettings settings;
     settings.disparityAdjustment = -1.234;
     settings.stereoBaseline = 63.5;
     settings.horizontalFOV = 0;
     settings.compressionQuality = 0.8;
-    const media::ColourTags colour{9, 16, 9, media::ColourRange::full, media::ChromaLocation::topLeft};
-    const auto encoding = stereoVideoEncoding(outputSettings(settings, {960, 1080}, 30, newest), 30, colour);
+    const auto encoding = stereoVideoEncoding(settings, {960, 1080}, 30, newest);
     EXPECT_EQ(encoding.width, 960);
     EXPECT_EQ(encoding.height, 1080);
     EXPECT_EQ(encoding.averageBitRate, 3'732'480);
     EXPECT_EQ(encoding.frameRate, 30);
-    EXPECT_EQ(encoding.colour, colour);
     EXPECT_EQ(encoding.baseline, 63500U);
     EXPECT_EQ(encoding.horizontalFieldOfView, 0U);
     EXPECT_EQ(encoding.disparityAdjustment, -123);
@@ -205,16 +203,14 @@ TEST(StereoVideoEncoding, IsMadeFromTheTable) {
     EXPECT_TRUE(encoding.rectilinear);
 }
 
-TEST(StereoVideoEncoding, TakesEitherNameOfTheFieldOfViewAndNoProjection) {
-    const auto encoding =
-        stereoVideoEncoding(outputSettings(ConversionSettings(), {960, 1080}, 30, {14, 0, 0}), 30, {});
+TEST(StereoVideoEncoding, HasNoProjectionWhereTheSystemKnowsNone) {
+    const auto encoding = stereoVideoEncoding(ConversionSettings(), {960, 1080}, 30, {14, 0, 0});
     EXPECT_EQ(encoding.horizontalFieldOfView, 63400U);
     EXPECT_FALSE(encoding.rectilinear);
 }
 
 TEST(StereoVideoEncoding, KeepsSizesBeyondEveryLimitBeyondIt) {
-    const auto encoding =
-        stereoVideoEncoding(outputSettings(ConversionSettings(), {std::int64_t{1} << 33, -5}, 30, newest), 30, {});
+    const auto encoding = stereoVideoEncoding(ConversionSettings(), {std::int64_t{1} << 33, -5}, 30, newest);
     EXPECT_EQ(encoding.width, std::numeric_limits<int>::max());
     EXPECT_EQ(encoding.height, 0);
 }
