@@ -4,8 +4,10 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
+#include <exception>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 namespace lumetwin::media {
 
@@ -25,12 +27,16 @@ public:
         return true;
     }
 
-    /// Waits for an item. Nothing once the queue is closed and empty.
+    /// Waits for an item. Nothing once the queue is closed and empty; where it was closed by an error, that is thrown
+    /// first, once.
     std::optional<Item> pop() {
         std::unique_lock lock(mutex_);
         changed_.wait(lock, [&] { return closed_ || !items_.empty(); });
-        if (items_.empty())
+        if (items_.empty()) {
+            if (error_)
+                std::rethrow_exception(std::exchange(error_, nullptr));
             return std::nullopt;
+        }
         Item item = std::move(items_.front());
         items_.pop_front();
         changed_.notify_all();
@@ -44,11 +50,20 @@ public:
         changed_.notify_all();
     }
 
+    /// The same, because of an error that the taker is to know of.
+    void close(std::exception_ptr error) {
+        const std::lock_guard lock(mutex_);
+        closed_ = true;
+        error_ = std::move(error);
+        changed_.notify_all();
+    }
+
     /// Closes the queue and drops what waits in it.
     void discard() {
         std::deque<Item> dropped;
         const std::lock_guard lock(mutex_);
         closed_ = true;
+        error_ = nullptr;
         dropped.swap(items_);
         changed_.notify_all();
     }
@@ -59,6 +74,7 @@ private:
     std::deque<Item> items_;
     std::size_t bound_;
     bool closed_ = false;
+    std::exception_ptr error_;
 };
 
 } // namespace lumetwin::media

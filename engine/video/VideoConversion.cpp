@@ -2,15 +2,11 @@
 #include "engine/video/VideoConversion.h"
 
 #include "media/MediaError.h"
+#include "media/NamedThread.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <exception>
-#include <future>
-#include <thread>
-
-#include <pthread.h>
 
 namespace lumetwin {
 
@@ -23,42 +19,6 @@ constexpr double tellableDistance = 0.06; // seconds
 constexpr double bitsPerPixel = 0.15;
 constexpr std::int64_t smallestBitRate = 1'000'000;
 constexpr double largestBitRate = 9e18; // what a 64-bit integer holds
-
-/// A thread of the given name (at most 15 characters are kept) that passes an exception on.
-class NamedThread {
-public:
-    NamedThread(const char *name, std::function<void()> work)
-        : thread_([this, name, work = std::move(work)] {
-              pthread_setname_np(pthread_self(), name);
-              try {
-                  work();
-              } catch (...) {
-                  failure_ = std::current_exception();
-              }
-              end_.set_value();
-          }) {}
-    NamedThread(const NamedThread &) = delete;
-    NamedThread &operator=(const NamedThread &) = delete;
-    ~NamedThread() {
-        if (thread_.joinable())
-            thread_.join();
-    }
-
-    /// Whether the end came within that time.
-    bool endsWithin(std::chrono::milliseconds time) const { return ended_.wait_for(time) == std::future_status::ready; }
-
-    /// Waits for the end; the exception that ended it, if any.
-    std::exception_ptr wait() {
-        thread_.join();
-        return failure_;
-    }
-
-private:
-    std::exception_ptr failure_;
-    std::promise<void> end_;
-    std::future<void> ended_ = end_.get_future();
-    std::thread thread_;
-};
 
 void addNotes(VideoSource &source, bool copiesSound) {
     const media::OtherContents others = source.movie.otherContents();
@@ -123,7 +83,7 @@ Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, medi
                            const ThreadNames &names, const ConversionControl &control,
                            const std::function<FrameLoopResult()> &frameLoop) {
     FrameLoopResult result;
-    NamedThread video(names.video, [&] {
+    media::NamedThread video(names.video, [&] {
         try {
             result = frameLoop();
             if (!writer.failed() && !control.cancelled() && result.written == 0)
@@ -138,18 +98,20 @@ Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, medi
             writer.abandon();
         writer.finishVideo();
     });
-    std::optional<NamedThread> audio;
+    std::optional<media::NamedThread> audio;
     if (source.audio)
         audio.emplace(names.audio, [&] { copyAudio(*source.audio, writer, control, source.warnings); });
     // Both may wait for the writer: when the user cancels, it no longer lets anybody wait.
     while (!video.endsWithin(cancelInterval) || (audio && !audio->endsWithin(cancelInterval)))
         if (control.cancelled())
             writer.abandon();
-    if (audio)
-        audio->wait();
-    if (const std::exception_ptr failure = video.wait()) {
+    try {
+        if (audio)
+            audio->wait();
+        video.wait();
+    } catch (...) {
         writer.cancel();
-        std::rethrow_exception(failure);
+        throw;
     }
     Outcome outcome{writer.finish([&] { return control.cancelled(); }), result.written, source.expectedFrames(), {}};
     if (outcome.written)
