@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/ffmpeg/Ffmpeg.h"
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <span>
+
+namespace lumetwin::media::ffmpeg {
+
+/// Turns a track's packets into decoded frames. Damaged ones are passed over.
+class VideoDecoder {
+public:
+    /// Takes a decoded frame; false when no more are wanted.
+    using Sink = std::function<bool(FramePointer)>;
+
+    /// `file` is named in errors. Throws MediaError where there is no decoder for the track.
+    VideoDecoder(std::filesystem::path file, const AVStream &stream);
+
+    /// Both views of a multiview stream, each a frame of its own; before open(). False where the codec knows no views.
+    bool askForBothViews();
+    /// The track's parameter sets and the like, as the container has them.
+    std::span<const std::uint8_t> configuration() const;
+    void open();
+
+    /// Sends a packet (null: gives out what is under way). False once no more frames are wanted.
+    bool decode(const AVPacket *packet, const Sink &sink);
+
+    /// Whether data was damaged so far. Any thread.
+    bool damaged() const { return damaged_; }
+
+private:
+    bool receive(const Sink &sink);
+
+    std::filesystem::path file_;
+    Codec codec_;
+    std::atomic<bool> damaged_{false};
+};
+
+} // namespace lumetwin::media::ffmpeg
