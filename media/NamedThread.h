@@ -40,8 +40,11 @@ public:
         end_.get();
     }
 
-    /// The thread, for who waits for it instead.
-    std::thread release() { return std::move(thread_); }
+    /// The thread, for who waits for it instead. What its work holds goes when it ends.
+    std::thread release() {
+        end_ = {}; // which holds the work, too
+        return std::move(thread_);
+    }
 
 private:
     std::thread thread_;

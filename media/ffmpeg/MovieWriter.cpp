@@ -1,134 +1,88 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/MovieWriter.h"
 
-#include "media/BoundedQueue.h"
-#include "media/LingeringThreads.h"
 #include "media/ffmpeg/AudioEncoder.h"
-#include "media/ffmpeg/FileIO.h"
-#include "media/ffmpeg/MovieHeader.h"
-#include "media/ffmpeg/StereoEntry.h"
+#include "media/ffmpeg/EncodingThread.h"
+#include "media/ffmpeg/MovieCompletion.h"
+#include "media/ffmpeg/MovieMuxer.h"
 #include "media/ffmpeg/TrackBalance.h"
 
-#include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <exception>
-#include <future>
 #include <mutex>
 #include <optional>
-#include <thread>
-
-#include <pthread.h>
+#include <string>
 
 namespace lumetwin::media {
 
 namespace {
 
-using ffmpeg::check;
+using ffmpeg::TimedPicture;
 using ffmpeg::TrackBalance;
 
-constexpr MediaOperation operation = MediaOperation::write;
-// Pictures that wait for the encoder.
-constexpr std::size_t picturesAhead = 3;
-// How often a writer that waits for its encoder looks whether it is cancelled.
-constexpr std::chrono::milliseconds cancelInterval{20};
-// How long a writer that is cancelled waits for its encoder to stop.
-constexpr std::chrono::milliseconds patience{200};
-// A file that is never finished can be read up to its last fragment; each holds this much.
-constexpr const char *fragmentDuration = "2000000"; // microseconds
 constexpr int largestSide = 16384;
-
-/// How wide a row of pixels is shown, within what a header holds.
-int shownWidth(int width, PixelAspect aspect) {
-    return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{width} * aspect.width / aspect.height, 1, 65535));
-}
-
-struct FreeMuxer {
-    void operator()(AVFormatContext *context) const { avformat_free_context(context); }
-};
-using Muxer = std::unique_ptr<AVFormatContext, FreeMuxer>;
 
 /// Ends the work on a file that is being cancelled.
 struct Abandoned {};
 
-struct TimedPicture {
-    Picture left;
-    std::optional<Picture> right;
-    std::int64_t time;
-    std::int64_t duration;
+/// The first failure of several threads.
+class FirstFailure {
+public:
+    void keep(std::exception_ptr failure) {
+        const std::lock_guard lock(mutex_);
+        if (!failure_)
+            failure_ = std::move(failure);
+    }
+
+    bool happened() const {
+        const std::lock_guard lock(mutex_);
+        return failure_ != nullptr;
+    }
+
+    void rethrow() const {
+        const std::lock_guard lock(mutex_);
+        if (failure_)
+            std::rethrow_exception(failure_);
+    }
+
+private:
+    mutable std::mutex mutex_;
+    std::exception_ptr failure_;
+};
+
+struct SoundTrack {
+    ffmpeg::AudioEncoder encoder;
+    AVStream &stream;
+    int rate;
+};
+
+struct PictureTrack {
+    std::function<std::unique_ptr<ffmpeg::VideoTrackEncoder>(int timeScale)> makeEncoder;
+    AVStream &stream;
+    std::unique_ptr<ffmpeg::VideoTrackEncoder> encoder;
 };
 
 } // namespace
 
 struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
     OutputFile file;
-    const std::filesystem::path output;
-    std::optional<StereoVideoEncoding> stereo;
-    Container container;
-    MovieTags tags;
-    ffmpeg::FileIO io;
-    Muxer muxer;
-    std::optional<ffmpeg::AudioEncoder> audio;
-    AVStream *audioStream = nullptr;
-    int audioRate = 0;
-    std::function<std::unique_ptr<ffmpeg::VideoTrackEncoder>(int timeScale)> makeVideo;
-    std::unique_ptr<ffmpeg::VideoTrackEncoder> video;
-    AVStream *videoStream = nullptr;
-    int shownWidth = 0; ///< of the video, with square pixels
-    int shownHeight = 0;
+    ffmpeg::MovieMuxer muxer;
+    ffmpeg::MovieCompletion completion;
+    std::optional<SoundTrack> sound;
+    std::optional<PictureTrack> video;
     int timeScale = 600;
     TrackBalance balance;
-    BoundedQueue<TimedPicture> pictures{picturesAhead};
-    std::thread encoding;
-    std::future<void> encoded; ///< the thread has come to its end
-    std::mutex muxing;
-    std::mutex failing;
-    std::exception_ptr failure;
+    ffmpeg::EncodingThread encoding;
+    FirstFailure failure;
     std::atomic<bool> idle{false}; ///< failed or abandoned: appending does nothing
 
-    State(const OutputFile &outputFile, Container kind, MovieTags movieTags)
-        : file(outputFile), output(file.path()), container(kind), tags(std::move(movieTags)), io(file) {
-        AVFormatContext *context = nullptr;
-        check(avformat_alloc_output_context2(&context, nullptr, kind == Container::mpeg4 ? "mp4" : "mov", nullptr),
-              output, operation);
-        muxer.reset(context);
-        muxer->pb = io.context();
-    }
-
-    /// The writer lets go: what is encoded still will not be written.
-    void release() {
-        abandon();
-        leaveEncoding();
-    }
+    State(const OutputFile &output, Container container, MovieTags tags)
+        : file(output), muxer(output, container), completion(std::move(tags)) {}
 
     void abandon() {
         idle = true;
         balance.release();
-        pictures.discard();
-    }
-
-    void fail(std::exception_ptr error) {
-        {
-            const std::lock_guard lock(failing);
-            if (!failure)
-                failure = std::move(error);
-        }
-        abandon();
-    }
-
-    void joinEncoding() {
-        if (encoding.joinable())
-            encoding.join();
-    }
-
-    /// Waits for the encoder's thread if it ends soon.
-    void leaveEncoding() {
-        if (!encoding.joinable())
-            return;
-        if (encoded.wait_for(patience) == std::future_status::ready)
-            encoding.join();
-        else
-            lingering::leave(std::move(encoding));
+        encoding.discard();
     }
 
     template <typename Work> void guarded(const Work &work) {
@@ -137,189 +91,127 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
         } catch (const Abandoned &) {
             return;
         } catch (...) {
-            fail(std::current_exception());
+            failure.keep(std::current_exception());
+            abandon();
         }
     }
 
-    AVStream *addStream() {
-        AVStream *stream = avformat_new_stream(muxer.get(), nullptr);
-        if (!stream)
-            throw std::bad_alloc();
-        return stream;
+    ffmpeg::PacketSink sink(AVStream &stream, int unitsPerSecond) {
+        return [this, &stream, unitsPerSecond](AVPacket &packet) {
+            if (idle)
+                throw Abandoned();
+            muxer.write(packet, stream, {1, unitsPerSecond});
+        };
     }
 
-    void writePacket(AVPacket &packet, AVStream &stream, AVRational base) {
-        const std::lock_guard lock(muxing);
-        if (idle)
-            throw Abandoned();
-        packet.stream_index = stream.index;
-        av_packet_rescale_ts(&packet, base, stream.time_base);
-        check(av_interleaved_write_frame(muxer.get(), &packet), output, operation);
-    }
-
-    ffmpeg::PacketSink videoSink() {
-        return [this](AVPacket &packet) { writePacket(packet, *videoStream, {1, timeScale}); };
-    }
-
-    ffmpeg::PacketSink audioSink() {
-        return [this](AVPacket &packet) { writePacket(packet, *audioStream, {1, audioRate}); };
-    }
-
-    void encodePictures() {
-        pthread_setname_np(pthread_self(), "encode");
-        guarded([&] {
-            const ffmpeg::PacketSink sink = videoSink();
-            while (std::optional<TimedPicture> next = pictures.pop())
-                video->encode(next->left, next->right ? &*next->right : nullptr, next->time, next->duration, sink);
-            if (!idle)
-                video->finish(sink);
-        });
+    template <typename Encoding> void addVideo(const Encoding &wanted) {
+        requireSize(file.path(), wanted.width, wanted.height);
+        completion.showPictures(wanted.width, wanted.height, wanted.pixelAspect);
+        const auto make = [path = file.path(), wanted](int scale) {
+            return ffmpeg::makeVideoEncoder(path, wanted, scale);
+        };
+        video.emplace(PictureTrack{make, muxer.addStream(), nullptr});
+        balance.add(TrackBalance::video);
     }
 
     void start(int scale) {
         timeScale = scale;
-        if (makeVideo) {
-            video = makeVideo(scale);
-            video->describe(*videoStream);
-            videoStream->time_base = {1, scale};
+        if (video) {
+            video->encoder = video->makeEncoder(scale);
+            video->encoder->describe(video->stream);
+            video->stream.time_base = {1, scale};
         }
-        writeHeader();
+        muxer.writeHeader(completion.tags(), scale);
         if (video)
-            startEncoding();
+            encoding.start([self = shared_from_this()] { self->encodePictures(); });
     }
 
-    void startEncoding() {
-        std::promise<void> end;
-        encoded = end.get_future();
-        encoding = std::thread([self = shared_from_this(), end = std::move(end)]() mutable {
-            self->encodePictures();
-            end.set_value();
+    void encodePictures() {
+        guarded([&] {
+            const ffmpeg::PacketSink packets = sink(video->stream, timeScale);
+            while (std::optional<TimedPicture> next = encoding.take())
+                video->encoder->encode(next->left, next->right ? &*next->right : nullptr, next->time, next->duration,
+                                       packets);
+            if (!idle)
+                video->encoder->finish(packets);
         });
-    }
-
-    void writeHeader() {
-        for (const auto &[key, value] : ffmpeg::muxerTags(tags))
-            av_dict_set(&muxer->metadata, key.c_str(), value.c_str(), 0);
-        AVDictionary *options = nullptr;
-        // Written in fragments, and turned into an ordinary movie at the end. Edit lists place the first picture and
-        // the first sound at 0; by itself the muxer writes none into fragments.
-        av_dict_set(&options, "movflags", "+hybrid_fragmented", 0);
-        av_dict_set(&options, "use_editlist", "1", 0);
-        av_dict_set(&options, "frag_duration", fragmentDuration, 0);
-        av_dict_set_int(&options, "video_track_timescale", timeScale, 0);
-        av_dict_set_int(&options, "movie_timescale", timeScale, 0);
-        const int code = avformat_write_header(muxer.get(), &options);
-        av_dict_free(&options);
-        check(code, output, operation);
     }
 
     void append(TimedPicture picture) {
         if (idle)
             return;
         const double time = static_cast<double>(picture.time) / timeScale;
-        pictures.push(std::move(picture));
+        encoding.give(std::move(picture));
         balance.reach(TrackBalance::video, time);
     }
 
-    void throwFailure() {
-        const std::lock_guard lock(failing);
-        if (failure)
-            std::rethrow_exception(failure);
+    void append(const AudioBlock &block) {
+        if (idle)
+            return;
+        guarded([&] { sound->encoder.encode(block, sink(sound->stream, sound->rate)); });
+        balance.reach(TrackBalance::audio, static_cast<double>(sound->encoder.taken()) / sound->rate);
     }
 
-    void completeStereoTrack(ffmpeg::MovieHeader &header) {
-        if (!ffmpeg::completeStereoEntry(header, *stereo))
-            throw MediaError(output, operation, 0, MediaReason::stereoTrackNotFound);
-        ffmpeg::addApertures(header, shownWidth, shownHeight);
-    }
-
-    /// Waits for the last pictures to be coded, or for the wish to cancel.
-    void drain(const std::function<bool()> &cancelled) {
-        pictures.close();
-        while (encoding.joinable() && !cancelled() && encoded.wait_for(cancelInterval) != std::future_status::ready)
-            continue;
+    void finishSound() {
+        if (!idle)
+            guarded([&] { sound->encoder.finish(sink(sound->stream, sound->rate)); });
+        balance.end(TrackBalance::audio);
     }
 
     void cancel() {
         abandon();
-        leaveEncoding();
-        throwFailure();
+        encoding.leave();
+        failure.rethrow();
     }
 
     bool finish(const std::function<bool()> &cancelled) {
-        if (cancelled)
-            drain(cancelled);
-        if (cancelled && cancelled()) {
-            cancel();
-            return false;
+        encoding.close();
+        if (cancelled) {
+            encoding.drain(cancelled);
+            if (cancelled()) {
+                cancel();
+                return false;
+            }
         }
-        complete();
+        encoding.join();
+        failure.rethrow();
+        muxer.finish();
+        completion.apply(file);
         return true;
-    }
-
-    void complete() {
-        pictures.close();
-        joinEncoding();
-        throwFailure();
-        check(av_write_trailer(muxer.get()), output, operation);
-        avio_flush(muxer->pb);
-        check(muxer->pb->error, output, operation);
-        ffmpeg::editMovieHeader(file, [&](ffmpeg::MovieHeader &header) {
-            ffmpeg::completeEditLists(header);
-            ffmpeg::removeFragmentDefaults(header);
-            if (videoStream)
-                ffmpeg::setPresentationSize(header, shownWidth, shownHeight);
-            if (stereo)
-                completeStereoTrack(header);
-            ffmpeg::addMetadata(header, ffmpeg::metadataItems(tags));
-        });
     }
 };
 
 void MovieWriter::requireSize(const std::filesystem::path &output, std::int64_t width, std::int64_t height) {
     if (width < 1 || height < 1 || width > largestSide || height > largestSide)
-        throw MediaError(output, operation, AVERROR(EINVAL), MediaReason::beyondFormat,
+        throw MediaError(output, MediaOperation::write, AVERROR(EINVAL), MediaReason::beyondFormat,
                          std::to_string(width) + " × " + std::to_string(height));
 }
 
 MovieWriter::MovieWriter(const OutputFile &output, Container container, MovieTags tags)
     : state_(std::make_shared<State>(output, container, std::move(tags))) {}
 
+/// What is encoded still will not be written.
 MovieWriter::~MovieWriter() {
-    state_->release();
+    state_->abandon();
+    state_->encoding.leave();
 }
 
 void MovieWriter::addAudio(const AudioEncoding &encoding) {
-    State &state = *state_;
-    state.audio.emplace(state.output, encoding);
-    state.audioRate = encoding.sampleRate;
-    state.audioStream = state.addStream();
-    state.audio->describe(*state.audioStream);
-    state.audioStream->time_base = {1, encoding.sampleRate};
-    state.balance.add(TrackBalance::audio);
+    ffmpeg::AudioEncoder encoder(state_->file.path(), encoding);
+    AVStream &stream = state_->muxer.addStream();
+    encoder.describe(stream);
+    stream.time_base = {1, encoding.sampleRate};
+    state_->sound.emplace(SoundTrack{std::move(encoder), stream, encoding.sampleRate});
+    state_->balance.add(TrackBalance::audio);
 }
 
 void MovieWriter::addVideo(const VideoEncoding &encoding) {
-    requireSize(state_->output, encoding.width, encoding.height);
-    state_->shownWidth = shownWidth(encoding.width, encoding.pixelAspect);
-    state_->shownHeight = encoding.height;
-    state_->makeVideo = [file = state_->output, encoding](int timeScale) {
-        return ffmpeg::makeVideoEncoder(file, encoding, timeScale);
-    };
-    state_->videoStream = state_->addStream();
-    state_->balance.add(TrackBalance::video);
+    state_->addVideo(encoding);
 }
 
 void MovieWriter::addVideo(const StereoVideoEncoding &encoding) {
-    requireSize(state_->output, encoding.width, encoding.height);
-    state_->stereo = encoding;
-    state_->shownWidth = shownWidth(encoding.width, encoding.pixelAspect);
-    state_->shownHeight = encoding.height;
-    state_->makeVideo = [file = state_->output, encoding](int timeScale) {
-        return ffmpeg::makeVideoEncoder(file, encoding, timeScale);
-    };
-    state_->videoStream = state_->addStream();
-    state_->balance.add(TrackBalance::video);
+    state_->addVideo(encoding);
+    state_->completion.describeStereo(encoding);
 }
 
 void MovieWriter::start(int timeScale) {
@@ -335,27 +227,20 @@ void MovieWriter::append(const Picture &left, const Picture &right, std::int64_t
 }
 
 void MovieWriter::append(const AudioBlock &block) {
-    State &state = *state_;
-    if (state.idle)
-        return;
-    state.guarded([&] { state.audio->encode(block, state.audioSink()); });
-    state.balance.reach(TrackBalance::audio, static_cast<double>(state.audio->taken()) / state.audioRate);
+    state_->append(block);
 }
 
 void MovieWriter::finishVideo() {
-    state_->pictures.close();
+    state_->encoding.close();
     state_->balance.end(TrackBalance::video);
 }
 
 void MovieWriter::finishAudio() {
-    if (!state_->idle)
-        state_->guarded([&] { state_->audio->finish(state_->audioSink()); });
-    state_->balance.end(TrackBalance::audio);
+    state_->finishSound();
 }
 
 bool MovieWriter::failed() const {
-    const std::lock_guard lock(state_->failing);
-    return state_->failure != nullptr;
+    return state_->failure.happened();
 }
 
 void MovieWriter::abandon() {

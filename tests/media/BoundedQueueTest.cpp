@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -56,6 +57,13 @@ TEST(NamedThread, hasItsNameAndPassesOnWhatItsWorkThrows) {
     EXPECT_THROW(thread.wait(), std::runtime_error);
     EXPECT_FALSE(thread.runs());
     EXPECT_EQ(std::string(name.data()), "spatial.video");
+}
+
+TEST(NamedThread, aReleasedOneLetsItsWorkGoWhenItEnds) {
+    const auto held = std::make_shared<int>(0);
+    NamedThread thread("work", [held] {});
+    thread.release().join();
+    EXPECT_EQ(held.use_count(), 1);
 }
 
 } // namespace
