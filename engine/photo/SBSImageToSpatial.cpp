@@ -9,6 +9,7 @@
 #include "engine/texts/MediaErrorTexts.h"
 #include "engine/texts/ProcessorError.h"
 #include "media/Compositor.h"
+#include "media/EyePair.h"
 #include "media/Image.h"
 #include "media/Memory.h"
 
@@ -64,10 +65,7 @@ media::Picture fittedEye(const media::Picture &source, const media::Placement &p
     return eye;
 }
 
-struct Eyes {
-    media::Picture left;
-    media::Picture right;
-};
+using Eyes = media::EyePair<media::Picture>;
 
 /// An eye in sRGB, its samples opaque.
 media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &profile,

@@ -29,7 +29,7 @@ EyeExtraction eyeExtraction(const ConversionSettings &settings, const EyeSize &e
     const media::Rect canvas{0, 0, static_cast<double>(eye.width), static_cast<double>(eye.height)};
     const media::Placement first{{0, 0, halfWidth, height}, target, canvas};
     const media::Placement second{{halfWidth, 0, halfWidth, height}, target, canvas};
-    EyeExtraction extraction{first, second, target == media::Rect{0, 0, halfWidth, height} && target == canvas};
+    EyeExtraction extraction{{first, second}, target == media::Rect{0, 0, halfWidth, height} && target == canvas};
     if (settings.swapLeftRight)
         std::swap(extraction.left, extraction.right);
     return extraction;

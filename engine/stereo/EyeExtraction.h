@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/video/StereoEncoderSettings.h"
+#include "media/EyePair.h"
 #include "media/Placement.h"
 #include "model/ConversionSettings.h"
 
@@ -10,9 +11,7 @@
 namespace lumetwin {
 
 /// How the two eyes of a side-by-side frame become pictures of their own. Computed once per file.
-struct EyeExtraction {
-    media::Placement left;
-    media::Placement right;
+struct EyeExtraction : media::EyePair<media::Placement> {
     /// The eyes are the frame's halves as they are: nothing is scaled.
     bool unscaled = true;
 };

@@ -5,6 +5,7 @@
 #include "engine/geometry/SBSGeometry.h"
 #include "engine/video/OutputSpace.h"
 #include "engine/video/VideoConversion.h"
+#include "media/EyePair.h"
 
 #include <algorithm>
 #include <limits>
@@ -16,13 +17,10 @@ namespace {
 // The first system that decodes both views.
 constexpr SystemVersion bothViews{14, 0, 0};
 
-struct Views {
-    media::Picture left;
-    media::Picture right;
-};
+using Eyes = media::EyePair<media::Picture>;
 
 /// The eyes of a frame by their tags; a frame of one view shows it to both.
-std::optional<Views> viewsOf(const media::Frame &frame) {
+std::optional<Eyes> eyesOf(const media::Frame &frame) {
     std::optional<media::Picture> left;
     std::optional<media::Picture> right;
     for (const media::TaggedPicture &tagged : frame.views()) {
@@ -37,7 +35,7 @@ std::optional<Views> viewsOf(const media::Frame &frame) {
         return std::nullopt;
     if (!right)
         right = left;
-    return Views{std::move(*left), std::move(*right)};
+    return Eyes{std::move(*left), std::move(*right)};
 }
 
 media::Container containerOf(SBSOutputFormat format) {
@@ -69,16 +67,16 @@ public:
                 break;
             if (frameCounter_ % 8 == 0 && control_.onFrameProgress)
                 control_.onFrameProgress(frameCounter_, timing_.totalFrames);
-            if (const std::optional<Views> views = viewsOf(*frame))
-                write(*views, *frame);
+            if (const std::optional<Eyes> eyes = eyesOf(*frame))
+                write(*eyes, *frame);
         }
         return {frameCounter_, clock_.farthestFromSound()};
     }
 
 private:
-    void write(const Views &views, const media::Frame &frame) {
+    void write(const Eyes &eyes, const media::Frame &frame) {
         media::Picture canvas = pool_.take();
-        composition_.compose(swap_ ? views.right : views.left, swap_ ? views.left : views.right, canvas);
+        composition_.compose(swap_ ? eyes.right : eyes.left, swap_ ? eyes.left : eyes.right, canvas);
         const OutputClock::Moment moment = clock_.next(frame);
         writer_.append(canvas, moment.time, moment.duration);
         ++frameCounter_;

@@ -62,15 +62,16 @@ std::uint64_t HeifPayload::size() const {
     return sum;
 }
 
-std::optional<HeifEyes> HeifFile::stereoEyes() const {
+std::optional<EyePair<std::size_t>> HeifFile::stereoEyes() const {
     if (stereoGroups.empty() || images.size() < 2)
         return std::nullopt;
     const HeifStereoGroup &group = stereoGroups.front();
-    return group.left && group.right ? HeifEyes{*group.left, *group.right} : HeifEyes{};
+    const auto pair = [](std::size_t left, std::size_t right) { return EyePair<std::size_t>{left, right}; };
+    return group.left && group.right ? pair(*group.left, *group.right) : pair(0, 1);
 }
 
 std::optional<std::int32_t> HeifFile::stereoDisparityAdjustment() const {
-    const std::optional<HeifEyes> eyes = stereoEyes();
+    const auto eyes = stereoEyes();
     if (!eyes)
         return std::nullopt;
     const auto left = images[eyes->left].disparityAdjustment;

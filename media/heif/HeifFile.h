@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/EyePair.h"
 #include "media/InputFile.h"
 
 #include <array>
@@ -96,14 +97,6 @@ struct HeifStereoGroup {
     std::optional<std::size_t> right;
 };
 
-/// Indexes of the images that a pair's eyes see.
-struct HeifEyes {
-    std::size_t left = 0;
-    std::size_t right = 1;
-
-    bool operator==(const HeifEyes &) const = default;
-};
-
 /// What the `meta` box of a HEIF file says (ISO/IEC 23008-12).
 struct HeifFile {
     std::vector<HeifImage> images;             ///< in the order in which the file announces its items
@@ -113,9 +106,9 @@ struct HeifFile {
     bool hasGainMap = false;                   ///< one of its items makes an image brighter on HDR screens
     bool hasDepthMap = false;                  ///< one of its auxiliary images holds distances or disparities
 
-    /// The images of the first stereo group. A group that lacks one of them means the file's first two images. Nothing
-    /// without a group, and for files of fewer than two images.
-    std::optional<HeifEyes> stereoEyes() const;
+    /// Indexes of the images of the first stereo group. A group that lacks one of them means the file's first two
+    /// images. Nothing without a group, and for files of fewer than two images.
+    std::optional<EyePair<std::size_t>> stereoEyes() const;
     /// The disparity adjustment of those images: the left one's, else the right one's.
     std::optional<std::int32_t> stereoDisparityAdjustment() const;
 };

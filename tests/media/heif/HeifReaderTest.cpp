@@ -82,12 +82,12 @@ TEST(HeifReader, theFirstStereoGroupCounts) {
     HeifBuilder heif;
     heif.item(1).item(2).item(3).group("ster", 8, {3, 2}).group("ster", 9, {2, 1});
     EXPECT_EQ(read(heif).stereoGroups.size(), 2u);
-    EXPECT_EQ(read(heif).stereoEyes(), (HeifEyes{2, 1}));
+    EXPECT_EQ(read(heif).stereoEyes(), (EyePair<std::size_t>{2, 1}));
 
     HeifBuilder thumbnails; // which are no images of the file
     thumbnails.item(1).item(2).item(3).item(4).refer("thmb", 3, {1}).refer("thmb", 4, {2});
     thumbnails.group("ster", 8, {3, 4}).group("ster", 9, {2, 1});
-    EXPECT_EQ(read(thumbnails).stereoEyes(), (HeifEyes{0, 1}));
+    EXPECT_EQ(read(thumbnails).stereoEyes(), (EyePair<std::size_t>{0, 1}));
 }
 
 TEST(HeifReader, seesThroughToneMapsAndAlternatives) {
@@ -178,13 +178,13 @@ TEST(HeifReader, aGroupThatLacksAnImageMeansTheFirstTwo) {
         const HeifFile file = read(heif);
         ASSERT_EQ(file.stereoGroups.size(), 1u);
         EXPECT_EQ(file.stereoGroups[0].entities.size(), entities.size());
-        EXPECT_EQ(file.stereoEyes(), (HeifEyes{0, 1})) << testing::PrintToString(entities);
+        EXPECT_EQ(file.stereoEyes(), (EyePair<std::size_t>{0, 1})) << testing::PrintToString(entities);
         EXPECT_EQ(file.stereoDisparityAdjustment(), 293);
     }
 }
 
 TEST(HeifReader, aGroupMeansTheImagesThatItNamesFirst) {
-    const std::vector<std::pair<std::vector<int>, HeifEyes>> complete{
+    const std::vector<std::pair<std::vector<int>, EyePair<std::size_t>>> complete{
         {{6, 3}, {1, 0}}, {{6, 3, 3}, {1, 0}}, {{6, 6}, {1, 1}}};
     for (const auto &[entities, eyes] : complete) {
         HeifBuilder heif = test::stereoGrids();
