@@ -5,21 +5,10 @@
 #include "media/heif/ImageList.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace lumetwin::media {
 
 namespace {
-
-/// Does something with a file's bytes; what fails there becomes an error that names the file.
-template <typename Action> auto withBytesOf(const InputFile &file, Action action) {
-    try {
-        const auto source = bmff::openFile(file);
-        return action(*source);
-    } catch (const bmff::FormatError &error) {
-        throw MediaError(file.path(), MediaOperation::read, 0, error.reason(), error.details());
-    }
-}
 
 double half(double number) {
     return number / 2;
@@ -55,13 +44,6 @@ std::optional<PixelIntrinsics> HeifImage::pixelIntrinsics() const {
     return pixels;
 }
 
-std::uint64_t HeifPayload::size() const {
-    std::uint64_t sum = 0;
-    for (const Extent &extent : extents)
-        sum += std::min(extent.size, std::numeric_limits<std::uint64_t>::max() - sum);
-    return sum;
-}
-
 std::optional<EyePair<std::size_t>> HeifFile::stereoEyes() const {
     if (stereoGroups.empty() || images.size() < 2)
         return std::nullopt;
@@ -79,21 +61,11 @@ std::optional<std::int32_t> HeifFile::stereoDisparityAdjustment() const {
 }
 
 HeifFile readHeifFile(const InputFile &file) {
-    return withBytesOf(file, [](const bmff::Source &source) { return heif::readHeif(source); });
-}
-
-std::vector<std::uint8_t> readHeifPayload(const InputFile &file, const HeifPayload &payload, std::uint64_t limit) {
-    return withBytesOf(file, [&](const bmff::Source &source) {
-        if (payload.size() > std::min(limit, source.size()))
-            throw bmff::FormatError("an item is too large");
-        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(payload.size()));
-        std::span<std::uint8_t> left(bytes);
-        for (const HeifPayload::Extent &extent : payload.extents) {
-            source.read(extent.position, left.first(static_cast<std::size_t>(extent.size)));
-            left = left.subspan(static_cast<std::size_t>(extent.size));
-        }
-        return bytes;
-    });
+    try {
+        return heif::readHeif(*bmff::openFile(file));
+    } catch (const bmff::FormatError &error) {
+        throw MediaError(file.path(), MediaOperation::read, 0, error.reason(), error.details());
+    }
 }
 
 } // namespace lumetwin::media

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace lumetwin::media {
@@ -44,16 +43,6 @@ struct HeifTransform {
                                             ///< each numerator and denominator
 };
 
-/// Where an item's bytes lie in the file, in order.
-struct HeifPayload {
-    struct Extent {
-        std::uint64_t position = 0;
-        std::uint64_t size = 0;
-    };
-    std::vector<Extent> extents;
-    std::uint64_t size() const;
-};
-
 /// `colr` of type `nclx`: code points of ITU-T H.273.
 struct HeifColour {
     int primaries = 2;
@@ -77,12 +66,9 @@ struct HeifImage {
     std::vector<HeifTransform> transforms;
     std::vector<std::uint8_t> bitDepths; ///< of `pixi`, one a channel
     std::optional<HeifColour> colour;
-    std::optional<HeifPayload> colourProfile; ///< an ICC profile
     std::optional<CameraIntrinsics> intrinsics;
     std::optional<std::array<std::int32_t, 3>> position; ///< of the camera, micrometres: x to the right
     std::optional<std::int32_t> disparityAdjustment;     ///< ten-thousandths of the image width
-    std::optional<HeifPayload> exif;                     ///< begins with the 4-byte offset of the TIFF header behind it
-    std::optional<HeifPayload> xmp;                      ///< an XMP packet
 
     /// In pixels of the image of the size `width` × `height`.
     std::optional<PixelIntrinsics> pixelIntrinsics() const;
@@ -116,10 +102,5 @@ struct HeifFile {
 /// Reads headers only and decodes nothing. Throws MediaError when the file is no HEIF file, an image sequence and
 /// nothing else, damaged, or beyond the limits.
 HeifFile readHeifFile(const InputFile &file);
-
-/// The bytes of one payload of the file that it was read from. Throws MediaError when they are more than the limit or
-/// not all there.
-std::vector<std::uint8_t> readHeifPayload(const InputFile &file, const HeifPayload &payload,
-                                          std::uint64_t limit = std::uint64_t{16} << 20);
 
 } // namespace lumetwin::media

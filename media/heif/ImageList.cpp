@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/heif/ImageList.h"
 
-#include "media/heif/ItemPayloads.h"
-
 #include <algorithm>
 #include <array>
 #include <numeric>
@@ -25,7 +23,6 @@ constexpr std::string_view gainMapKind = "urn:com:apple:photo:2020:aux:hdrgainma
 constexpr std::array<std::string_view, 3> depthKinds{"urn:mpeg:hevc:2015:auxid:2",
                                                      "urn:mpeg:mpegB:cicp:systems:auxiliary:depth",
                                                      "urn:com:apple:photo:2018:aux:disparity"};
-constexpr std::string_view xmpContentType = "application/rdf+xml";
 
 bool isImageType(std::uint32_t type) {
     return std::ranges::find(imageTypes, type) != imageTypes.end();
@@ -84,7 +81,6 @@ public:
         exclude();
         list();
         describe();
-        attachMetadata();
         file_.hasMovie = meta_.hasMovie;
         noteExtras();
         if (meta_.primaryItem)
@@ -187,8 +183,6 @@ private:
                 image.bitDepths = depths->channels;
             image.coding = codingOf(meta_.itemIndexes.at(image.item), image.encrypted);
             image.colour = copyOf<HeifColour>(item);
-            if (const auto *profile = property<ColourProfile>(item))
-                image.colourProfile = profile->payload;
             image.intrinsics = copyOf<CameraIntrinsics>(item);
             if (const auto *position = property<CameraPosition>(item))
                 image.position = position->micrometres;
@@ -235,30 +229,6 @@ private:
         }
         image.width = turned ? image.shownHeight : image.shownWidth;
         image.height = turned ? image.shownWidth : image.shownHeight;
-    }
-
-    void attachMetadata() {
-        ItemPayloads payloads(meta_);
-        for (const ItemReference &reference : meta_.references) {
-            const Item *item = meta_.item(reference.from);
-            if (reference.type != fourCC("cdsc") || !item)
-                continue;
-            const bool exif = item->type == fourCC("Exif");
-            const bool xmp = item->type == fourCC("mime") && item->contentType == xmpContentType && !item->encoded;
-            if (!exif && !xmp)
-                continue;
-            const std::optional<HeifPayload> payload = payloads.of(*item);
-            for (const std::uint32_t id : reference.to) {
-                const auto described = image(id);
-                if (!payload || !described)
-                    continue;
-                auto &place = exif ? file_.images[*described].exif : file_.images[*described].xmp;
-                if (place)
-                    continue;
-                payloads.count(payload->extents.size());
-                place = payload;
-            }
-        }
     }
 
     /// The image that an item's id stands for.

@@ -41,12 +41,7 @@ Property colour(const bmff::Source &source, const bmff::Box &box) {
     const auto size = std::min<std::uint64_t>(head.size(), box.payloadSize());
     source.read(box.begin, std::span(head).first(static_cast<std::size_t>(size)));
     Fields fields(std::span<const std::uint8_t>(head).first(static_cast<std::size_t>(size)));
-    const std::uint32_t type = fields.u32();
-    if (type == fourCC("nclx"))
-        return codePoints(fields);
-    if (type == fourCC("prof") || type == fourCC("rICC"))
-        return ColourProfile{{{{box.begin + 4, box.payloadSize() - 4}}}};
-    return {};
+    return fields.u32() == fourCC("nclx") ? codePoints(fields) : Property();
 }
 
 Property rotation(Fields fields) {

@@ -29,9 +29,6 @@ struct ImageSize {
 struct BitDepths {
     std::vector<std::uint8_t> channels;
 };
-struct ColourProfile {
-    HeifPayload payload;
-};
 struct CameraPosition {
     std::array<std::int32_t, 3> micrometres{};
 };
@@ -43,7 +40,7 @@ struct AuxiliaryImage {
 };
 
 /// An item property that means something here; the first alternative is any other one.
-using Property = std::variant<std::monostate, ImageSize, BitDepths, HeifColour, ColourProfile, HeifTransform,
+using Property = std::variant<std::monostate, ImageSize, BitDepths, HeifColour, HeifTransform,
                               CameraIntrinsics, CameraPosition, DisparityAdjustment, AuxiliaryImage>;
 
 /// Reads one box of `ipco`. Throws bmff::FormatError when it is damaged.

@@ -32,17 +32,6 @@ private:
     std::size_t left_;
 };
 
-std::string text(Fields &fields) {
-    std::string characters;
-    while (fields.left() > 0) {
-        const std::uint8_t character = fields.u8();
-        if (character == 0)
-            break;
-        characters.push_back(static_cast<char>(character));
-    }
-    return characters;
-}
-
 /// The payload of a box of this memory.
 std::span<const std::uint8_t> inside(std::span<const std::uint8_t> bytes, const Box &box) {
     return bytes.subspan(static_cast<std::size_t>(box.begin), static_cast<std::size_t>(box.payloadSize()));
@@ -50,12 +39,11 @@ std::span<const std::uint8_t> inside(std::span<const std::uint8_t> bytes, const 
 
 class Reader {
 public:
-    explicit Reader(const bmff::Source &source) : source_(source) { meta_.fileSize = source.size(); }
+    explicit Reader(const bmff::Source &source) : source_(source) {}
 
     MetaBox read() {
         const Box box = find();
         std::optional<Box> properties;
-        std::optional<Box> locations;
         bool pictures = false;
         BoxWalk walk = children(box, 4);
         for (Box child; walk.next(child);) {
@@ -69,22 +57,14 @@ public:
                 references(child);
             else if (child.type == fourCC("iprp"))
                 properties = child;
-            else if (child.type == fourCC("iloc"))
-                locations = child;
             else if (child.type == fourCC("grpl"))
                 groups(child);
-            else if (child.type == fourCC("idat")) {
-                meta_.itemDataBegin = child.begin;
-                meta_.itemDataEnd = child.end;
-            }
         }
         if (!pictures)
             throw FormatError("its items are no pictures");
-        // These two name items, which may come after them in the file.
+        // They name items, which may come after them in the file.
         if (properties)
             itemProperties(*properties);
-        if (locations)
-            itemLocations(*locations);
         return std::move(meta_);
     }
 
@@ -168,14 +148,8 @@ private:
         item.hidden = (head.flags & 1) != 0;
         item.id = head.version == 3 ? fields.u32() : fields.u16();
         item.encrypted = fields.u16() != 0; // index of the protection
-        if (head.version == 2 || head.version == 3) {
+        if (head.version == 2 || head.version == 3)
             item.type = fields.u32();
-            text(fields); // name
-            if (item.type == fourCC("mime")) {
-                item.contentType = text(fields);
-                item.encoded = !text(fields).empty();
-            }
-        }
         if (!meta_.itemIndexes.emplace(item.id, meta_.items.size()).second)
             throw FormatError("two items have the same number");
         meta_.items.push_back(std::move(item));
@@ -256,50 +230,6 @@ private:
         }
     }
 
-    static std::size_t fieldSize(int nibble) {
-        if (nibble != 0 && nibble != 4 && nibble != 8)
-            throw FormatError("the items' places have fields of an unknown size");
-        return static_cast<std::size_t>(nibble);
-    }
-
-    void itemLocations(const Box &box) {
-        const Bytes bytes = bmff::payload(source_, box, largestTable);
-        Fields fields(bytes);
-        const FullBoxHead head(fields);
-        if (head.version > 2)
-            throw FormatError("the items' places are of an unknown version");
-        const int sizes = fields.u16();
-        const std::size_t offsetSize = fieldSize(sizes >> 12);
-        const std::size_t lengthSize = fieldSize(sizes >> 8 & 15);
-        const std::size_t baseSize = fieldSize(sizes >> 4 & 15);
-        const std::size_t indexSize = head.version == 0 ? 0 : fieldSize(sizes & 15);
-        const std::uint32_t count = head.version < 2 ? fields.u16() : fields.u32();
-        for (std::uint32_t number = 0; number < count; ++number) {
-            Item *item = find(head.version < 2 ? fields.u16() : fields.u32());
-            ItemLocation location;
-            location.constructionMethod = head.version == 0 ? 0 : fields.u16() & 15;
-            location.inThisFile = fields.u16() == 0;
-            location.extents = extents(fields, fields.number(baseSize), indexSize, offsetSize, lengthSize);
-            if (item)
-                item->location = std::move(location);
-        }
-    }
-
-    std::vector<ItemLocation::Extent> extents(Fields &fields, std::uint64_t base, std::size_t indexSize,
-                                              std::size_t offsetSize, std::size_t lengthSize) {
-        const std::uint16_t count = fields.u16();
-        extentBudget_.take(count + std::size_t{1});
-        std::vector<ItemLocation::Extent> list(count);
-        for (ItemLocation::Extent &extent : list) {
-            extent.index = fields.number(indexSize);
-            extent.offset = base + fields.number(offsetSize);
-            extent.length = fields.number(lengthSize);
-            if (extent.offset < base)
-                throw FormatError("an item's place is wrong");
-        }
-        return list;
-    }
-
     Item *find(std::uint32_t id) {
         const auto found = meta_.itemIndexes.find(id);
         return found == meta_.itemIndexes.end() ? nullptr : &meta_.items[found->second];
@@ -312,7 +242,6 @@ private:
     Budget referenceBudget_{maximumReferences};
     Budget propertyBudget_{0x7fff}; // indexes have 15 bits
     Budget associationBudget_{maximumAssociations};
-    Budget extentBudget_{maximumExtents};
     Budget groupBudget_{maximumGroups};
     Budget entityBudget_{maximumEntities};
 };

@@ -12,27 +12,12 @@
 
 namespace lumetwin::media::heif {
 
-/// Where an item's bytes lie, as `iloc` has it (ISO/IEC 14496-12, 8.11.3).
-struct ItemLocation {
-    struct Extent {
-        std::uint64_t index = 0;
-        std::uint64_t offset = 0;
-        std::uint64_t length = 0; ///< 0: to the end of what the offset counts in
-    };
-    int constructionMethod = 0; ///< 0 file, 1 `idat`, 2 another item
-    bool inThisFile = true;
-    std::vector<Extent> extents;
-};
-
 struct Item {
     std::uint32_t id = 0;
     std::uint32_t type = 0;
     bool hidden = false;
     bool encrypted = false;                ///< protected in some way (`ipro`)
-    std::string contentType;               ///< of type `mime`
-    bool encoded = false;                  ///< of type `mime`: the bytes are compressed
     std::vector<std::uint16_t> properties; ///< indexes into MetaBox::properties, from 1, in order; 0 is none
-    ItemLocation location;
 };
 
 struct ItemReference {
@@ -56,9 +41,6 @@ struct MetaBox {
     std::vector<ItemReference> references;
     std::vector<Property> properties;
     std::vector<EntityGroup> groups;
-    std::uint64_t itemDataBegin = 0; ///< of `idat`, in the file
-    std::uint64_t itemDataEnd = 0;
-    std::uint64_t fileSize = 0;
     bool hasMovie = false; ///< the file holds a film or an image sequence, too
 
     const Item *item(std::uint32_t id) const;
@@ -68,7 +50,6 @@ struct MetaBox {
 inline constexpr std::size_t maximumItems = 65'536;
 inline constexpr std::size_t maximumReferences = 262'144;   ///< ids referred to, in all
 inline constexpr std::size_t maximumAssociations = 262'144; ///< of properties with items, in all
-inline constexpr std::size_t maximumExtents = 262'144;      ///< in all
 inline constexpr std::size_t maximumGroups = 256;
 inline constexpr std::size_t maximumEntities = 65'536; ///< in all groups
 

@@ -47,11 +47,6 @@ inline HeifFile readHeifFile(const std::filesystem::path &file) {
     return readHeifFile(InputFile(file));
 }
 
-inline std::vector<std::uint8_t> readHeifPayload(const std::filesystem::path &file, const HeifPayload &payload,
-                                                 std::uint64_t limit = std::uint64_t{16} << 20) {
-    return readHeifPayload(InputFile(file), payload, limit);
-}
-
 inline StereoMovieFacts readStereoMovieFacts(const std::filesystem::path &file) {
     try {
         return readStereoMovieFacts(InputFile(file));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/heif/HeifWriter.h"
 #include "media/MediaError.h"
+#include "media/heif/HeifReader.h"
 #include "tests/media/heif/CodedPictures.h"
 #include "tests/media/heif/HeifBuilder.h"
 #include "tests/support/Paths.h"
@@ -44,6 +45,10 @@ Bytes exifOf(const std::string &maker) {
                                 test::u16(2), test::u32(static_cast<std::uint32_t>(maker.size() + 1)), test::u32(26),
                                 test::u32(0), test::letters(maker), test::u8(0)});
     return bytes;
+}
+
+bool contains(const Bytes &bytes, const Bytes &part) {
+    return !std::ranges::search(bytes, part).empty();
 }
 
 std::string packetOf(const std::string &format) {
@@ -198,11 +203,15 @@ TEST(HeifWriter, describesEachEyeByItsOwnExifAndXmp) {
     pair.right.exif = exifOf("Right Maker");
     pair.left.xmp = packetOf("left packet");
     pair.right.xmp = packetOf("right packet");
-    const HeifFile file = writtenPair(folder / "a.heic", pair.left, pair.right);
+    writtenPair(folder / "a.heic", pair.left, pair.right);
+    const HeifReader reader{InputFile(folder / "a.heic")};
+    for (const auto &[index, eye] : {std::pair<std::size_t, const CodedImage &>{0, pair.left}, {1, pair.right}}) {
+        const ImageMetadata metadata = reader.read(index, PhotoSamples::coded, {}).metadata;
+        EXPECT_EQ(metadata.exif, eye.exif);
+        EXPECT_EQ(metadata.xmp, eye.xmp);
+    }
     const Bytes head = test::joined({test::u32(6), test::letters("Exif"), test::u16(0)});
-    EXPECT_EQ(readHeifPayload(folder / "a.heic", *file.images[0].exif), test::joined({head, pair.left.exif}));
-    EXPECT_EQ(readHeifPayload(folder / "a.heic", *file.images[1].exif), test::joined({head, pair.right.exif}));
-    EXPECT_EQ(readHeifPayload(folder / "a.heic", *file.images[1].xmp), test::letters(pair.right.xmp));
+    EXPECT_TRUE(contains(test::readFile(folder / "a.heic"), test::joined({head, pair.left.exif})));
     const auto judge = test::runProgram(
         {"exiftool", "-a", "-G1", "-Make", "-XMP-dc:Format", "-ImageSize", "-warning", (folder / "a.heic").string()});
     if (judge.status == 127)
@@ -255,8 +264,8 @@ TEST(HeifWriter, embedsAProfileBesideTheColourTags) {
     eye.colourProfile = test::letters("a profile");
     eye.colour = HeifColour{9, 16, 9, false};
     const HeifFile file = writtenPair(folder / "a.heic", eye, eye);
+    EXPECT_TRUE(contains(test::readFile(folder / "a.heic"), test::box("colr", test::letters("profa profile"))));
     for (const HeifImage &image : file.images) {
-        EXPECT_EQ(readHeifPayload(folder / "a.heic", image.colourProfile.value()), test::letters("a profile"));
         EXPECT_EQ(image.colour->primaries, 9);
         EXPECT_EQ(image.colour->transfer, 16);
         EXPECT_FALSE(image.colour->fullRange);
