@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/bmff/BoxReader.h"
 
+#include "media/bmff/BigEndian.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -102,10 +104,7 @@ bool BoxWalk::next(Box &box) {
 }
 
 std::uint64_t Fields::number(std::size_t size) {
-    std::uint64_t value = 0;
-    for (const std::uint8_t byte : bytes(size))
-        value = value << 8 | byte;
-    return value;
+    return bigEndian(bytes(size));
 }
 
 std::span<const std::uint8_t> Fields::bytes(std::size_t size) {

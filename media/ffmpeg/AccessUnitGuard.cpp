@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/AccessUnitGuard.h"
 
+#include "media/bmff/BigEndian.h"
+
 #include "media/hevc/NalUnits.h"
 #include "media/hevc/SequenceParameterSet.h"
 
@@ -32,10 +34,7 @@ bool isTheOnly(int value, std::optional<int> &first) {
 }
 
 std::size_t number(Bytes bytes, std::size_t at, int size) {
-    std::size_t value = 0;
-    for (int index = 0; index < size; ++index)
-        value = value << 8 | bytes[at + static_cast<std::size_t>(index)];
-    return value;
+    return static_cast<std::size_t>(bmff::bigEndian(bytes.subspan(at, static_cast<std::size_t>(size))));
 }
 
 } // namespace

@@ -1,38 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/HeaderBoxes.h"
 
+#include "media/bmff/BigEndian.h"
+
 #include <cstring>
 
 namespace lumetwin::media::ffmpeg {
 
 std::uint32_t get32(const std::uint8_t *bytes) {
-    return static_cast<std::uint32_t>(bytes[0]) << 24 | bytes[1] << 16 | bytes[2] << 8 | bytes[3];
+    return static_cast<std::uint32_t>(bmff::bigEndian({bytes, 4}));
 }
 
 void put32(std::uint8_t *bytes, std::uint32_t value) {
-    for (int index = 0; index < 4; ++index)
-        bytes[index] = static_cast<std::uint8_t>(value >> (24 - 8 * index));
-}
-
-void append32(MovieHeader &bytes, std::uint32_t value) {
-    bytes.resize(bytes.size() + 4);
-    put32(bytes.data() + bytes.size() - 4, value);
-}
-
-void appendText(MovieHeader &bytes, std::string_view text) {
-    bytes.insert(bytes.end(), text.begin(), text.end());
-}
-
-void append(MovieHeader &bytes, const MovieHeader &more) {
-    bytes.insert(bytes.end(), more.begin(), more.end());
-}
-
-MovieHeader box(std::string_view type, const MovieHeader &payload) {
-    MovieHeader bytes;
-    append32(bytes, static_cast<std::uint32_t>(payload.size() + 8));
-    appendText(bytes, type);
-    append(bytes, payload);
-    return bytes;
+    bmff::putBigEndian({bytes, 4}, value);
 }
 
 std::optional<Range> child(const MovieHeader &header, std::size_t begin, std::size_t end, std::string_view type) {

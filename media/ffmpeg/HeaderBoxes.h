@@ -13,12 +13,6 @@ namespace lumetwin::media::ffmpeg {
 
 std::uint32_t get32(const std::uint8_t *bytes);
 void put32(std::uint8_t *bytes, std::uint32_t value);
-void append32(MovieHeader &bytes, std::uint32_t value);
-void appendText(MovieHeader &bytes, std::string_view text);
-void append(MovieHeader &bytes, const MovieHeader &more);
-
-/// A box with its payload, as bytes.
-MovieHeader box(std::string_view type, const MovieHeader &payload);
 
 struct Range {
     std::size_t begin; ///< of the box, header included

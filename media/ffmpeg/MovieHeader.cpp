@@ -2,6 +2,7 @@
 #include "media/ffmpeg/MovieHeader.h"
 
 #include "media/MediaError.h"
+#include "media/bmff/BoxWriter.h"
 #include "media/ffmpeg/HeaderBoxes.h"
 
 #include <algorithm>
@@ -13,6 +14,9 @@
 namespace lumetwin::media::ffmpeg {
 
 namespace {
+
+using bmff::box;
+using bmff::FieldWriter;
 
 constexpr MediaOperation operation = MediaOperation::complete;
 
@@ -146,31 +150,22 @@ void setPresentationSize(MovieHeader &header, int width, int height) {
 void addMetadata(MovieHeader &header, const MovieTags &items) {
     if (items.empty())
         return;
-    MovieHeader handler(8, 0);
-    appendText(handler, "mdta");
-    handler.resize(handler.size() + 13, 0);
-    MovieHeader keys(4, 0);
-    MovieHeader list;
-    append32(keys, static_cast<std::uint32_t>(items.size()));
+    FieldWriter keys;
+    FieldWriter list;
+    keys.u32(0).u32(items.size());
     std::uint32_t index = 0;
     for (const auto &[key, value] : items) {
-        MovieHeader name;
-        appendText(name, key);
-        const MovieHeader entry = box("mdta", name);
-        keys.insert(keys.end(), entry.begin(), entry.end());
-        MovieHeader data;
-        append32(data, 1); // UTF-8 text
-        append32(data, 0); // no particular locale
-        appendText(data, value);
-        std::array<char, 4> number{};
-        put32(reinterpret_cast<std::uint8_t *>(number.data()), ++index);
-        const MovieHeader item = box({number.data(), 4}, box("data", data));
-        list.insert(list.end(), item.begin(), item.end());
+        keys.append(box("mdta", FieldWriter().text(key)));
+        constexpr std::uint32_t utf8 = 1;
+        constexpr std::uint32_t anyLocale = 0;
+        const auto number = FieldWriter().u32(++index); // in the place of a type
+        const std::string_view type(reinterpret_cast<const char *>(number.bytes().data()), number.bytes().size());
+        list.append(box(type, box("data", FieldWriter().u32(utf8).u32(anyLocale).text(value))));
     }
-    MovieHeader payload = box("hdlr", handler);
-    for (const MovieHeader &part : {box("keys", keys), box("ilst", list)})
-        payload.insert(payload.end(), part.begin(), part.end());
-    const MovieHeader meta = box("meta", payload);
+    const MovieHeader meta = box("meta", FieldWriter()
+                                             .append(box("hdlr", FieldWriter().zeros(8).text("mdta").zeros(13)))
+                                             .append(box("keys", keys))
+                                             .append(box("ilst", list)));
     header.insert(header.end(), meta.begin(), meta.end());
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/StereoEntry.h"
 
+#include "media/bmff/BoxWriter.h"
 #include "media/ffmpeg/HeaderBoxes.h"
 
 #include <cstring>
@@ -8,6 +9,10 @@
 namespace lumetwin::media::ffmpeg {
 
 namespace {
+
+using bmff::box;
+using bmff::FieldWriter;
+using bmff::fullBox;
 
 // ISO/IEC 14496-12, 12.1.3: SampleEntry (8) and VisualSampleEntry (70) before the child boxes.
 constexpr std::size_t entryFields = 78;
@@ -20,38 +25,24 @@ constexpr std::uint8_t leftEye = 1;
 constexpr std::uint8_t rightEye = 2;
 constexpr std::uint8_t leftIsHero = 1;
 
-MovieHeader fullBox(std::string_view type, const MovieHeader &payload) {
-    MovieHeader versioned(4, 0);
-    append(versioned, payload);
-    return box(type, versioned);
-}
-
-MovieHeader number(std::uint32_t value) {
-    MovieHeader bytes;
-    append32(bytes, value);
-    return bytes;
-}
-
 MovieHeader joined(std::initializer_list<MovieHeader> parts) {
-    MovieHeader bytes;
+    FieldWriter bytes;
     for (const MovieHeader &part : parts)
-        append(bytes, part);
-    return bytes;
+        bytes.append(part);
+    return bytes.bytes();
 }
 
 MovieHeader videoExtendedUsage(const StereoVideoEncoding &encoding) {
-    const auto eyes =
-        static_cast<std::uint8_t>((encoding.hasLeftEye ? leftEye : 0) | (encoding.hasRightEye ? rightEye : 0));
-    MovieHeader payload =
-        box("eyes",
-            joined({fullBox("stri", {eyes}), fullBox("hero", {leftIsHero}),
-                    box("cams", fullBox("blin", number(encoding.baseline))),
-                    box("cmfy", fullBox("dadj", number(static_cast<std::uint32_t>(encoding.disparityAdjustment))))}));
-    MovieHeader rectilinear;
-    appendText(rectilinear, "rect");
+    const int eyes = (encoding.hasLeftEye ? leftEye : 0) | (encoding.hasRightEye ? rightEye : 0);
+    const MovieHeader baseline = fullBox("blin", 0, FieldWriter().u32(encoding.baseline));
+    const MovieHeader disparity = fullBox("dadj", 0, FieldWriter().i32(encoding.disparityAdjustment));
+    FieldWriter usage;
+    usage.append(box("eyes", joined({fullBox("stri", 0, FieldWriter().u8(static_cast<std::uint64_t>(eyes))),
+                                     fullBox("hero", 0, FieldWriter().u8(leftIsHero)), box("cams", baseline),
+                                     box("cmfy", disparity)})));
     if (encoding.rectilinear)
-        append(payload, box("proj", fullBox("prji", rectilinear)));
-    return box("vexu", payload);
+        usage.append(box("proj", fullBox("prji", 0, FieldWriter().text("rect"))));
+    return box("vexu", usage);
 }
 
 /// Marks every array of a hvcC payload as complete (ISO/IEC 14496-15, 8.3.2.1): nothing of them is in the samples.
@@ -107,7 +98,7 @@ bool completeStereoEntry(MovieHeader &header, const StereoVideoEncoding &encodin
         return false;
     const MovieHeader boxes =
         joined({configuration, layered, taken("colr"), taken("fiel"), videoExtendedUsage(encoding),
-                box("hfov", number(encoding.horizontalFieldOfView)), taken("pasp"), taken("clap")});
+                box("hfov", FieldWriter().u32(encoding.horizontalFieldOfView)), taken("pasp"), taken("clap")});
     nameCodec(header, entry->begin + 8);
     path->push_back(*entry);
     replace(header, *path, begin, entry->end, boxes);
@@ -122,11 +113,12 @@ void addApertures(MovieHeader &header, int width, int height) {
         return;
     const std::uint8_t *fields = header.data() + path->back().begin + 16 + 8;
     const std::uint32_t coded = get32(fields + sizeField);
-    const MovieHeader shown =
-        joined({number(static_cast<std::uint32_t>(width) << 16), number(static_cast<std::uint32_t>(height) << 16)});
-    const MovieHeader encoded = joined({number(coded >> 16 << 16), number(coded << 16)});
+    const auto shown = FieldWriter()
+                           .u32(std::uint64_t{static_cast<std::uint32_t>(width)} << 16)
+                           .u32(std::uint64_t{static_cast<std::uint32_t>(height)} << 16);
+    const auto encoded = FieldWriter().u32(coded >> 16 << 16).u32(coded << 16);
     replace(header, {*track}, head->end, head->end,
-            box("tapt", joined({fullBox("clef", shown), fullBox("prof", shown), fullBox("enof", encoded)})));
+            box("tapt", joined({fullBox("clef", 0, shown), fullBox("prof", 0, shown), fullBox("enof", 0, encoded)})));
 }
 
 } // namespace lumetwin::media::ffmpeg

@@ -7,6 +7,8 @@
 
 namespace lumetwin::media::heif {
 
+using bmff::FieldWriter;
+
 namespace {
 
 constexpr int largestShift = 30;

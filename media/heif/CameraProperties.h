@@ -9,6 +9,8 @@
 
 namespace lumetwin::media::heif {
 
+using bmff::Bytes;
+
 /// The numbers of `cmin` (ISO/IEC 23008-12) as they are stored: value × 2^shift.
 struct FixedIntrinsics {
     struct Anisotropic {

@@ -6,6 +6,10 @@
 
 namespace lumetwin::media::heif {
 
+using bmff::box;
+using bmff::FieldWriter;
+using bmff::fullBox;
+
 namespace {
 
 constexpr std::uint32_t hiddenFlag = 1;

@@ -3,6 +3,7 @@
 #include "media/heif/ItemProperties.h"
 
 #include "media/heif/CameraProperties.h"
+#include "media/heif/ItemProperties.h"
 
 #include <algorithm>
 #include <limits>
@@ -11,6 +12,11 @@
 namespace lumetwin::media::heif {
 
 namespace {
+
+using bmff::box;
+using bmff::FieldWriter;
+using bmff::fullBox;
+using bmff::uuidBox;
 
 constexpr std::uint8_t essential = 0x80;
 constexpr std::string_view exifType = "Exif";

@@ -3,6 +3,7 @@
 
 #include "media/Abandonable.h"
 #include "media/MediaError.h"
+#include "media/bmff/BigEndian.h"
 #include "media/bmff/BoxReader.h"
 #include "media/colour/ColourProfile.h"
 #include "media/heif/HeifDocument.h"
@@ -120,8 +121,7 @@ std::vector<std::uint8_t> block(const heif_image_handle *handle, heif_item_id id
 std::vector<std::uint8_t> exifIn(const std::vector<std::uint8_t> &item) {
     if (item.size() < 4)
         return {};
-    const std::size_t offset =
-        (std::size_t{item[0]} << 24 | std::size_t{item[1]} << 16 | std::size_t{item[2]} << 8 | item[3]) + 4;
+    const auto offset = static_cast<std::size_t>(bmff::bigEndian(std::span(item).first(4))) + 4;
     if (offset >= item.size())
         return {};
     return {item.begin() + static_cast<std::ptrdiff_t>(offset), item.end()};

@@ -9,6 +9,8 @@ namespace lumetwin::media::heif {
 
 namespace {
 
+using bmff::FieldWriter;
+
 int typeOf(const Bytes &unit) {
     return unit.size() > hevc::nalHeaderBytes ? hevc::nalType(unit) : -1;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/jpeg/JpegExtras.h"
 
+#include "media/bmff/BigEndian.h"
 #include "media/metadata/ExifBytes.h"
 #include "media/metadata/Xmp.h"
 
@@ -127,8 +128,7 @@ private:
                 const std::uint8_t marker = markerAt(place);
                 if (marker == startOfScan || marker == endOfImage || marker == 0)
                     return;
-                const std::array<std::uint8_t, 2> size = read<2>(place + 2);
-                const std::uint64_t length = std::uint64_t{size[0]} << 8 | size[1];
+                const std::uint64_t length = bmff::bigEndian(read<2>(place + 2));
                 if (length < 2)
                     return;
                 segment(marker, place + 4, static_cast<std::size_t>(length - 2));

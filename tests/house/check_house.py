@@ -39,7 +39,7 @@ SUBJECTS = {
     "x265": ({"hevc"}, r"x265"),
     "colour": (set(), r"lcms2"),
     "metadata": ({"colour"}, None),
-    "ffmpeg": ({"hevc", "x265"}, r"libav\w+/|libsw\w+/"),
+    "ffmpeg": ({"bmff", "hevc", "x265"}, r"libav\w+/|libsw\w+/"),
     "rubberband": (set(), r"rubberband/"),
     "jpeg": ({"bmff", "colour", "metadata", "samples"}, r"jpeglib\.h|jerror\.h"),
     "png": ({"colour", "samples"}, r"png\w*\.h"),
