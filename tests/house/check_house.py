@@ -14,7 +14,7 @@ CODE = {".h", ".cpp"}
 SCRIPTS = {".sh", ".py", ".cmake"}
 HOUSE = ("model", "media", "engine", "worker", "tools", "ui", "app")
 CODEC_LIBRARIES = re.compile(
-    r"^(libav\w+/|libsw\w+/|x26[45]|libheif/|zimg|rubberband/|jpeglib\.h|jerror\.h|turbojpeg|png\w*\.h|tiff\w*\.h|lcms2)")
+    r"^(libav\w+/|libsw\w+/|x26[45]|libheif/|zimg|rubberband/|jpeglib\.h|jerror\.h|turbojpeg|png\w*\.h|tiff\w*\.h|lcms2|pugixml)")
 QT = re.compile(r"^(Q[A-Z]\w*|Qt\w*/)")
 STANDARD = re.compile(r"^[a-z0-9_]+$")
 SPDX = "SPDX-License-Identifier: GPL-3.0-or-later"
@@ -38,7 +38,7 @@ SUBJECTS = {
     "zimg": (set(), r"zimg"),
     "x265": ({"hevc"}, r"x265"),
     "colour": (set(), r"lcms2"),
-    "metadata": ({"colour"}, None),
+    "metadata": ({"colour"}, r"pugixml"),
     "ffmpeg": ({"bmff", "hevc", "x265"}, r"libav\w+/|libsw\w+/"),
     "rubberband": (set(), r"rubberband/"),
     "jpeg": ({"bmff", "colour", "metadata", "samples"}, r"jpeglib\.h|jerror\.h"),
@@ -186,6 +186,7 @@ PLANTED = [
     ("engine/A.cpp", "#include <png.h>"),
     ("engine/A.cpp", "#include <tiffio.h>"),
     ("engine/A.cpp", "#include <lcms2.h>"),
+    ("engine/A.cpp", "#include <pugixml.hpp>"),
     ("engine/A.cpp", "#include <QFile>"),
     ("engine/A.cpp", '#include "ui/A.h"'),
     ("engine/A.cpp", '#include "worker/A.h"'),
