@@ -2,6 +2,8 @@
 #include "media/AudioStretcher.h"
 
 #include "media/SpeedChanger.h"
+#include "media/ffmpeg/ResamplingChanger.h"
+#include "media/rubberband/PitchKeepingChanger.h"
 
 #include <algorithm>
 #include <cmath>

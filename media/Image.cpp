@@ -6,11 +6,14 @@
 #include "media/colour/PictureFor.h"
 #include "media/heif/HeifOutput.h"
 #include "media/heif/HeifReader.h"
-#include "media/jpeg/Jpeg.h"
 #include "media/jpeg/JpegExtras.h"
+#include "media/jpeg/JpegReader.h"
+#include "media/jpeg/JpegWriter.h"
 #include "media/metadata/CorrectedMetadata.h"
-#include "media/png/Png.h"
-#include "media/tiff/TiffImage.h"
+#include "media/png/PngReader.h"
+#include "media/png/PngWriter.h"
+#include "media/tiff/TiffReader.h"
+#include "media/tiff/TiffWriter.h"
 
 #include <algorithm>
 #include <array>

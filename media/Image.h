@@ -81,12 +81,6 @@ void writeImage(const OutputFile &file, ImageKind kind, StillImage image, double
 /// The tags that a JPEG file's samples have by definition (JFIF 1.02): full range, matrix of ITU-R BT.601.
 inline constexpr ColourTags jpegColour{1, 13, 6, ColourRange::full, ChromaLocation::centre};
 
-/// The picture's colours in sRGB: the same samples where its profile (or, without one, its tags) says sRGB already,
-/// else converted through it with perceptual intent to RGB. RGB samples are converted where they are: the picture must
-/// have no other user. Throws MediaError, which names the file, when the profile is unusable.
-Picture inSRGB(Picture picture, const std::vector<std::uint8_t> &iccProfile, const std::filesystem::path &file,
-               const Cancellation &cancellation = {});
-
 /// The largest picture that is read: samples of one plane.
 inline constexpr std::int64_t maximumPixels = std::int64_t{1} << 28;
 

@@ -2,8 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
-#include <span>
 #include <vector>
 
 namespace lumetwin::media {
@@ -20,11 +18,5 @@ public:
     virtual void change(const Channels &samples, Channels &ready) = 0;
     virtual void finish(Channels &ready) = 0;
 };
-
-/// Plain resampling: the pitch moves with the speed.
-std::unique_ptr<SpeedChanger> makeResamplingChanger(int channels, double ratio);
-
-/// Keeps the pitch.
-std::unique_ptr<SpeedChanger> makePitchKeepingChanger(int sampleRate, int channels, double ratio);
 
 } // namespace lumetwin::media

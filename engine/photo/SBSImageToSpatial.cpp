@@ -12,6 +12,7 @@
 #include "media/EyePair.h"
 #include "media/Image.h"
 #include "media/Memory.h"
+#include "media/SRGB.h"
 
 #include <future>
 #include <limits>

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/SRGB.h"
+
 #include "media/ColourConversion.h"
 #include "media/Image.h"
 #include "media/colour/ColourProfile.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/ffmpeg/TrackEncoder.h"
+#include "media/ffmpeg/Aperture.h"
 
 extern "C" {
 #include <libavutil/intreadwrite.h>

@@ -5,7 +5,9 @@
 #include "media/ffmpeg/EncodingThread.h"
 #include "media/ffmpeg/MovieCompletion.h"
 #include "media/ffmpeg/MovieMuxer.h"
+#include "media/ffmpeg/StereoTrackEncoder.h"
 #include "media/ffmpeg/TrackBalance.h"
+#include "media/ffmpeg/VideoEncoder.h"
 
 #include <atomic>
 #include <exception>

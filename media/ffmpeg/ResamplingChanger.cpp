@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/SpeedChanger.h"
+#include "media/ffmpeg/ResamplingChanger.h"
+
 #include "media/ffmpeg/Ffmpeg.h"
 
 extern "C" {

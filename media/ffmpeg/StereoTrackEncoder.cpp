@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ffmpeg/StereoTrackEncoder.h"
+
 #include "media/Padding.h"
+#include "media/ffmpeg/Aperture.h"
 #include "media/ffmpeg/Pictures.h"
-#include "media/ffmpeg/TrackEncoder.h"
 #include "media/x265/StereoEncoder.h"
 
 extern "C" {

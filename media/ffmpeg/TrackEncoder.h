@@ -26,18 +26,4 @@ public:
     virtual void finish(const PacketSink &sink) = 0;
 };
 
-/// `file` is named in errors.
-std::unique_ptr<VideoTrackEncoder> makeVideoEncoder(const std::filesystem::path &file, const VideoEncoding &encoding,
-                                                    int timeScale);
-
-/// As above, of two views.
-std::unique_ptr<VideoTrackEncoder> makeVideoEncoder(const std::filesystem::path &file,
-                                                    const StereoVideoEncoding &encoding, int timeScale);
-
-/// Tells the muxer to show only the given size of a larger coded picture (clean aperture, from the top left).
-void setAperture(AVStream &stream, int width, int height);
-
-/// Tells the muxer the shape of a pixel; square ones need no word.
-void setPixelAspect(AVStream &stream, PixelAspect aspect);
-
 } // namespace lumetwin::media::ffmpeg

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ffmpeg/VideoEncoder.h"
+
 #include "media/DecodingTimes.h"
 #include "media/Padding.h"
+#include "media/ffmpeg/Aperture.h"
 #include "media/ffmpeg/Pictures.h"
-#include "media/ffmpeg/TrackEncoder.h"
 
 extern "C" {
 #include <libavutil/opt.h>

@@ -4,6 +4,7 @@
 #include "media/MediaError.h"
 #include "media/SpatialPhoto.h"
 #include "media/colour/PictureFor.h"
+#include "media/heif/HevcConfiguration.h"
 #include "media/metadata/CorrectedMetadata.h"
 #include "media/x265/StillEncoder.h"
 

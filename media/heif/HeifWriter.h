@@ -15,10 +15,6 @@ namespace lumetwin::media::heif {
 
 using bmff::Bytes;
 
-/// Builds the payload of `hvcC` (ISO/IEC 14496-15, 8.3.3.1.2) for 4-byte lengths from NAL units: video, sequence and
-/// picture parameter set, without start codes. Throws std::invalid_argument when they are not what they should be.
-Bytes hevcConfiguration(const std::vector<Bytes> &parameterSets);
-
 /// The camera of one eye.
 struct Camera {
     double focalLength = 0;                 ///< pixels; may be infinite. With NaN no intrinsics are written.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/heif/HeifWriter.h"
+#include "media/heif/HevcConfiguration.h"
+
 #include "media/hevc/SequenceParameterSet.h"
 
 #include <algorithm>

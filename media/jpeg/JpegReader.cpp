@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/jpeg/JpegReader.h"
+
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
-#include "media/jpeg/Jpeg.h"
 #include "media/jpeg/JpegErrors.h"
 #include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/jpeg/JpegWriter.h"
+
 // A picture is cut into strips, which are converted and coded beside each other: each one is a restart interval of the
 // file that they make (ITU-T T.81, B.2).
 #include "media/MediaError.h"
 #include "media/colour/PictureFor.h"
-#include "media/jpeg/Jpeg.h"
 #include "media/jpeg/JpegErrors.h"
 #include "media/jpeg/JpegStrip.h"
 #include "media/samples/FileStream.h"

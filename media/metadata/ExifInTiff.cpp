@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/metadata/ExifInTiff.h"
+
 #include "media/MediaError.h"
-#include "media/metadata/ExifBlock.h"
 #include "media/metadata/ExifBytes.h"
 
 #include <array>

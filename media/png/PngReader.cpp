@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/png/PngReader.h"
+
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
-#include "media/png/Png.h"
 #include "media/png/PngErrors.h"
 #include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"

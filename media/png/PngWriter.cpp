@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/png/PngWriter.h"
+
 #include "media/MediaError.h"
-#include "media/png/Png.h"
 #include "media/png/PngErrors.h"
 #include "media/samples/FileStream.h"
 #include "media/samples/Rows.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/SpeedChanger.h"
+#include "media/rubberband/PitchKeepingChanger.h"
 
 #include <rubberband/RubberBandStretcher.h>
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/tiff/TiffReader.h"
+
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
-#include "media/metadata/ExifBlock.h"
+#include "media/metadata/ExifInTiff.h"
 #include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
 #include "media/tiff/Tiff.h"
-#include "media/tiff/TiffImage.h"
 
 #include <algorithm>
 #include <fstream>

@@ -6,6 +6,7 @@
 #include "media/Abandonable.h"
 #include "media/ColourConversion.h"
 #include "media/Compositor.h"
+#include "media/SRGB.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SpatialPhotos.h"
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/media/heif/CodedPictures.h"
 
+#include "media/heif/HevcConfiguration.h"
 #include "tests/support/TestMedia.h"
 
 #include <algorithm>

@@ -4,6 +4,7 @@
 #include "media/heif/HeifFile.h"
 #include "media/heif/HeifReader.h"
 #include "media/heif/HeifWriter.h"
+#include "media/heif/HevcConfiguration.h"
 #include "tests/support/Paths.h"
 #include "tests/support/SpatialPhotos.h"
 

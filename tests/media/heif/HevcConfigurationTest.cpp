@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/heif/HevcConfiguration.h"
 #include "media/heif/HeifWriter.h"
 #include "tests/media/heif/CodedPictures.h"
 #include "tests/media/heif/HeifBuilder.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/Photos.h"
 
+#include "media/SRGB.h"
 #include "media/metadata/ExifBlock.h"
 #include "tests/support/Paths.h"
 

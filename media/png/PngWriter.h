@@ -2,13 +2,10 @@
 #pragma once
 
 #include "media/Image.h"
-#include "media/InputFile.h"
 #include "media/OutputFile.h"
 
 namespace lumetwin::media::images {
 
-/// See readImage().
-StillImage readPng(const InputFile &file, const Cancellation &cancellation);
 /// Grey and RGB; metadata as it is handed over.
 void writePng(const OutputFile &file, const StillImage &image, const Cancellation &cancellation);
 

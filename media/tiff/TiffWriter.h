@@ -2,14 +2,10 @@
 #pragma once
 
 #include "media/Image.h"
-#include "media/InputFile.h"
 #include "media/OutputFile.h"
 
 namespace lumetwin::media::images {
 
-int tiffPageCount(const InputFile &file);
-/// See readImage().
-StillImage readTiff(const InputFile &file, const Cancellation &cancellation);
 /// Grey and RGB; metadata as it is handed over.
 void writeTiff(const OutputFile &file, const StillImage &image, const Cancellation &cancellation);
 

@@ -2,13 +2,10 @@
 #pragma once
 
 #include "media/Image.h"
-#include "media/InputFile.h"
 #include "media/OutputFile.h"
 
 namespace lumetwin::media::images {
 
-/// See readImage().
-StillImage readJpeg(const InputFile &file, const Cancellation &cancellation);
 /// Metadata as it is handed over. Converts the samples itself, strip by strip.
 void writeJpeg(const OutputFile &file, const StillImage &image, double quality, const Cancellation &cancellation);
 
