@@ -11,9 +11,6 @@ namespace lumetwin {
 
 namespace {
 
-// Frames between two reports of progress.
-constexpr std::int64_t progressInterval = 8;
-
 /// Cuts frames into pictures of the two eyes.
 class EyeCutter {
 public:
@@ -50,39 +47,6 @@ private:
     media::Compositor compositor_;
 };
 
-/// The frame loop of one file.
-class FrameLoop {
-public:
-    FrameLoop(EyeCutter cutter, const VideoSource &source, media::FrameReader &reader, media::MovieWriter &writer,
-              const ConversionControl &control)
-        : cutter_(std::move(cutter)), timing_(source.timing), clock_(source.timing, source.info.track), reader_(reader),
-          writer_(writer), control_(control) {}
-
-    FrameLoopResult run() {
-        while (!control_.cancelled() && !writer_.failed()) {
-            const std::optional<media::Frame> frame = reader_.next();
-            if (!frame || frame->count == 0)
-                break;
-            const media::Picture &picture = frame->pictures[0].picture;
-            const OutputClock::Moment moment = clock_.next(*frame);
-            writer_.append(cutter_.left(picture), cutter_.right(picture), moment.time, moment.duration);
-            if (frameIndex_ % progressInterval == 0 && control_.onFrameProgress)
-                control_.onFrameProgress(frameIndex_, timing_.totalFrames);
-            ++frameIndex_;
-        }
-        return {frameIndex_, clock_.farthestFromSound()};
-    }
-
-private:
-    EyeCutter cutter_;
-    VideoTiming timing_;
-    OutputClock clock_;
-    media::FrameReader &reader_;
-    media::MovieWriter &writer_;
-    const ConversionControl &control_;
-    std::int64_t frameIndex_ = 0;
-};
-
 } // namespace
 
 Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media::InputFile &input,
@@ -107,10 +71,14 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media
         writer.addAudio(source.audio->encoding);
     writer.start(source.timing.timeScale);
 
-    FrameLoop loop(EyeCutter(eyeExtraction(settings, eye, info.width, info.height), eye, info.track.colour), source,
-                   reader, writer, control);
-    return runVideoConversion(source, reader, writer, {"spatial.video", "spatial.audio"}, control,
-                              [&] { return loop.run(); });
+    EyeCutter cutter(eyeExtraction(settings, eye, info.width, info.height), eye, info.track.colour);
+    const auto writeFrame = [&](const media::Frame &frame, OutputClock &clock) {
+        const media::Picture &picture = frame.pictures[0].picture;
+        const OutputClock::Moment moment = clock.next(frame);
+        writer.append(cutter.left(picture), cutter.right(picture), moment.time, moment.duration);
+        return true;
+    };
+    return runVideoConversion(source, reader, writer, {"spatial.video", "spatial.audio"}, control, writeFrame);
 }
 
 } // namespace lumetwin

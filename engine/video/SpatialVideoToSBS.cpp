@@ -51,48 +51,6 @@ int pixels(std::int64_t size) {
     return static_cast<int>(std::clamp<std::int64_t>(size, 0, std::numeric_limits<int>::max()));
 }
 
-/// The frame loop of one file.
-class FrameLoop {
-public:
-    FrameLoop(const ConversionSettings &settings, const SBSGeometry &geometry, const VideoSource &source,
-              media::FrameReader &reader, media::MovieWriter &writer, const ConversionControl &control)
-        : swap_(settings.swapLeftRight), timing_(source.timing), clock_(source.timing, source.info.track),
-          reader_(reader), writer_(writer), control_(control), composition_(geometry),
-          pool_(pixels(geometry.outW), pixels(geometry.outH), media::yuv420, source.info.track.colour) {}
-
-    FrameLoopResult run() {
-        while (!control_.cancelled() && !writer_.failed()) {
-            const std::optional<media::Frame> frame = reader_.next();
-            if (!frame)
-                break;
-            if (frameCounter_ % 8 == 0 && control_.onFrameProgress)
-                control_.onFrameProgress(frameCounter_, timing_.totalFrames);
-            if (const std::optional<Eyes> eyes = eyesOf(*frame))
-                write(*eyes, *frame);
-        }
-        return {frameCounter_, clock_.farthestFromSound()};
-    }
-
-private:
-    void write(const Eyes &eyes, const media::Frame &frame) {
-        media::Picture canvas = pool_.take();
-        composition_.compose(swap_ ? eyes.right : eyes.left, swap_ ? eyes.left : eyes.right, canvas);
-        const OutputClock::Moment moment = clock_.next(frame);
-        writer_.append(canvas, moment.time, moment.duration);
-        ++frameCounter_;
-    }
-
-    bool swap_;
-    VideoTiming timing_;
-    OutputClock clock_;
-    media::FrameReader &reader_;
-    media::MovieWriter &writer_;
-    const ConversionControl &control_;
-    SBSComposition composition_;
-    media::PicturePool pool_;
-    std::int64_t frameCounter_ = 0;
-};
-
 } // namespace
 
 Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const media::InputFile &input,
@@ -123,8 +81,20 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const media
     writer.addVideo(encoding);
     writer.start(source.timing.timeScale);
 
-    FrameLoop loop(settings, geometry, source, reader, writer, control);
-    return runVideoConversion(source, reader, writer, {"sbs.video", "sbs.audio"}, control, [&] { return loop.run(); });
+    SBSComposition composition(geometry);
+    media::PicturePool pool(encoding.width, encoding.height, media::yuv420, info.track.colour);
+    const auto writeFrame = [&](const media::Frame &frame, OutputClock &clock) {
+        const std::optional<Eyes> eyes = eyesOf(frame);
+        if (!eyes)
+            return false;
+        media::Picture canvas = pool.take();
+        const bool swap = settings.swapLeftRight;
+        composition.compose(swap ? eyes->right : eyes->left, swap ? eyes->left : eyes->right, canvas);
+        const OutputClock::Moment moment = clock.next(frame);
+        writer.append(canvas, moment.time, moment.duration);
+        return true;
+    };
+    return runVideoConversion(source, reader, writer, {"sbs.video", "sbs.audio"}, control, writeFrame);
 }
 
 } // namespace lumetwin

@@ -13,9 +13,10 @@ namespace lumetwin {
 namespace {
 
 constexpr std::chrono::milliseconds cancelInterval{20};
-constexpr int outputDepth = 8;            // bits a sample
-constexpr double tellableSpeed = 0.5;     // percent
-constexpr double tellableDistance = 0.06; // seconds
+constexpr std::int64_t progressInterval = 8; // frames between two reports of progress
+constexpr int outputDepth = 8;               // bits a sample
+constexpr double tellableSpeed = 0.5;        // percent
+constexpr double tellableDistance = 0.06;    // seconds
 constexpr double bitsPerPixel = 0.15;
 constexpr std::int64_t smallestBitRate = 1'000'000;
 constexpr double largestBitRate = 9e18; // what a 64-bit integer holds
@@ -33,6 +34,27 @@ void addNotes(VideoSource &source, bool copiesSound) {
     note(WarningKind::rotationLeft, source.info.track.rotation);
     if (source.info.track.format.depth > outputDepth)
         note(WarningKind::depthReduced, source.info.track.format.depth);
+}
+
+struct FrameLoopResult {
+    std::int64_t written = 0;
+    double farthestFromSound = 0; ///< seconds
+};
+
+FrameLoopResult writeFrames(const VideoSource &source, media::FrameReader &reader, const media::MovieWriter &writer,
+                            const ConversionControl &control, const FrameWriter &writeFrame) {
+    OutputClock clock(source.timing, source.info.track);
+    std::int64_t written = 0;
+    while (!control.cancelled() && !writer.failed()) {
+        const std::optional<media::Frame> frame = reader.next();
+        if (!frame)
+            break;
+        if (written % progressInterval == 0 && control.onFrameProgress)
+            control.onFrameProgress(written, source.timing.totalFrames);
+        if (writeFrame(*frame, clock))
+            ++written;
+    }
+    return {written, clock.farthestFromSound()};
 }
 
 /// What is known once all frames are written.
@@ -80,12 +102,11 @@ double VideoSource::frameRate() const {
 }
 
 Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, media::MovieWriter &writer,
-                           const ThreadNames &names, const ConversionControl &control,
-                           const std::function<FrameLoopResult()> &frameLoop) {
+                           const ThreadNames &names, const ConversionControl &control, const FrameWriter &writeFrame) {
     FrameLoopResult result;
     media::NamedThread video(names.video, [&] {
         try {
-            result = frameLoop();
+            result = writeFrames(source, reader, writer, control, writeFrame);
             if (!writer.failed() && !control.cancelled() && result.written == 0)
                 throw media::MediaError(source.movie.path(), media::MediaOperation::decode, 0,
                                         media::MediaReason::noFrame);

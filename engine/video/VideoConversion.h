@@ -42,11 +42,8 @@ std::int64_t averageBitRate(double first, double second, double quality);
 /// That of the source; who asks for a size means it as it is shown.
 media::PixelAspect outputPixelAspect(const ConversionSettings &settings, const VideoInfo &info);
 
-/// What the frame loop of a conversion has done.
-struct FrameLoopResult {
-    std::int64_t written = 0;
-    double farthestFromSound = 0; ///< seconds
-};
+/// Writes what a frame shows, at the time that the clock gives it; returns whether it shows anything.
+using FrameWriter = std::function<bool(const media::Frame &frame, OutputClock &clock)>;
 
 /// The names of a conversion's threads.
 struct ThreadNames {
@@ -54,11 +51,10 @@ struct ThreadNames {
     const char *audio;
 };
 
-/// Runs the frame loop and the audio copy beside each other on threads of the given names and waits for both; then
-/// finishes the writer, or cancels it when the user asked for that. An error of the frame loop ends the file: the
+/// Writes frame after frame, and copies the sound, beside each other on threads of the given names; waits for both;
+/// then finishes the writer, or cancels it when the user asked for that. An error of the frames ends the file: the
 /// writer is cancelled and the error thrown; so it is where not one frame was written. Throws the writer's failure.
 Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, media::MovieWriter &writer,
-                           const ThreadNames &names, const ConversionControl &control,
-                           const std::function<FrameLoopResult()> &frameLoop);
+                           const ThreadNames &names, const ConversionControl &control, const FrameWriter &writeFrame);
 
 } // namespace lumetwin

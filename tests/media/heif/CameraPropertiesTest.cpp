@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/heif/CameraProperties.h"
+#include "media/bmff/BoxWriter.h"
 #include "media/heif/ItemProperties.h"
 #include "tests/media/heif/HeifBuilder.h"
 
@@ -11,6 +12,7 @@
 namespace lumetwin::media::heif {
 namespace {
 
+using bmff::uuidBox;
 using test::joined;
 using test::u32;
 
