@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/heif/FileLayout.h"
 #include "media/heif/ItemProperties.h"
+#include "media/heif/MetaBoxWriter.h"
 
 #include "media/heif/CameraProperties.h"
 #include "media/heif/ItemProperties.h"
+#include "media/heif/MetaBoxWriter.h"
 
 #include <algorithm>
 #include <limits>
@@ -103,25 +105,18 @@ std::span<const std::uint8_t> bytesOf(std::string_view text) {
 
 } // namespace
 
-std::uint64_t FileLayout::Item::size() const {
-    std::uint64_t sum = 0;
-    for (const Piece &piece : pieces)
-        sum += piece.head.size() + piece.body.size();
-    return sum;
-}
-
 FileLayout::Item &FileLayout::addItem(std::string_view type) {
     if (nextId_ > largestId)
         throw std::invalid_argument("there are too many tiles");
     Item item;
     item.id = nextId_++;
     item.type = type;
-    return items_.emplace_back(std::move(item));
+    return written_.items.emplace_back(std::move(item));
 }
 
 std::uint8_t FileLayout::addProperty(Bytes box) {
-    properties_.push_back(std::move(box));
-    return static_cast<std::uint8_t>(properties_.size()); // two images have a few dozen at most
+    written_.properties.push_back(std::move(box));
+    return static_cast<std::uint8_t>(written_.properties.size()); // two images have a few dozen at most
 }
 
 /// Adds what a decoder has to know: the essential colours, then the configuration.
@@ -180,7 +175,7 @@ std::uint32_t FileLayout::addImage(const CodedImage &image) {
         grid.pieces.push_back({gridPayload(image), {}});
         own.assign(coding.begin(), coding.end() - 1);
         own.push_back(addProperty(sizeBox(image.width, image.height)));
-        references_.push_back({"dimg", grid.id, tiles});
+        written_.references.push_back({"dimg", grid.id, tiles});
     } else {
         own = tileProperties;
     }
@@ -188,25 +183,25 @@ std::uint32_t FileLayout::addImage(const CodedImage &image) {
     addCamera(own, image);
     if (!isGrid(image) && (image.width != image.tileWidth || image.height != image.tileHeight))
         own.push_back(addProperty(apertureBox(image)) | essential);
-    items_.back().properties = std::move(own);
-    if (primary_ == 0)
-        primary_ = items_.back().id;
-    return items_.back().id;
+    written_.items.back().properties = std::move(own);
+    if (written_.primary == 0)
+        written_.primary = written_.items.back().id;
+    return written_.items.back().id;
 }
 
 void FileLayout::addStereoGroup(std::uint32_t left, std::uint32_t right, std::int64_t disparityAdjustment) {
     const std::uint8_t disparity = addProperty(uuidBox(disparityUuid, disparityPayload(disparityAdjustment)));
-    for (Item &item : items_)
+    for (Item &item : written_.items)
         if (item.id == left || item.id == right) {
             // What changes the picture (the aperture) comes after what describes it.
             const auto last = std::ranges::find_if(item.properties, [&](std::uint8_t index) {
-                const Bytes &bytes = properties_[(index & ~essential) - 1u];
+                const Bytes &bytes = written_.properties[(index & ~essential) - 1u];
                 return std::equal(bytes.begin() + 4, bytes.begin() + 8, "clap");
             });
             item.properties.insert(last, disparity);
         }
     // A group's number is unlike all items' numbers.
-    groups_ = box("grpl", fullBox("ster", 0, FieldWriter().u32(nextId_++).u32(2).u32(left).u32(right)));
+    written_.groups = box("grpl", fullBox("ster", 0, FieldWriter().u32(nextId_++).u32(2).u32(left).u32(right)));
 }
 
 void FileLayout::addMetadataItem(std::string_view type, std::uint32_t image, Piece piece) {
@@ -216,7 +211,7 @@ void FileLayout::addMetadataItem(std::string_view type, std::uint32_t image, Pie
     if (type == xmpType)
         item.contentType = "application/rdf+xml";
     item.pieces.push_back(std::move(piece));
-    references_.push_back({"cdsc", item.id, {image}});
+    written_.references.push_back({"cdsc", item.id, {image}});
 }
 
 void FileLayout::addExif(const CodedImage &image, std::uint32_t item) {
@@ -231,17 +226,8 @@ void FileLayout::addXmp(const CodedImage &image, std::uint32_t item) {
         addMetadataItem(xmpType, item, {{}, bytesOf(image.xmp)});
 }
 
-std::vector<const FileLayout::Item *> FileLayout::inDataOrder() const {
-    std::vector<const Item *> order;
-    for (const bool metadata : {true, false})
-        for (const Item &item : items_)
-            if (item.isMetadata == metadata && !item.inMeta)
-                order.push_back(&item);
-    return order;
-}
-
 void FileLayout::data(const std::function<void(std::span<const std::uint8_t>)> &take) const {
-    for (const Item *item : inDataOrder())
+    for (const Item *item : written_.inDataOrder())
         for (const Piece &piece : item->pieces) {
             take(piece.head);
             take(piece.body);
@@ -251,13 +237,13 @@ void FileLayout::data(const std::function<void(std::span<const std::uint8_t>)> &
 Bytes FileLayout::header() const {
     Bytes bytes = box("ftyp", FieldWriter().text("heic").u32(0).text("heic").text("mif1").bytes());
     std::uint64_t dataSize = 8;
-    for (const Item *item : inDataOrder())
+    for (const Item *item : written_.inDataOrder())
         dataSize += item->size();
     // The size of `meta` does not depend on where the data begins.
-    const std::uint64_t dataBegin = bytes.size() + meta(0).size() + 8;
+    const std::uint64_t dataBegin = bytes.size() + metaBox(written_, 0).size() + 8;
     if (dataBegin + dataSize > std::numeric_limits<std::uint32_t>::max())
         throw std::invalid_argument("the file would be beyond 4 GiB");
-    const Bytes description = meta(dataBegin);
+    const Bytes description = metaBox(written_, dataBegin);
     bytes.insert(bytes.end(), description.begin(), description.end());
     const Bytes dataHeader = FieldWriter().u32(dataSize).text("mdat").bytes();
     bytes.insert(bytes.end(), dataHeader.begin(), dataHeader.end());

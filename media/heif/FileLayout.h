@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/heif/HeifWriter.h"
+#include "media/heif/WrittenItems.h"
 
 #include <functional>
 #include <span>
@@ -29,28 +30,8 @@ public:
     void data(const std::function<void(std::span<const std::uint8_t>)> &take) const;
 
 private:
-    /// A part of an item's payload: bytes of its own, then bytes of an image.
-    struct Piece {
-        Bytes head;
-        std::span<const std::uint8_t> body;
-    };
-    struct Item {
-        std::uint32_t id = 0;
-        std::string_view type;
-        bool hidden = false;
-        bool isMetadata = false;
-        std::string_view contentType; ///< of `mime`
-        std::vector<Piece> pieces;
-        bool inMeta = false;                  ///< the payload stands in `idat`, not in the media data
-        std::vector<std::uint8_t> properties; ///< indexes from 1, the highest bit set for essential ones
-
-        std::uint64_t size() const;
-    };
-    struct Reference {
-        std::string_view type;
-        std::uint32_t from = 0;
-        std::vector<std::uint32_t> to;
-    };
+    using Item = WrittenItems::Item;
+    using Piece = WrittenItems::Piece;
 
     Item &addItem(std::string_view type);
     std::vector<std::uint32_t> addTiles(const CodedImage &image, const std::vector<std::uint8_t> &properties);
@@ -58,23 +39,11 @@ private:
     std::uint8_t addProperty(Bytes box);
     std::vector<std::uint8_t> addCoding(const CodedImage &image);
     void addCamera(std::vector<std::uint8_t> &properties, const CodedImage &image);
-    std::vector<const Item *> inDataOrder() const;
-
-    Bytes meta(std::uint64_t dataBegin) const;
-    Bytes itemList() const;
-    Bytes itemReferences() const;
-    Bytes itemProperties() const;
-    Bytes itemData() const;
-    Bytes itemLocations(std::uint64_t dataBegin) const;
 
     std::uint32_t nextId_ = 1;
-    std::vector<Item> items_;
-    std::vector<Reference> references_;
-    std::vector<Bytes> properties_;
+    WrittenItems written_;
     Bytes intrinsics_; ///< the `cmin` written last, which a second eye may share
     std::uint8_t intrinsicsIndex_ = 0;
-    std::uint32_t primary_ = 0;
-    Bytes groups_;
 };
 
 } // namespace lumetwin::media::heif
