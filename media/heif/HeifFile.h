@@ -43,19 +43,10 @@ struct HeifTransform {
                                             ///< each numerator and denominator
 };
 
-/// `colr` of type `nclx`: code points of ITU-T H.273.
-struct HeifColour {
-    int primaries = 2;
-    int transfer = 2;
-    int matrix = 2;
-    bool fullRange = false;
-};
-
 /// An image that a viewer would list: not hidden, no thumbnail, no auxiliary image, no part of a grid.
 struct HeifImage {
-    std::uint32_t item = 0;     ///< the item's id in the file, as decoders want it
-    std::uint32_t itemType = 0; ///< four-character code: `hvc1`, `grid`, …
-    std::uint32_t coding = 0;   ///< the type of the items that its samples are coded in: `hvc1`, `av01`, …
+    std::uint32_t item = 0;   ///< the item's id in the file, as decoders want it
+    std::uint32_t coding = 0; ///< the type of the items that its samples are coded in: `hvc1`, `av01`, …
     bool encrypted = false;
     std::uint32_t codedWidth = 0; ///< of `ispe`: before all transformations; 0 where the file does not say
     std::uint32_t codedHeight = 0;
@@ -64,8 +55,6 @@ struct HeifImage {
     std::uint32_t shownWidth = 0; ///< after all transformations: the size of the decoded picture
     std::uint32_t shownHeight = 0;
     std::vector<HeifTransform> transforms;
-    std::vector<std::uint8_t> bitDepths; ///< of `pixi`, one a channel
-    std::optional<HeifColour> colour;
     std::optional<CameraIntrinsics> intrinsics;
     std::optional<std::array<std::int32_t, 3>> position; ///< of the camera, micrometres: x to the right
     std::optional<std::int32_t> disparityAdjustment;     ///< ten-thousandths of the image width

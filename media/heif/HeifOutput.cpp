@@ -129,8 +129,8 @@ heif::CodedImage codedImage(const std::filesystem::path &file, Picture picture, 
     image.exif = metadata.exif;
     image.xmp = metadata.xmp;
     if (metadata.iccProfile.empty())
-        image.colour = HeifColour{picture.colour.primaries, picture.colour.transfer, picture.colour.matrix,
-                                  picture.colour.range == ColourRange::full};
+        image.colour = heif::HeifColour{picture.colour.primaries, picture.colour.transfer, picture.colour.matrix,
+                                        picture.colour.range == ColourRange::full};
     for (x265::CodedStill &still : codedTiles(file, std::move(picture), tiling, quantiser, grid.workers, cancellation))
         takeStill(file, std::move(still), image);
     return image;

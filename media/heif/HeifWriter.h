@@ -15,6 +15,14 @@ namespace lumetwin::media::heif {
 
 using bmff::Bytes;
 
+/// `colr` of type `nclx`: code points of ITU-T H.273.
+struct HeifColour {
+    int primaries = 2;
+    int transfer = 2;
+    int matrix = 2;
+    bool fullRange = false;
+};
+
 /// The camera of one eye.
 struct Camera {
     double focalLength = 0;                 ///< pixels; may be infinite. With NaN no intrinsics are written.

@@ -155,7 +155,6 @@ private:
             return;
         HeifImage image;
         image.item = meta_.items[item].id;
-        image.itemType = meta_.items[item].type;
         file_.images.push_back(std::move(image));
     }
 
@@ -179,10 +178,7 @@ private:
                 image.codedWidth = size->width;
                 image.codedHeight = size->height;
             }
-            if (const auto *depths = property<BitDepths>(item))
-                image.bitDepths = depths->channels;
             image.coding = codingOf(meta_.itemIndexes.at(image.item), image.encrypted);
-            image.colour = copyOf<HeifColour>(item);
             image.intrinsics = copyOf<CameraIntrinsics>(item);
             if (const auto *position = property<CameraPosition>(item))
                 image.position = position->micrometres;

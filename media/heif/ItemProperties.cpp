@@ -12,36 +12,13 @@ using bmff::Fields;
 using bmff::fourCC;
 using bmff::FullBoxHead;
 
-// The longest property that is read whole is `pixi`, with a byte for each of up to 255 channels.
+// Bytes; the properties that mean something here are shorter.
 constexpr std::uint64_t largestProperty = 512;
 
 Property imageSize(Fields fields) {
     fields.skip(4);
     const std::uint32_t width = fields.u32();
     return ImageSize{width, fields.u32()};
-}
-
-Property bitDepths(Fields fields) {
-    fields.skip(4);
-    const auto channels = fields.bytes(fields.u8());
-    return BitDepths{{channels.begin(), channels.end()}};
-}
-
-HeifColour codePoints(Fields &fields) {
-    HeifColour colour;
-    colour.primaries = fields.u16();
-    colour.transfer = fields.u16();
-    colour.matrix = fields.u16();
-    colour.fullRange = (fields.u8() & 0x80) != 0;
-    return colour;
-}
-
-Property colour(const bmff::Source &source, const bmff::Box &box) {
-    std::array<std::uint8_t, 11> head{};
-    const auto size = std::min<std::uint64_t>(head.size(), box.payloadSize());
-    source.read(box.begin, std::span(head).first(static_cast<std::size_t>(size)));
-    Fields fields(std::span<const std::uint8_t>(head).first(static_cast<std::size_t>(size)));
-    return fields.u32() == fourCC("nclx") ? codePoints(fields) : Property();
 }
 
 Property rotation(Fields fields) {
@@ -134,10 +111,6 @@ Property readProperty(const bmff::Source &source, const bmff::Box &box) {
     switch (box.type) {
     case fourCC("ispe"):
         return with(imageSize);
-    case fourCC("pixi"):
-        return with(bitDepths);
-    case fourCC("colr"):
-        return colour(source, box);
     case fourCC("irot"):
         return with(rotation);
     case fourCC("imir"):

@@ -26,9 +26,6 @@ struct ImageSize {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
 };
-struct BitDepths {
-    std::vector<std::uint8_t> channels;
-};
 struct CameraPosition {
     std::array<std::int32_t, 3> micrometres{};
 };
@@ -40,8 +37,8 @@ struct AuxiliaryImage {
 };
 
 /// An item property that means something here; the first alternative is any other one.
-using Property = std::variant<std::monostate, ImageSize, BitDepths, HeifColour, HeifTransform,
-                              CameraIntrinsics, CameraPosition, DisparityAdjustment, AuxiliaryImage>;
+using Property = std::variant<std::monostate, ImageSize, HeifTransform, CameraIntrinsics, CameraPosition,
+                              DisparityAdjustment, AuxiliaryImage>;
 
 /// Reads one box of `ipco`. Throws bmff::FormatError when it is damaged.
 Property readProperty(const bmff::Source &source, const bmff::Box &box);

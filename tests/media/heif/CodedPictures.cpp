@@ -75,7 +75,7 @@ CodedImage codedImage(int width, int height, int tileWidth, int tileHeight, cons
     image.tileHeight = static_cast<std::uint32_t>(tileHeight);
     image.columns = static_cast<std::uint32_t>((width + tileWidth - 1) / tileWidth);
     image.rows = static_cast<std::uint32_t>((height + tileHeight - 1) / tileHeight);
-    image.colour = media::HeifColour{1, 13, 1, true};
+    image.colour = media::heif::HeifColour{1, 13, 1, true};
     for (int top = 0; top < height; top += tileHeight)
         for (int left = 0; left < width; left += tileWidth) {
             std::vector<Bytes> sets;

@@ -240,23 +240,6 @@ TEST(HeifReader, keepsItsHandsOffVersionsItDoesNotKnow) {
     EXPECT_FALSE(read(heif).images[0].position);
 }
 
-TEST(HeifReader, readsColourAndDepth) {
-    HeifBuilder heif;
-    const int profile = heif.property(test::box("colr", letters("profICC profile"))); // which others read
-    const int colour = heif.property(test::box("colr", joined({letters("nclx"), u16(12), u16(13), u16(5), u8(0x80)})));
-    const int depth = heif.property(fullBox("pixi", {3, 10, 10, 10}));
-    heif.item(1).item(2).associate(1, {profile, colour, depth});
-    const test::TemporaryFolder folder;
-    test::writeFile(folder / "a.heic", heif.file());
-    const HeifFile file = readHeifFile(folder / "a.heic");
-    EXPECT_EQ(file.images[0].colour->primaries, 12);
-    EXPECT_EQ(file.images[0].colour->transfer, 13);
-    EXPECT_EQ(file.images[0].colour->matrix, 5);
-    EXPECT_TRUE(file.images[0].colour->fullRange);
-    EXPECT_THAT(file.images[0].bitDepths, ElementsAre(10, 10, 10));
-    EXPECT_FALSE(file.images[1].colour);
-}
-
 Bytes aperture(std::initializer_list<int> numbers) {
     Bytes bytes;
     for (const int value : numbers)
