@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/photo/SpatialPhotoError.h"
-#include "engine/photo/SpatialPhotoToSBS.h"
-#include "engine/texts/ProcessorError.h"
-#include "tests/support/Paths.h"
-#include "tests/support/SpatialPhotos.h"
+#include "tests/engine/photo/SpatialToSBSFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,52 +10,6 @@ namespace lumetwin::test {
 namespace {
 
 using testing::StartsWith;
-
-using Colour = std::array<int, 3>;
-
-constexpr Colour red{220, 30, 30};
-constexpr Colour blue{30, 40, 210};
-constexpr Colour black{0, 0, 0};
-
-Raster solid(int width, int height, Colour colour) {
-    Raster picture(width, height);
-    fill(picture, 0, 0, width, height, colour);
-    return picture;
-}
-
-class SpatialToSBS : public testing::Test {
-protected:
-    std::filesystem::path file(const std::string &name) const { return folder_.path() / name; }
-
-    /// A photo whose left eye is red and whose right eye is blue.
-    void writeMarkers(int width, int height) {
-        writeSpatialPhoto(file("in.heic"), solid(width, height, red), solid(width, height, blue));
-    }
-
-    Raster convert(const std::string &output = "out.png") {
-        convertSpatialPhotoToSBS(settings_, file("in.heic"), file(output));
-        return readWithMagick(file(output));
-    }
-
-    std::string failure(const std::string &output = "out.png") {
-        try {
-            convertSpatialPhotoToSBS(settings_, file("in.heic"), file(output));
-            return {};
-        } catch (const SpatialPhotoError &error) {
-            return error.what();
-        } catch (const ProcessorError &error) {
-            return error.what();
-        }
-    }
-
-    TemporaryFolder folder_;
-    ConversionSettings settings_;
-};
-
-void expectNear(const Raster &picture, int x, int y, Colour colour, int tolerance = 4) {
-    for (std::size_t channel = 0; channel < 3; ++channel)
-        EXPECT_NEAR(picture.at(x, y)[channel], colour[channel], tolerance) << "at " << x << ", " << y;
-}
 
 TEST_F(SpatialToSBS, leftIsLeft) {
     writeMarkers(200, 150);
@@ -246,46 +196,6 @@ TEST_F(SpatialToSBS, oneImageIsNoSpatialPhoto) {
     EXPECT_EQ(failure(), "This is not a spatial photo: Does not contain two or more images (count=1)");
     media::writeImage(file("in.heic"), media::ImageKind::jpeg, {pictureOf(drawn(64, 64)), {}}, 1);
     EXPECT_EQ(failure(), "This is not a spatial photo: Does not contain two or more images (count=1)");
-}
-
-TEST_F(SpatialToSBS, twoImagesWithoutAGroupAreNoSpatialPhoto) {
-    writeMarkers(64, 64);
-    renameBox(file("in.heic"), "grpl", "free");
-    EXPECT_EQ(failure(), "This is not a spatial photo: No stereo pair group found");
-    writeMarkers(64, 64);
-    renameBox(file("in.heic"), "ster", "altr");
-    EXPECT_EQ(failure(), "This is not a spatial photo: No stereo pair group found");
-    output({"convert", "-size", "8x8", "xc:red", "xc:blue", "TIFF:" + file("in.heic").string()});
-    EXPECT_EQ(failure(), "This is not a spatial photo: No stereo pair group found");
-}
-
-TEST_F(SpatialToSBS, aGroupThatNamesNobodyMeansTheFirstTwoImages) {
-    writeMarkers(64, 64);
-    setStereoGroup(file("in.heic"), {});
-    const Raster picture = convert();
-    expectNear(picture, 10, 10, red);
-    expectNear(picture, 100, 10, blue);
-}
-
-TEST_F(SpatialToSBS, aGroupThatLacksAnImageMeansTheFirstTwo) {
-    writeMarkers(64, 64);
-    const auto ids = stereoGroup(file("in.heic"));
-    for (const auto &incomplete :
-         {std::vector<std::uint32_t>{ids[1]}, {ids[1], 4711}, {4711, ids[0]}, {4711, 4712}, {0, 0}}) {
-        setStereoGroup(file("in.heic"), incomplete);
-        const Raster picture = convert();
-        expectNear(picture, 10, 10, red);
-        expectNear(picture, 100, 10, blue);
-        writeMarkers(64, 64);
-    }
-}
-
-TEST_F(SpatialToSBS, aGroupThatNamesOneImageTwiceShowsItTwice) {
-    writeMarkers(64, 64);
-    const auto ids = stereoGroup(file("in.heic"));
-    setStereoGroup(file("in.heic"), {ids[1], ids[1]});
-    for (const int x : {10, 100})
-        expectNear(convert(), x, 10, blue);
 }
 
 TEST_F(SpatialToSBS, eyesOfDifferentSizeAreAnError) {

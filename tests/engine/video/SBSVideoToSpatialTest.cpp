@@ -30,14 +30,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using Progress = std::pair<std::int64_t, std::int64_t>;
 
-std::vector<std::int64_t> timesOf(const std::filesystem::path &movie) {
-    std::vector<std::int64_t> times;
-    for (const test::MovieSample &sample : test::videoSamples(BoxFile(movie)))
-        times.push_back(sample.time);
-    std::sort(times.begin(), times.end());
-    return times;
-}
-
 TEST(SBSVideoToSpatial, makesTheLeftHalfTheLeftView) {
     const TemporaryFolder folder;
     toSpatial({}, draw(folder / "in.mp4"), folder / "out.mov");
@@ -225,61 +217,6 @@ TEST(SBSVideoToSpatial, followsTheResizeModeOnlyWhenResizing) {
     EXPECT_EQ(views[0], views[2]);
 }
 
-TEST(SBSVideoToSpatial, writesAtARegeneratedConstantRate) {
-    const TemporaryFolder folder;
-    Clip clip;
-    clip.frames = 4;
-    for (const auto &[rate, times] :
-         std::vector<std::pair<std::string, std::vector<std::int64_t>>>{{"25", {0, 24, 48, 72}},
-                                                                        {"30000/1001", {0, 20, 40, 60}},
-                                                                        {"24", {0, 25, 50, 75}},
-                                                                        {"60", {0, 10, 20, 30}}}) {
-        clip.rate = rate;
-        toSpatial({}, draw(folder / "in.mp4", clip), folder / "out.mov");
-        EXPECT_EQ(timesOf(folder / "out.mov"), times) << rate;
-    }
-}
-
-TEST(SBSVideoToSpatial, dropsTheGapsOfAVariableRate) {
-    const TemporaryFolder folder;
-    Clip clip;
-    clip.frames = 9;
-    clip.filter = "setpts='(N+20*gte(N,5)+floor(N/3))/30/TB'";
-    clip.video = {"-c:v", "libx264", "-qp", "6", "-fps_mode", "vfr"};
-    toSpatial({}, draw(folder / "in.mp4", clip), folder / "out.mov");
-    const auto times = timesOf(folder / "out.mov");
-    // Nine frames that are shown for 31/30 s: 600 × 31 / 270, truncated.
-    EXPECT_THAT(times, ElementsAre(0, 68, 136, 204, 272, 340, 408, 476, 544));
-    expectViews(folder / "out.mov", 192, 96);
-}
-
-TEST(SBSVideoToSpatial, takesASourceWithoutARateAsThirtyFrames) {
-    const TemporaryFolder folder;
-    // A raw stream without timing in its headers.
-    Clip clip;
-    clip.frames = 3;
-    clip.video = {"-c:v", "libx265", "-x265-params", "log-level=none:vui-timing-info=0", "-f", "hevc"};
-    draw(folder / "in.hevc", clip);
-    const auto run = toSpatial({}, folder / "in.hevc", folder / "out.mov");
-    EXPECT_THAT(timesOf(folder / "out.mov"), ElementsAre(0, 20, 40));
-    expectViews(folder / "out.mov", 192, 96);
-    EXPECT_THAT(run.progress, ElementsAre(Progress{0, 0})) << "the total is unknown";
-}
-
-TEST(SBSVideoToSpatial, writesClipsOfEveryLength) {
-    const TemporaryFolder folder;
-    Clip clip;
-    for (const int frames : {1, 2, 3, 5, 17}) {
-        clip.frames = frames;
-        toSpatial({}, draw(folder / "in.mp4", clip), folder / "out.mov");
-        const auto times = timesOf(folder / "out.mov");
-        ASSERT_EQ(times.size(), static_cast<std::size_t>(frames));
-        EXPECT_EQ(times.front(), 0);
-        EXPECT_EQ(times.back(), 20 * (frames - 1));
-        expectViews(folder / "out.mov", 192, 96);
-    }
-}
-
 TEST(SBSVideoToSpatial, losesNoneOfAThousandFrames) {
     const TemporaryFolder folder;
     // Each frame's luma says which one it is.
@@ -391,7 +328,7 @@ TEST(SBSVideoToSpatial, tellsHowFarADamagedSourceWent) {
     test::writeFile(folder / "half.mp4", bytes);
     const auto run = toSpatial({}, folder / "half.mp4", folder / "out.mov");
     expectViews(folder / "out.mov", 192, 96);
-    const std::size_t written = timesOf(folder / "out.mov").size();
+    const std::size_t written = test::videoSamples(BoxFile(folder / "out.mov")).size();
     EXPECT_LT(written, 40U);
     ASSERT_EQ(run.warnings.size(), 1U);
     EXPECT_THAT(run.warnings[0], HasSubstr(std::to_string(written) + " frames written, 40 expected"));
