@@ -6,7 +6,7 @@
 packages_build=(
     build-essential cmake ninja-build pkg-config nasm git ca-certificates xz-utils patch dpkg-dev python3
     libx264-dev libdav1d-dev libzimg-dev librubberband-dev libfmt-dev nlohmann-json3-dev zlib1g-dev libbrotli-dev
-    liblcms2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libpugixml-dev libutfcpp-dev
+    liblcms2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libseccomp-dev libpugixml-dev libutfcpp-dev
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev libxkbcommon-dev libvulkan-dev
 )
 packages_window=(

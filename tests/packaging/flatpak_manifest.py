@@ -46,7 +46,7 @@ class FlatpakManifest(unittest.TestCase):
         for library, user in (("nasm", "x264"), ("nasm", "x265"), ("nasm", "dav1d"), ("x264", "ffmpeg"), ("x265", "ffmpeg"),
                               ("dav1d", "ffmpeg"), ("ffmpeg", "libheif"), ("zimg", "lumetwin"), ("fmt", "lumetwin"),
                               ("rubberband", "lumetwin"), ("nlohmann-json", "lumetwin"), ("pugixml", "lumetwin"),
-                              ("utfcpp", "lumetwin")):
+                              ("utfcpp", "lumetwin"), ("libseccomp", "lumetwin")):
             self.assertLess(order.index(library), order.index(user))
         self.assertEqual(order[-1], "lumetwin")
 
