@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/SignsOfLife.h"
+
 #include <functional>
 #include <utility>
 
@@ -19,8 +21,9 @@ public:
 
     bool requested() const { return requested_ && requested_(); }
 
-    /// Throws Cancelled.
+    /// Throws Cancelled if requested. Counts as a sign of life, because it is called before each further step.
     void check() const {
+        giveSignOfLife();
         if (requested())
             throw Cancelled{};
     }

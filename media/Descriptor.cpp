@@ -2,6 +2,7 @@
 #include "media/Descriptor.h"
 
 #include "media/MediaError.h"
+#include "media/SignsOfLife.h"
 
 #include <cerrno>
 #include <limits>
@@ -17,6 +18,7 @@ void Descriptor::close() noexcept {
 
 std::size_t readFrom(int descriptor, std::uint64_t position, std::span<std::uint8_t> buffer,
                      const std::filesystem::path &file) {
+    giveSignOfLife();
     constexpr auto farthest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
     std::size_t done = 0;
     while (done < buffer.size() && position + done <= farthest) {

@@ -3,6 +3,7 @@
 
 #include "media/Descriptor.h"
 #include "media/MediaError.h"
+#include "media/SignsOfLife.h"
 
 #include <cerrno>
 #include <utility>
@@ -29,6 +30,7 @@ int OutputFile::descriptor() const {
 }
 
 void OutputFile::writeAt(std::uint64_t position, std::span<const std::uint8_t> bytes) const {
+    giveSignOfLife();
     while (!bytes.empty()) {
         const ssize_t count = ::pwrite(descriptor(), bytes.data(), bytes.size(), static_cast<off_t>(position));
         if (count < 0 && errno == EINTR)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/VideoDecoder.h"
 
+#include "media/DecodingThreads.h"
+
 extern "C" {
 #include <libavutil/opt.h>
 }
@@ -18,6 +20,8 @@ constexpr std::int64_t largestFrame = std::int64_t{1} << 27;
 
 /// Each thread more costs a little of what all of them do, and most processors are busy coding the frames again.
 int decodingThreads() {
+    if (decodesWithOneThread())
+        return 1;
     return static_cast<int>(std::max(1U, std::thread::hardware_concurrency() / 2));
 }
 
