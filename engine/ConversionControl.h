@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <string>
 
 namespace lumetwin {
 
@@ -13,6 +14,8 @@ struct ConversionControl {
     const std::atomic<bool> *cancelRequested = nullptr;
     /// (current frame, total frames; 0 when the total is unknown). May be empty.
     std::function<void(std::int64_t, std::int64_t)> onFrameProgress;
+    /// Receives messages for the log, in English. May be empty.
+    std::function<void(const std::string &)> onLog = {};
 
     bool cancelled() const { return cancelRequested && cancelRequested->load(std::memory_order_relaxed); }
 };

@@ -27,6 +27,7 @@ enum class WarningKind {
     gainMapLeft,
     depthMapLeft,
     motionFilmLeft,
+    triedAgain, ///< what happened to the process of the first attempt
 };
 
 /// The stable name of a kind, for programs.
@@ -60,6 +61,8 @@ constexpr std::string_view rawValue(WarningKind kind) {
         return "depthMapLeft";
     case WarningKind::motionFilmLeft:
         return "motionFilmLeft";
+    case WarningKind::triedAgain:
+        return "triedAgain";
     }
     return {};
 }

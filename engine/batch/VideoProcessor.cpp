@@ -75,12 +75,19 @@ bool VideoProcessor::isSpatialVideo(const Path &file) const noexcept {
     }
 }
 
-bool VideoProcessor::isSpatial(const Path &file) const noexcept {
+bool VideoProcessor::isSpatial(const Path &file) {
+    const media::InputFile *input = nullptr;
     try {
-        const MediaFacts facts = operations_.look(opened(file));
-        return lumetwin::isSpatialPhoto(facts) || lumetwin::isSpatialVideo(facts, system_);
+        input = &opened(file);
     } catch (const std::exception &) {
         return false; // what cannot be opened is no spatial media
+    }
+    try {
+        const MediaFacts facts = operations_.look(*input);
+        return lumetwin::isSpatialPhoto(facts) || lumetwin::isSpatialVideo(facts, system_);
+    } catch (const std::exception &) {
+        failedLooks_[file] = std::current_exception();
+        return false;
     }
 }
 
@@ -160,10 +167,13 @@ void VideoProcessor::handle(const BatchFiles &files, std::size_t index, const Ou
         const std::string message = formatted("error.folder.not.readable.format", files.name(index), obstacle);
         return fail(result, message, message);
     }
-    if (isSkipped(files, index, result))
-        return;
     const auto began = std::chrono::steady_clock::now();
     try {
+        static_cast<void>(files.isSpatial(index));
+        if (const auto failed = failedLooks_.find(result.input); failed != failedLooks_.end())
+            std::rethrow_exception(failed->second);
+        if (isSkipped(files, index, result))
+            return;
         convert(files, index, guard, result);
     } catch (const std::exception &error) {
         fail(result, errorText(error), errorMessage(error));
@@ -246,13 +256,22 @@ void VideoProcessor::tell(FileResult &result) {
 }
 
 Outcome VideoProcessor::convertPhoto(const Path &input, const Path &output) {
-    return convertFile(input, output, {.cancelRequested = &cancelRequested, .onFrameProgress = {}});
+    return convertFile(input, output, controlFor(input, {}));
 }
 
 Outcome VideoProcessor::convertVideo(const Path &input, const Path &output) {
     if (settings->direction == ConversionDirection::sbsToSpatial && system_ < spatialVideoWriting)
         throw processorError(text("error.macos14.required"));
-    return convertFile(input, output, {.cancelRequested = &cancelRequested, .onFrameProgress = onFrameProgress});
+    return convertFile(input, output, controlFor(input, onFrameProgress));
+}
+
+ConversionControl VideoProcessor::controlFor(const Path &input,
+                                             std::function<void(std::int64_t, std::int64_t)> onProgressOfFrames) {
+    return {.cancelRequested = &cancelRequested,
+            .onFrameProgress = std::move(onProgressOfFrames),
+            .onLog = [this, name = lastPathComponent(input)](const std::string &line) {
+                log("[VP] ⚠️ " + name + ": " + line);
+            }};
 }
 
 Outcome VideoProcessor::convertFile(const Path &input, const Path &output, const ConversionControl &control) {

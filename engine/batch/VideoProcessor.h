@@ -8,8 +8,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -88,14 +90,18 @@ private:
     /// The input that is at work, opened once for the look at it and its conversion. Throws what the conversion says of
     /// a file that cannot be opened.
     const media::InputFile &opened(const std::filesystem::path &input) const;
-    bool isSpatial(const std::filesystem::path &file) const noexcept;
+    /// For the files of the run. If the look fails, the error is kept in failedLooks_ and becomes the file's result.
+    bool isSpatial(const std::filesystem::path &file);
     ConversionKind kindFor(const std::filesystem::path &input) const;
+    ConversionControl controlFor(const std::filesystem::path &input,
+                                 std::function<void(std::int64_t, std::int64_t)> onProgressOfFrames);
     Outcome convertFile(const std::filesystem::path &input, const std::filesystem::path &output,
                         const ConversionControl &control);
 
     SystemVersion system_;
     MediaOperations operations_;
     std::vector<FileResult> results_;
+    std::map<std::filesystem::path, std::exception_ptr> failedLooks_;
     mutable std::shared_ptr<const media::InputFile> opened_; ///< the latest
 };
 

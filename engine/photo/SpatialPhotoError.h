@@ -30,6 +30,8 @@ public:
     static SpatialPhotoError finalizationFailed(const std::filesystem::path &file, const Words &cause = {});
     static SpatialPhotoError imageExtractionFailed(const Words &cause = {});
     static SpatialPhotoError invalidImage();
+    /// As another process threw it.
+    static SpatialPhotoError restored(Case kind, const Words &description) { return {kind, description}; }
 
     // The reasons of notASpatialPhoto.
     static Words tooFewImages(std::size_t count);

@@ -40,6 +40,8 @@ std::string_view keyOf(WarningKind kind) {
         return "note.depth.map.left";
     case WarningKind::motionFilmLeft:
         return "note.motion.film.left";
+    case WarningKind::triedAgain:
+        return "note.tried.again.format";
     }
     return {};
 }

@@ -36,7 +36,7 @@ std::map<std::string, TextEntry> table(const std::string &language) {
 /// What the program's own code says, file by file.
 std::map<fs::path, std::string> sources() {
     std::map<fs::path, std::string> result;
-    for (const char *room : {"engine", "tools", "ui", "app"})
+    for (const char *room : {"engine", "worker", "tools", "ui", "app"})
         for (const auto &entry : fs::recursive_directory_iterator(sourceFolder / room))
             if (entry.path().extension() == ".cpp" || entry.path().extension() == ".h")
                 result.emplace(entry.path(), contents(entry.path()));
@@ -101,6 +101,13 @@ const std::map<std::string, std::string> arguments{
     {"error.input.is.no.file.format", "s"},
     {"error.output.folder.missing.format", "s"},
     {"error.output.is.input.format", "ss"},
+    {"note.tried.again.format", "s"},
+    {"error.worker.format", "ss"},
+    {"error.worker.not.confined.format", "s"},
+    {"worker.signal.format", "ds"},
+    {"worker.exited.format", "d"},
+    {"worker.silence.format", "d"},
+    {"worker.no.start.format", "s"},
     {"media.open.format", "s"},
     {"media.read.format", "s"},
     {"media.decode.format", "s"},
