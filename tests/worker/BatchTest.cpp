@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A batch continues when workers misbehave, and reports what happened to which file.
+#include "engine/batch/VideoProcessor.h"
+#include "tests/support/TestMedia.h"
+#include "worker/ConfinedOperations.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <thread>
+
+namespace lumetwin::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class ConfinedBatch : public testing::Test {
+protected:
+    ConfinedBatch() {
+        settings->inputFiles.emplace();
+        settings->outputFolderURL = folder / "out";
+        fs::create_directory(folder / "out");
+    }
+
+    void add(const std::string &behaviour) {
+        settings->inputFiles->push_back(folder / (behaviour + ".mov"));
+        writeFile(settings->inputFiles->back(), std::string("input"));
+    }
+
+    const std::vector<FileResult> &run() {
+        processor.onLog = [](const std::string &) {};
+        processor.processAll();
+        return processor.results();
+    }
+
+    std::set<std::string> written() const {
+        std::set<std::string> names;
+        for (const auto &entry : fs::directory_iterator(folder / "out"))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+
+    TemporaryFolder folder;
+    std::shared_ptr<ConversionSettings> settings = std::make_shared<ConversionSettings>();
+    VideoProcessor processor{settings, SystemVersion::current(),
+                             worker::confinedOperations(std::make_shared<worker::Workers>(
+                                 TEST_WORKER, worker::Timeouts{.answer = std::chrono::seconds(2)}))};
+};
+
+TEST_F(ConfinedBatch, GoesOnAfterEachKindOfFailure) {
+    for (const char *name : {"aborts", "allocates without end", "converts", "falls over at a look", "loops without end",
+                             "reads a secret key", "sends rubbish"})
+        add(name);
+    std::vector<FileState> states;
+    std::vector<std::string> reasons;
+    for (const FileResult &result : run()) {
+        states.push_back(result.state);
+        reasons.push_back(result.reason);
+    }
+    EXPECT_THAT(states, ElementsAre(FileState::failed, FileState::failed, FileState::convertedWithWarnings,
+                                    FileState::failed, FileState::failed, FileState::failed, FileState::failed));
+    EXPECT_THAT(reasons, ElementsAre(HasSubstr("aborts.mov failed: stopped by signal 6"), HasSubstr("memory"), "",
+                                     HasSubstr("look.mov failed: stopped by signal 11 (Segmentation fault)"),
+                                     HasSubstr("end.mov failed: nothing was heard from it for 2 seconds"),
+                                     HasSubstr("ermi"), // "Operation not permitted", by a person "permission"
+                                     HasSubstr("rubbish.mov failed: its answer cannot be understood")));
+    EXPECT_THAT(written(), ElementsAre("converts_sbs.mp4"));
+}
+
+TEST_F(ConfinedBatch, LeavesNothingOfWhatIsStopped) {
+    add("waits");
+    processor.onFrameProgress = [&](std::int64_t, std::int64_t) { processor.cancelRequested = true; };
+    EXPECT_EQ(run().at(0).state, FileState::cancelled);
+    EXPECT_THAT(written(), ElementsAre());
+}
+
+TEST_F(ConfinedBatch, LeavesNothingOfWhatIsStoppedByForce) {
+    add("loops without end");
+    processor.onProgress = [&](std::int64_t, std::int64_t, const std::string &) {
+        std::thread([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            processor.cancelRequested = true;
+        }).detach();
+    };
+    EXPECT_EQ(run().at(0).state, FileState::cancelled);
+    EXPECT_THAT(written(), ElementsAre());
+}
+
+} // namespace
+} // namespace lumetwin::test

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "worker/protocol/Answer.h"
+#include "worker/protocol/Channel.h"
+#include "worker/protocol/ProtocolError.h"
+#include "worker/protocol/Request.h"
+#include "worker/protocol/SettingsCoding.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace lumetwin::worker {
+namespace {
+
+/// The content after it was sent.
+nlohmann::json sent(const nlohmann::json &content) {
+    return contentOf(nlohmann::json::to_cbor(content));
+}
+
+std::shared_ptr<ConversionSettings> unusualSettings() {
+    auto settings = std::make_shared<ConversionSettings>();
+    settings->direction = ConversionDirection::sbsToSpatial;
+    settings->horizontalFOV = 71.8;
+    settings->disparityAdjustment = -3;
+    settings->stereoBaseline = 63;
+    settings->sbsOutputFormat = SBSOutputFormat::movHEVC;
+    settings->sbsPhotoOutputFormat = allSBSPhotoOutputFormats.back();
+    settings->compressionQuality = 0.1;
+    settings->halfWidth = settings->swapLeftRight = settings->enableResize = settings->keepTiming = true;
+    settings->resizeWidth = 640;
+    settings->resizeHeight = 480;
+    settings->resizeMode = ResizeMode::stretch;
+    settings->copyAudio = false;
+    return settings;
+}
+
+TEST(Coding, SettingsArriveWhole) {
+    const auto settings = unusualSettings();
+    const nlohmann::json content = encodeSettings(*settings);
+    EXPECT_EQ(encodeSettings(*decodeSettings(sent(content))), content);
+    EXPECT_NE(content, encodeSettings(ConversionSettings()));
+    for (const auto &[name, value] : content.items())
+        EXPECT_NE(value, encodeSettings(ConversionSettings())[name]) << name << " is not tested";
+}
+
+TEST(Coding, EverySettingIsNeeded) {
+    const nlohmann::json content = encodeSettings(*unusualSettings());
+    for (const auto &[name, value] : content.items()) {
+        nlohmann::json without = content;
+        without.erase(name);
+        EXPECT_THROW(decodeSettings(without), ProtocolError) << name;
+        nlohmann::json wrong = content;
+        wrong[name] = "text";
+        EXPECT_THROW(decodeSettings(wrong), ProtocolError) << name;
+    }
+    nlohmann::json beyond = content;
+    beyond["resizeMode"] = 3;
+    EXPECT_THROW(decodeSettings(beyond), ProtocolError);
+}
+
+TEST(Coding, RequestsArriveWhole) {
+    const ConvertRequest request{.kind = ConversionKind::spatialPhotoToSBS,
+                                 .settings = unusualSettings(),
+                                 .system = SystemVersion::current(),
+                                 .input = "/in/a.heic",
+                                 .output = "/out/a.jpg",
+                                 .language = "ja",
+                                 .oneDecodingThread = true};
+    const auto arrived = std::get<ConvertRequest>(decodeRequest(sent(encode(request))));
+    EXPECT_EQ(arrived.kind, request.kind);
+    EXPECT_EQ(encodeSettings(*arrived.settings), encodeSettings(*request.settings));
+    EXPECT_EQ(arrived.system, request.system);
+    EXPECT_EQ(arrived.input, request.input);
+    EXPECT_EQ(arrived.output, request.output);
+    EXPECT_EQ(arrived.language, "ja");
+    EXPECT_TRUE(arrived.oneDecodingThread);
+    EXPECT_EQ(
+        std::get<LookRequest>(decodeRequest(sent(encode(LookRequest{LookRequest::Kind::measure, "/in/a.heic", "en"}))))
+            .input,
+        "/in/a.heic");
+    EXPECT_TRUE(std::holds_alternative<CancelRequest>(decodeRequest(sent(encode(CancelRequest{})))));
+}
+
+TEST(Coding, FactsArriveWhole) {
+    const MediaFacts facts{.kind = MediaFacts::Kind::photo,
+                           .isSpatial = true,
+                           .values = {.horizontalFOV = 63.5, .stereoBaseline = std::nullopt, .disparity = -2},
+                           .hasLeftEye = true,
+                           .hasRightEye = false,
+                           .heroEye = MediaFacts::Eye::right,
+                           .projection = "rect",
+                           .isMultilayer = true};
+    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(facts))))), facts);
+    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(MediaFacts()))))), MediaFacts());
+    EXPECT_EQ(std::get<PictureSize>(decodeAnswer(sent(encode(Answer(PictureSize{7680, 2160}))))),
+              (PictureSize{7680, 2160}));
+}
+
+TEST(Coding, NumbersThatAreNoneAreAbsent) {
+    MediaFacts facts;
+    facts.values.horizontalFOV = std::nan("");
+    facts.values.disparity = HUGE_VAL;
+    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(facts))))), MediaFacts());
+}
+
+TEST(Coding, WarningsArriveWhole) {
+    const Outcome outcome{.written = true,
+                          .framesWritten = 10,
+                          .framesExpected = 12,
+                          .warnings = {{WarningKind::speedChanged, {0.1}},
+                                       {WarningKind::framesMissing, {std::int64_t{10}, std::int64_t{12}}},
+                                       {WarningKind::withoutSound, {std::string("why")}},
+                                       {WarningKind::gainMapLeft, {}}}};
+    const auto arrived = std::get<Outcome>(decodeAnswer(sent(encode(Answer(outcome)))));
+    EXPECT_TRUE(arrived.written);
+    EXPECT_EQ(arrived.framesWritten, 10);
+    EXPECT_EQ(arrived.framesExpected, 12);
+    EXPECT_EQ(arrived.warnings, outcome.warnings);
+}
+
+TEST(Coding, WarningWithOtherValuesIsRefused) {
+    for (const Warning &warning :
+         {Warning{WarningKind::speedChanged, {}}, Warning{WarningKind::speedChanged, {std::int64_t{1}}},
+          Warning{WarningKind::gainMapLeft, {0.5}}, Warning{WarningKind::withoutSound, {0.5}},
+          Warning{static_cast<WarningKind>(99), {}}})
+        EXPECT_THROW(decodeAnswer(sent(encode(Answer(Outcome{true, 0, 0, {warning}})))), ProtocolError);
+}
+
+TEST(Coding, NumbersBelowZeroAreRefused) {
+    EXPECT_THROW(decodeAnswer(sent(encode(Answer(Progress{-1, 0})))), ProtocolError);
+    EXPECT_THROW(decodeAnswer(sent(encode(Answer(Outcome{true, -1, 0, {}})))), ProtocolError);
+    EXPECT_THROW(decodeAnswer({{"answer", "progress"}, {"frame", ~std::uint64_t{0}}, {"frames", 0}}), ProtocolError);
+    EXPECT_THROW(decodeAnswer({{"answer", "progress"}, {"frame", 1.0}, {"frames", 0}}), ProtocolError);
+}
+
+TEST(Coding, WhatIsUnknownIsRefused) {
+    EXPECT_THROW(decodeAnswer({{"answer", "more"}}), ProtocolError);
+    EXPECT_THROW(decodeAnswer({{"answer", 1}}), ProtocolError);
+    EXPECT_THROW(decodeAnswer(nlohmann::json::object()), ProtocolError);
+    EXPECT_THROW(decodeRequest({{"request", "more"}}), ProtocolError);
+}
+
+} // namespace
+} // namespace lumetwin::worker

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "worker/ConfinedOperations.h"
+
+#include "worker/parent/WorkerProgram.h"
+
+#include <utility>
+
+namespace lumetwin::worker {
+namespace {
+
+MediaOperations::Converter converter(const std::shared_ptr<Workers> &workers, ConversionKind kind) {
+    return [workers, kind](const ConversionSettings &settings, const media::InputFile &input,
+                           const media::OutputFile &output, const ConversionControl &control, SystemVersion system) {
+        return workers->convert(kind, settings, input, output, control, system);
+    };
+}
+
+} // namespace
+
+MediaOperations confinedOperations(std::shared_ptr<Workers> workers) {
+    return {.look = [workers](const media::InputFile &input) { return workers->look(input); },
+            .measure = [workers](const media::InputFile &input) { return workers->measure(input); },
+            .convertSpatialVideoToSBS = converter(workers, ConversionKind::spatialVideoToSBS),
+            .convertSBSVideoToSpatial = converter(workers, ConversionKind::sbsVideoToSpatial),
+            .convertSpatialPhotoToSBS = converter(workers, ConversionKind::spatialPhotoToSBS),
+            .convertSBSImageToSpatial = converter(workers, ConversionKind::sbsImageToSpatial)};
+}
+
+MediaOperations confinedOperations() {
+    return confinedOperations(std::make_shared<Workers>(workerProgram()));
+}
+
+} // namespace lumetwin::worker

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "worker/WorkerLoop.h"
+
+#include "engine/texts/Texts.h"
+#include "media/DecodingThreads.h"
+#include "media/InputFile.h"
+#include "media/OutputFile.h"
+#include "media/SignsOfLife.h"
+#include "worker/protocol/ProtocolError.h"
+
+#include <unistd.h>
+#include <utility>
+
+namespace lumetwin::worker {
+namespace {
+
+void expectDescriptors(const std::vector<media::Descriptor> &descriptors, std::size_t count) {
+    if (descriptors.size() != count)
+        throw ProtocolError("other descriptors than asked for");
+}
+
+} // namespace
+
+int WorkerLoop::run() {
+    constexpr std::size_t mostDescriptors = 2;
+    while (std::optional<Channel::Message> message = (giveSignsOfLife(), channel_.receive(mostDescriptors)))
+        std::visit([&](const auto &request) { handle(request, std::move(message->descriptors)); },
+                   decodeRequest(message->content));
+    _exit(0); // does not wait for a running conversion
+}
+
+void WorkerLoop::giveSignsOfLife() {
+    constexpr std::chrono::seconds interval{1};
+    while (conversion_.joinable() && !channel_.wait(interval))
+        if (const std::uint64_t signs = media::signsOfLife(); std::exchange(lastSigns_, signs) != signs)
+            answer(SignOfLife{});
+}
+
+void WorkerLoop::answer(const Answer &answer) {
+    if (!channel_.send(encode(answer)))
+        _exit(0); // the parent is gone
+}
+
+void WorkerLoop::handle(const LookRequest &request, std::vector<media::Descriptor> descriptors) {
+    expectDescriptors(descriptors, 1);
+    setTextLocale(request.language);
+    const media::InputFile input(descriptors[0].release(), request.input);
+    try {
+        request.kind == LookRequest::Kind::look ? answer(operations_.look(input)) : answer(operations_.measure(input));
+    } catch (...) {
+        answer(Failure{std::current_exception()});
+    }
+}
+
+void WorkerLoop::handle(const ConvertRequest &request, std::vector<media::Descriptor> descriptors) {
+    expectDescriptors(descriptors, 2);
+    if (conversion_.joinable())
+        throw ProtocolError("a second conversion");
+    setTextLocale(request.language);
+    if (request.oneDecodingThread)
+        media::decodeWithOneThread();
+    conversion_ = std::thread(
+        [this, request, input = media::InputFile(descriptors[0].release(), request.input),
+         output = media::OutputFile(descriptors[1].release(), request.output)] { convert(request, input, output); });
+}
+
+void WorkerLoop::handle(const CancelRequest &, std::vector<media::Descriptor> descriptors) {
+    expectDescriptors(descriptors, 0);
+    cancelRequested_ = true;
+}
+
+void WorkerLoop::convert(const ConvertRequest &request, const media::InputFile &input,
+                         const media::OutputFile &output) {
+    const ConversionControl control{.cancelRequested = &cancelRequested_,
+                                    .onFrameProgress = [this](std::int64_t frame, std::int64_t frames) {
+                                        answer(Progress{frame, frames});
+                                    }};
+    try {
+        answer(operations_.converter(request.kind)(*request.settings, input, output, control, request.system));
+    } catch (...) {
+        answer(Failure{std::current_exception()});
+    }
+    // No clean-up: the kernel frees memory and threads faster.
+    _exit(0);
+}
+
+} // namespace lumetwin::worker

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+
+namespace lumetwin::worker {
+
+/// How a process is confined.
+struct ConfinementReport {
+    int landlock = 0;           ///< version of the kernel's interface; 0 if the kernel has none
+    bool systemCalls = false;   ///< the list of blocked system calls is active
+    bool memoryLimited = false; ///< false with sanitizers, which reserve too much memory
+
+    bool operator==(const ConfinementReport &) const = default;
+};
+
+struct ConfinementOptions {
+    bool landlock = true; ///< false in tests that simulate an old kernel
+};
+
+/// Takes away from this process what work on a hostile file does not need: new privileges, files, the network, other
+/// processes, unlimited memory. Open descriptors stay usable. Must be called before the first thread is started
+/// (threads inherit the confinement) and before the first byte of a file is read. Throws std::system_error if system
+/// calls cannot be blocked: without Landlock, that is the only protection.
+ConfinementReport confine(const ConfinementOptions &options = {});
+
+/// A description in English such as "system calls, Landlock (version 7), memory limit".
+std::string describe(const ConfinementReport &report);
+
+} // namespace lumetwin::worker

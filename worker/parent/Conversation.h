@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/ConversionControl.h"
+#include "worker/parent/WorkerProcess.h"
+
+#include <chrono>
+#include <optional>
+
+namespace lumetwin::worker {
+
+/// How long a program waits for its worker.
+struct Timeouts {
+    std::chrono::milliseconds answer = std::chrono::minutes(2); ///< without any message while it should work
+    std::chrono::milliseconds stop = std::chrono::seconds(1);   ///< from the request to stop until it has stopped
+};
+
+/// Waits for the answer to a request that was sent to a worker. Meanwhile it reports progress to the control and sends
+/// the user's request to stop to the worker.
+class Conversation {
+public:
+    Conversation(WorkerProcess &worker, const ConversionControl &control, const Timeouts &timeouts)
+        : worker_(worker), control_(control), timeouts_(timeouts) {}
+
+    /// Returns MediaFacts, PictureSize, Outcome or Failure. When the user stops the conversion and the worker does not
+    /// stop in time, returns an Outcome that says that nothing was written. Throws WorkerFailure.
+    Answer finalAnswer();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void stopWhereAsked();
+    bool isOverdue() const;
+    void waitFor(std::chrono::milliseconds waited);
+    bool isFinal(const Answer &answer);
+    void note(const Progress &progress);
+    void reportProgress();
+
+    WorkerProcess &worker_;
+    const ConversionControl &control_;
+    const Timeouts &timeouts_;
+    std::chrono::milliseconds waited_{0};
+    std::optional<Clock::time_point> stopping_;
+    std::optional<Progress> pending_;
+    Clock::time_point lastReport_;
+};
+
+} // namespace lumetwin::worker

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "worker/parent/Workers.h"
+
+#include "engine/texts/ProcessorError.h"
+#include "engine/texts/Texts.h"
+#include "media/InputFile.h"
+#include "media/OutputFile.h"
+
+#include <array>
+#include <utility>
+
+namespace lumetwin::worker {
+namespace {
+
+using Kind = WorkerFailure::Kind;
+
+/// The answer as the expected type. Throws the error of a Failure.
+template <typename Wanted> Wanted expected(Answer answer) {
+    if (const auto *failure = std::get_if<Failure>(&answer))
+        std::rethrow_exception(failure->error);
+    if (auto *wanted = std::get_if<Wanted>(&answer))
+        return std::move(*wanted);
+    throw WorkerFailure{Kind::invalidAnswer};
+}
+
+/// Runs a task and turns a WorkerFailure into an error that names the file.
+template <typename Work> auto namingFile(const media::InputFile &file, const Work &work) {
+    try {
+        return work();
+    } catch (const WorkerFailure &failure) {
+        throw ProcessorError(words(failure, file.path()));
+    }
+}
+
+} // namespace
+
+Workers::Workers(std::filesystem::path program, Timeouts timeouts)
+    : program_(std::move(program)), timeouts_(timeouts) {}
+
+MediaFacts Workers::look(const media::InputFile &input) {
+    return namingFile(input, [&] {
+        return expected<MediaFacts>(lookAnswer(
+            {.kind = LookRequest::Kind::look, .input = input.path(), .language = std::string(textLanguage())}, input));
+    });
+}
+
+PictureSize Workers::measure(const media::InputFile &input) {
+    return namingFile(input, [&] {
+        return expected<PictureSize>(lookAnswer(
+            {.kind = LookRequest::Kind::measure, .input = input.path(), .language = std::string(textLanguage())},
+            input));
+    });
+}
+
+Answer Workers::lookAnswer(const LookRequest &request, const media::InputFile &input) {
+    const std::scoped_lock lock(inspectorMutex_);
+    try {
+        return inspectorAnswer(request, input.descriptor());
+    } catch (const WorkerFailure &failure) {
+        if (!failure.isCrash())
+            throw;
+        return inspectorAnswer(request, input.descriptor()); // an earlier file may have caused the crash
+    }
+}
+
+Answer Workers::inspectorAnswer(const LookRequest &request, int input) {
+    if (!inspector_)
+        inspector_ = started();
+    try {
+        inspector_->send(request, std::array{input});
+        return Conversation(*inspector_, {}, timeouts_).finalAnswer();
+    } catch (const WorkerFailure &) {
+        inspector_.reset();
+        throw;
+    }
+}
+
+Outcome Workers::convert(ConversionKind kind, const ConversionSettings &settings, const media::InputFile &input,
+                         const media::OutputFile &output, const ConversionControl &control, SystemVersion system) {
+    ConvertRequest request{.kind = kind,
+                           .settings = {std::shared_ptr<void>(), &settings}, // not owned; it outlives the call
+                           .system = system,
+                           .input = input.path(),
+                           .output = output.path(),
+                           .language = std::string(textLanguage())};
+    return namingFile(input, [&] {
+        try {
+            return tryToConvert(request, input.descriptor(), output.descriptor(), control);
+        } catch (const WorkerFailure &failure) {
+            if (!failure.isCrash() || control.cancelled())
+                throw;
+            const Words what = words(failure);
+            if (control.onLog)
+                control.onLog("tried once more, with one decoding thread: " + what.english);
+            output.truncate(0);
+            request.oneDecodingThread = true;
+            Outcome outcome = tryToConvert(request, input.descriptor(), output.descriptor(), control);
+            outcome.warnings.push_back({WarningKind::triedAgain, {what.shown}});
+            return outcome;
+        }
+    });
+}
+
+Outcome Workers::tryToConvert(const ConvertRequest &request, int input, int output, const ConversionControl &control) {
+    const Worker worker = takeSpare();
+    worker->send(request, std::array{input, output});
+    startSpare();
+    return expected<Outcome>(Conversation(*worker, control, timeouts_).finalAnswer());
+}
+
+ConfinementReport Workers::confinement() {
+    try {
+        const Worker worker = started();
+        std::optional<Answer> answer = worker->next(timeouts_.answer);
+        return answer ? expected<Ready>(std::move(*answer)).confinement : ConfinementReport{};
+    } catch (const WorkerFailure &failure) {
+        throw ProcessorError(words(failure));
+    }
+}
+
+Workers::Worker Workers::started() const {
+    if (program_.empty())
+        throw ProcessorError(lumetwin::words("error.worker.missing"));
+    return std::make_unique<WorkerProcess>(program_);
+}
+
+Workers::Worker Workers::takeSpare() {
+    const std::scoped_lock lock(spareMutex_);
+    return spare_.valid() ? spare_.get() : started();
+}
+
+/// Starts the next worker early and does not wait for it. An error is thrown by takeSpare().
+void Workers::startSpare() {
+    const std::scoped_lock lock(spareMutex_);
+    if (!spare_.valid())
+        spare_ = std::async(std::launch::async, [this] { return started(); });
+}
+
+} // namespace lumetwin::worker

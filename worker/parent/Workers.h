@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/MediaOperations.h"
+#include "worker/parent/Conversation.h"
+
+#include <filesystem>
+#include <future>
+#include <memory>
+#include <mutex>
+
+namespace lumetwin::worker {
+
+/// The worker processes of a program. One long-lived worker inspects files. Each conversion has its own worker, and the
+/// next worker is started during the conversion. Can be used by several threads. The functions throw the errors of
+/// MediaOperations::inProcess(); if a worker itself fails, a ProcessorError that names the file.
+class Workers {
+public:
+    explicit Workers(std::filesystem::path program, Timeouts timeouts = {});
+
+    MediaFacts look(const media::InputFile &input);
+    PictureSize measure(const media::InputFile &input);
+
+    /// After a crash the conversion is repeated once, with one decoding thread.
+    Outcome convert(ConversionKind kind, const ConversionSettings &settings, const media::InputFile &input,
+                    const media::OutputFile &output, const ConversionControl &control, SystemVersion system);
+
+    /// How workers are confined on this system. Throws ProcessorError.
+    ConfinementReport confinement();
+
+private:
+    using Worker = std::unique_ptr<WorkerProcess>;
+
+    /// The answer of the inspecting worker. After a crash, a new worker is asked once more.
+    Answer lookAnswer(const LookRequest &request, const media::InputFile &input);
+    Answer inspectorAnswer(const LookRequest &request, int input);
+    Outcome tryToConvert(const ConvertRequest &request, int input, int output, const ConversionControl &control);
+    Worker started() const;
+    Worker takeSpare();
+    void startSpare();
+
+    const std::filesystem::path program_;
+    const Timeouts timeouts_;
+    std::mutex inspectorMutex_;
+    Worker inspector_; // guarded by inspectorMutex_
+    std::mutex spareMutex_;
+    std::future<Worker> spare_; // guarded by spareMutex_
+};
+
+} // namespace lumetwin::worker

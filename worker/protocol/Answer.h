@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/Outcome.h"
+#include "model/MediaFacts.h"
+#include "model/PictureSize.h"
+#include "worker/confinement/Confinement.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <variant>
+
+namespace lumetwin::worker {
+
+// Answers of a worker.
+
+/// The first message: the worker is confined and waits for a request.
+struct Ready {
+    std::string version; ///< of the program; it must be the same on both sides
+    ConfinementReport confinement;
+};
+
+/// A frame is done.
+struct Progress {
+    std::int64_t frame = 0;
+    std::int64_t frames = 0; ///< 0 if unknown
+};
+
+/// The conversion makes progress, but no frame is done.
+struct SignOfLife {};
+
+/// The operation has thrown this error.
+struct Failure {
+    std::exception_ptr error;
+};
+
+using Answer = std::variant<Ready, Progress, SignOfLife, MediaFacts, PictureSize, Outcome, Failure>;
+
+nlohmann::json encode(const Answer &answer);
+/// Throws ProtocolError.
+Answer decodeAnswer(const nlohmann::json &content);
+
+} // namespace lumetwin::worker

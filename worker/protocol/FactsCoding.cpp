@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "worker/protocol/FactsCoding.h"
+
+#include "worker/protocol/Reading.h"
+
+#include <cmath>
+
+namespace lumetwin::worker {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr std::size_t longestProjection = 4; // bytes of a four-character code
+
+Json encodeValue(const std::optional<double> &value) {
+    return value && std::isfinite(*value) ? Json(*value) : Json(nullptr);
+}
+
+std::optional<double> decodeValue(const Json &value) {
+    return value.is_null() ? std::nullopt : std::optional(number(value));
+}
+
+std::optional<MediaFacts::Eye> decodeEye(const Json &value) {
+    return value.is_null() ? std::nullopt : std::optional(caseOf(value, MediaFacts::Eye::right));
+}
+
+std::string decodeProjection(const Json &value) {
+    if (string(value).size() > longestProjection)
+        throw ProtocolError("no four-character code");
+    return string(value);
+}
+
+} // namespace
+
+Json encodeFacts(const MediaFacts &facts) {
+    return {{"kind", numberOf(facts.kind)},
+            {"isSpatial", facts.isSpatial},
+            {"horizontalFOV", encodeValue(facts.values.horizontalFOV)},
+            {"stereoBaseline", encodeValue(facts.values.stereoBaseline)},
+            {"disparity", encodeValue(facts.values.disparity)},
+            {"hasLeftEye", facts.hasLeftEye},
+            {"hasRightEye", facts.hasRightEye},
+            {"heroEye", facts.heroEye ? Json(numberOf(*facts.heroEye)) : Json(nullptr)},
+            {"projection", facts.projection},
+            {"isMultilayer", facts.isMultilayer}};
+}
+
+MediaFacts decodeFacts(const Json &content) {
+    return {.kind = caseOf(field(content, "kind"), MediaFacts::Kind::photo),
+            .isSpatial = boolean(field(content, "isSpatial")),
+            .values = {.horizontalFOV = decodeValue(field(content, "horizontalFOV")),
+                       .stereoBaseline = decodeValue(field(content, "stereoBaseline")),
+                       .disparity = decodeValue(field(content, "disparity"))},
+            .hasLeftEye = boolean(field(content, "hasLeftEye")),
+            .hasRightEye = boolean(field(content, "hasRightEye")),
+            .heroEye = decodeEye(field(content, "heroEye")),
+            .projection = decodeProjection(field(content, "projection")),
+            .isMultilayer = boolean(field(content, "isMultilayer"))};
+}
+
+Json encodeSize(const PictureSize &size) {
+    return {{"width", size.width}, {"height", size.height}};
+}
+
+PictureSize decodeSize(const Json &content) {
+    return {.width = integer(field(content, "width"), 0), .height = integer(field(content, "height"), 0)};
+}
+
+} // namespace lumetwin::worker

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "worker/protocol/Request.h"
+
+#include "worker/protocol/Reading.h"
+#include "worker/protocol/SettingsCoding.h"
+
+namespace lumetwin::worker {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr int highestVersion = std::numeric_limits<int>::max();
+
+Json encodeOne(const LookRequest &request) {
+    return {{"request", "look"},
+            {"kind", numberOf(request.kind)},
+            {"input", request.input.string()},
+            {"language", request.language}};
+}
+
+Json encodeOne(const ConvertRequest &request) {
+    return {{"request", "convert"},
+            {"kind", numberOf(request.kind)},
+            {"settings", encodeSettings(*request.settings)},
+            {"system", {request.system.major, request.system.minor, request.system.patch}},
+            {"input", request.input.string()},
+            {"output", request.output.string()},
+            {"language", request.language},
+            {"oneDecodingThread", request.oneDecodingThread}};
+}
+
+Json encodeOne(const CancelRequest &) {
+    return {{"request", "cancel"}};
+}
+
+SystemVersion systemVersion(const Json &value) {
+    if (array(value).size() != 3)
+        throw ProtocolError("no version");
+    const auto part = [&](std::size_t index) { return static_cast<int>(integer(value[index], 0, highestVersion)); };
+    return {part(0), part(1), part(2)};
+}
+
+ConvertRequest convertRequest(const Json &content) {
+    return {.kind = caseOf(field(content, "kind"), ConversionKind::sbsImageToSpatial),
+            .settings = decodeSettings(field(content, "settings")),
+            .system = systemVersion(field(content, "system")),
+            .input = string(field(content, "input")),
+            .output = string(field(content, "output")),
+            .language = string(field(content, "language")),
+            .oneDecodingThread = boolean(field(content, "oneDecodingThread"))};
+}
+
+} // namespace
+
+Json encode(const Request &request) {
+    return std::visit([](const auto &one) { return encodeOne(one); }, request);
+}
+
+Request decodeRequest(const Json &content) {
+    const std::string &type = string(field(content, "request"));
+    if (type == "look")
+        return LookRequest{.kind = caseOf(field(content, "kind"), LookRequest::Kind::measure),
+                           .input = string(field(content, "input")),
+                           .language = string(field(content, "language"))};
+    if (type == "convert")
+        return convertRequest(content);
+    if (type == "cancel")
+        return CancelRequest{};
+    throw ProtocolError("an unknown request");
+}
+
+} // namespace lumetwin::worker

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/MediaOperations.h"
+#include "model/ConversionSettings.h"
+#include "model/SystemVersion.h"
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <variant>
+
+namespace lumetwin::worker {
+
+// Requests to a worker. The descriptors are sent with the message, in the order of the paths. The paths are only used
+// in error messages.
+
+/// Asks for facts about a file. Descriptor: the file.
+struct LookRequest {
+    enum class Kind { look, measure }; ///< of MediaOperations
+
+    Kind kind = Kind::look;
+    std::filesystem::path input;
+    std::string language; ///< for texts that users read
+};
+
+/// Asks for a conversion. Descriptors: the input (read-only), the output.
+struct ConvertRequest {
+    ConversionKind kind = ConversionKind::spatialVideoToSBS;
+    std::shared_ptr<const ConversionSettings> settings; ///< inputs and output folder are not sent
+    SystemVersion system;
+    std::filesystem::path input;
+    std::filesystem::path output;
+    std::string language;
+    bool oneDecodingThread = false; ///< set after a crash
+};
+
+/// Asks to stop the conversion.
+struct CancelRequest {};
+
+using Request = std::variant<LookRequest, ConvertRequest, CancelRequest>;
+
+nlohmann::json encode(const Request &request);
+/// Throws ProtocolError.
+Request decodeRequest(const nlohmann::json &content);
+
+} // namespace lumetwin::worker

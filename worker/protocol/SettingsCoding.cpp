@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "worker/protocol/SettingsCoding.h"
+
+#include "worker/protocol/Reading.h"
+
+namespace lumetwin::worker {
+
+using Json = nlohmann::json;
+
+Json encodeSettings(const ConversionSettings &settings) {
+    return {{"direction", numberOf(settings.direction)},
+            {"horizontalFOV", settings.horizontalFOV},
+            {"disparityAdjustment", settings.disparityAdjustment},
+            {"stereoBaseline", settings.stereoBaseline},
+            {"sbsOutputFormat", numberOf(settings.sbsOutputFormat)},
+            {"sbsPhotoOutputFormat", numberOf(settings.sbsPhotoOutputFormat)},
+            {"compressionQuality", settings.compressionQuality},
+            {"halfWidth", settings.halfWidth},
+            {"swapLeftRight", settings.swapLeftRight},
+            {"enableResize", settings.enableResize},
+            {"resizeWidth", settings.resizeWidth},
+            {"resizeHeight", settings.resizeHeight},
+            {"resizeMode", numberOf(settings.resizeMode)},
+            {"copyAudio", settings.copyAudio},
+            {"keepTiming", settings.keepTiming}};
+}
+
+std::shared_ptr<ConversionSettings> decodeSettings(const Json &content) {
+    auto settings = std::make_shared<ConversionSettings>();
+    settings->direction = caseOf(field(content, "direction"), allConversionDirections.back());
+    settings->horizontalFOV = number(field(content, "horizontalFOV"));
+    settings->disparityAdjustment = number(field(content, "disparityAdjustment"));
+    settings->stereoBaseline = number(field(content, "stereoBaseline"));
+    settings->sbsOutputFormat = caseOf(field(content, "sbsOutputFormat"), allSBSOutputFormats.back());
+    settings->sbsPhotoOutputFormat = caseOf(field(content, "sbsPhotoOutputFormat"), allSBSPhotoOutputFormats.back());
+    settings->compressionQuality = number(field(content, "compressionQuality"));
+    settings->halfWidth = boolean(field(content, "halfWidth"));
+    settings->swapLeftRight = boolean(field(content, "swapLeftRight"));
+    settings->enableResize = boolean(field(content, "enableResize"));
+    settings->resizeWidth = integer(field(content, "resizeWidth"));
+    settings->resizeHeight = integer(field(content, "resizeHeight"));
+    settings->resizeMode = caseOf(field(content, "resizeMode"), allResizeModes.back());
+    settings->copyAudio = boolean(field(content, "copyAudio"));
+    settings->keepTiming = boolean(field(content, "keepTiming"));
+    return settings;
+}
+
+} // namespace lumetwin::worker
