@@ -8,6 +8,7 @@
 #include "ui/form/MainViewController.h"
 #include "ui/progress/ProgressViewController.h"
 #include "ui/widgets/Localized.h"
+#include "worker/ConfinedOperations.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -38,6 +39,7 @@ void MainWindow::closeEvent(QCloseEvent *event) {
 
 FormServices MainWindowController::standardServices() {
     FormServices services;
+    services.operations = worker::confinedOperations();
     services.showInFolder = showInFileManager;
     return services;
 }

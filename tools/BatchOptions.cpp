@@ -82,9 +82,12 @@ void parseConversion(Arguments arguments, BatchOptions &options) {
 void parseInspection(Arguments arguments, BatchOptions &options) {
     options.command = Command::inspect;
     forEachArgument(arguments, options, [&](std::string_view argument, Arguments &) {
-        if (argument != "--json")
+        if (argument == "--json")
+            options.json = true;
+        else if (argument == "--in-process")
+            options.inProcess = true;
+        else
             throw UsageError("unknown option " + std::string(argument) + " of inspect");
-        options.json = true;
     });
     if (options.inputs.empty())
         throw UsageError("no file to inspect");

@@ -28,6 +28,7 @@ struct BatchOptions {
     bool json = false;                           ///< only for inspect
     std::optional<std::filesystem::path> report; ///< receives the results as JSON; "-" is standard output
     bool strict = false;                         ///< warnings count as failures for the exit status
+    bool inProcess = false;                      ///< files are worked on in this process, not in a confined one
     std::shared_ptr<ConversionSettings> settings = std::make_shared<ConversionSettings>();
     std::vector<std::string> notices; ///< messages for the user about inputs and options that have no effect
 };

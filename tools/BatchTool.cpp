@@ -2,6 +2,8 @@
 #include "tools/Commands.h"
 
 #include "engine/texts/FileNames.h"
+#include "worker/parent/WorkerProgram.h"
+#include "worker/parent/Workers.h"
 
 #include <fmt/format.h>
 
@@ -30,6 +32,22 @@ int statusAfterFlush(int status) {
     return someFailed;
 }
 
+int printVersion(Console &console) {
+    console.print("lumetwin-batch " LUMETWIN_VERSION);
+    try {
+        worker::Workers workers(worker::workerProgram());
+        console.print("Files are worked on in a process that is confined by: " +
+                      worker::describe(workers.confinement()));
+    } catch (const std::exception &error) {
+        console.print(std::string("Files cannot be worked on: ") + error.what());
+    }
+    return statusAfterFlush(allSucceeded);
+}
+
+MediaOperations operationsFor(const BatchOptions &options, const std::function<MediaOperations()> &usual) {
+    return options.inProcess ? MediaOperations::inProcess() : usual();
+}
+
 int run(BatchOptions options, const std::function<MediaOperations()> &operations) {
     // With a report on standard output, nothing else is written there.
     Console console(options.report == "-" ? stderr : stdout);
@@ -38,14 +56,13 @@ int run(BatchOptions options, const std::function<MediaOperations()> &operations
         std::fputs(helpText().c_str(), stdout);
         return statusAfterFlush(allSucceeded);
     case Command::version:
-        console.print("lumetwin-batch " LUMETWIN_VERSION);
-        return statusAfterFlush(allSucceeded);
+        return printVersion(console);
     case Command::inspect:
-        return statusAfterFlush(inspectCommand(options, console, operations()));
+        return statusAfterFlush(inspectCommand(options, console, operationsFor(options, operations)));
     case Command::convert:
         break;
     }
-    return convertCommand(options, console, operations());
+    return convertCommand(options, console, operationsFor(options, operations));
 }
 
 } // namespace

@@ -21,8 +21,8 @@ int convertCommand(BatchOptions &options, Console &console, MediaOperations oper
 /// Prints facts about the files. Returns the exit status: someFailed when a file cannot be read.
 int inspectCommand(const BatchOptions &options, Console &console, const MediaOperations &operations);
 
-/// Runs the whole program. arguments[0] is the program's name. Returns the exit status.
-int runBatchTool(int count, const char *const *arguments,
-                 const std::function<MediaOperations()> &operations = MediaOperations::inProcess);
+/// Runs the whole program. arguments[0] is the program's name. `operations` makes those for all files, unless
+/// --in-process is given. Returns the exit status.
+int runBatchTool(int count, const char *const *arguments, const std::function<MediaOperations()> &operations);
 
 } // namespace lumetwin::batch

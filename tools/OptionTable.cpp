@@ -115,6 +115,8 @@ constexpr std::array options{
            }},
     Option{"--strict", "", "a warning counts as a failure for the exit status",
            [](Options &o, Value, Name) { o.strict = true; }},
+    Option{"--in-process", "", "work on files in this process, not in a confined one",
+           [](Options &o, Value, Name) { o.inProcess = true; }},
 };
 
 } // namespace
@@ -141,7 +143,7 @@ std::string rangeText(const Option &option) {
 
 std::string helpText() {
     std::string text = "Usage: lumetwin-batch [OPTION]... --output FOLDER INPUT...\n"
-                       "       lumetwin-batch inspect [--json] FILE...\n"
+                       "       lumetwin-batch inspect [--json] [--in-process] FILE...\n"
                        "\n"
                        "Converts stereoscopic videos and photos between spatial media (MV-HEVC movies, stereo HEIC\n"
                        "photos) and side-by-side media. INPUT is one folder, whose files are taken, or files. Files\n"
@@ -154,7 +156,7 @@ std::string helpText() {
                   "inspect tells whether files are spatial media, and their stereo values; with --json, for programs.\n"
                   "\n"
                   "  -h, --help                             this text\n"
-                  "  --version                              the version\n"
+                  "  --version                              the version, and how files are confined\n"
                   "\n"
                   "Ctrl+C stops cleanly, a second one at once. Exit status: 0 all files were converted or skipped,\n"
                   "1 some failed (or, with --strict, have warnings), 2 wrong usage, 130 stopped.\n";

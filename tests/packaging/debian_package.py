@@ -57,7 +57,7 @@ class DebianPackage(unittest.TestCase):
     def test_files_are_the_expected_ones(self):
         files = {str(file.relative_to(self.tree)) for file in self.tree.rglob("*") if not file.is_dir()}
         self.assertEqual(files, {
-            "usr/bin/lumetwin", "usr/bin/lumetwin-batch",
+            "usr/bin/lumetwin", "usr/bin/lumetwin-batch", "usr/libexec/lumetwin/lumetwin-worker",
             f"usr/share/applications/{ID}.desktop",
             "usr/share/doc/lumetwin/README.md", "usr/share/doc/lumetwin/changelog.Debian.gz",
             "usr/share/doc/lumetwin/changelog.gz", "usr/share/doc/lumetwin/copyright",
@@ -85,8 +85,8 @@ class DebianPackage(unittest.TestCase):
             self.assertEqual(self.unpacked(f"usr/share/man/man1/{page}.1.gz"), read(f"resources/man/{page}.1"))
 
     def test_programs_are_stripped(self):
-        for program in ("lumetwin", "lumetwin-batch"):
-            sections = run("readelf", "-S", "-W", self.tree / "usr/bin" / program).stdout
+        for program in ("bin/lumetwin", "bin/lumetwin-batch", "libexec/lumetwin/lumetwin-worker"):
+            sections = run("readelf", "-S", "-W", self.tree / "usr" / program).stdout
             self.assertIn(".text", sections)
             self.assertNotIn(".symtab", sections)
 

@@ -8,7 +8,7 @@ import pathlib
 from packaging import BUILD, CMAKE, HELP_FILES, ID, main, run
 
 TREE = {
-    "bin/lumetwin", "bin/lumetwin-batch",
+    "bin/lumetwin", "bin/lumetwin-batch", "libexec/lumetwin/lumetwin-worker",
     f"share/applications/{ID}.desktop",
     "share/doc/lumetwin/CHANGELOG.md", "share/doc/lumetwin/LICENSE", "share/doc/lumetwin/README.md",
     f"share/icons/hicolor/scalable/apps/{ID}.svg", f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
@@ -37,12 +37,12 @@ class InstalledTree(unittest.TestCase):
     def test_only_programs_are_executable(self):
         for file in self.prefix.rglob("*"):
             if file.is_file():
-                wanted = 0o755 if file.parent.name == "bin" else 0o644
+                wanted = 0o755 if "share" not in file.relative_to(self.prefix).parts else 0o644
                 self.assertEqual(oct(file.stat().st_mode & 0o777), oct(wanted), file)
 
     def test_programs_have_no_path_of_the_build(self):
-        for program in ("lumetwin", "lumetwin-batch"):
-            dynamic = run("readelf", "-d", self.prefix / "bin" / program).stdout
+        for program in ("bin/lumetwin", "bin/lumetwin-batch", "libexec/lumetwin/lumetwin-worker"):
+            dynamic = run("readelf", "-d", self.prefix / program).stdout
             self.assertIn("NEEDED", dynamic)
             self.assertNotRegex(dynamic, "RUNPATH|RPATH")
             self.assertRegex(dynamic, "BIND_NOW|FLAGS_1.*NOW")
@@ -51,6 +51,15 @@ class InstalledTree(unittest.TestCase):
         result = run(self.prefix / "bin/lumetwin-batch", "--help", env=dict(os.environ, LC_ALL="C.UTF-8"))
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         self.assertTrue(result.stdout.startswith("Usage: lumetwin-batch"))
+
+    def test_installed_program_finds_its_worker_wherever_the_tree_stands(self):
+        result = run(self.prefix / "bin/lumetwin-batch", "--version")
+        self.assertIn("confined by: system calls", result.stdout)
+
+    def test_worker_knows_no_window(self):
+        needed = run("readelf", "-d", self.prefix / "libexec/lumetwin/lumetwin-worker").stdout
+        self.assertIn("NEEDED", needed)
+        self.assertNotIn("libQt", needed)
 
 
 if __name__ == "__main__":
