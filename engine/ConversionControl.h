@@ -8,9 +8,10 @@
 
 namespace lumetwin {
 
-/// What a running conversion looks at and reports to. Everything is called on the conversion's own threads.
+/// How a running conversion is cancelled and where it reports progress. Everything is called on the conversion's
+/// threads.
 struct ConversionControl {
-    /// Polled before each frame, and wherever a conversion would go on for long.
+    /// Checked before each frame, and during any work that can take long.
     const std::atomic<bool> *cancelRequested = nullptr;
     /// (current frame, total frames; 0 when the total is unknown). May be empty.
     std::function<void(std::int64_t, std::int64_t)> onFrameProgress;

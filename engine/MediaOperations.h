@@ -22,14 +22,14 @@ class OutputFile;
 
 enum class ConversionKind { spatialVideoToSBS, sbsVideoToSpatial, spatialPhotoToSBS, sbsImageToSpatial };
 
-/// What is done to single files, as values: a batch does not know whether that happens in a process of its own, and
-/// tests drive one without converting anything. Any thread may call them.
+/// The functions that a batch calls for single files. A batch does not know whether they run in another process, and
+/// tests replace them. May be called on any thread.
 struct MediaOperations {
-    /// Writes the output, or returns early where the control says so. Throws what went wrong.
+    /// Writes the output, or returns early when cancelled. Throws when it fails.
     using Converter = std::function<Outcome(const ConversionSettings &, const media::InputFile &,
                                             const media::OutputFile &, const ConversionControl &, SystemVersion)>;
 
-    /// What a look at the headers tells; see lookAt().
+    /// Reads the headers; see lookAt().
     std::function<MediaFacts(const media::InputFile &)> look;
     /// See pictureSize().
     std::function<PictureSize(const media::InputFile &)> measure;
@@ -40,9 +40,9 @@ struct MediaOperations {
 
     const Converter &converter(ConversionKind kind) const;
 
-    /// The same, opening the file. Throw MediaError where it cannot be opened.
+    /// The same with a path. These throw MediaError when the file cannot be opened.
     MediaFacts lookAtFile(const std::filesystem::path &file) const;
-    /// Of a file that is not spatial, the size too.
+    /// The facts, and for a file that is not spatial also its size.
     std::pair<MediaFacts, std::optional<PictureSize>> inspectFile(const std::filesystem::path &file) const;
 
     /// The engine's own functions, called in this process.

@@ -10,18 +10,18 @@
 
 namespace lumetwin {
 
-/// What became of one file that a converter did not fail on.
+/// The result of a converter that did not fail.
 struct Outcome {
-    bool written = false;            ///< false: the user cancelled, and there is no output
-    std::int64_t framesWritten = 0;  ///< of a film
-    std::int64_t framesExpected = 0; ///< of a film, 0 when unknown
+    bool written = false;            ///< false if the user cancelled; then there is no output
+    std::int64_t framesWritten = 0;  ///< only for videos
+    std::int64_t framesExpected = 0; ///< only for videos; 0 when unknown
     std::vector<Warning> warnings;
 
-    /// Of a photo.
+    /// The outcome of a photo that was written.
     static Outcome ofPhoto(std::vector<Warning> warnings) { return {true, 0, 0, std::move(warnings)}; }
 };
 
-/// Gathers what a conversion has to tell; its threads add to it.
+/// Collects the warnings of a conversion. May be used by several threads.
 class WarningList {
 public:
     void add(WarningKind kind, std::vector<Warning::Value> values = {}) {
@@ -29,7 +29,7 @@ public:
         warnings_.push_back({kind, std::move(values)});
     }
 
-    /// All of them, in the order in which they were added; the list is empty then.
+    /// Returns all warnings in the order in which they were added, and empties the list.
     std::vector<Warning> take() {
         const std::scoped_lock lock(mutex_);
         return std::exchange(warnings_, {});

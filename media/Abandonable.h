@@ -14,9 +14,9 @@
 
 namespace lumetwin::media {
 
-/// Does work that a library cannot be asked to stop, on a thread of its own, and returns its result. When it is
-/// cancelled, Cancelled is thrown at once, and the thread goes on with what nobody waits for any longer until the
-/// library returns. So the work owns all that it touches. It is handed a Cancellation that it may keep asking then.
+/// Runs work that cannot be stopped, such as a call of a library, on a new thread and returns its result. When
+/// cancelled, it throws Cancelled at once, while the thread continues until the library returns. So the work must own
+/// everything that it uses. It gets a Cancellation that stays valid.
 template <typename Work>
 std::invoke_result_t<Work, const Cancellation &> abandonable(const Cancellation &cancellation, Work work) {
     using Result = std::invoke_result_t<Work, const Cancellation &>;

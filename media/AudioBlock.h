@@ -6,7 +6,7 @@
 
 namespace lumetwin::media {
 
-/// Interleaved signed 16-bit samples; count is in samples a channel.
+/// Interleaved signed 16-bit samples. count: samples per channel.
 struct AudioBlock {
     std::shared_ptr<const std::int16_t[]> samples;
     int count = 0;

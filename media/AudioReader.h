@@ -9,16 +9,15 @@
 
 namespace lumetwin::media {
 
-/// The sample rate that AAC carries (ISO/IEC 14496-3, table 1.18) for a source of the given rate: its own, else the
-/// next higher one, else the highest.
+/// The AAC sample rate (ISO/IEC 14496-3, table 1.18) for a source rate: the same rate, otherwise the next higher one,
+/// otherwise the highest.
 int aacSampleRate(double sourceRate);
 
-/// Decodes a movie's audio track to 16-bit PCM of the given rate and one or two channels (more are mixed
-/// down), beginning at the given time of the movie: sound before it is cut, a late start and gaps are filled with
-/// silence.
+/// Decodes a movie's audio track to 16-bit PCM with the given rate and one or two channels (more are mixed down). It
+/// starts at the given time of the movie: earlier sound is cut off; a late start and gaps are filled with silence.
 class AudioReader {
 public:
-    /// Throws MediaError when the track cannot be decoded or is encrypted; next() does where it is further on.
+    /// Throws MediaError when the track cannot be decoded or is encrypted. next() throws it when that is found later.
     AudioReader(const InputFile &file, const AudioTrack &track, int sampleRate, int channels, double fromTime);
     ~AudioReader();
     std::optional<AudioBlock> next();

@@ -21,7 +21,7 @@ constexpr float fullScale = 32768;
 std::unique_ptr<SpeedChanger> makeChanger(int sampleRate, int channels, double ratio) {
     if (!(ratio >= 1 / largestRatio && ratio <= largestRatio))
         throw std::invalid_argument("the sound would be stretched out of all proportion");
-    // Exactly 0.2 % is resampled still, whatever a double makes of it.
+    // The small addition makes 0.2 % itself count as resampled, despite rounding of doubles.
     if (std::abs(ratio - 1) <= inaudiblePitch + 1e-9)
         return makeResamplingChanger(channels, ratio);
     return makePitchKeepingChanger(sampleRate, channels, ratio);
@@ -41,7 +41,7 @@ struct AudioStretcher::State {
     std::int64_t taken = 0;
     std::int64_t given = 0;
 
-    /// Samples that all blocks together should hold by now.
+    /// The number of samples that all blocks together should have by now.
     std::int64_t due() const { return std::llround(static_cast<double>(taken) * ratio); }
 
     Channels planes(const AudioBlock &block) const {
@@ -53,7 +53,7 @@ struct AudioStretcher::State {
         return result;
     }
 
-    /// At most `most` samples of what is ready.
+    /// At most `most` of the samples that are ready.
     AudioBlock interleaved(const Channels &ready, std::int64_t most) {
         const auto length = static_cast<std::int64_t>(ready.front().size());
         const auto count = static_cast<std::size_t>(std::clamp<std::int64_t>(most, 0, length));
@@ -85,7 +85,7 @@ AudioBlock AudioStretcher::finish() {
     const std::int64_t missing = state_->due() - state_->given;
     for (std::vector<float> &channel : ready)
         if (missing > static_cast<std::int64_t>(channel.size()))
-            channel.resize(static_cast<std::size_t>(missing)); // the last instant is silent
+            channel.resize(static_cast<std::size_t>(missing)); // the end is filled with silence
     return state_->interleaved(ready, missing);
 }
 

@@ -8,17 +8,17 @@
 
 namespace lumetwin::media {
 
-/// Makes sound longer or shorter by a factor near 1, so that it stays in step with pictures that do. Up to 0.2 % it is
-/// resampled, which shifts its pitch by less than anybody hears; beyond, its pitch is kept.
+/// Makes sound longer or shorter by a factor near 1, so that it stays in sync with the pictures. Up to 0.2 % it
+/// resamples, which changes the pitch by an inaudible amount. Above that it keeps the pitch.
 class AudioStretcher {
 public:
-    /// `ratio` is the duration of the result ÷ that of the source. Throws std::invalid_argument outside 1/8 to 8.
+    /// `ratio`: output duration divided by source duration. Throws std::invalid_argument outside 1/8 to 8.
     AudioStretcher(int sampleRate, int channels, double ratio);
     ~AudioStretcher();
 
-    /// Takes the next block; gives out what is ready, which may be nothing (count 0).
+    /// Accepts the next block. Returns the samples that are ready, possibly none (count 0).
     AudioBlock stretch(const AudioBlock &block);
-    /// The rest. All blocks together hold the samples taken × ratio, rounded to a whole one.
+    /// Returns the remaining samples. All blocks together have (input samples × ratio), rounded to an integer.
     AudioBlock finish();
 
 private:

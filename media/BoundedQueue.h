@@ -11,12 +11,12 @@
 
 namespace lumetwin::media {
 
-/// Hands items from one thread to another in order, at most `bound` of them waiting.
+/// Passes items between threads in order. At most `bound` items wait.
 template <typename Item> class BoundedQueue {
 public:
     explicit BoundedQueue(std::size_t bound) : bound_(bound) {}
 
-    /// Waits for room. False when the queue has been closed: the item is not taken.
+    /// Waits until there is space. Returns false, without adding the item, when the queue is closed.
     bool push(Item item) {
         std::unique_lock lock(mutex_);
         changed_.wait(lock, [&] { return closed_ || items_.size() < bound_; });
@@ -43,7 +43,7 @@ public:
         return item;
     }
 
-    /// No item is taken any more; those that wait are still handed out.
+    /// Accepts no more items. Waiting items can still be popped.
     void close() {
         const std::lock_guard lock(mutex_);
         closed_ = true;
@@ -58,7 +58,7 @@ public:
         changed_.notify_all();
     }
 
-    /// Closes the queue and drops what waits in it.
+    /// Closes the queue and drops the waiting items.
     void discard() {
         std::deque<Item> dropped;
         const std::lock_guard lock(mutex_);

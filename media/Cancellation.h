@@ -8,11 +8,11 @@
 
 namespace lumetwin::media {
 
-/// Thrown where work stops because nobody wants it any longer. It is no error, and no handler of errors takes it.
+/// Thrown when work stops because it was cancelled. It is not an error, and error handlers do not catch it.
 struct Cancelled {};
 
-/// Asked by work that can last, before each further piece of it (a tile, a strip of rows): whether to go on. The
-/// predicate is called on all threads of the work, often.
+/// Long work calls this before each piece (a tile, a strip of rows) to find out whether to continue. The predicate is
+/// called often, on all threads of the work.
 class Cancellation {
 public:
     /// Never cancels.

@@ -6,9 +6,9 @@
 
 namespace lumetwin::media {
 
-/// The picture in another colour model, chroma subsampling, depth, matrix or range; primaries and transfer are not
-/// changed. Tags that are unspecified mean BT.601 (matrix 6) and, for YUV, full range: what still images mean. Throws
-/// std::logic_error for grey from colour, std::runtime_error when the library refuses, Cancelled when it is to stop.
+/// Converts the picture to another colour model, chroma subsampling, depth, matrix or range. Primaries and transfer are
+/// not changed. Unspecified tags mean BT.601 (matrix 6) and, for YUV, full range, as in still images. Throws
+/// std::logic_error for colour to grey, std::runtime_error when the library refuses, Cancelled when cancelled.
 Picture convertColour(const Picture &picture, PictureFormat format, const ColourTags &colour,
                       const Cancellation &cancellation = {});
 

@@ -5,10 +5,10 @@ namespace lumetwin::media {
 
 enum class ColourRange { unspecified, limited, full };
 
-/// Where chroma samples lie relative to luma samples in subsampled formats (ITU-T H.273, 8.7).
+/// The position of chroma samples relative to luma samples in subsampled formats (ITU-T H.273, 8.7).
 enum class ChromaLocation { unspecified, left, centre, topLeft };
 
-/// What the sample values mean. Numbers are the code points of ITU-T H.273; 2 means unspecified.
+/// The meaning of sample values. The numbers are the code points of ITU-T H.273; 2 means unspecified.
 struct ColourTags {
     int primaries = 2;
     int transfer = 2;

@@ -9,11 +9,11 @@
 
 namespace lumetwin::media {
 
-/// Scales, places and converts pictures onto canvases. Pixels that a placed picture covers in part (a fractional edge)
-/// are mixed with what is there by the covered area. Where scale is 1 and positions are whole (in each plane's own
-/// samples) and formats agree, samples are moved untouched. Depth is reduced with dithering; full and limited range
-/// are converted into each other where both pictures state theirs. Grey goes onto every colour model, else the models
-/// must agree. What a geometry needs is built once and kept: one object per thread.
+/// Scales and converts pictures and places them on canvases. A pixel that a picture covers partly (at a fractional
+/// edge) is blended with the canvas by the covered area. If the scale is 1, positions are integers (in the samples of
+/// each plane) and formats agree, samples are copied unchanged. A reduction of depth is dithered. Full and limited
+/// range are converted if both pictures state theirs. A grey picture can be placed on any colour model; otherwise the
+/// models must be equal. Filters for a geometry are created once and kept: use one object per thread.
 class Compositor {
 public:
     explicit Compositor(Cancellation cancellation = {});
@@ -23,9 +23,9 @@ public:
 
     /// Fills the canvas with black of its colour model and range.
     static void fillBlack(Picture &canvas);
-    /// A placement with an empty or infinite rectangle leaves the canvas as it is. Throws std::logic_error when the
-    /// colour models do not fit, std::length_error for planes of more than 65535 samples a side, std::runtime_error
-    /// when the library refuses, Cancelled when it is to stop.
+    /// A placement with an empty or infinite rectangle does not change the canvas. Throws std::logic_error when the
+    /// colour models do not match, std::length_error for planes with more than 65535 samples on a side,
+    /// std::runtime_error when the library refuses, Cancelled when cancelled.
     void place(const Picture &picture, const Placement &placement, Picture &canvas);
 
 private:

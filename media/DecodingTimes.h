@@ -6,13 +6,13 @@
 
 namespace lumetwin::media {
 
-/// Decoding times of coded pictures, from the times of the pictures as they were handed over and the number of pictures
-/// by which coding runs ahead of showing: the n-th packet is decoded when the picture so many before the n-th is shown.
+/// Computes the decoding times of coded pictures from their presentation times and the reordering delay (in pictures)
+/// of the encoder: the n-th packet is decoded when the picture that many positions before the n-th is shown.
 class DecodingTimes {
 public:
     explicit DecodingTimes(int reordering) : reordering_(reordering) {}
 
-    /// A picture was handed to the encoder, in the order in which they are shown.
+    /// Call for each picture that is given to the encoder, in presentation order.
     void add(std::int64_t time, std::int64_t duration) {
         if (times_.empty() && coded_ == 0)
             first_ = time;
@@ -22,10 +22,10 @@ public:
 
     struct Moment {
         std::int64_t time;
-        std::int64_t duration; ///< until the next packet; that of the last picture where there is none yet
+        std::int64_t duration; ///< until the next packet; for the last packet the duration of the last picture
     };
 
-    /// Of the next packet.
+    /// The decoding time and duration of the next packet.
     Moment next() {
         const std::int64_t time = timeOfNext();
         if (coded_++ >= reordering_ && !times_.empty())
@@ -43,7 +43,7 @@ private:
     }
 
     int reordering_;
-    std::deque<std::int64_t> times_; ///< of the pictures whose decoding time was not given out yet
+    std::deque<std::int64_t> times_; ///< of pictures whose decoding time was not returned yet
     std::int64_t first_ = 0;
     std::int64_t duration_ = 0;
     std::int64_t coded_ = 0;

@@ -35,8 +35,8 @@ private:
     int descriptor_;
 };
 
-/// Fills the buffer from the position; returns how many bytes there were, fewer only at the end. Throws MediaError,
-/// which names `file`.
+/// Reads the buffer from the position. Returns the number of bytes, which is smaller only at the end of the file.
+/// Throws MediaError, which names `file`.
 std::size_t readFrom(int descriptor, std::uint64_t position, std::span<std::uint8_t> buffer,
                      const std::filesystem::path &file);
 

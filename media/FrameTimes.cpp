@@ -27,10 +27,10 @@ constexpr std::array<Fraction, 14> commonRates{{{24000, 1001},
                                                 {120, 1},
                                                 {240, 1}}};
 constexpr double commonRateTolerance = 0.005;
-// Times that count whole frames differ by a tick where a frame is left out; in finer ones a tick is rounding.
+// If the tick is one frame, a difference of one tick is a missing frame. If ticks are finer than this, it is rounding.
 constexpr std::int64_t roundedTicks = 4;
 
-/// frames by ticks, as frames a second.
+/// Frames divided by ticks, as frames per second.
 Fraction perSecond(std::int64_t frames, std::int64_t ticks, const Fraction &tick) {
     const std::int64_t common = std::gcd(frames, ticks);
     const Fraction perTick{frames / common, ticks / common};
@@ -48,7 +48,7 @@ struct Run {
     std::int64_t ticks;
 };
 
-/// The durations that count where they agree: without the first and the last one, unless there are no others.
+/// The frames that must have equal durations: all without the first and the last one, unless there are no others.
 std::optional<Run> equalDurations(const FrameTimes &times) {
     const std::vector<std::int64_t> &starts = times.starts;
     if (starts.size() < 2)
@@ -65,8 +65,8 @@ std::optional<Run> equalDurations(const FrameTimes &times) {
     return Run{static_cast<std::int64_t>(starts.size() - 1 - first), starts.back() - starts[first]};
 }
 
-/// Whether times that are rounded to ticks lie where equal durations put them: what differs by a tick here and there
-/// may still run away.
+/// Whether the times, rounded to ticks, match equal durations over the whole track. Comparing single durations is not
+/// enough, because small differences may add up.
 bool liesOnGrid(const FrameTimes &times, const Run &run) {
     const std::size_t first = times.starts.size() > 2 ? 1 : 0;
     const double step = static_cast<double>(run.ticks) / static_cast<double>(run.frames);
@@ -86,7 +86,7 @@ FramePace pace(const FrameTimes &times, const Run &run, bool isConstant) {
         return result;
     result.rate = nearestCommonRate(exact);
     result.frameDuration = 1 / exact.value();
-    // What is a common rate but for rounding is that rate.
+    // If the rate differs from a common rate only by rounding, it is that rate.
     const double ticks = static_cast<double>(run.frames) / result.rate.value() / times.tick.value();
     if (std::abs(ticks - static_cast<double>(run.ticks)) <= 2)
         result.frameDuration = 1 / result.rate.value();

@@ -6,7 +6,7 @@
 
 namespace lumetwin::media {
 
-/// A positive fraction; 0 / 1 where it is unknown.
+/// A positive fraction; 0 / 1 when unknown.
 struct Fraction {
     std::int64_t numerator = 0;
     std::int64_t denominator = 1;
@@ -16,26 +16,26 @@ struct Fraction {
     double value() const { return static_cast<double>(numerator) / static_cast<double>(denominator); }
 };
 
-/// When the frames of a track are shown, edit lists applied, in ticks of the track.
+/// The presentation times of a track's frames in ticks of the track, with edit lists applied.
 struct FrameTimes {
     std::vector<std::int64_t> starts; ///< ascending
     std::int64_t end = 0;             ///< of the last frame
     Fraction tick;                    ///< seconds
 };
 
-/// How fast the frames of a track follow each other.
+/// The frame rate of a track.
 struct FramePace {
-    Fraction rate;            ///< frames a second; that of a common rate within 0.5 %
-    double frameDuration = 0; ///< seconds from one frame to the next in the mean, as it was measured; 0 when unknown
-    bool isConstant = false;  ///< all frames but the first and the last are shown equally long, to a tick
+    Fraction rate;            ///< frames per second; a common rate if one is within 0.5 %
+    double frameDuration = 0; ///< mean time from one frame to the next in seconds, as measured; 0 when unknown
+    bool isConstant = false;  ///< all frames except the first and the last have equal durations, within one tick
 };
 
-/// The rate of frames as their times have it. Where all durations but the first and the last agree to a tick, it is
-/// theirs; else it is the number of frames by the time that they are shown.
+/// The frame rate from the frames' times. If all durations except the first and the last agree within one tick, it is 1
+/// / duration; otherwise the number of frames divided by their total time.
 FramePace framePace(const FrameTimes &times);
 
 /// The common rate (24000/1001, 24, 25, 30000/1001, 30, 48, 50, 60000/1001, 60, 90, 100, 120000/1001, 120, 240) that is
-/// nearest to a rate within 0.5 %; the rate itself where there is none.
+/// nearest to a rate and within 0.5 %; otherwise the rate itself.
 Fraction nearestCommonRate(Fraction rate);
 
 } // namespace lumetwin::media

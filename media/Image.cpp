@@ -28,8 +28,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/// Brands of still images in HEVC, the general ones that they come with (ISO/IEC 23008-12, annex B), and those of other
-/// codings, of which the reader says that it does not read them.
+/// Brands of still images in HEVC, the general brands used with them (ISO/IEC 23008-12, annex B), and brands of other
+/// codings, for which the reader reports that they are not supported.
 constexpr std::array heifBrands{"avci"sv, "avcs"sv, "avif"sv, "avis"sv, "j2ki"sv, "j2is"sv,
                                 "heic"sv, "heix"sv, "heim"sv, "heis"sv, "mif1"sv, "mif2"sv,
                                 "msf1"sv, "hevc"sv, "hevx"sv, "miaf"sv, "1pic"sv};
@@ -152,9 +152,9 @@ void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTake
 
 void writeImage(const OutputFile &file, ImageKind kind, StillImage image, double quality,
                 const Cancellation &cancellation) {
-    // What the samples meant before they are converted decides which profile is embedded.
+    // The embedded profile depends on the meaning of the samples before they are converted.
     image.metadata = images::correctedMetadata(image.picture, std::move(image.metadata));
-    if (kind != ImageKind::jpeg) // whose writer converts strip by strip
+    if (kind != ImageKind::jpeg) // the JPEG writer converts strip by strip
         image.picture = images::pictureFor(kind, std::move(image.picture), cancellation);
     switch (kind) {
     case ImageKind::jpeg:

@@ -19,14 +19,14 @@ namespace lumetwin::media {
 
 enum class ImageKind { jpeg, png, tiff, heif };
 
-/// The kind of image that a file's first bytes announce, whatever it is called; nothing for other files and for
-/// those that cannot be read.
+/// The image format according to the file's first bytes, independent of its name; nullopt for other and unreadable
+/// files.
 std::optional<ImageKind> imageKind(const InputFile &file) noexcept;
 
-/// What an image file holds beside its samples.
+/// The metadata of an image file.
 struct ImageMetadata {
-    std::vector<std::uint8_t> iccProfile; ///< empty: what the picture's tags say, else sRGB
-    std::vector<std::uint8_t> exif;       ///< from the TIFF header on, without "Exif\0\0"
+    std::vector<std::uint8_t> iccProfile; ///< empty: the picture's tags apply, otherwise sRGB
+    std::vector<std::uint8_t> exif;       ///< begins with the TIFF header, without "Exif\0\0"
     std::string xmp;                      ///< an XMP packet
 };
 
@@ -41,24 +41,24 @@ enum class PhotoSamples;
 struct StereoPhotoFacts;
 using EyeTaker = std::function<void(Eye eye, StillImage image)>;
 
-/// An image file whose headers have been read. A value: copies share what was read. Any thread may use it.
+/// An image file whose headers were read. Copies share them. May be used on any thread.
 class ImageFile {
 public:
-    /// Throws MediaError when the file is no image, and for a HEIF file whose headers are damaged.
+    /// Throws MediaError when the file is not an image, or is a HEIF file with damaged headers.
     explicit ImageFile(const InputFile &file);
 
     const std::filesystem::path &path() const;
     ImageKind kind() const;
-    /// How many images the file offers: pages of a TIFF, images of a HEIF file that are not hidden, auxiliary or
-    /// thumbnails, else 1. Throws MediaError.
+    /// The number of images: pages of a TIFF, images of a HEIF file that are not hidden, auxiliary or thumbnails,
+    /// otherwise 1. Throws MediaError.
     int imageCount() const;
-    /// What lies beside its pictures; nothing where that cannot be read.
+    /// The contents besides its pictures; empty when they cannot be read.
     PhotoExtras extras() const noexcept;
 
-    /// The file's first image at the precision of its samples: JPEG as Y'CbCr planes where it is coded so, everything
-    /// else as grey or RGB. Transparent pixels are drawn onto black; CMYK is converted to sRGB. The orientation that
-    /// Exif states is not applied; transformations that HEIF states are part of the picture. Throws MediaError for
-    /// damaged, truncated, oversized and unsupported files, and Cancelled when it is to stop.
+    /// Reads the file's first image with its full sample depth: JPEG as Y'CbCr planes if it is coded so, everything
+    /// else as grey or RGB. Transparent pixels are drawn on black. CMYK is converted to sRGB. The orientation from Exif
+    /// is not applied; the transformations of HEIF are. Throws MediaError for damaged, truncated, oversized and
+    /// unsupported files, and Cancelled when cancelled.
     StillImage read(const Cancellation &cancellation = {}) const;
 
 private:
@@ -70,18 +70,17 @@ private:
     std::shared_ptr<const Opened> opened_;
 };
 
-/// Writes an image. Quality, 0.0 to
-/// 1.0, means something in JPEG and HEIC only. Samples that the format cannot hold are converted: Y'CbCr to
-/// the matrix and range of JFIF for JPEG, to RGB for PNG and TIFF, everything to 8-bit 4:2:0 for HEIC. Orientation,
-/// dimensions and thumbnails in the metadata are corrected for the picture. Throws MediaError, and Cancelled when it is
-/// to stop.
+/// Writes an image. Quality is 0.0 to 1.0 and only used for JPEG and HEIC. Samples that the format does not support are
+/// converted: Y'CbCr to the matrix and range of JFIF for JPEG, to RGB for PNG and TIFF, everything to 8-bit 4:2:0 for
+/// HEIC. Orientation, dimensions and thumbnails in the metadata are corrected. Throws MediaError, and Cancelled when
+/// cancelled.
 void writeImage(const OutputFile &file, ImageKind kind, StillImage image, double quality,
                 const Cancellation &cancellation = {});
 
-/// The tags that a JPEG file's samples have by definition (JFIF 1.02): full range, matrix of ITU-R BT.601.
+/// The colour tags of JPEG samples by definition (JFIF 1.02): full range, matrix of ITU-R BT.601.
 inline constexpr ColourTags jpegColour{1, 13, 6, ColourRange::full, ChromaLocation::centre};
 
-/// The largest picture that is read: samples of one plane.
+/// The largest picture that is read, in samples of one plane.
 inline constexpr std::int64_t maximumPixels = std::int64_t{1} << 28;
 
 } // namespace lumetwin::media

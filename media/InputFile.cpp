@@ -16,7 +16,7 @@ namespace lumetwin::media {
 
 namespace {
 
-/// Does not wait: a pipe that nobody writes to is opened at once, and refused.
+/// Opens without waiting, so that a pipe without a writer is refused at once.
 Descriptor openRegular(const std::filesystem::path &file) {
     Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat facts {};

@@ -9,22 +9,22 @@
 
 namespace lumetwin::media {
 
-/// A regular file that has been opened for reading, and the name that messages call it by. Everything that reads the
-/// file reads through this one descriptor, each reader at its own position. A value: copies share the descriptor, which
-/// is closed with the last of them. Any thread may read.
+/// A regular file opened for reading, and its name for messages. All readers of the file share this descriptor, each
+/// with its own position. Copies share the descriptor, which is closed with the last copy. May be read on any thread.
 class InputFile {
 public:
-    /// Throws MediaError where there is no such file, where it may not be read, and where it is not a regular file.
+    /// Throws MediaError when the file does not exist, cannot be read, or is not a regular file.
     explicit InputFile(const std::filesystem::path &file);
-    /// Takes over a descriptor that another process has opened.
+    /// Takes ownership of a descriptor that another process has opened.
     InputFile(int descriptor, std::filesystem::path name);
 
-    /// For messages, and for what a name's extension says. Nothing is opened by it.
+    /// For messages and for the extension; never used to open the file.
     const std::filesystem::path &path() const;
     int descriptor() const;
-    /// Bytes. Asked of the system each time: a file may grow. Throws MediaError.
+    /// The size in bytes. Queried each time, because a file may grow. Throws MediaError.
     std::uint64_t size() const;
-    /// Fills the buffer from the position; returns how many bytes there were, fewer only at the end. Throws MediaError.
+    /// Reads the buffer from the position. Returns the number of bytes, which is smaller only at the end of the file.
+    /// Throws MediaError.
     std::size_t readAt(std::uint64_t position, std::span<std::uint8_t> buffer) const;
 
 private:

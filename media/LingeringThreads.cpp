@@ -20,7 +20,7 @@ public:
     void add(std::thread thread) {
         const std::scoped_lock lock(mutex_);
         ++running_;
-        // The waiting is a thread's of its own: so it is known when the work is over.
+        // Another thread waits for it, so that any() knows when it has ended.
         threads_.emplace_back([this, thread = std::move(thread)]() mutable {
             thread.join();
             --running_;

@@ -5,14 +5,14 @@
 
 namespace lumetwin::media {
 
-/// Threads of encoders that were told to stop in the midst of something that they cannot leave (looking ahead over
-/// large pictures lasts for seconds). Nobody waits for them but the end of the process; what they use belongs to them.
+/// Threads of cancelled encoders that cannot stop at once (looking ahead over large pictures takes seconds). Nothing
+/// waits for them except the end of the process. They own everything that they use.
 namespace lingering {
 
-/// Takes a thread that ends by itself, soon.
+/// Takes ownership of a thread that will soon end by itself.
 void leave(std::thread thread);
 
-/// Whether such threads still run. A program that is to end at once then ends without waiting (std::_Exit).
+/// Whether such threads still run. Then a program that must end at once uses std::_Exit instead of waiting.
 bool any();
 
 } // namespace lingering

@@ -49,7 +49,7 @@ std::string_view words(MediaReason reason) {
     switch (reason) {
     case MediaReason::other:
         return "unknown error";
-    // The system's reasons in the words of the C library.
+    // The system's reasons, with the texts of the C library.
     case MediaReason::noSuchFile:
         return "No such file or directory";
     case MediaReason::noPermission:

@@ -8,7 +8,7 @@
 
 namespace lumetwin::media {
 
-/// What was attempted with a file.
+/// The operation on a file that failed.
 enum class MediaOperation {
     open,
     read,
@@ -19,14 +19,14 @@ enum class MediaOperation {
     encodeSound,
     write,
     complete,
-    rename, ///< the partial file to its own name
+    rename, ///< of the partial file to its final name
 };
 
 inline constexpr MediaOperation lastMediaOperation = MediaOperation::rename;
 
-/// Why it failed, as far as there is something to say that does not depend on a library.
+/// The reason, if it does not depend on a library.
 enum class MediaReason {
-    other, ///< the details say it all
+    other, ///< only the details give the reason
     // The system.
     noSuchFile,
     noPermission,
@@ -34,7 +34,7 @@ enum class MediaReason {
     noRegularFile, ///< a pipe, a device, …
     noSpace,
     readOnly,
-    beyondSystemLimit, ///< the file system or the user's limit holds no larger file
+    beyondSystemLimit, ///< the file system or the user's limit allows no larger file
     tooManyOpenFiles,
     deviceFailure,
     noMemory,
@@ -47,7 +47,7 @@ enum class MediaReason {
     encryptedMovie,
     contradictoryParameters,
     noFrame,
-    noDecoder,   ///< details: of what
+    noDecoder,   ///< details: the codec
     unsupported, ///< details: what
     // Images.
     unknownImageKind,
@@ -60,7 +60,7 @@ enum class MediaReason {
     unsupportedSamples,
     unusableProfile,
     // What is written.
-    beyondFormat,   ///< the format holds no such picture; details: its size
+    beyondFormat,   ///< the format does not allow such a picture; details: its size
     pictureRefused, ///< by the encoder
     encoderFailed,
     dataRefused,
@@ -71,28 +71,28 @@ enum class MediaReason {
 
 inline constexpr MediaReason lastMediaReason = MediaReason::stereoTrackNotFound;
 
-/// In English: the beginning of a sentence that ends in the file's name ("Cannot open"), and the rest of it.
+/// English texts: the operation begins a sentence that ends with the file's name ("Cannot open"); the reason follows.
 std::string_view words(MediaOperation operation);
 std::string_view words(MediaReason reason);
 
-/// The one error type of media/: which file, which operation, why, and the library's own code and words.
+/// The only error type of media/: the file, the operation, the reason, and the library's code and message.
 class MediaError : public std::runtime_error {
 public:
-    /// Details: what belongs to the reason (a size, a name), or the library's own words.
+    /// details: belong to the reason (a size, a name), or are the library's message.
     MediaError(std::filesystem::path file, MediaOperation operation, int code, MediaReason reason,
                std::string details = {});
-    /// Of a library that has words of its own for it.
+    /// An error of a library with its own message.
     MediaError(std::filesystem::path file, MediaOperation operation, int code, std::string libraryWords)
         : MediaError(std::move(file), operation, code, MediaReason::other, std::move(libraryWords)) {}
 
-    /// Of the system, by its number (errno).
+    /// An error of the system, by its errno.
     static MediaError ofSystem(std::filesystem::path file, MediaOperation operation, int number);
 
     const std::filesystem::path &file() const { return file_; }
     MediaOperation operation() const { return operation_; }
     MediaReason reason() const { return reason_; }
     const std::string &details() const { return details_; }
-    /// The library's code (or errno, negated, for the system's); 0 where there is none.
+    /// The library's code, or the negated errno for a system error; 0 when there is none.
     int code() const { return code_; }
 
 private:
@@ -103,7 +103,7 @@ private:
     int code_;
 };
 
-/// The reason that a number of the system (errno) stands for; `other` for rare ones.
+/// The reason for an errno; `other` for rare ones.
 MediaReason systemReason(int number);
 
 } // namespace lumetwin::media

@@ -10,8 +10,8 @@ namespace lumetwin::media {
 
 LargeBlockScope::LargeBlockScope() noexcept {
 #ifdef __GLIBC__
-    // Tiles and strips are smaller, and the next one takes the memory of the last. Stated once, the bounds no longer
-    // rise with the blocks that are freed.
+    // Tiles and strips are smaller and reuse the memory of the one before. Setting a fixed limit prevents the allocator
+    // from raising it when such blocks are freed.
     constexpr int largeBlock = 4 << 20;
     constexpr int kept = 64 << 20;
     static const bool stated = mallopt(M_MMAP_THRESHOLD, largeBlock) != 0 && mallopt(M_TRIM_THRESHOLD, kept) != 0;

@@ -3,9 +3,9 @@
 
 namespace lumetwin::media {
 
-/// Work in very large blocks on several threads, such as one photo's. The allocator hands the largest back to the
-/// system as they are freed, and what it has kept of smaller ones at the scope's end: otherwise a long run of photos
-/// would grow.
+/// A scope for work with very large blocks on several threads, such as converting a photo. The allocator returns the
+/// largest blocks to the system when they are freed, and kept memory of smaller ones at the end of the scope. Otherwise
+/// memory would grow during many photos.
 class LargeBlockScope {
 public:
     LargeBlockScope() noexcept;

@@ -16,26 +16,26 @@
 
 namespace lumetwin::media {
 
-/// Facts of a movie's first video track.
+/// Facts about a movie's first video track.
 struct VideoTrack {
     int index = 0;           ///< of the stream in its container
-    double naturalWidth = 0; ///< pixels as stored: no rotation applied
+    double naturalWidth = 0; ///< pixels as stored, without rotation
     double naturalHeight = 0;
     PixelAspect pixelAspect;
     FramePace pace;              ///< rate 0 when unknown
-    std::int64_t frameCount = 0; ///< frames that are shown, 0 when unknown
+    std::int64_t frameCount = 0; ///< number of shown frames; 0 when unknown
     bool hasTimes = true;        ///< raw streams have none
-    /// When each frame is shown, in the track's ticks, where the file counts frames as they are coded (AVI) and the
-    /// times of single frames mean nothing; else null.
+    /// The presentation time of each frame in the track's ticks, for files that only count coded frames (AVI), so that
+    /// the times of single packets are not reliable. Otherwise null.
     std::shared_ptr<const std::vector<std::int64_t>> listedTimes;
-    Fraction tick;        ///< unit of the frames' times, seconds
+    Fraction tick;        ///< unit of the frames' times in seconds
     double startTime = 0; ///< presentation time of the first frame, seconds
-    int rotation = 0;     ///< degrees, clockwise, that the frames are to be turned by: 0 to 359
+    int rotation = 0;     ///< rotation to apply, in degrees clockwise: 0 to 359
     PictureFormat format;
     ColourTags colour;
 };
 
-/// Facts of a movie's first audio track; zero where the track does not tell.
+/// Facts about a movie's first audio track; 0 when unknown.
 struct AudioTrack {
     int index = 0;
     double sampleRate = 0;
@@ -43,19 +43,18 @@ struct AudioTrack {
     double startTime = 0; ///< seconds
 };
 
-/// What a movie holds beside its first video and its first audio track.
+/// The contents of a movie besides its first video and its first audio track.
 struct OtherContents {
     int audioTracks = 0;
     int subtitleTracks = 0;
     int chapters = 0;
 };
 
-/// A movie that has been opened and whose headers have been read. What it tells stays the same, also while a frame
-/// reader reads on.
+/// An opened movie with its headers read. Its facts do not change while a frame reader reads from it.
 class MovieFile {
 public:
-    /// Reads the headers, and the whole file where they do not list the frames; that ends early, with fewer frames,
-    /// once `cancelled` says so. Throws MediaError when the file is no movie.
+    /// Reads the headers, and the whole file if they do not list all frames. That stops early, with fewer frames, when
+    /// `cancelled` returns true. Throws MediaError when the file is not a movie.
     explicit MovieFile(const InputFile &file, const std::function<bool()> &cancelled = {});
     ~MovieFile();
 

@@ -6,8 +6,8 @@
 
 namespace lumetwin::media {
 
-/// What people keep films for, as text by name: creation_time (ISO 8601), location (ISO 6709), make, model, title, …
-/// The names are those of the demuxing library's metadata.
+/// Metadata texts by name: creation_time (ISO 8601), location (ISO 6709), make, model, title, … The names are those of
+/// the demuxing library.
 using MovieTags = std::map<std::string, std::string>;
 
 } // namespace lumetwin::media

@@ -17,8 +17,8 @@ namespace lumetwin::media {
 enum class Container { mpeg4, quickTime };
 enum class VideoCodec { h264, hevc };
 
-/// An ordinary video track: 8-bit 4:2:0 pictures at a constant rate. Odd sizes are coded padded and cropped again in
-/// the file, so that a viewer sees the stated size.
+/// An ordinary video track: 8-bit 4:2:0 pictures with a constant rate. Odd sizes are padded for coding and cropped
+/// again by the file, so that viewers show the exact size.
 struct VideoEncoding {
     VideoCodec codec = VideoCodec::h264;
     int width = 0;
@@ -29,8 +29,8 @@ struct VideoEncoding {
     PixelAspect pixelAspect;
 };
 
-/// A multiview HEVC track of two views, left in layer 0 and right in layer 1, with its stereo facts in the file's
-/// integer units.
+/// A multiview HEVC track with two views, the left one in layer 0 and the right one in layer 1, with its stereo values
+/// in the integer units of the file.
 struct StereoVideoEncoding {
     int width = 0; ///< one eye
     int height = 0;
@@ -41,9 +41,9 @@ struct StereoVideoEncoding {
     std::uint32_t baseline = 0;              ///< micrometres
     std::uint32_t horizontalFieldOfView = 0; ///< thousandths of a degree
     std::int32_t disparityAdjustment = 0;    ///< ten-thousandths of the image width
-    bool hasLeftEye = true;                  ///< announce the left eye's view
-    bool hasRightEye = true;                 ///< announce the right eye's view
-    bool rectilinear = true;                 ///< announce a rectilinear projection
+    bool hasLeftEye = true;                  ///< declare the left eye's view
+    bool hasRightEye = true;                 ///< declare the right eye's view
+    bool rectilinear = true;                 ///< declare a rectilinear projection
 };
 
 /// An AAC track, mono or stereo.
@@ -60,7 +60,7 @@ struct AudioEncoding {
 /// when the writer is cancelled ends by itself (LingeringThreads.h).
 class MovieWriter {
 public:
-    /// Throws MediaError for frames that no movie holds; addVideo() asks the same.
+    /// Throws MediaError for a frame size that movies do not allow. addVideo() checks this too.
     static void requireSize(const std::filesystem::path &output, std::int64_t width, std::int64_t height);
 
     MovieWriter(const OutputFile &output, Container container, MovieTags tags);
@@ -69,31 +69,31 @@ public:
     void addAudio(const AudioEncoding &encoding);
     void addVideo(const VideoEncoding &encoding);
     void addVideo(const StereoVideoEncoding &encoding);
-    /// Times of video are in units of 1/timeScale second.
+    /// Video times are in units of 1/timeScale second.
     void start(int timeScale);
 
-    /// A failure is kept and thrown by finish(); after one, and after abandon(), these do nothing. Each picture is
-    /// later than the one before; the duration counts for the last one.
+    /// A failure is kept and thrown by finish(). After a failure or abandon() these functions do nothing. Each picture
+    /// must be later than the one before. The duration is only used for the last picture.
     void append(const Picture &picture, std::int64_t time, std::int64_t duration);
     void append(const Picture &left, const Picture &right, std::int64_t time, std::int64_t duration);
     void append(const AudioBlock &block);
     void finishVideo();
     void finishAudio();
-    /// Whether a failure has happened, after which appending is idle.
+    /// Whether a failure has happened; then append() does nothing.
     bool failed() const;
 
-    /// Nothing that is still appended will be kept: the run is being cancelled. Any thread.
+    /// The run is being cancelled: everything appended from now on is dropped. May be called on any thread.
     void abandon();
 
-    /// Completes the file. Throws the first failure of this writer. Where `cancelled` says so before it is complete, it
-    /// ends like cancel(), and returns false.
+    /// Completes the file. Throws the first failure of this writer. If `cancelled` returns true before the file is
+    /// complete, ends like cancel() and returns false.
     bool finish(const std::function<bool()> &cancelled = {});
-    /// Ends; the file is not a movie then, and the caller removes it. Throws a failure that had happened before.
+    /// Ends without completing the file; the caller removes it. Throws an earlier failure.
     void cancel();
 
 private:
     struct State;
-    std::shared_ptr<State> state_; ///< shared with the thread that encodes
+    std::shared_ptr<State> state_; ///< shared with the encoding thread
 };
 
 } // namespace lumetwin::media

@@ -9,22 +9,22 @@
 
 namespace lumetwin::media {
 
-/// An open file that is written, and the name that it will have, for messages. Whoever created it gives it that name
-/// (PartialFile). A value: copies share the descriptor, which is closed with the last of them.
+/// A file opened for writing, and its final name for messages. PartialFile gives it that name. Copies share the
+/// descriptor, which is closed with the last copy.
 class OutputFile {
 public:
-    /// Takes over a descriptor that is open for reading and writing.
+    /// Takes ownership of a descriptor that is open for reading and writing.
     OutputFile(int descriptor, std::filesystem::path finalName);
 
     const std::filesystem::path &path() const; ///< the final name
     int descriptor() const;
 
-    // Throw MediaError, which names the output, with the system's words.
+    // These throw MediaError, which names the output and the system's reason.
     void writeAt(std::uint64_t position, std::span<const std::uint8_t> bytes) const;
-    /// Fills the buffer with what was written before; returns how many bytes there were, fewer only at the end.
+    /// Reads earlier written bytes into the buffer. Returns their number, which is smaller only at the end of the file.
     std::size_t readAt(std::uint64_t position, std::span<std::uint8_t> buffer) const;
     std::uint64_t size() const;
-    /// Cuts off what is behind the size.
+    /// Cuts the file off after this size.
     void truncate(std::uint64_t size) const;
 
 private:

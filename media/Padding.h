@@ -5,11 +5,11 @@
 
 namespace lumetwin::media {
 
-/// The even size that a 4:2:0 encoder codes for a frame of the given size, at least `smallest` a side.
+/// The even size in which a 4:2:0 encoder codes a frame of the given size, at least `smallest`.
 int codedSize(int size, int smallest);
 
-/// The picture itself when it has the given size, else a copy, from a pool of that size, whose last column and row are
-/// repeated up to it. 8-bit pictures only.
+/// The picture itself if it has the given size; otherwise a copy from the pool that repeats its last column and row up
+/// to that size. Only for 8-bit pictures.
 Picture padded(const Picture &picture, int width, int height, PicturePool &pool);
 
 } // namespace lumetwin::media

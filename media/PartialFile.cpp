@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::string_view suffix = ".partial";
 
-/// As much of a name in UTF-8 as fits, without half a character at its end.
+/// The beginning of a UTF-8 name that fits into size bytes, without an incomplete character at its end.
 std::string shortened(std::string name, std::size_t size) {
     if (name.size() <= size)
         return name;
@@ -58,7 +58,7 @@ std::filesystem::path PartialFile::nameFor(const std::filesystem::path &output) 
 }
 
 void PartialFile::finish() {
-    // Some file systems tell only now that the disk is full.
+    // Some file systems report a full disk only here.
     if (::fdatasync(file_.descriptor()) != 0 && errno != EINVAL && errno != EROFS)
         fail(output_, MediaOperation::write, errno);
     std::error_code code;

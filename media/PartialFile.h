@@ -7,23 +7,24 @@
 
 namespace lumetwin::media {
 
-/// An output while it is written: it is called "NAME.EXT.partial", and finish() gives it its own name in one rename,
-/// replacing what was there. So nobody meets a half file under a finished name. One that is neither finished nor
-/// discarded stays as it is, for whoever wants to save something of it, unless nothing was written.
+/// An output file while it is written. It is called "NAME.EXT.partial"; finish() renames it to its final name,
+/// replacing an existing file. So a file with its final name is never incomplete. If neither finish() nor discard() is
+/// called, the partial file stays, so that its data can be saved, unless nothing was written.
 class PartialFile {
 public:
-    /// Creates the partial file, or empties the one that lies there. Throws MediaError, which names the output.
+    /// Creates the partial file, or empties an existing one. Throws MediaError, which names the output.
     explicit PartialFile(std::filesystem::path output);
     ~PartialFile();
     PartialFile(const PartialFile &) = delete;
     PartialFile &operator=(const PartialFile &) = delete;
 
-    /// The partial name of an output; of a name that leaves no room for the suffix (NAME_MAX bytes), the end is cut.
+    /// The partial name of an output. A name that is too long for the suffix (NAME_MAX bytes) is shortened.
     static std::filesystem::path nameFor(const std::filesystem::path &output);
 
     const OutputFile &file() const { return file_; }
 
-    /// All is written: puts it on the disk and gives it its name. Throws MediaError, which names the output.
+    /// Call when everything is written: syncs the file to disk and renames it. Throws MediaError, which names the
+    /// output.
     void finish();
     /// Removes the partial file.
     void discard() noexcept;

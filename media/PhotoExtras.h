@@ -3,11 +3,11 @@
 
 namespace lumetwin::media {
 
-/// What a photo holds beside its picture and its metadata.
+/// The contents of a photo besides its picture and metadata.
 struct PhotoExtras {
-    bool gainMap = false;  ///< what makes the picture brighter on HDR screens
+    bool gainMap = false;  ///< makes the picture brighter on HDR screens
     bool depthMap = false; ///< distances, or disparities
-    bool film = false;     ///< a short film of the moment
+    bool film = false;     ///< a short movie recorded with the photo
 
     bool operator==(const PhotoExtras &) const = default;
 };

@@ -15,7 +15,7 @@ namespace lumetwin::media {
 
 namespace {
 
-constexpr std::size_t alignment = 64; // the widest SIMD registers in use
+constexpr std::size_t alignment = 64; // bytes of the widest SIMD registers in use
 constexpr int maximumSide = 65535;
 constexpr std::size_t maximumBytes = std::size_t{2} << 30;
 
@@ -36,7 +36,7 @@ Layout layoutOf(const Picture &shape) {
         layout.stride[plane] = static_cast<std::ptrdiff_t>(stride);
         layout.bytes += stride * static_cast<std::size_t>(shape.planeHeight(plane));
     }
-    // SIMD code may read one register past the last sample.
+    // SIMD code may read up to one register beyond the last sample.
     layout.bytes += alignment;
     if (layout.bytes > maximumBytes)
         throw std::length_error("picture too large");
@@ -46,7 +46,7 @@ Layout layoutOf(const Picture &shape) {
 using Block = std::unique_ptr<std::uint8_t, void (*)(std::uint8_t *)>;
 
 Block allocate(std::size_t bytes) {
-    // The system hands large blocks over in few large pages when it is asked to: much sooner than in many small ones.
+    // The system allocates large blocks in large pages on request, which is much faster than many small pages.
     constexpr std::size_t largePage = std::size_t{2} << 20;
     const bool large = bytes >= 2 * largePage;
     const std::size_t edge = large ? largePage : alignment;

@@ -3,7 +3,7 @@
 
 namespace lumetwin::media {
 
-/// Width to height of a pixel as it is shown; 1 : 1 for almost every film, others for some camcorders' and discs'.
+/// The display width and height of a pixel; 1 : 1 for almost all videos, other values for some camcorders and discs.
 struct PixelAspect {
     int width = 1;
     int height = 1;

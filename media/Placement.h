@@ -3,7 +3,7 @@
 
 namespace lumetwin::media {
 
-/// A rectangle in pixels, y growing downward; edges may be fractional.
+/// A rectangle in pixels. y grows downward; edges may be fractional.
 struct Rect {
     double x = 0;
     double y = 0;
@@ -13,13 +13,13 @@ struct Rect {
     bool operator==(const Rect &) const = default;
 };
 
-/// Where one picture goes on a canvas.
+/// How a picture is placed on a canvas.
 struct Placement {
-    Rect source; ///< the part of the picture that is shown, in its pixels; nothing outside it is ever read
-    Rect target; ///< where that part is scaled to, in canvas pixels; may reach beyond the clip
-    Rect clip;   ///< canvas pixels outside are left alone
-    /// Chroma samples that the clip's edge divides are written as if they lay inside: for the first of two pictures
-    /// that meet there. The second is mixed with it, and the sample ends as half of each.
+    Rect source; ///< the shown part of the picture, in its pixels; nothing outside is read
+    Rect target; ///< the rectangle to which that part is scaled, in canvas pixels; may be larger than the clip
+    Rect clip;   ///< canvas pixels outside are not changed
+    /// Chroma samples divided by the clip's edge are written as if they were inside. Use this for the first of two
+    /// pictures that share an edge: the second one is blended into these samples, so that each has half of them.
     bool takesSharedSamples = false;
 
     bool operator==(const Placement &) const = default;

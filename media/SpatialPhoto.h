@@ -9,31 +9,31 @@
 
 namespace lumetwin::media {
 
-/// What a headset needs to show two pictures in depth.
+/// The values that a headset needs to show two pictures in stereo.
 struct SpatialPhotoFacts {
     double focalLength = 0;                 ///< pixels; may be infinite
     std::array<double, 2> principalPoint{}; ///< pixels
-    /// Of the right camera, micrometres, x to the right; the left one is the origin.
+    /// Position of the right camera in micrometres, x to the right. The left camera is the origin.
     std::array<std::int32_t, 3> rightPosition{};
     std::int64_t disparityAdjustment = 0; ///< ten-thousandths of the image width
 };
 
-/// Writes a HEIC file of two pictures that form a stereo pair, the left one first and primary, coded at a fixed high
-/// quality. Samples are in sRGB; the metadata goes to both pictures. The pictures are released as they are coded.
-/// Throws MediaError, and Cancelled when it is to stop.
+/// Writes a HEIC file with a stereo pair, the left picture first and primary, coded with a fixed high quality. Samples
+/// are sRGB. Both pictures get the metadata. The pictures are released while they are coded. Throws MediaError, and
+/// Cancelled when cancelled.
 void writeSpatialPhoto(const OutputFile &file, Picture left, Picture right, const SpatialPhotoFacts &facts,
                        const ImageMetadata &metadata, const Cancellation &cancellation = {});
 
 enum class Eye { left, right };
 
 enum class PhotoSamples {
-    coded, ///< as coded: Y'CbCr planes, subsampled as they are
+    coded, ///< as coded: Y'CbCr planes with their subsampling
     rgb,   ///< converted to RGB
 };
 
-/// What a photo's headers say of its stereo pair, in the file's own units. Nothing in it for other than HEIF files.
+/// The stereo facts in a photo's headers, in the units of the file. Empty for files that are not HEIF.
 struct StereoPhotoFacts {
-    /// A camera's focal length, in pixels of an image of that width.
+    /// A camera's focal length in pixels of an image with this width.
     struct Lens {
         double focalLength = 0;
         double imageWidth = 0;
@@ -42,7 +42,7 @@ struct StereoPhotoFacts {
     bool hasStereoGroup = false; ///< a group of the type `ster` (ISO/IEC 23008-12)
     bool hasBothEyes = false;    ///< and the file has the images of it, or at least two
     std::optional<Lens> lens;    ///< of the first image that states it
-    /// Of the first camera that is not at the origin: x, micrometres.
+    /// The x position of the first camera that is not at the origin, in micrometres.
     std::optional<std::int32_t> cameraPosition;
     std::optional<std::int32_t> disparityAdjustment; ///< ten-thousandths of the image width: the left eye's, else the
                                                      ///< right one's
@@ -50,10 +50,10 @@ struct StereoPhotoFacts {
 
 StereoPhotoFacts stereoPhotoFacts(const ImageFile &file);
 
-/// Reads the two pictures of a stereo pair and hands them over, the left one first, each with its metadata. A group
-/// that lacks one of its images means the file's first two. Samples as coded are decoded both at once, on two threads;
-/// as RGB they take more memory, and the right one is decoded when the left one was taken. Throws MediaError, what
-/// `take` throws, std::logic_error for a file without both eyes, and Cancelled.
+/// Reads the two pictures of a stereo pair and calls `take` with each, the left one first, with its metadata. If the
+/// group lacks one of its images, the first two images of the file are used. Coded samples of both pictures are decoded
+/// at the same time on two threads. RGB samples need more memory, so the right picture is decoded after the left one
+/// was taken. Throws MediaError, exceptions of `take`, std::logic_error for a file without both eyes, and Cancelled.
 void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTaker &take,
                       const Cancellation &cancellation = {});
 

@@ -6,15 +6,14 @@
 
 namespace lumetwin::media {
 
-/// Channels of samples, all equally long, -1 to 1.
+/// Samples of each channel, -1 to 1. All channels have the same length.
 using Channels = std::vector<std::vector<float>>;
 
-/// One library's way of making sound longer or shorter. What comes out lies where it belongs: no delay at its
-/// beginning.
+/// Makes sound longer or shorter with one library. The output has no delay at its beginning.
 class SpeedChanger {
 public:
     virtual ~SpeedChanger() = default;
-    /// Takes samples and adds what is ready to `ready`.
+    /// Accepts samples and appends finished ones to `ready`.
     virtual void change(const Channels &samples, Channels &ready) = 0;
     virtual void finish(Channels &ready) = 0;
 };

@@ -9,7 +9,7 @@
 
 namespace lumetwin::media {
 
-/// What the first video track's first sample entry announces, in the file's own integer units.
+/// The stereo facts in the first sample entry of the first video track, in the integer units of the file.
 struct StereoMovieFacts {
     bool hasVideoTrack = false;
     bool hasSampleDescription = false;
@@ -18,14 +18,14 @@ struct StereoMovieFacts {
     std::optional<std::int32_t> disparityAdjustment;    ///< ten-thousandths of the image width (vexu/eyes/cmfy/dadj)
     std::optional<std::uint8_t> eyes;                   ///< bits of stri: 1 left, 2 right, 4 additional, 8 reversed
     std::optional<std::uint8_t> heroEye;                ///< hero: 0 none, 1 left, 2 right
-    std::string projection;                             ///< prji: "rect", "equi", …; empty where absent
+    std::string projection;                             ///< prji: "rect", "equi", …; empty when missing
     bool anyBaseline = false;                           ///< one of the track's sample entries has a baseline
     bool encrypted = false;                             ///< one of the track's sample entries is protected (encv)
     bool multilayer = false;                            ///< a layered HEVC configuration (lhvC) is present
 };
 
-/// Reads a QuickTime or ISO base media file's headers, never its media data. A file that is damaged, of another
-/// kind, or unreadable gives facts without a video track; nothing is thrown.
+/// Reads the headers of a QuickTime or ISO base media file, no media data. For a damaged, different or unreadable file
+/// the facts have no video track. Never throws.
 StereoMovieFacts readStereoMovieFacts(const InputFile &file) noexcept;
 
 } // namespace lumetwin::media

@@ -5,7 +5,7 @@
 
 namespace lumetwin {
 
-/// Which way a batch converts.
+/// The direction of a conversion.
 enum class ConversionDirection {
     spatialToSBS, ///< spatial (MV-HEVC video, stereo-pair HEIC photo) to side-by-side
     sbsToSpatial, ///< side-by-side to spatial

@@ -15,9 +15,8 @@
 
 namespace lumetwin {
 
-/// Every choice of the user for one batch. The form (or the command line) writes single fields, the engine
-/// reads them. There is one instance, handed on by reference and never copied; nothing is validated
-/// on assignment.
+/// All settings of the user for one batch. The form or the command line writes single fields; the engine reads them.
+/// There is one instance, which is passed by reference and never copied. Values are not checked on assignment.
 class ConversionSettings {
 public:
     ConversionSettings() = default;
@@ -40,10 +39,10 @@ public:
     std::int64_t resizeWidth = startWidth;          ///< pixels of one eye
     std::int64_t resizeHeight = startHeight;        ///< pixels of one eye
     ResizeMode resizeMode = ResizeMode::letterbox;
-    bool copyAudio = true;     ///< carry the source's audio track
-    bool keepTiming = false;   ///< each frame at its own time, instead of a constant rate in 1/600 s
-    bool recursive = false;    ///< take the folders below the input folder, too, and keep their tree
-    bool skipExisting = false; ///< leave alone what an earlier run finished from the same source
+    bool copyAudio = true;     ///< copy the source's audio track
+    bool keepTiming = false;   ///< keep the time of each frame, instead of a constant rate in units of 1/600 s
+    bool recursive = false;    ///< also convert the subfolders of the input folder, and keep their tree
+    bool skipExisting = false; ///< skip inputs whose output an earlier run has finished
     OnExisting onExisting = OnExisting::replace;
 };
 

@@ -11,15 +11,15 @@
 
 namespace lumetwin {
 
-/// What became of a file of a run.
+/// The state of a file of a run.
 enum class FileState {
     converted,
-    convertedWithWarnings, ///< notes alone do not count
-    skipped,               ///< it does not suit the direction, or its output is there and stays
+    convertedWithWarnings, ///< at least one warning that is not a note
+    skipped,               ///< it does not match the direction, or its output exists and is kept
     upToDate,              ///< an earlier run has finished it
     failed,
-    cancelled,  ///< the run was stopped while it was converted
-    notReached, ///< the run was stopped before
+    cancelled,  ///< the run was stopped during its conversion
+    notReached, ///< the run was stopped before its conversion
 };
 
 /// The stable name of a state, for programs.
@@ -43,16 +43,16 @@ constexpr std::string_view rawValue(FileState state) {
     return {};
 }
 
-/// One file of a run and what became of it.
+/// The result of one file of a run.
 struct FileResult {
     std::filesystem::path input;
-    std::filesystem::path output; ///< the written file, or the one that is up to date; else empty
+    std::filesystem::path output; ///< the written file, or the file that is up to date; otherwise empty
     FileState state = FileState::notReached;
     std::string reason; ///< why it was skipped or failed, in the user's language
     std::vector<Warning> warnings;
-    std::int64_t framesWritten = 0;  ///< of a film
-    std::int64_t framesExpected = 0; ///< of a film, 0 when unknown
-    double seconds = 0;              ///< that its conversion took
+    std::int64_t framesWritten = 0;  ///< only for videos
+    std::int64_t framesExpected = 0; ///< only for videos; 0 when unknown
+    double seconds = 0;              ///< duration of the conversion
     std::uintmax_t bytes = 0;        ///< of the written file
 
     bool wasConverted() const { return state == FileState::converted || state == FileState::convertedWithWarnings; }

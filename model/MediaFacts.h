@@ -7,7 +7,7 @@
 
 namespace lumetwin {
 
-/// Stereo values in the form's units; absent where a file does not carry them.
+/// Stereo values in the units of the form. A value that the file does not contain is nullopt.
 struct StereoValues {
     std::optional<double> horizontalFOV;  ///< degrees
     std::optional<double> stereoBaseline; ///< millimetres
@@ -16,21 +16,21 @@ struct StereoValues {
     bool operator==(const StereoValues &) const = default;
 };
 
-/// What one look at a file's headers tells. Facts that the file does not carry are absent.
+/// Facts from a file's headers. A fact that the file does not contain is nullopt or empty.
 struct MediaFacts {
     enum class Kind { video, photo };
     enum class Eye { none, left, right };
 
-    Kind kind = Kind::video; ///< by the file's extension; what is no photo is taken for a video
-    bool isSpatial = false;  ///< a photo that holds a stereo pair, a film that announces a camera baseline
+    Kind kind = Kind::video; ///< by the file's extension; any file that is not a photo counts as a video
+    bool isSpatial = false;  ///< a photo with a stereo pair, or a video with a camera baseline
     StereoValues values;
 
-    // Of movies only.
+    // Only for movies.
     bool hasLeftEye = false;
     bool hasRightEye = false;
     std::optional<Eye> heroEye;
     std::string projection;    ///< four-character code such as "rect"; empty where absent
-    bool isMultilayer = false; ///< announces a layered HEVC stream
+    bool isMultilayer = false; ///< the stream is marked as multilayer HEVC
 
     bool operator==(const MediaFacts &) const = default;
 };

@@ -5,11 +5,11 @@
 
 namespace lumetwin {
 
-/// What happens where a file of an output's name is there already, also one that this same run has written.
+/// What happens when a file with the name of an output already exists, even one that the same run has written.
 enum class OnExisting {
     replace,
-    keepBoth, ///< the new one gets a number: trip_sbs 2.mp4
-    skip,     ///< the input is passed over
+    keepBoth, ///< the new file gets a number: trip_sbs 2.mp4
+    skip,     ///< the input is skipped
 };
 
 inline constexpr std::array allOnExisting{OnExisting::replace, OnExisting::keepBoth, OnExisting::skip};

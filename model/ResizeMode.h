@@ -6,7 +6,7 @@
 
 namespace lumetwin {
 
-/// How an eye is fitted into the resize target. The raw value of a mode is its position.
+/// How an eye is scaled to the resize target. The raw value of a mode is its position.
 enum class ResizeMode {
     stretch = 0,   ///< scaled to the target, aspect ratio ignored
     cropFill = 1,  ///< aspect ratio kept, the centre fills the target
@@ -19,7 +19,7 @@ constexpr int rawValue(ResizeMode mode) {
     return static_cast<int>(mode);
 }
 
-/// The mode at a position; nothing for any integer but 0, 1 and 2.
+/// The mode with a raw value; nullopt for any integer except 0, 1 and 2.
 constexpr std::optional<ResizeMode> resizeMode(int raw) {
     if (raw < 0 || raw >= static_cast<int>(allResizeModes.size()))
         return std::nullopt;

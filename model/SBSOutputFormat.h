@@ -13,7 +13,7 @@ enum class SBSOutputFormat { mp4H264, mp4H265, movHEVC };
 inline constexpr std::array allSBSOutputFormats{SBSOutputFormat::mp4H264, SBSOutputFormat::mp4H265,
                                                 SBSOutputFormat::movHEVC};
 
-/// The text that stands for the format, also in the format menu.
+/// The name of the format, as in the format menu.
 constexpr std::string_view rawValue(SBSOutputFormat format) {
     switch (format) {
     case SBSOutputFormat::mp4H264:
@@ -26,7 +26,7 @@ constexpr std::string_view rawValue(SBSOutputFormat format) {
     return {};
 }
 
-/// The format that a raw value stands for; nothing unless it matches exactly.
+/// The format with exactly that name; nullopt if there is none.
 constexpr std::optional<SBSOutputFormat> sbsOutputFormat(std::string_view raw) {
     for (SBSOutputFormat format : allSBSOutputFormats)
         if (rawValue(format) == raw)

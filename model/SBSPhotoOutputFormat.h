@@ -13,7 +13,7 @@ enum class SBSPhotoOutputFormat { jpg, png, tiff, heic };
 inline constexpr std::array allSBSPhotoOutputFormats{SBSPhotoOutputFormat::jpg, SBSPhotoOutputFormat::png,
                                                      SBSPhotoOutputFormat::tiff, SBSPhotoOutputFormat::heic};
 
-/// The text that stands for the format, also in the format menu.
+/// The name of the format, as in the format menu.
 constexpr std::string_view rawValue(SBSPhotoOutputFormat format) {
     switch (format) {
     case SBSPhotoOutputFormat::jpg:
@@ -28,7 +28,7 @@ constexpr std::string_view rawValue(SBSPhotoOutputFormat format) {
     return {};
 }
 
-/// The format that a raw value stands for; nothing unless it matches exactly.
+/// The format with exactly that name; nullopt if there is none.
 constexpr std::optional<SBSPhotoOutputFormat> sbsPhotoOutputFormat(std::string_view raw) {
     for (SBSPhotoOutputFormat format : allSBSPhotoOutputFormats)
         if (rawValue(format) == raw)

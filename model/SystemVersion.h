@@ -6,8 +6,8 @@
 
 namespace lumetwin {
 
-/// The version of the running system, for what a system may lack. On Linux everything is available,
-/// so current() answers a version above every gate; tests set others.
+/// The version of the operating system, to test for missing features. On Linux every feature is available, so current()
+/// returns a version above every limit. Tests use others.
 struct SystemVersion {
     int major = 0;
     int minor = 0;

@@ -9,21 +9,21 @@
 
 namespace lumetwin {
 
-/// What the user should know about a file that was converted. The values of each kind stand beside it, in their order.
+/// What the user should know about a converted file. The comment of each kind lists its values, in their order.
 enum class WarningKind {
-    // Warnings: the result is not quite what the source is.
-    speedChanged,   ///< percent by which the film plays faster than its source (negative: slower)
-    soundAway,      ///< seconds: the farthest that a picture is from its sound
+    // Warnings: the result differs from the source.
+    speedChanged,   ///< percent by which the video plays faster than its source (negative: slower)
+    soundAway,      ///< seconds: the largest distance of a picture from its sound
     framesMissing,  ///< frames written, frames expected
     withoutSound,   ///< why the sound could not be read
-    soundEndsEarly, ///< why
+    soundEndsEarly, ///< the reason
     sameOutputName, ///< the name of another input of the run whose output has the same name
-    // Notes, one step below: what is left behind.
-    soundTracksLeft, ///< further sound tracks
-    subtitlesLeft,   ///< subtitle tracks
-    chaptersLeft,    ///< chapters
-    rotationLeft,    ///< degrees, clockwise, that the film should be turned by
-    depthReduced,    ///< bits a sample of the source
+    // Notes, less important than warnings: what was not kept.
+    soundTracksLeft, ///< number of further sound tracks
+    subtitlesLeft,   ///< number of subtitle tracks
+    chaptersLeft,    ///< number of chapters
+    rotationLeft,    ///< rotation of the video, in degrees clockwise
+    depthReduced,    ///< bits per sample of the source
     gainMapLeft,
     depthMapLeft,
     motionFilmLeft,
@@ -67,12 +67,12 @@ constexpr std::string_view rawValue(WarningKind kind) {
     return {};
 }
 
-/// Whether a kind is a note, one step below a warning.
+/// Whether a kind is a note, which is less important than a warning.
 constexpr bool isNote(WarningKind kind) {
     return kind >= WarningKind::soundTracksLeft;
 }
 
-/// One thing to tell, with its values as the kind lists them.
+/// One warning or note. The values are those that the kind lists.
 struct Warning {
     using Value = std::variant<std::int64_t, double, std::string>;
 

@@ -14,8 +14,8 @@ BatchFiles::BatchFiles(const ConversionSettings &settings, const std::vector<Lis
     for (const ListedFile &listed : files) {
         const Path folder =
             listed.folder.empty() ? *settings.outputFolderURL : *settings.outputFolderURL / listed.folder;
-        files_.push_back(
-            {listed.file, lastPathComponent(listed.file), folder / outputName(listed.file, settings), listed.obstacle});
+        files_.push_back({listed.file, lastPathComponent(listed.file), folder / outputName(listed.file, settings),
+                          listed.listingError});
         indexesByOutput_.emplace(files_.back().output, files_.size() - 1);
     }
 }
@@ -27,15 +27,15 @@ bool BatchFiles::isSpatial(std::size_t index) const {
     return *known;
 }
 
-bool BatchFiles::suits(std::size_t index) const {
-    return obstacle(index).empty() && isSpatial(index) == (direction_ == ConversionDirection::spatialToSBS);
+bool BatchFiles::matchesDirection(std::size_t index) const {
+    return listingError(index).empty() && isSpatial(index) == (direction_ == ConversionDirection::spatialToSBS);
 }
 
-std::vector<std::size_t> BatchFiles::rivals(std::size_t index) const {
+std::vector<std::size_t> BatchFiles::inputsWithSameOutput(std::size_t index) const {
     std::vector<std::size_t> others;
     const auto [first, last] = indexesByOutput_.equal_range(output(index));
     for (auto entry = first; entry != last; ++entry)
-        if (entry->second != index && suits(entry->second))
+        if (entry->second != index && matchesDirection(entry->second))
             others.push_back(entry->second);
     return others;
 }

@@ -21,7 +21,7 @@ Path placeOf(ConversionKind kind, Path output) {
     return output;
 }
 
-/// Runs a step of a photo's or a film's conversion; of its error, each kind says something of its own.
+/// Runs a step of a conversion. Each kind of conversion has its own error for it.
 template <typename Step, typename Photo, typename Spatial>
 auto saying(ConversionKind kind, const Step &step, const Photo &ofPhoto, const Spatial &ofSpatialPhoto) {
     try {
@@ -35,7 +35,7 @@ auto saying(ConversionKind kind, const Step &step, const Photo &ofPhoto, const S
     }
 }
 
-/// The partial output, created.
+/// Creates and owns the partial output.
 class Destination {
 public:
     Destination(ConversionKind kind, const Path &output)
@@ -44,7 +44,7 @@ public:
               kind, [&] { return std::make_unique<media::PartialFile>(output); },
               [&](const Words &cause) {
                   return processorError(
-                      because(words("error.photo.no.destination.format", lastPathComponent(output)), cause));
+                      withCause(words("error.photo.no.destination.format", lastPathComponent(output)), cause));
               },
               [&](const Words &cause) { return SpatialPhotoError::cannotCreateDestination(output, cause); })) {}
 
@@ -55,7 +55,7 @@ public:
             kind_, [&] { partial_->finish(); },
             [&](const Words &cause) {
                 return processorError(
-                    because(words("error.photo.write.failed.format", lastPathComponent(output_)), cause));
+                    withCause(words("error.photo.write.failed.format", lastPathComponent(output_)), cause));
             },
             [&](const Words &cause) { return SpatialPhotoError::finalizationFailed(output_, cause); });
     }
@@ -73,7 +73,7 @@ media::InputFile openInput(ConversionKind kind, const Path &file) {
         kind, [&] { return media::InputFile(file); },
         [&](const Words &cause) { return SpatialPhotoError::cannotOpenFile(file, cause); },
         [&](const Words &cause) {
-            return processorError(because(words("error.photo.cannot.open.format", lastPathComponent(file)), cause));
+            return processorError(withCause(words("error.photo.cannot.open.format", lastPathComponent(file)), cause));
         });
 }
 

@@ -14,7 +14,7 @@ std::string nameOf(const ListedFile &listed) {
     return lastPathComponent(listed.file);
 }
 
-/// The direct children that are not hidden, with what the listing itself tells of them.
+/// The direct children that are not hidden, with the file types that the listing returns.
 std::vector<std::filesystem::directory_entry> visibleEntries(const std::filesystem::path &folder) {
     std::vector<std::filesystem::directory_entry> entries;
     for (const auto &entry : std::filesystem::directory_iterator(folder))
@@ -29,7 +29,7 @@ bool isFolderToEnter(const std::filesystem::directory_entry &entry, const std::f
            !std::filesystem::equivalent(entry.path(), except, ignored);
 }
 
-/// Adds the media files of one folder and of those below it.
+/// Adds the media files of a folder and of its subfolders.
 void addTree(const std::filesystem::path &folder, const std::filesystem::path &relative,
              const std::filesystem::path &except, std::vector<ListedFile> &files) {
     std::vector<std::filesystem::path> here;

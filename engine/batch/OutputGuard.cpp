@@ -19,7 +19,7 @@ std::optional<std::pair<std::uint64_t, std::uint64_t>> identityOf(const std::fil
     return std::pair<std::uint64_t, std::uint64_t>(facts.st_dev, facts.st_ino);
 }
 
-/// Where a file lies, whether it exists or not: its folder resolved, its name as it is.
+/// The path of a file that may not exist: the folder is resolved, the name is not.
 std::filesystem::path placeOf(const std::filesystem::path &file) {
     std::error_code ignored;
     return std::filesystem::weakly_canonical(std::filesystem::absolute(file, ignored).parent_path(), ignored) /
@@ -48,7 +48,7 @@ void OutputGuard::check(const std::filesystem::path &input, const std::filesyste
     const std::filesystem::file_status kind = std::filesystem::status(input, ignored);
     if (is_directory(kind))
         throw processorError(formatted("error.input.is.folder.format", lastPathComponent(input)));
-    if (exists(kind) && !is_regular_file(kind)) // a pipe that nobody writes to would be waited for without end
+    if (exists(kind) && !is_regular_file(kind)) // reading a pipe could wait for ever
         throw processorError(formatted("error.input.is.no.file.format", lastPathComponent(input)));
     const auto [first, last] = indexesByPlace_.equal_range(placeOf(output));
     for (auto entry = first; entry != last; ++entry)

@@ -11,18 +11,17 @@
 
 namespace lumetwin {
 
-/// Keeps a run from losing one of its own inputs: it knows them by their place and by their identity in the file
-/// system (so that links and other spellings of a name are found too).
+/// Prevents a run from overwriting one of its inputs. Inputs are recognised by path and by device and file number, so
+/// links and other spellings of a name are found too.
 class OutputGuard {
 public:
-    /// `isConverted` tells of an input, by its position, whether the run converts it: one that it skips may be
-    /// replaced.
+    /// `isConverted` returns whether the run converts the input at that position. A skipped input may be replaced.
     explicit OutputGuard(
         const std::vector<std::filesystem::path> &inputs,
         std::function<bool(std::size_t)> isConverted = [](std::size_t) { return true; });
 
-    /// Throws ProcessorError when the input is no regular file, or when writing the output would replace the input
-    /// itself or another one that the run converts. To be called before anything is written.
+    /// Throws ProcessorError when the input is not a regular file, or when the output would replace this input or
+    /// another one that the run converts. Call it before anything is written.
     void check(const std::filesystem::path &input, const std::filesystem::path &output) const;
 
 private:

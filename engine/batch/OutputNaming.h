@@ -8,8 +8,8 @@
 
 namespace lumetwin {
 
-/// The file name of an input's output: the input's name without its last extension, "_sbs" or "_spatial",
-/// and the extension that the direction and format ask for. trip.MOV becomes trip_sbs.mp4.
+/// The file name of the output: the input's name without its last extension, then "_sbs" or "_spatial", then the
+/// extension for the direction and format. trip.MOV becomes trip_sbs.mp4.
 std::string outputName(const std::filesystem::path &input, const ConversionSettings &settings);
 
 } // namespace lumetwin

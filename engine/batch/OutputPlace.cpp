@@ -23,7 +23,7 @@ bool isTaken(const Path &file) {
     return std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
 }
 
-/// The place itself for 1, else the one with a number: "trip_sbs 2.mp4".
+/// The output path itself for number 1, otherwise with the number, such as "trip_sbs 2.mp4".
 Path numbered(const Path &output, int number) {
     if (number == 1)
         return output;
@@ -42,7 +42,7 @@ void requireWritableFolder(const Path &folder) {
 
 } // namespace
 
-std::optional<Path> settledOutput(const Path &output, OnExisting onExisting) {
+std::optional<Path> chooseOutputPath(const Path &output, OnExisting onExisting) {
     if (onExisting == OnExisting::replace || !isTaken(output))
         return output;
     if (onExisting == OnExisting::skip)
@@ -53,7 +53,7 @@ std::optional<Path> settledOutput(const Path &output, OnExisting onExisting) {
     return numbered(output, number);
 }
 
-std::vector<Path> takenPlaces(const Path &output, OnExisting onExisting) {
+std::vector<Path> existingOutputPaths(const Path &output, OnExisting onExisting) {
     std::vector<Path> places;
     const int most = onExisting == OnExisting::keepBoth ? std::numeric_limits<int>::max() : 1;
     for (int number = 1; number <= most && isTaken(numbered(output, number)); ++number)
@@ -61,7 +61,7 @@ std::vector<Path> takenPlaces(const Path &output, OnExisting onExisting) {
     return places;
 }
 
-void preparePlace(const Path &output, const Path &outputFolder) {
+void prepareOutputPath(const Path &output, const Path &outputFolder) {
     std::error_code error;
     if (!std::filesystem::is_directory(outputFolder, error))
         throw processorError(formatted("error.output.folder.missing.format", lastPathComponent(outputFolder)));

@@ -10,16 +10,16 @@
 
 namespace lumetwin {
 
-/// Where a result goes, by what lies at its place: the place itself; one with a number that is free ("trip_sbs 2.mp4");
-/// nothing where the input is passed over.
-std::optional<std::filesystem::path> settledOutput(const std::filesystem::path &output, OnExisting onExisting);
+/// The path where a result is written: the given path; or, for keepBoth, one with a free number ("trip_sbs 2.mp4");
+/// nullopt when the input is skipped.
+std::optional<std::filesystem::path> chooseOutputPath(const std::filesystem::path &output, OnExisting onExisting);
 
-/// The places of a result that are taken: the place itself, and the numbered ones where results get numbers.
-std::vector<std::filesystem::path> takenPlaces(const std::filesystem::path &output, OnExisting onExisting);
+/// The existing files of a result: the path itself, and with keepBoth also those with numbers.
+std::vector<std::filesystem::path> existingOutputPaths(const std::filesystem::path &output, OnExisting onExisting);
 
-/// Throws ProcessorError where no file can be written at this place: its folder is missing or may not be written to,
-/// the file system is read-only, or a folder has this name. The folders below the output folder are made (they belong
-/// to the tree of the input).
-void preparePlace(const std::filesystem::path &output, const std::filesystem::path &outputFolder);
+/// Throws ProcessorError when no file can be written at this path: its folder is missing or not writable, the file
+/// system is read-only, or a folder has this name. Creates missing folders below the output folder, for the tree of the
+/// input.
+void prepareOutputPath(const std::filesystem::path &output, const std::filesystem::path &outputFolder);
 
 } // namespace lumetwin

@@ -3,8 +3,8 @@
 
 namespace lumetwin {
 
-/// For the end of main(): the status to return. Where an encoder of a stopped conversion has not come to its end yet,
-/// it does not return: the program ends at once, its standard output written, instead of waiting for that.
+/// Call at the end of main(); returns the exit status. If an encoder of a stopped conversion is still running, it does
+/// not return: it flushes standard output and ends the program at once instead of waiting.
 int endProgram(int status);
 
 } // namespace lumetwin

@@ -5,8 +5,8 @@
 
 namespace lumetwin {
 
-/// Whether a run has already made this output of the input: it is whole (outputs get their names when they are), it can
-/// be read as what it is, and it is newer than the input. Never throws.
+/// Whether an earlier run has finished this output: it exists under its final name, it can be read as its file type,
+/// and it is newer than the input. Never throws.
 bool isUpToDate(const std::filesystem::path &input, const std::filesystem::path &output) noexcept;
 
 } // namespace lumetwin

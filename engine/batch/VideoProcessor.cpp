@@ -26,7 +26,7 @@
 namespace lumetwin {
 namespace {
 
-// The first system that writes MV-HEVC.
+// The first system version that writes MV-HEVC.
 constexpr SystemVersion spatialVideoWriting{14, 4, 0};
 
 using Path = std::filesystem::path;
@@ -137,7 +137,7 @@ std::vector<ListedFile> VideoProcessor::listedFiles() const {
 }
 
 VideoProcessor::Ending VideoProcessor::convertFiles(const BatchFiles &files) {
-    const OutputGuard guard(inputsOf(files), [&](std::size_t index) { return files.suits(index); });
+    const OutputGuard guard(inputsOf(files), [&](std::size_t index) { return files.matchesDirection(index); });
     results_.resize(files.count());
     for (std::size_t index = 0; index < files.count(); ++index)
         results_[index].input = files.input(index);
@@ -145,7 +145,7 @@ VideoProcessor::Ending VideoProcessor::convertFiles(const BatchFiles &files) {
     for (std::size_t index = 0; index < files.count(); ++index) {
         if (!cancelRequested) {
             call(onProgress, static_cast<std::int64_t>(index), total, files.name(index));
-            handle(files, index, guard);
+            processFile(files, index, guard);
             opened_ = nullptr;
         }
         call(onResult, results_[index]);
@@ -161,10 +161,10 @@ VideoProcessor::Ending VideoProcessor::ending() const {
     return {failed == 0, formatted("status.complete", converted, failed)};
 }
 
-void VideoProcessor::handle(const BatchFiles &files, std::size_t index, const OutputGuard &guard) {
+void VideoProcessor::processFile(const BatchFiles &files, std::size_t index, const OutputGuard &guard) {
     FileResult &result = results_[index];
-    if (const std::string &obstacle = files.obstacle(index); !obstacle.empty()) {
-        const std::string message = formatted("error.folder.not.readable.format", files.name(index), obstacle);
+    if (const std::string &listingError = files.listingError(index); !listingError.empty()) {
+        const std::string message = formatted("error.folder.not.readable.format", files.name(index), listingError);
         return fail(result, message, message);
     }
     const auto began = std::chrono::steady_clock::now();
@@ -184,15 +184,15 @@ void VideoProcessor::handle(const BatchFiles &files, std::size_t index, const Ou
 }
 
 bool VideoProcessor::isSkipped(const BatchFiles &files, std::size_t index, FileResult &result) {
-    if (!files.suits(index)) {
+    if (!files.matchesDirection(index)) {
         const bool isSpatial = files.isSpatial(index);
         const char *kind = isPhotoFile(result.input) ? " photo" : isSpatial ? " video" : "";
         skip(result, FileState::skipped, text(isSpatial ? "status.skipped.spatial" : "status.skipped.not.spatial"),
              std::string(isSpatial ? "spatial" : "not spatial") + kind);
-    } else if (const std::optional<Path> finished = finishedEarlier(files, index)) {
+    } else if (const std::optional<Path> finished = earlierOutput(files, index)) {
         result.output = *finished;
         skip(result, FileState::upToDate, text("status.up.to.date"), "up to date");
-    } else if (!settledOutput(files.output(index), settings->onExisting)) {
+    } else if (!chooseOutputPath(files.output(index), settings->onExisting)) {
         const std::string name = lastPathComponent(files.output(index));
         skip(result, FileState::skipped, formatted("status.skipped.exists.format", name), "its result exists");
     } else {
@@ -201,11 +201,11 @@ bool VideoProcessor::isSkipped(const BatchFiles &files, std::size_t index, FileR
     return true;
 }
 
-std::optional<std::filesystem::path> VideoProcessor::finishedEarlier(const BatchFiles &files, std::size_t index) const {
-    // Of two files whose results have one name, nobody knows which one a result is of.
-    if (!settings->skipExisting || !files.rivals(index).empty())
+std::optional<std::filesystem::path> VideoProcessor::earlierOutput(const BatchFiles &files, std::size_t index) const {
+    // If two inputs have the same output name, it is not known which of them an existing output belongs to.
+    if (!settings->skipExisting || !files.inputsWithSameOutput(index).empty())
         return std::nullopt;
-    for (const Path &place : takenPlaces(files.output(index), settings->onExisting))
+    for (const Path &place : existingOutputPaths(files.output(index), settings->onExisting))
         if (isUpToDate(files.input(index), place))
             return place;
     return std::nullopt;
@@ -227,9 +227,9 @@ void VideoProcessor::fail(FileResult &result, const std::string &logged, const s
 }
 
 void VideoProcessor::convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result) {
-    const Path output = settledOutput(files.output(index), settings->onExisting).value();
+    const Path output = chooseOutputPath(files.output(index), settings->onExisting).value();
     guard.check(result.input, output);
-    preparePlace(output, *settings->outputFolderURL);
+    prepareOutputPath(output, *settings->outputFolderURL);
     Outcome outcome =
         isPhotoFile(result.input) ? convertPhoto(result.input, output) : convertVideo(result.input, output);
     result.framesWritten = outcome.framesWritten;
@@ -240,15 +240,15 @@ void VideoProcessor::convert(const BatchFiles &files, std::size_t index, const O
         return;
     }
     if (settings->onExisting == OnExisting::replace)
-        for (const std::size_t rival : files.rivals(index))
+        for (const std::size_t rival : files.inputsWithSameOutput(index))
             result.warnings.push_back({WarningKind::sameOutputName, {files.name(rival)}});
     result.output = output;
     std::error_code ignored;
     result.bytes = std::filesystem::file_size(output, ignored);
-    tell(result);
+    reportResult(result);
 }
 
-void VideoProcessor::tell(FileResult &result) {
+void VideoProcessor::reportResult(FileResult &result) {
     result.state = hasWarning(result.warnings) ? FileState::convertedWithWarnings : FileState::converted;
     const std::string name = lastPathComponent(result.input);
     for (const Warning &warning : result.warnings)

@@ -6,12 +6,12 @@
 
 namespace lumetwin {
 
-/// Puts two eyes side by side onto canvases of one geometry. For one thread at a time.
+/// Places two eyes side by side on canvases of one geometry. May be used by one thread at a time.
 class SBSComposition {
 public:
     explicit SBSComposition(const SBSGeometry &geometry) : geometry_(geometry) {}
 
-    /// Pixels that no eye covers become black.
+    /// Pixels that are not covered by an eye become black.
     void compose(const media::Picture &leftHalf, const media::Picture &rightHalf, media::Picture &canvas) {
         if (!geometry_.coversFrame())
             media::Compositor::fillBlack(canvas);

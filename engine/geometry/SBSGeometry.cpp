@@ -22,13 +22,13 @@ bool covers(const media::Rect &rect, double width, double height) {
     return rect.x <= 0 && rect.y <= 0 && rect.x + rect.width >= width && rect.y + rect.height >= height;
 }
 
-/// The eye within its half, origin at the lower left.
+/// The position of the eye in its half; the origin is the lower left corner.
 media::Rect eyeInHalf(const ConversionSettings &settings, double srcW, double srcH, double eyeW, double outH) {
     if (!settings.halfWidth)
         return fittedEye(settings.resizeMode, srcW, srcH, eyeW, outH);
     if (!settings.enableResize)
         return {0, 0, eyeW, outH};
-    // Fitted into the full target first, then squeezed into the half.
+    // First scaled to the full target, then compressed to half the width.
     const auto tW = static_cast<double>(settings.resizeWidth);
     const auto tH = static_cast<double>(settings.resizeHeight);
     const media::Rect full = fittedEye(settings.resizeMode, srcW, srcH, tW, tH);
@@ -76,7 +76,7 @@ SBSGeometry sbsGeometry(const ConversionSettings &settings, std::int64_t srcW, s
 
 media::Placement SBSGeometry::leftHalf(const media::Picture &picture) const {
     media::Placement left = placed(picture, eye, {0, 0, static_cast<double>(eyeW), static_cast<double>(outH)});
-    left.takesSharedSamples = true; // the right half is mixed with it
+    left.takesSharedSamples = true; // the right half is blended into them
     return left;
 }
 

@@ -19,9 +19,9 @@ namespace {
 using Eye = MediaFacts::Eye;
 using Kind = MediaFacts::Kind;
 
-// The first system that knows stereo movies.
+// The first system version that supports stereo movies.
 constexpr SystemVersion stereoMovies{14, 0, 0};
-// Bits of the stereo view box (stri), as seen in platform-written files.
+// Bits of the stereo view box (stri), as found in files that the platform wrote.
 constexpr std::uint8_t leftEyeBit = 1;
 constexpr std::uint8_t rightEyeBit = 2;
 

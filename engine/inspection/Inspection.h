@@ -8,18 +8,18 @@
 
 namespace lumetwin {
 
-/// Reads a file's headers, never its media data. What cannot be read is not spatial; nothing is thrown.
+/// Reads a file's headers, no media data. Never throws: a file that cannot be read is not spatial.
 MediaFacts lookAt(const media::InputFile &file) noexcept;
 
-/// Whether the facts are those of a spatial photo, or of a spatial film that the system knows.
+/// Whether the facts are those of a spatial photo, or of a spatial video that the system supports.
 bool isSpatialPhoto(const MediaFacts &facts);
 bool isSpatialVideo(const MediaFacts &facts, SystemVersion system = SystemVersion::current());
 
-/// The stereo values of a file as the system tells them.
+/// The stereo values of a file, as the system reports them.
 StereoValues stereoValues(const MediaFacts &facts, SystemVersion system = SystemVersion::current());
 
-/// The size of a photo's picture (by its extension), or of a movie's first video track. Throws the error that says why
-/// a file cannot be read.
+/// The size of a photo's picture (by its extension), or of a movie's first video track. Throws when the file cannot be
+/// read.
 PictureSize pictureSize(const media::InputFile &file);
 
 } // namespace lumetwin

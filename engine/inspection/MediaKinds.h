@@ -15,7 +15,7 @@ inline constexpr std::array<std::string_view, 7> photoExtensions{"heic", "heif",
 std::string lowerCasedExtension(const std::filesystem::path &file);
 bool isVideoFile(const std::filesystem::path &file);
 bool isPhotoFile(const std::filesystem::path &file);
-/// Whether a batch takes the file at all, judged by its extension.
+/// Whether the file has the extension of a video or photo.
 bool isMediaFile(const std::filesystem::path &file);
 
 } // namespace lumetwin

@@ -8,8 +8,8 @@
 
 namespace lumetwin {
 
-/// What a photo's conversion leaves behind. The depths are in bits a sample: of the source's picture as it was read,
-/// and the most that the output holds.
+/// Notes about what the conversion of a photo does not keep. depth, outputDepth: bits per sample, of the source's
+/// picture as it was read, and the maximum of the output.
 std::vector<Warning> photoNotes(const media::ImageFile &input, int depth, int outputDepth);
 
 } // namespace lumetwin

@@ -24,7 +24,7 @@ namespace {
 
 using media::Cancellation;
 
-constexpr int spatialDepth = 8; ///< bits a sample of the photos that are written
+constexpr int spatialDepth = 8; ///< bits per sample of the output
 
 /// Does something with the input; of what fails there, the error names the file.
 template <typename Action> auto reading(const media::InputFile &input, const Action &action) {
@@ -32,7 +32,7 @@ template <typename Action> auto reading(const media::InputFile &input, const Act
         return action();
     } catch (const media::MediaError &error) {
         throw processorError(
-            because(words("error.photo.cannot.open.format", lastPathComponent(input.path())), causeOf(error)));
+            withCause(words("error.photo.cannot.open.format", lastPathComponent(input.path())), causeOf(error)));
     }
 }
 
@@ -45,11 +45,11 @@ media::Picture emptyEye(int width, int height, const media::Picture &source) {
     try {
         return media::makePicture(width, height, source.format, source.colour);
     } catch (const std::length_error &error) {
-        throw processorError(because(words("error.photo.render.eyes.failed"), causeOf(error)));
+        throw processorError(withCause(words("error.photo.render.eyes.failed"), causeOf(error)));
     }
 }
 
-/// One eye of the source, fitted to its size; a part of the source's own picture where that is all there is to do.
+/// One eye of the source, scaled to its size. Without scaling it is a view into the source's picture.
 media::Picture fittedEye(const media::Picture &source, const media::Placement &placement, bool unscaled,
                          const EyeSize &size, const Cancellation &cancellation) {
     const int x = static_cast<int>(placement.source.x);
@@ -68,24 +68,24 @@ media::Picture fittedEye(const media::Picture &source, const media::Placement &p
 
 using Eyes = media::EyePair<media::Picture>;
 
-/// An eye in sRGB, its samples opaque.
+/// An eye in sRGB, without transparency.
 media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &profile,
                          const std::filesystem::path &input, const Cancellation &cancellation) {
     try {
         return media::inSRGB(std::move(eye), profile, input, cancellation);
     } catch (const std::length_error &error) {
-        throw processorError(because(words("error.photo.remove.alpha.failed"), causeOf(error)));
+        throw processorError(withCause(words("error.photo.remove.alpha.failed"), causeOf(error)));
     } catch (const media::MediaError &error) {
-        throw processorError(because(words("error.photo.remove.alpha.failed"), causeOf(error)));
+        throw processorError(withCause(words("error.photo.remove.alpha.failed"), causeOf(error)));
     }
 }
 
-/// Both eyes in sRGB, each prepared on a thread of its own.
+/// Both eyes in sRGB. Each is prepared on its own thread.
 Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, const std::filesystem::path &input,
                   const Cancellation &cancellation) {
     const EyeSize size = eyeSize(settings, source.picture.width, source.picture.height);
     if (!possible(size) || source.picture.width < 2)
-        throw processorError(because(words("error.photo.render.eyes.failed"), causeOfSize(size.width, size.height)));
+        throw processorError(withCause(words("error.photo.render.eyes.failed"), causeOfSize(size.width, size.height)));
     const EyeExtraction extraction = eyeExtraction(settings, size, source.picture.width, source.picture.height);
     const auto render = [&](const media::Placement &placement) {
         return opaqueEye(fittedEye(source.picture, placement, extraction.unscaled, size, cancellation),
@@ -103,12 +103,12 @@ void writePair(const ConversionSettings &settings, Eyes eyes, const media::Image
         media::writeSpatialPhoto(output, std::move(eyes.left), std::move(eyes.right), facts, metadata, cancellation);
     } catch (const media::MediaError &error) {
         throw SpatialPhotoError::finalizationFailed(output.path(), causeOf(error));
-    } catch (const std::invalid_argument &) { // more than the format holds
+    } catch (const std::invalid_argument &) { // larger than the format allows
         throw SpatialPhotoError::finalizationFailed(output.path(), words(keyOf(media::MediaReason::beyondFormat)));
     }
 }
 
-/// Returns what is left behind.
+/// Returns notes about what is not kept.
 std::vector<Warning> convert(const ConversionSettings &settings, const media::InputFile &input,
                              const media::OutputFile &output, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;

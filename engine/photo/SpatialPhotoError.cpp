@@ -9,25 +9,25 @@ namespace lumetwin {
 
 SpatialPhotoError SpatialPhotoError::cannotOpenFile(const std::filesystem::path &file, const Words &cause) {
     return {Case::cannotOpenFile,
-            because(words("error.photo.cannot.open.file.format", lastPathComponent(file)), cause)};
+            withCause(words("error.photo.cannot.open.file.format", lastPathComponent(file)), cause)};
 }
 
 SpatialPhotoError SpatialPhotoError::notASpatialPhoto(const Words &reason, const Words &cause) {
-    return {Case::notASpatialPhoto, because(words("error.photo.not.spatial.format", reason), cause)};
+    return {Case::notASpatialPhoto, withCause(words("error.photo.not.spatial.format", reason), cause)};
 }
 
 SpatialPhotoError SpatialPhotoError::cannotCreateDestination(const std::filesystem::path &file, const Words &cause) {
     return {Case::cannotCreateDestination,
-            because(words("error.photo.cannot.create.destination.format", lastPathComponent(file)), cause)};
+            withCause(words("error.photo.cannot.create.destination.format", lastPathComponent(file)), cause)};
 }
 
 SpatialPhotoError SpatialPhotoError::finalizationFailed(const std::filesystem::path &file, const Words &cause) {
     return {Case::finalizationFailed,
-            because(words("error.photo.finalization.failed.format", lastPathComponent(file)), cause)};
+            withCause(words("error.photo.finalization.failed.format", lastPathComponent(file)), cause)};
 }
 
 SpatialPhotoError SpatialPhotoError::imageExtractionFailed(const Words &cause) {
-    return {Case::imageExtractionFailed, because(words("error.photo.extraction.failed"), cause)};
+    return {Case::imageExtractionFailed, withCause(words("error.photo.extraction.failed"), cause)};
 }
 
 SpatialPhotoError SpatialPhotoError::invalidImage() {

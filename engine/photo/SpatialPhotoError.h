@@ -10,8 +10,8 @@
 
 namespace lumetwin {
 
-/// What goes wrong with spatial photos, read or written. The English descriptions are fixed; a cause follows them in
-/// brackets, where there is one.
+/// An error while reading or writing a spatial photo. The English descriptions are fixed. A cause, if known, follows in
+/// brackets.
 class SpatialPhotoError : public std::runtime_error {
 public:
     enum class Case {
@@ -39,7 +39,7 @@ public:
     static Words noStereoGroup();
 
     Case kind() const { return kind_; }
-    /// The position of the case.
+    /// The position of the case in the enumeration.
     int code() const { return static_cast<int>(kind_); }
     /// The description in the user's language.
     const std::string &shown() const { return shown_; }

@@ -22,7 +22,7 @@ std::int64_t truncated(double value) {
     return static_cast<std::int64_t>(value);
 }
 
-/// Micrometres, cut off as in films; what 32 bits do not hold becomes the nearest number that they do.
+/// The value in micrometres, truncated as in videos, and clamped to 32 bits.
 std::int32_t micrometres(double millimetres) {
     constexpr double largest = std::numeric_limits<std::int32_t>::max();
     return std::isnan(millimetres) ? 0 : static_cast<std::int32_t>(std::clamp(millimetres * 1000, -largest, largest));

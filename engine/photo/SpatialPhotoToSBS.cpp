@@ -38,12 +38,12 @@ ImageKind kindOf(const std::filesystem::path &output) {
     return ImageKind::jpeg;
 }
 
-/// The most bits a sample that files of the kind hold.
+/// The maximum number of bits per sample of a file format.
 int depthOf(ImageKind kind) {
     return kind == ImageKind::png || kind == ImageKind::tiff ? 16 : 8;
 }
 
-/// A photo of two images or more that form a stereo pair. Throws SpatialPhotoError.
+/// Opens a photo with a stereo pair. Throws SpatialPhotoError for any other.
 media::ImageFile openedPair(const media::InputFile &input) {
     std::optional<media::ImageFile> photo;
     std::size_t count = 0;
@@ -63,16 +63,16 @@ media::ImageFile openedPair(const media::InputFile &input) {
 media::Picture canvasFor(const SBSGeometry &geometry, const media::Picture &eye) {
     constexpr std::int64_t largest = std::numeric_limits<int>::max();
     if (geometry.outW < 1 || geometry.outH < 1 || geometry.outW > largest || geometry.outH > largest)
-        throw processorError(because(words("error.photo.render.failed"), causeOfSize(geometry.outW, geometry.outH)));
+        throw processorError(withCause(words("error.photo.render.failed"), causeOfSize(geometry.outW, geometry.outH)));
     try {
         return media::makePicture(static_cast<int>(geometry.outW), static_cast<int>(geometry.outH), eye.format,
                                   eye.colour);
     } catch (const std::length_error &error) {
-        throw processorError(because(words("error.photo.render.failed"), causeOf(error)));
+        throw processorError(withCause(words("error.photo.render.failed"), causeOf(error)));
     }
 }
 
-/// Composes one side-by-side picture of eyes that come one after the other or both at once.
+/// Composes a side-by-side picture from two eyes, which are given one after the other or together.
 class Composer {
 public:
     Composer(const ConversionSettings &settings, const Cancellation &cancellation)
@@ -111,8 +111,8 @@ private:
     media::Compositor compositor_;
 };
 
-/// The two eyes beside each other, in samples that the output's format takes, with the left eye's metadata. Gives back
-/// the memory that decoding took before coding takes its own.
+/// The two eyes side by side, in samples that the output format supports, with the left eye's metadata. The memory of
+/// decoding is released before encoding starts.
 StillImage composedImage(const ConversionSettings &settings, const media::ImageFile &photo, ImageKind kind,
                          const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
@@ -142,9 +142,9 @@ void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKi
     try {
         media::writeImage(output, kind, std::move(image), settings.compressionQuality, cancellation);
     } catch (const media::MediaError &error) {
-        throw processorError(because(failed, causeOf(error)));
-    } catch (const std::invalid_argument &) { // more than the format holds
-        throw processorError(because(failed, words(keyOf(media::MediaReason::beyondFormat))));
+        throw processorError(withCause(failed, causeOf(error)));
+    } catch (const std::invalid_argument &) { // larger than the format allows
+        throw processorError(withCause(failed, words(keyOf(media::MediaReason::beyondFormat))));
     }
 }
 

@@ -9,8 +9,8 @@ namespace lumetwin {
 
 namespace {
 
-/// Where a half of the given size is scaled to on an eye's canvas.
-media::Rect fitted(const ConversionSettings &settings, const EyeSize &eye, double halfWidth, double height) {
+/// The target rectangle of a half of the given size on an eye's canvas.
+media::Rect eyeTarget(const ConversionSettings &settings, const EyeSize &eye, double halfWidth, double height) {
     const auto eyeWidth = static_cast<double>(eye.width);
     const auto eyeHeight = static_cast<double>(eye.height);
     if (!settings.enableResize)
@@ -22,10 +22,10 @@ media::Rect fitted(const ConversionSettings &settings, const EyeSize &eye, doubl
 
 EyeExtraction eyeExtraction(const ConversionSettings &settings, const EyeSize &eye, std::int64_t sourceWidth,
                             std::int64_t sourceHeight) {
-    const std::int64_t columns = sourceWidth / 2; // the last of an odd width belongs to no eye
+    const std::int64_t columns = sourceWidth / 2; // the last column of an odd width belongs to no eye
     const auto halfWidth = static_cast<double>(columns);
     const auto height = static_cast<double>(sourceHeight);
-    const media::Rect target = fitted(settings, eye, halfWidth, height);
+    const media::Rect target = eyeTarget(settings, eye, halfWidth, height);
     const media::Rect canvas{0, 0, static_cast<double>(eye.width), static_cast<double>(eye.height)};
     const media::Placement first{{0, 0, halfWidth, height}, target, canvas};
     const media::Placement second{{halfWidth, 0, halfWidth, height}, target, canvas};

@@ -10,17 +10,19 @@
 
 namespace lumetwin {
 
-/// How the two eyes of a side-by-side frame become pictures of their own. Computed once per file.
+/// How the two eyes are cut out of a side-by-side frame. Computed once per file.
 struct EyeExtraction : media::EyePair<media::Placement> {
-    /// The eyes are the frame's halves as they are: nothing is scaled.
+    /// The eyes are exactly the halves of the frame, without scaling.
     bool unscaled = true;
 };
 
-/// The left half of the source (the right one when swapped) is the left eye; an odd last column belongs to neither.
+/// The left half of the source (with swapped eyes the right half) is the left eye. An odd last column belongs to no
+/// eye.
 EyeExtraction eyeExtraction(const ConversionSettings &settings, const EyeSize &eye, std::int64_t sourceWidth,
                             std::int64_t sourceHeight);
 
-/// The placement for a picture smaller than its source rectangle: what is missing stays as it is on the canvas.
+/// The placement for a picture that is smaller than its source rectangle. The missing part of the canvas is not
+/// changed.
 media::Placement withinPicture(const media::Placement &placement, int width, int height);
 
 } // namespace lumetwin

@@ -7,12 +7,11 @@
 
 namespace lumetwin {
 
-/// A path's last component, also where the path ends in a separator. UTF-8, or the file system's own bytes
-/// where those are none.
+/// The last component of a path, even when the path ends in a separator. It is UTF-8 only if the file system's name is.
 std::string lastPathComponent(const std::filesystem::path &file);
 
-/// Text that is safe to print on one line: what is not valid UTF-8 (RFC 3629), and every character that controls
-/// a terminal, ends a line or turns the writing direction, becomes U+FFFD.
+/// The text in a form that is safe to print on one line: U+FFFD replaces invalid UTF-8 (RFC 3629) and every character
+/// that controls a terminal, ends a line or changes the writing direction.
 std::string printable(std::string_view text);
 
 } // namespace lumetwin

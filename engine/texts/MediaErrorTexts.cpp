@@ -150,7 +150,7 @@ Words causeOfSize(std::int64_t width, std::int64_t height) {
     return words(keyOf(width < 1 || height < 1 ? MediaReason::emptyImage : MediaReason::imageTooLarge));
 }
 
-Words because(const Words &message, const Words &cause) {
+Words withCause(const Words &message, const Words &cause) {
     return cause.english.empty() ? message : words("error.cause.format", message, cause);
 }
 

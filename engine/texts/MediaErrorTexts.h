@@ -10,21 +10,21 @@
 
 namespace lumetwin {
 
-/// The keys of the texts of media/'s operations and reasons. `other` has none: its words are a library's.
+/// The text keys of media operations and reasons. `other` has no key, because its text comes from a library.
 std::string_view keyOf(media::MediaOperation operation);
 std::string_view keyOf(media::MediaReason reason);
 
-/// What was attempted with which file, and why it failed.
+/// The message: the operation, the file, and why it failed.
 Words errorWords(const media::MediaError &error);
 
-/// Why it failed, for a message that names the file already: "it is damaged: Premature end of JPEG file".
+/// The cause only, for a message that already names the file, such as "it is damaged: Premature end of JPEG file".
 Words causeOf(const media::MediaError &error);
 
-/// The cause that any error tells of: of media/, of memory, of a size beyond all limits (std::length_error), else in
-/// its own words.
+/// The cause of any error: a media error, out of memory, a size above all limits (std::length_error), otherwise its
+/// what().
 Words causeOf(const std::exception &error);
 
-/// Why a picture of this size cannot be made.
+/// The cause when a picture of this size cannot be created.
 Words causeOfSize(std::int64_t width, std::int64_t height);
 
 } // namespace lumetwin

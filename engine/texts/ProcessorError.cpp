@@ -14,7 +14,7 @@ std::string described(const std::string &domain, int code, const std::string &me
     return "Error Domain=" + domain + " Code=" + std::to_string(code) + " \"" + message + "\"";
 }
 
-/// What is rare is told in the words of the one who found it.
+/// Common system errors have a text of ours; rare ones use the text of the system.
 std::string systemMessage(const std::system_error &error) {
     const bool ofSystem =
         error.code().category() == std::generic_category() || error.code().category() == std::system_category();

@@ -25,24 +25,24 @@ private:
     std::string shown_;
 };
 
-/// The engine error with the given message, to be thrown.
+/// The engine's error with the given message, to be thrown.
 inline ProcessorError processorError(const Words &message) {
     return ProcessorError(message);
 }
 
-/// As above; the message is localized already, and the log has it so.
+/// As above, for a message that is already localized. The log contains it in that language.
 inline ProcessorError processorError(const std::string &message) {
     return ProcessorError({message, message});
 }
 
-/// An error in words for the user.
+/// The message of an error for the user, in the user's language.
 std::string errorMessage(const std::exception &error);
 
-/// Why something failed, in words for the user, for a message that names the file already.
+/// The cause of an error in the user's language, for a message that already names the file.
 std::string errorCause(const std::exception &error);
 
-/// An error's full text for the log: its domain, code and message, as in
-/// Error Domain=VideoProcessor Code=-1 "message". Errors without a code are their message.
+/// The full text of an error for the log: its domain, code and message, as in Error Domain=VideoProcessor Code=-1
+/// "message". For an error without a code, only its message.
 std::string errorText(const std::exception &error);
 
 } // namespace lumetwin

@@ -12,22 +12,22 @@ namespace lumetwin {
 struct TextEntry {
     std::string key;
     std::string english;     ///< msgid
-    std::string translation; ///< msgstr; empty where there is none yet, or only a fuzzy one
-    bool isFormat = false;   ///< flagged c-format: holds printf placeholders
+    std::string translation; ///< msgstr; empty when it is missing or fuzzy
+    bool isFormat = false;   ///< marked as c-format: contains printf placeholders
 
-    /// What is shown for the key.
+    /// The translation, or the English text when there is none.
     const std::string &shown() const { return translation.empty() ? english : translation; }
 };
 
-/// A table that is not well formed: "line 12: …".
+/// A syntax error in a table. The message begins with the line, such as "line 12: ".
 class TextTableError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads a gettext PO file (GNU gettext manual, "The Format of PO Files") in its entries' order, without the header
-/// entry. Strict: every entry has one key, one msgid and one msgstr, no key comes twice; there are no plural forms.
-/// Throws TextTableError.
+/// Parses a gettext PO file (GNU gettext manual, "The Format of PO Files"). Returns the entries in their order, without
+/// the header entry. Strict: each entry needs one key, one msgid and one msgstr; keys must be unique; plural forms are
+/// not supported. Throws TextTableError.
 std::vector<TextEntry> parseTextTable(std::string_view po);
 
 } // namespace lumetwin

@@ -21,14 +21,14 @@ struct Language {
     std::string_view name;
     std::map<std::string, std::string, std::less<>> texts;
 
-    // The tables are part of the program: one that does not parse is a mistake of ours and stops it.
+    // The tables are part of the program. An error in one is our bug and ends the program.
     Language(std::string_view language, std::string_view table) noexcept : name(language) {
         for (const TextEntry &entry : parseTextTable(table))
             texts.emplace(entry.key, entry.shown());
     }
 };
 
-/// Every language, English first.
+/// All languages, English first.
 const std::array<Language, 2> &languages() {
     static const std::array<Language, 2> all{Language("en", embedded::text_en), Language("ja", embedded::text_ja)};
     return all;

@@ -7,7 +7,7 @@
 
 namespace lumetwin {
 
-/// A warning in words of the user's language, one line.
+/// The text of a warning in the user's language, in one line.
 std::string warningText(const Warning &warning);
 
 } // namespace lumetwin

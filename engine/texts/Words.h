@@ -9,7 +9,7 @@
 
 namespace lumetwin {
 
-/// Something to tell: in English for the log, in the user's language for people.
+/// A message in two languages: English for the log, and the user's language.
 struct Words {
     std::string english;
     std::string shown;
@@ -17,7 +17,7 @@ struct Words {
     bool operator==(const Words &) const = default;
 };
 
-/// The text of a key, where it is a format filled with names, numbers and other words.
+/// The text of a key in both languages. A format text is filled with the arguments, which may be Words too.
 template <typename... Arguments> Words words(std::string_view key, const Arguments &...arguments) {
     const auto filled = [&](const std::string &text, std::string Words::*language) {
         const auto part = [language]<typename Argument>(const Argument &argument) -> decltype(auto) {
@@ -34,7 +34,7 @@ template <typename... Arguments> Words words(std::string_view key, const Argumen
     return {filled(englishText(key), &Words::english), filled(text(key), &Words::shown)};
 }
 
-/// The words with their cause in brackets, where there is one.
-Words because(const Words &words, const Words &cause);
+/// The message followed by its cause in brackets, if there is a cause.
+Words withCause(const Words &words, const Words &cause);
 
 } // namespace lumetwin

@@ -50,7 +50,7 @@ void copyAudio(AudioCopy &copy, media::MovieWriter &writer, const ConversionCont
             writer.append(copy.stretcher ? copy.stretcher->stretch(*block) : *block);
         }
     } catch (const std::exception &error) {
-        // The reader has run dry; what was copied stays.
+        // Reading failed. The sound that was copied so far is kept.
         warnings.add(WarningKind::soundEndsEarly, {causeOf(error).shown});
     }
     if (copy.stretcher)

@@ -13,26 +13,26 @@
 
 namespace lumetwin {
 
-/// The sound of one conversion: the source's first audio track, decoded to 16-bit PCM, stretched where the pictures are
-/// not as long as the source's, and how it is coded again.
+/// The sound of one conversion: the source's first audio track, decoded to 16-bit PCM, stretched if the output is
+/// longer or shorter than the source, and the parameters of its encoder.
 struct AudioCopy {
     std::unique_ptr<media::AudioReader> reader;
-    std::unique_ptr<media::AudioStretcher> stretcher; ///< none where the sound stays as it is
+    std::unique_ptr<media::AudioStretcher> stretcher; ///< null when the sound is not stretched
     media::AudioEncoding encoding;
 };
 
-/// How a track is coded: AAC at 192 kbit/s, its own sample rate (44100 Hz when it states none) or the next one that AAC
-/// carries, and one channel or two.
+/// The encoding of a track: AAC at 192 kbit/s, with one or two channels, at the track's sample rate (44100 Hz when
+/// unknown) or the nearest one that AAC supports.
 media::AudioEncoding audioEncoding(const media::AudioTrack &track);
 
-/// Prepares the copy of a movie's first audio track, beginning at the given time of the movie (seconds), its duration
-/// multiplied by `stretch`. Nothing when there is no audio track or it cannot be decoded (then with a warning): the
+/// Prepares the copy of a movie's first audio track. fromTime: its start in the movie, in seconds. stretch: factor for
+/// its duration. Returns nullopt when there is no audio track, or, with a warning, when it cannot be decoded. Then the
 /// video is written without sound.
 std::optional<AudioCopy> prepareAudioCopy(const media::MovieFile &movie, double fromTime, double stretch,
                                           WarningList &warnings);
 
-/// The copy loop: reads the track to its end, or until the user cancels, and appends it to the writer. A reader that
-/// fails ends the sound with a warning.
+/// Copies the track: reads it to its end, or until the user cancels, and appends it to the writer. If reading fails,
+/// the sound ends there, with a warning.
 void copyAudio(AudioCopy &copy, media::MovieWriter &writer, const ConversionControl &control, WarningList &warnings);
 
 } // namespace lumetwin

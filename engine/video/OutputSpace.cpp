@@ -10,11 +10,11 @@
 namespace lumetwin {
 namespace {
 
-// Encoders keep to a rate only roughly, and a file system that is filled to its last byte helps nobody.
+// Encoders reach a bit rate only approximately, and a file system should not be filled completely.
 constexpr double margin = 1.1;
 constexpr double headroom = 16.0 * 1024 * 1024; // bytes
 
-/// Below 0 where that is unknown: some file systems of networks and devices state no size at all.
+/// Negative when unknown: some network and device file systems report no size.
 double freeBytes(const media::OutputFile &output) {
     struct statvfs facts {};
     if (::fstatvfs(output.descriptor(), &facts) != 0 || facts.f_blocks == 0)

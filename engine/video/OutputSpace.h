@@ -5,7 +5,7 @@
 
 namespace lumetwin {
 
-/// Throws ProcessorError where the file system has less room than the estimated size of an output and a margin.
+/// Throws ProcessorError when the file system has less free space than the estimated size of the output plus a margin.
 void requireSpace(const media::OutputFile &output, double estimatedBytes);
 
 } // namespace lumetwin

@@ -11,7 +11,7 @@ namespace lumetwin {
 
 namespace {
 
-/// Cuts frames into pictures of the two eyes.
+/// Cuts the pictures of the two eyes out of frames.
 class EyeCutter {
 public:
     EyeCutter(const EyeExtraction &extraction, const EyeSize &eye, const media::ColourTags &colour)
@@ -22,7 +22,7 @@ public:
     media::Picture right(const media::Picture &frame) { return cut(frame, extraction_.right); }
 
 private:
-    /// Whether the eye is a part of the frame's own memory.
+    /// Whether the eye can be a view into the memory of the frame.
     bool isPartOf(const media::Picture &frame, const media::Placement &placement) const {
         return extraction_.unscaled && frame.format == media::yuv420 && frame.colour == colour_ &&
                static_cast<int>(placement.source.x) % 2 == 0 &&

@@ -10,8 +10,8 @@
 
 namespace lumetwin {
 
-/// Converts a side-by-side video into a spatial movie; the output's extension becomes "mov". Blocks until the file is
-/// written or abandoned. Returns normally when the user cancelled. Throws ProcessorError or MediaError.
+/// Converts a side-by-side video into a spatial movie. The output's extension becomes "mov". Returns when the file is
+/// written, or when the user cancelled. Throws ProcessorError or MediaError.
 Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media::InputFile &input,
                                  const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion system = SystemVersion::current());

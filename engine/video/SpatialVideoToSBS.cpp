@@ -14,12 +14,12 @@ namespace lumetwin {
 
 namespace {
 
-// The first system that decodes both views.
+// The first system version that decodes both views.
 constexpr SystemVersion bothViews{14, 0, 0};
 
 using Eyes = media::EyePair<media::Picture>;
 
-/// The eyes of a frame by their tags; a frame of one view shows it to both.
+/// The eyes of a frame, found by their stereo tags. A frame with one view is used for both eyes.
 std::optional<Eyes> eyesOf(const media::Frame &frame) {
     std::optional<media::Picture> left;
     std::optional<media::Picture> right;
@@ -46,7 +46,7 @@ media::VideoCodec codecOf(SBSOutputFormat format) {
     return format == SBSOutputFormat::mp4H264 ? media::VideoCodec::h264 : media::VideoCodec::hevc;
 }
 
-/// A size as the platform counts; the writer refuses what is beyond its range.
+/// A size as an int. The writer refuses sizes that are too large.
 int pixels(std::int64_t size) {
     return static_cast<int>(std::clamp<std::int64_t>(size, 0, std::numeric_limits<int>::max()));
 }
@@ -58,7 +58,7 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const media
                                  SystemVersion system) {
     VideoSource source(settings, input, control);
     const VideoInfo &info = source.info;
-    if (settings.enableResize) // twice the width of an eye might overflow
+    if (settings.enableResize) // twice the width of an eye could overflow
         media::MovieWriter::requireSize(output.path(), settings.resizeWidth, settings.resizeHeight);
     const SBSGeometry geometry = sbsGeometry(settings, info.width, info.height);
     media::FrameReader reader(source.movie, info.track, system >= bothViews ? media::Views::all : media::Views::base);

@@ -10,8 +10,8 @@
 
 namespace lumetwin {
 
-/// Converts a spatial video into a side-by-side video at the output URL. Blocks until the file is written or
-/// abandoned. Returns normally when the user cancelled. Throws ProcessorError or MediaError.
+/// Converts a spatial video into a side-by-side video. Returns when the file is written, or when the user cancelled.
+/// Throws ProcessorError or MediaError.
 Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const media::InputFile &input,
                                  const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion system = SystemVersion::current());

@@ -15,17 +15,17 @@ constexpr double bitsPerPixel = 0.15;
 constexpr std::int64_t smallestBitRate = 1'000'000;
 constexpr std::uint32_t bgra = 0x42475241; // "BGRA"
 
-// The systems that know the projection and the field of view as properties of the encoder.
+// The first system versions that have the projection and the field of view as encoder properties.
 constexpr SystemVersion projectionKind{15, 0, 0};
 constexpr SystemVersion fieldOfViewKey{14, 4, 0};
 
-/// A number that no setting of the form leads to: a mistake of ours, not of a file.
+/// Ends the program: no setting of the form leads to such a number, so it is our bug.
 [[noreturn]] void fatal(const char *reason) {
     std::fprintf(stderr, "Fatal error: %s\n", reason);
     std::abort();
 }
 
-/// A double whose truncation lies in (below, above).
+/// Returns value if its truncation lies between below and above (exclusive), otherwise ends the program.
 double inRange(double value, double below, double above, const char *reason) {
     if (!std::isfinite(value) || value <= below || value >= above)
         fatal(reason);
@@ -57,7 +57,7 @@ EncoderProperties compressionProperties(const media::StereoVideoEncoding &encodi
     return table;
 }
 
-/// Sizes beyond the media layer's limits stay beyond them, so that it refuses them.
+/// A size as an int. Sizes above the limits of media/ stay above them, so that media/ refuses them.
 int side(std::int64_t size) {
     return static_cast<int>(std::clamp<std::int64_t>(size, 0, std::numeric_limits<int>::max()));
 }

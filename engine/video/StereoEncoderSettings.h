@@ -19,7 +19,7 @@ inline constexpr std::array<std::int64_t, 2> MVHEVCVideoLayerIDs{0, 1};
 inline constexpr std::array<std::int64_t, 2> MVHEVCViewIDs{0, 1};
 inline constexpr std::array<std::int64_t, 2> MVHEVCLeftAndRightViewIDs{0, 1};
 
-/// One entry of a settings table, under the name of its platform constant.
+/// One entry of a settings table. The key is the name of the platform's constant.
 struct EncoderProperty {
     using Value = std::variant<bool, std::int32_t, std::uint32_t, std::int64_t, std::string, std::vector<std::int64_t>,
                                std::vector<EncoderProperty>>;
@@ -29,10 +29,10 @@ struct EncoderProperty {
     bool operator==(const EncoderProperty &) const = default;
 };
 
-/// A settings table in the order in which its entries are added.
+/// A settings table. Entries keep the order in which they were added.
 using EncoderProperties = std::vector<EncoderProperty>;
 
-/// The entry's value; nullptr where the table has no such entry or another type of value.
+/// The value of an entry, or nullptr when the entry is missing or its value has another type.
 template <typename Value> const Value *find(const EncoderProperties &table, std::string_view key) {
     for (const EncoderProperty &property : table)
         if (property.key == key)
@@ -40,18 +40,18 @@ template <typename Value> const Value *find(const EncoderProperties &table, std:
     return nullptr;
 }
 
-/// Size of one eye in the output: the resize target as it stands, or half the source (an odd last column is lost).
+/// The size of one eye in the output: the resize target, or half the source (without an odd last column).
 struct EyeSize {
     std::int64_t width = 0;
     std::int64_t height = 0;
 };
 EyeSize eyeSize(const ConversionSettings &settings, std::int64_t sourceWidth, std::int64_t sourceHeight);
 
-/// Average bit rate of the stream, bits per second: 0.15 bits for each pixel of one eye and frame at full quality,
-/// truncated, at least 1,000,000. A product out of range stops the program.
+/// The average bit rate of the stream in bits per second: 0.15 bits for each pixel of one eye and frame at full
+/// quality, truncated, at least 1,000,000. Ends the program when the product is out of range.
 std::int64_t spatialBitRate(const EyeSize &eye, double fps, double quality);
 
-/// The stereo metadata in the file's integer units, truncated toward zero. Values out of range stop the program.
+/// The stereo metadata in the integer units of the file, truncated toward zero. Values out of range end the program.
 std::uint32_t baselineInMicrometres(double millimetres);
 std::uint32_t fieldOfViewInThousandths(double degrees);
 std::int32_t disparityInTenThousandths(double percent);
@@ -65,7 +65,7 @@ media::StereoVideoEncoding stereoVideoEncoding(const ConversionSettings &setting
 EncoderProperties outputSettings(const ConversionSettings &settings, const EyeSize &eye, double fps,
                                  SystemVersion system);
 
-/// The buffers that the eyes of a frame are handed over in.
+/// The attributes of the buffers that contain the eyes of a frame.
 EncoderProperties pixelBufferAttributes(const EyeSize &eye);
 
 } // namespace lumetwin

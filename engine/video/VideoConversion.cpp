@@ -14,12 +14,12 @@ namespace {
 
 constexpr std::chrono::milliseconds cancelInterval{20};
 constexpr std::int64_t progressInterval = 8; // frames between two reports of progress
-constexpr int outputDepth = 8;               // bits a sample
+constexpr int outputDepth = 8;               // bits per sample
 constexpr double tellableSpeed = 0.5;        // percent
 constexpr double tellableDistance = 0.06;    // seconds
 constexpr double bitsPerPixel = 0.15;
 constexpr std::int64_t smallestBitRate = 1'000'000;
-constexpr double largestBitRate = 9e18; // what a 64-bit integer holds
+constexpr double largestBitRate = 9e18; // must fit into a 64-bit integer
 
 void addNotes(VideoSource &source, bool copiesSound) {
     const media::OtherContents others = source.movie.otherContents();
@@ -57,7 +57,7 @@ FrameLoopResult writeFrames(const VideoSource &source, media::FrameReader &reade
     return {written, clock.farthestFromSound()};
 }
 
-/// What is known once all frames are written.
+/// Adds the warnings that are known when all frames are written.
 void addWarnings(VideoSource &source, const media::FrameReader &reader, const FrameLoopResult &result) {
     if (reader.damaged())
         source.warnings.add(WarningKind::framesMissing, {result.written, source.expectedFrames()});
@@ -122,7 +122,7 @@ Outcome runVideoConversion(VideoSource &source, media::FrameReader &reader, medi
     std::optional<media::NamedThread> audio;
     if (source.audio)
         audio.emplace(names.audio, [&] { copyAudio(*source.audio, writer, control, source.warnings); });
-    // Both may wait for the writer: when the user cancels, it no longer lets anybody wait.
+    // Both threads may be waiting for the writer. When the user cancels, the writer wakes them.
     while (!video.endsWithin(cancelInterval) || (audio && !audio->endsWithin(cancelInterval)))
         if (control.cancelled())
             writer.abandon();

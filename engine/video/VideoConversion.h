@@ -15,10 +15,10 @@
 
 namespace lumetwin {
 
-/// What a conversion of a video begins with: its facts, its time line, and its sound where there is some to copy.
+/// The source of a video conversion: its facts, its time line, and its sound if it is copied.
 class VideoSource {
 public:
-    /// Throws MediaError or ProcessorError where the file holds no video.
+    /// Throws MediaError or ProcessorError when the file has no video.
     VideoSource(const ConversionSettings &settings, const media::InputFile &input, const ConversionControl &control);
 
     media::MovieFile movie;
@@ -27,19 +27,19 @@ public:
     VideoTiming timing;
     std::optional<AudioCopy> audio;
 
-    /// As the container counts them, else by duration and rate; 0 when unknown.
+    /// The number of frames from the container, otherwise from duration and rate; 0 when unknown.
     std::int64_t expectedFrames() const;
-    /// Of the whole output, its sound included, at that bit rate of the pictures.
+    /// The estimated size of the whole output, including sound, for that video bit rate.
     double estimatedBytes(std::int64_t videoBitRate) const;
-    /// For the encoder.
+    /// The frame rate for the encoder.
     double frameRate() const;
 };
 
-/// 0.15 bits for each pixel of each frame at full quality, truncated, and never below 1 Mbit/s. `pixels` as a
-/// 64-bit float; multiplied in the order of the arguments.
+/// The average video bit rate: 0.15 bits for each pixel of each frame at full quality, truncated, at least 1 Mbit/s.
+/// Computed in 64-bit floats, multiplied in the order of the arguments.
 std::int64_t averageBitRate(double first, double second, double quality);
 
-/// That of the source; who asks for a size means it as it is shown.
+/// The pixel aspect ratio of the source. With resizing it is square, because the user gives the size on the screen.
 media::PixelAspect outputPixelAspect(const ConversionSettings &settings, const VideoInfo &info);
 
 /// Writes what a frame shows, at the time that the clock gives it; returns whether it shows anything.

@@ -10,9 +10,9 @@ namespace lumetwin {
 namespace {
 
 constexpr double fallbackRate = 30;
-// A millisecond in an hour: nobody hears it, and the sound stays as it is.
+// One millisecond per hour: not audible, so the sound is not stretched.
 constexpr double inaudible = 0.001 / 3600;
-constexpr double latestTime = 1e9; // seconds; times beyond are a lie, and whole units could not be counted
+constexpr double latestTime = 1e9; // seconds; later times are certainly wrong, and could not be counted exactly
 
 std::int64_t frames(const VideoInfo &info) {
     const double total = info.duration * static_cast<double>(info.fps);
@@ -26,7 +26,7 @@ double stretchOf(const VideoTiming &timing, const media::FramePace &pace) {
     return std::abs(stretch - 1) < inaudible ? 1 : stretch;
 }
 
-/// Whether all frames of a constant rate begin at whole units.
+/// Whether each frame of a constant rate begins at an integer number of units.
 bool isExact(int timeScale, const media::Fraction &rate) {
     return timeScale * rate.denominator % rate.numerator == 0;
 }
@@ -65,7 +65,7 @@ VideoTiming videoTiming(const VideoInfo &info, bool keepTiming, const std::optio
     } else {
         timing.frameDuration = static_cast<std::int64_t>(videoTimeScale / timing.rate);
     }
-    // Rates above the time scale would not advance at all.
+    // With a rate above the time scale the time would not advance.
     timing.frameDuration = std::max<std::int64_t>(timing.frameDuration, 1);
     if (!timing.keepsTimes)
         timing.stretch = stretchOf(timing, info.track.pace);
@@ -88,7 +88,7 @@ std::int64_t OutputClock::ownTime(std::optional<double> source) const {
     const double time = *source;
     const double tick = track_.tick.value();
     if (track_.pace.isConstant) {
-        // Times of a constant rate that were rounded to ticks stand where the rate puts them.
+        // Times of a constant rate that were rounded to ticks are computed again from the rate.
         const double step = 1 / track_.pace.rate.value();
         const double first = track_.startTime - timing_.begin;
         const double grid = std::round((time - first) / step) * step + first;

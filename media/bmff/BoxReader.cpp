@@ -22,7 +22,7 @@ public:
             throw FormatError("the file ends early", MediaReason::endsEarly);
         if (buffer.size() > ahead_.size())
             return fill(position, buffer);
-        // Headers lie close together: a call to the system for each would take most of the time.
+        // Headers are close together. Reading each with its own system call would take most of the time.
         if (position < aheadBegin_ || position + buffer.size() > aheadEnd_) {
             aheadEnd_ = 0;
             const auto count = std::min<std::uint64_t>(ahead_.size(), size_ - position);
@@ -88,11 +88,11 @@ bool BoxWalk::next(Box &box) {
     std::uint64_t size = fields.u32();
     box.type = fields.u32();
     if (size == 0 && box.type == 0)
-        return false; // a terminator and what follows it
+        return false; // a terminator ends the list
     if (size == 1)
         size = fields.u64();
     else if (size == 0)
-        size = end_ - position_; // to the end
+        size = end_ - position_; // size 0: until the end
     if (box.type == fourCC("uuid"))
         std::ranges::copy(fields.bytes(16), box.uuid.begin());
     if (size < fields.position() || size > end_ - position_)

@@ -15,7 +15,7 @@
 
 namespace lumetwin::media::bmff {
 
-/// A file that does not keep to ISO/IEC 14496-12, or asks for more than the reader's limits. Never leaves media/.
+/// The file violates ISO/IEC 14496-12 or exceeds the reader's limits. Not thrown outside of media/.
 class FormatError : public std::runtime_error {
 public:
     explicit FormatError(const std::string &details, MediaReason reason = MediaReason::damaged)
@@ -30,7 +30,7 @@ private:
     std::string details_;
 };
 
-/// Four characters as the number that files hold.
+/// A four-character code as the number stored in files.
 constexpr std::uint32_t fourCC(const char (&name)[5]) {
     return static_cast<std::uint32_t>(static_cast<unsigned char>(name[0])) << 24 |
            static_cast<std::uint32_t>(static_cast<unsigned char>(name[1])) << 16 |
@@ -38,42 +38,43 @@ constexpr std::uint32_t fourCC(const char (&name)[5]) {
            static_cast<std::uint32_t>(static_cast<unsigned char>(name[3]));
 }
 
-/// Bytes at positions: a file or memory.
+/// Random access to the bytes of a file or of memory.
 class Source {
 public:
     virtual ~Source() = default;
     virtual std::uint64_t size() const = 0;
-    /// Fills the buffer from the position. Throws FormatError when the source ends before.
+    /// Reads the buffer from the position. Throws FormatError when the source ends earlier.
     virtual void read(std::uint64_t position, std::span<std::uint8_t> buffer) const = 0;
 };
 
 /// Reads that fail throw MediaError.
 std::unique_ptr<Source> openFile(const InputFile &file);
-/// The bytes have to outlive the source.
+/// The bytes must outlive the source.
 std::unique_ptr<Source> fromMemory(std::span<const std::uint8_t> bytes);
 
-/// One box: where it lies and what it is.
+/// The type and position of a box.
 struct Box {
     std::uint32_t type = 0;
-    std::array<std::uint8_t, 16> uuid{}; ///< of boxes of type `uuid`
+    std::array<std::uint8_t, 16> uuid{}; ///< only for boxes of type `uuid`
     std::uint64_t begin = 0;             ///< of the payload, after the header
     std::uint64_t end = 0;
 
     std::uint64_t payloadSize() const { return end - begin; }
 };
 
-/// Walks the boxes in [begin, end) of a source. A counter that all walks of one file share bounds the work that a file
-/// can cause.
+/// Iterates over the boxes in [begin, end) of a source. A counter shared by all iterations of one file limits the work
+/// that a file can cause.
 class BoxWalk {
 public:
-    /// Boxes of one file that are looked at, in all.
+    /// The maximum number of boxes read from one file.
     static constexpr int limit = 200'000;
 
     BoxWalk(const Source &source, std::uint64_t begin, std::uint64_t end, int &count)
         : source_(&source), position_(begin), end_(end), count_(&count) {}
 
-    /// The next box; false at the end. Up to seven bytes, or a 32-bit zero, that end a list are its end (QuickTime
-    /// terminators). Throws FormatError for sizes below the header's or beyond the end, and past the limit.
+    /// Reads the next box; returns false at the end. Up to seven remaining bytes, or a 32-bit zero, count as the end
+    /// (QuickTime terminators). Throws FormatError for a box size below that of its header or beyond the end, and above
+    /// the limit.
     bool next(Box &box);
 
 private:
@@ -83,7 +84,7 @@ private:
     int *count_;
 };
 
-/// Reads a payload's fields, big-endian. Throws FormatError past its end.
+/// Reads big-endian fields of a payload. Throws FormatError beyond its end.
 class Fields {
 public:
     explicit Fields(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
@@ -93,7 +94,7 @@ public:
     std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
     std::uint64_t u64() { return number(8); }
     std::int32_t i32() { return static_cast<std::int32_t>(u32()); }
-    /// An unsigned number of 0 to 8 bytes.
+    /// An unsigned number with 0 to 8 bytes.
     std::uint64_t number(std::size_t size);
     std::span<const std::uint8_t> bytes(std::size_t size);
     void skip(std::size_t size) { bytes(size); }
@@ -105,14 +106,14 @@ private:
     std::size_t position_ = 0;
 };
 
-/// What every full box's payload begins with.
+/// The beginning of the payload of a full box.
 struct FullBoxHead {
     explicit FullBoxHead(Fields &fields) : version(fields.u8()), flags(static_cast<std::uint32_t>(fields.number(3))) {}
     std::uint8_t version;
     std::uint32_t flags;
 };
 
-/// A box's payload in memory. Throws FormatError when it is larger than the limit.
+/// Reads a box's payload. Throws FormatError when it is larger than the limit.
 std::vector<std::uint8_t> payload(const Source &source, const Box &box, std::uint64_t limit);
 
 } // namespace lumetwin::media::bmff

@@ -13,7 +13,7 @@ namespace lumetwin::media::bmff {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Collects big-endian fields.
+/// Appends big-endian fields.
 class FieldWriter {
 public:
     FieldWriter &number(std::uint64_t value, std::size_t size) {

@@ -12,9 +12,9 @@ namespace bmff {
 
 namespace {
 
-// A visual sample entry's fixed part (ISO/IEC 14496-12, 12.1.3): its child boxes follow.
+// The fixed part of a visual sample entry in bytes (ISO/IEC 14496-12, 12.1.3). Its child boxes follow.
 constexpr std::uint64_t visualSampleEntrySize = 78;
-// The boxes read here hold a few numbers.
+// The boxes that are read here contain only a few numbers.
 constexpr std::uint64_t largestPayload = 64;
 
 class Reader {

@@ -14,7 +14,7 @@ namespace lumetwin::media::images {
 
 namespace {
 
-constexpr int stripRows = 64; ///< that are converted at once
+constexpr int stripRows = 64; ///< number of rows converted at once
 
 struct CloseProfile {
     void operator()(void *profile) const { cmsCloseProfile(profile); }
@@ -77,7 +77,7 @@ Curve sRGBCurve() {
     return Curve(cmsBuildParametricToneCurve(nullptr, 4, parameters));
 }
 
-/// The curve of a transfer characteristic (ITU-T H.273, table 3); nothing for those that no still image uses.
+/// The curve of a transfer characteristic (ITU-T H.273, table 3); null for those that still images do not use.
 Curve curveOf(int transfer) {
     switch (transfer) {
     case 4:
@@ -92,7 +92,7 @@ Curve curveOf(int transfer) {
     case 13:
     case 14:
     case 15:
-        return sRGBCurve(); // video curves are shown as sRGB's
+        return sRGBCurve(); // video curves are treated as sRGB
     default:
         return nullptr;
     }
@@ -128,7 +128,7 @@ std::vector<std::uint8_t> profileOf(const ColourTags &colour) {
     return {};
 }
 
-bool suits(std::span<const std::uint8_t> bytes, int channels) {
+bool matchesChannels(std::span<const std::uint8_t> bytes, int channels) {
     if (bytes.empty())
         return false;
     const Profile profile = open(bytes);
@@ -144,7 +144,7 @@ bool isSRGB(std::span<const std::uint8_t> bytes) {
         cmsCreateTransform(profile.get(), TYPE_RGB_8, standard.get(), TYPE_RGB_8, INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE));
     if (!transform)
         return false;
-    for (int sample = 0; sample < 729; ++sample) { // nine levels a channel
+    for (int sample = 0; sample < 729; ++sample) { // nine levels per channel
         const std::uint8_t in[3] = {static_cast<std::uint8_t>(sample / 81 * 255 / 8),
                                     static_cast<std::uint8_t>(sample / 9 % 9 * 255 / 8),
                                     static_cast<std::uint8_t>(sample % 9 * 255 / 8)};

@@ -5,7 +5,7 @@
 
 namespace lumetwin::media::images {
 
-/// The picture in a form that files of the kind hold: itself, or converted. Throws as convertColour() does.
+/// The picture in a format that this kind of file supports, converted if necessary. Throws like convertColour().
 Picture pictureFor(ImageKind kind, Picture picture, const Cancellation &cancellation);
 
 } // namespace lumetwin::media::images

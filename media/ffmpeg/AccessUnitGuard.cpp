@@ -17,7 +17,7 @@ namespace {
 using Bytes = hevc::NalBytes;
 namespace NalType = hevc::NalType;
 
-// Of the configuration record: bytes before the arrays of NAL units, and the byte that tells the size of lengths.
+// Positions in the configuration record: of the arrays of NAL units, and of the byte with the size of lengths.
 constexpr std::size_t beforeArrays = 22;
 constexpr std::size_t lengthSizeByte = 21;
 constexpr std::size_t smallestUnit = hevc::nalHeaderBytes + 1;
@@ -26,7 +26,7 @@ bool isReservedSlice(int type) {
     return (type >= 10 && type <= 15) || (type >= 22 && type <= NalType::lastPicture);
 }
 
-/// Whether a value is the first of its kind or equal to the first.
+/// Whether the value is the first one, or equal to the first one.
 bool isTheOnly(int value, std::optional<int> &first) {
     if (!first)
         first = value;
@@ -44,13 +44,13 @@ AccessUnitGuard::AccessUnitGuard(Bytes configuration) {
 }
 
 void AccessUnitGuard::configure(Bytes configuration) {
-    // A record begins with its version, NAL units behind start codes begin with zeros.
+    // A record begins with its version; NAL units with start codes begin with zeros.
     if (configuration.size() > beforeArrays && configuration[0] == 1) {
         readRecord(configuration);
         return;
     }
     for (const Unit &unit : splitByStartCodes(configuration))
-        consistent_ = agrees(configuration.subspan(unit.header, unit.end - unit.header)) && consistent_;
+        consistent_ = isConsistent(configuration.subspan(unit.header, unit.end - unit.header)) && consistent_;
 }
 
 void AccessUnitGuard::readRecord(Bytes record) {
@@ -65,7 +65,7 @@ void AccessUnitGuard::readRecord(Bytes record) {
                 return;
             const Bytes unit = record.subspan(at, size);
             if (size >= smallestUnit)
-                consistent_ = agrees(unit) && consistent_;
+                consistent_ = isConsistent(unit) && consistent_;
             at += size;
         }
     }
@@ -112,7 +112,7 @@ std::size_t AccessUnitGuard::keep(std::span<std::uint8_t> sample) {
     stage_ = Stage::before;
     std::size_t size = 0;
     for (const Unit &unit : split(sample)) {
-        if (!takes(sample.subspan(unit.header, unit.end - unit.header)))
+        if (!isAccepted(sample.subspan(unit.header, unit.end - unit.header)))
             continue;
         const std::size_t length = unit.end - unit.begin;
         if (size != unit.begin)
@@ -122,26 +122,26 @@ std::size_t AccessUnitGuard::keep(std::span<std::uint8_t> sample) {
     return size;
 }
 
-bool AccessUnitGuard::takes(Bytes unit) {
+bool AccessUnitGuard::isAccepted(Bytes unit) {
     const int type = hevc::nalType(unit);
     const int layer = hevc::nalLayer(unit);
     if (type <= NalType::lastPicture) {
-        const bool taken = takesSlice(unit, type, layer);
+        const bool taken = isAcceptedSlice(unit, type, layer);
         damaged_ = damaged_ || (!taken && layer <= 1);
         return taken;
     }
     if (type >= NalType::video && type <= NalType::picture) {
-        const bool taken = takesParameterSet(unit, layer);
+        const bool taken = isAcceptedParameterSet(unit, layer);
         damaged_ = damaged_ || (!taken && layer <= 1);
         return taken;
     }
     if (type == NalType::endOfSequence || type == NalType::endOfBitstream)
         return true;
-    // Messages behind the pictures are checksums; nobody needs them.
+    // SEI messages after the pictures are checksums, which are not needed.
     return (type == NalType::prefixInformation || type == NalType::delimiter) && stage_ != Stage::second;
 }
 
-bool AccessUnitGuard::takesSlice(Bytes unit, int type, int layer) {
+bool AccessUnitGuard::isAcceptedSlice(Bytes unit, int type, int layer) {
     const bool first = (unit[2] & 0x80) != 0; // first_slice_segment_in_pic_flag
     if (isReservedSlice(type) || layer > 1)
         return false;
@@ -158,13 +158,13 @@ bool AccessUnitGuard::takesSlice(Bytes unit, int type, int layer) {
     return true;
 }
 
-bool AccessUnitGuard::takesParameterSet(Bytes unit, int layer) {
+bool AccessUnitGuard::isAcceptedParameterSet(Bytes unit, int layer) {
     if (layer > 1 || stage_ == Stage::second || (stage_ == Stage::base && layer == 0))
         return false;
-    return agrees(unit);
+    return isConsistent(unit);
 }
 
-bool AccessUnitGuard::agrees(Bytes unit) {
+bool AccessUnitGuard::isConsistent(Bytes unit) {
     if (hevc::nalType(unit) == NalType::video)
         return isTheOnly(unit[2] >> 4, videoParameterSet_); // vps_video_parameter_set_id
     if (hevc::nalType(unit) != NalType::sequence)

@@ -8,29 +8,29 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// Passes to a decoder of two views only what it survives. FFmpeg's HEVC decoder hands its state to the next thread
-/// when it meets the last first slice that it expects; NAL units in another order than the standard's (ITU-T H.265,
-/// 7.4.2.4.4 and F.7.4.2.4.4) make it change what other threads already read. Here each access unit is brought to: what
-/// comes before the pictures, the base layer's slices, parameter sets and messages of the second layer, its slices.
-/// Everything else is left out.
+/// Removes everything from access units of two views that FFmpeg's HEVC decoder cannot handle safely. With several
+/// threads, that decoder passes its state to the next thread when it finds the last first slice that it expects. NAL
+/// units in another order than the standard's (ITU-T H.265, 7.4.2.4.4 and F.7.4.2.4.4) then change data that other
+/// threads read. So each access unit is reduced to this order: units before the pictures, slices of the base layer,
+/// parameter sets and messages of the second layer, slices of the second layer.
 class AccessUnitGuard {
 public:
-    /// The decoder configuration as FFmpeg has it: a record (ISO/IEC 14496-15, 8.3.3.1) or NAL units behind start
-    /// codes. It tells how samples are split.
+    /// The decoder configuration from FFmpeg: a record (ISO/IEC 14496-15, 8.3.3.1) or NAL units with start codes. It
+    /// defines how samples are split into NAL units.
     explicit AccessUnitGuard(std::span<const std::uint8_t> configuration);
 
-    /// Takes over another configuration in mid-stream.
+    /// Uses another configuration from now on.
     void configure(std::span<const std::uint8_t> configuration);
 
-    /// Whether the configurations name one video parameter set and one size of the smallest coding block, as a stream
-    /// of two views does. The decoder survives neither layers that belong to different sets nor a second view that
-    /// looks up motion in a finer grid than the first one's.
+    /// Whether all configurations use one video parameter set and one minimum coding block size, as a stream of two
+    /// views must. The decoder crashes on layers of different sets, and on a second view that looks up motion in a
+    /// finer grid than the first.
     bool consistent() const { return consistent_; }
 
-    /// Moves what is kept of a sample to its beginning; returns its size.
+    /// Removes units from a sample in place. Returns the new size.
     std::size_t keep(std::span<std::uint8_t> sample);
 
-    /// Whether something of the pictures was left out of a sample so far.
+    /// Whether a part of a picture was removed so far.
     bool damaged() const { return damaged_; }
 
 private:
@@ -45,14 +45,14 @@ private:
     std::vector<Unit> split(std::span<const std::uint8_t> sample);
     std::vector<Unit> splitByLengths(std::span<const std::uint8_t> sample);
     static std::vector<Unit> splitByStartCodes(std::span<const std::uint8_t> sample);
-    bool takes(std::span<const std::uint8_t> unit);
-    bool takesSlice(std::span<const std::uint8_t> unit, int type, int layer);
-    bool takesParameterSet(std::span<const std::uint8_t> unit, int layer);
-    bool agrees(std::span<const std::uint8_t> parameterSet);
+    bool isAccepted(std::span<const std::uint8_t> unit);
+    bool isAcceptedSlice(std::span<const std::uint8_t> unit, int type, int layer);
+    bool isAcceptedParameterSet(std::span<const std::uint8_t> unit, int layer);
+    bool isConsistent(std::span<const std::uint8_t> parameterSet);
 
-    int lengthSize_ = 0; ///< bytes; 0: start codes
+    int lengthSize_ = 0; ///< bytes; 0 for start codes
     std::optional<int> videoParameterSet_;
-    std::optional<int> smallestCodingBlock_; ///< luma samples on a side, as a power of two
+    std::optional<int> smallestCodingBlock_; ///< base 2 logarithm of the side in luma samples
     bool consistent_ = true;
     bool damaged_ = false;
     Stage stage_ = Stage::before;

@@ -5,15 +5,15 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// Cuts interleaved 16-bit samples into frames and codes them as AAC. Times are in samples; the encoder's priming lies
-/// before 0, where the muxer's edit list cuts it off.
+/// Encodes interleaved 16-bit samples as AAC frames. Times are in samples. The encoder's priming is before time 0 and
+/// is cut off by the muxer's edit list.
 class AudioEncoder {
 public:
     AudioEncoder(const std::filesystem::path &file, const AudioEncoding &encoding);
     void describe(AVStream &stream);
     void encode(const AudioBlock &block, const PacketSink &sink);
     void finish(const PacketSink &sink);
-    /// Samples a channel taken so far.
+    /// The number of samples per channel so far.
     std::int64_t taken() const { return taken_; }
 
 private:

@@ -18,12 +18,12 @@ namespace {
 
 using ffmpeg::check;
 
-// Time stamps that disagree with the number of samples by less are rounding, not gaps.
+// Smaller differences between time stamps and the number of samples are rounding, not gaps.
 constexpr double gapTolerance = 0.1; // seconds
-// A longer hole is a lie of the time stamps: the sound goes on without it.
+// A longer gap means wrong time stamps; it is ignored.
 constexpr double longestGap = 600;  // seconds
-constexpr double latestTime = 1e12; // seconds; whole samples can be counted until then
-constexpr int silenceBlock = 4096;  // samples a channel
+constexpr double latestTime = 1e12; // seconds; up to this, samples can be counted exactly
+constexpr int silenceBlock = 4096;  // samples per channel
 
 constexpr std::array<int, 12> aacRates{8000,  11025, 12000, 16000, 22050, 24000,
                                        32000, 44100, 48000, 64000, 88200, 96000};
@@ -49,9 +49,9 @@ struct AudioReader::State {
     AVSampleFormat sourceFormat = AV_SAMPLE_FMT_NONE;
     ffmpeg::Packet packet = ffmpeg::makePacket();
     ffmpeg::FramePointer frame = ffmpeg::makeFrame();
-    std::int64_t produced = 0; ///< samples a channel handed out or waiting
-    std::int64_t silence = 0;  ///< samples a channel of silence still to hand out
-    AudioBlock waiting;        ///< what comes after the silence
+    std::int64_t produced = 0; ///< samples per channel returned or waiting
+    std::int64_t silence = 0;  ///< samples per channel of silence to return next
+    AudioBlock waiting;        ///< the block after the silence
     bool packetsOver = false;
     bool over = false;
 
@@ -85,7 +85,7 @@ struct AudioReader::State {
         return {std::make_shared<std::int16_t[]>(static_cast<std::size_t>(count) * channels), count};
     }
 
-    /// Decodes one frame into `waiting` (which may stay empty). False at the end.
+    /// Decodes one frame into `waiting`, which may stay empty. Returns false at the end.
     bool decodeFrame() {
         const int code = avcodec_receive_frame(decoder.get(), frame.get());
         if (code == AVERROR_EOF)
@@ -106,7 +106,7 @@ struct AudioReader::State {
                 break;
             if (packet->stream_index != stream)
                 continue;
-            // Decoded as it stands it would be noise.
+            // Decoding encrypted data would give noise.
             if (ffmpeg::isEncrypted(*packet))
                 throw MediaError(file, MediaOperation::decodeSound, AVERROR(EACCES), MediaReason::encrypted);
             avcodec_send_packet(decoder.get(), packet.get());
@@ -123,7 +123,7 @@ struct AudioReader::State {
         const std::int64_t room = swr_get_out_samples(resampler.get(), frame->nb_samples);
         const auto **data = const_cast<const std::uint8_t **>(frame->extended_data);
         AudioBlock block = resample(static_cast<int>(room), data, frame->nb_samples);
-        place(std::move(block), endOfFrame()); // which depends on what the resampler now holds back
+        place(std::move(block), endOfFrame()); // depends on the samples that are still in the resampler
         av_frame_unref(frame.get());
     }
 
@@ -141,18 +141,18 @@ struct AudioReader::State {
         return {std::move(samples), std::max(produced16, 0)};
     }
 
-    /// The output position where the frame ends, in samples; nothing without a time stamp, or with one beyond belief.
+    /// The output position of the frame's end, in samples; nullopt without a plausible time stamp.
     std::optional<std::int64_t> endOfFrame() const {
         if (frame->pts == AV_NOPTS_VALUE)
             return std::nullopt;
         const double time = static_cast<double>(frame->pts) * av_q2d(input->streams[stream]->time_base) - fromTime;
         const double delay = static_cast<double>(swr_get_delay(resampler.get(), 1000000)) / 1e6;
-        // What the resampler still holds began before this frame; its output's end is where this frame ends.
+        // Samples still in the resampler are subtracted, so this is where the resampler's output ends.
         const double end = time + static_cast<double>(frame->nb_samples) / frame->sample_rate - delay;
         return std::abs(end) < latestTime ? std::optional(std::llround(end * sampleRate)) : std::nullopt;
     }
 
-    /// Puts a block on the time line; `end` is where it ends, if known.
+    /// Places a block on the time line. `end`: its end, if known.
     void place(AudioBlock block, std::optional<std::int64_t> end) {
         if (block.count == 0)
             return;
@@ -177,7 +177,7 @@ struct AudioReader::State {
         block.count -= count;
     }
 
-    /// Sources may change their format on the way; the output stays as it was asked for.
+    /// A source may change its format; the output format stays the same.
     void ensureResampler() {
         if (resampler && frame->sample_rate == sourceRate && frame->format == sourceFormat &&
             av_channel_layout_compare(&frame->ch_layout, &sourceLayout) == 0)

@@ -8,13 +8,14 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-// No single block that a file asks for may be larger: an 8192 × 8192 frame of 16 bits takes 384 MiB.
+// The largest single allocation. For comparison: an 8192 × 8192 frame with 16 bits needs 384 MiB.
 constexpr std::size_t largestAllocation = std::size_t{1} << 30;
 
-// The library's own codes are made of four characters; smaller ones are the system's.
+// FFmpeg's own error codes are made of four characters; smaller numbers are errno values.
 constexpr int largestSystemNumber = 4096;
 
-// Failures come as errors; what decoders find to say about single damaged frames is not for the user's terminal.
+// Failures are returned as errors. The decoders' messages about damaged frames should not appear on the user's
+// terminal.
 [[maybe_unused]] const bool configured = [] {
     av_log_set_level(AV_LOG_QUIET);
     av_max_alloc(largestAllocation);

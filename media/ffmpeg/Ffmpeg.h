@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// One owner type for each FFmpeg object that we hold, and FFmpeg's errors as ours.
+// Owner types for FFmpeg's objects, and conversion of its errors.
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -34,19 +34,19 @@ using Scaler = std::unique_ptr<SwsContext, Deleter>;
 
 FramePointer makeFrame();
 Packet makePacket();
-/// Whether a packet's bytes are locked (common encryption, ISO/IEC 23001-7).
+/// Whether a packet is encrypted (common encryption, ISO/IEC 23001-7).
 bool isEncrypted(const AVPacket &packet);
 
-/// FFmpeg's words for an error code.
+/// FFmpeg's message for an error code.
 std::string words(int code);
 
-/// The error of an operation on a file, to be thrown.
+/// The MediaError for an FFmpeg error code, to be thrown.
 MediaError error(const std::filesystem::path &file, MediaOperation operation, int code);
 
-/// Throws the operation's error when the code is one; returns the code otherwise.
+/// Throws MediaError when the code is an error; otherwise returns the code.
 int check(int code, const std::filesystem::path &file, MediaOperation operation);
 
-/// A decoder for a stream, not yet opened. Throws MediaError where there is none.
+/// Creates a decoder for a stream, not yet opened. Throws MediaError when there is none.
 Codec makeDecoder(const std::filesystem::path &file, const AVStream &stream);
 
 } // namespace lumetwin::media::ffmpeg

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int bufferSize = 1 << 16;
 
-/// What FFmpeg calls takes errors as negative codes.
+/// Converts exceptions to negative codes, because FFmpeg's callbacks must return those.
 template <typename Action> auto withCode(const Action &action) -> decltype(action()) {
     try {
         return action();

@@ -10,7 +10,7 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// What FFmpeg reads from or writes to: an opened file, at a position of its own.
+/// Lets FFmpeg read or write an opened file, with its own position.
 class FileIO {
 public:
     explicit FileIO(const InputFile &file);

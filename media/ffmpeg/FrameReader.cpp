@@ -15,7 +15,7 @@ namespace lumetwin::media {
 
 namespace {
 
-// Enough to let decoding, composing and encoding run beside each other.
+// Enough so that decoding, composing and encoding run in parallel.
 constexpr std::size_t framesAhead = 3;
 
 } // namespace
@@ -31,7 +31,7 @@ struct FrameReader::State {
     State(const InputFile &file, AVFormatContext &input, int stream, bool bothViews)
         : packets(file.path(), input, stream), decoder(file.path(), *input.streams[stream]),
           pairing(ffmpeg::cropping(*input.streams[stream]->codecpar), bothViews) {
-        // Packets of a sample entry that is protected may never be handed out.
+        // The demuxer may never return the packets of a protected sample entry.
         if (readStereoMovieFacts(file).encrypted)
             throw MediaError(file.path(), MediaOperation::decode, AVERROR(EACCES), MediaReason::encryptedMovie);
         if (bothViews && decoder.askForBothViews())

@@ -11,15 +11,15 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-// Writers that know no rate state the inverse of their clock's tick.
+// Writers that do not know the rate write the inverse of their clock's tick instead.
 constexpr double fastestStated = 1000;
 
 Fraction tickOf(const AVStream &stream) {
     return {stream.time_base.num, stream.time_base.den};
 }
 
-/// The end of the last of the frames that begin at these times: as their duration together is stated, else as if the
-/// last one were as long as the frame before.
+/// The end of the last frame: from the stated total duration, otherwise as if the last frame had the duration of the
+/// frame before.
 std::int64_t endOf(const std::vector<std::int64_t> &starts, std::int64_t stated) {
     const std::size_t count = starts.size();
     if (count == 0)
@@ -29,8 +29,8 @@ std::int64_t endOf(const std::vector<std::int64_t> &starts, std::int64_t stated)
     return starts.back() + (count > 1 ? starts[count - 1] - starts[count - 2] : 0);
 }
 
-/// What the index says; nothing where it does not list every frame, or lists frames that an edit list hides: then the
-/// times of decoding, which it holds, do not follow each other as those of showing do.
+/// The frame times from the index; nullopt when it does not list every frame, or when an edit list hides frames: the
+/// index has decoding times, which then differ from the presentation times.
 std::optional<FrameTimes> indexedFrames(AVStream &stream) {
     const int count = avformat_index_get_entries_count(&stream);
     if (stream.nb_frames < 1 || count < 1)
@@ -48,7 +48,7 @@ std::optional<FrameTimes> indexedFrames(AVStream &stream) {
     return times;
 }
 
-/// Coding runs ahead of showing by some frames, which are left out after the first one: no gap that was meant.
+/// Removes the gap after the first frame that comes from the reordering delay. It is not intended by the author.
 void closeFirstGap(std::vector<std::int64_t> &starts) {
     if (starts.size() < 3)
         return;
@@ -60,7 +60,7 @@ void closeFirstGap(std::vector<std::int64_t> &starts) {
         starts[index] -= std::max<std::int64_t>(gap, 0);
 }
 
-/// The packets of one track, from the beginning to the end.
+/// Reads the packets of one track from beginning to end.
 class Packets {
 public:
     Packets(const InputFile &file, int stream) : input_(file), stream_(stream) {
@@ -69,7 +69,7 @@ public:
                 input_->streams[index]->discard = AVDISCARD_ALL;
     }
 
-    /// Null at the end.
+    /// The next packet; null at the end.
     const AVPacket *next() {
         do {
             av_packet_unref(packet_.get());
@@ -123,7 +123,7 @@ FrameTimes scanFrames(const InputFile &file, const AVFormatContext &input, const
 
 Fraction statedRate(const std::filesystem::path &file, const AVStream &stream) {
     const Codec decoder = makeDecoder(file, stream);
-    decoder->framerate = {0, 1}; // what the demuxer made up
+    decoder->framerate = {0, 1}; // ignore the demuxer's guess
     if (avcodec_open2(decoder.get(), decoder->codec, nullptr) < 0 || decoder->framerate.num < 1)
         return {};
     const Fraction rate{decoder->framerate.num, decoder->framerate.den};

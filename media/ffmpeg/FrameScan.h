@@ -9,18 +9,19 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// Whether a container has no times of its own, like raw streams.
+/// Whether a container has no time stamps, such as a raw stream.
 bool isWithoutTimes(const AVFormatContext &input);
 
-/// Whether a container counts frames as they are coded, so that only all its times together tell when frames are shown.
+/// Whether a container only numbers coded frames, so that presentation times follow only from all of them together.
 bool countsAsCoded(const AVFormatContext &input);
 
-/// When a track's frames are shown: from the container's index where it lists every frame, else from the packets of the
-/// whole file, which is read through (nothing is decoded). Ends early once `cancelled` says so. Throws MediaError.
+/// The presentation times of a track's frames: from the container's index if it lists every frame, otherwise from the
+/// packets of the whole file, which is read to the end without decoding. Stops early when `cancelled` returns true.
+/// Throws MediaError.
 FrameTimes scanFrames(const InputFile &file, const AVFormatContext &input, const AVStream &stream,
                       const std::function<bool()> &cancelled);
 
-/// The rate that the stream's own parameter sets state (HEVC and H.264: VUI timing); nothing where they do not.
+/// The frame rate in the stream's parameter sets (HEVC and H.264: VUI timing); 0 when there is none.
 Fraction statedRate(const std::filesystem::path &file, const AVStream &stream);
 
 } // namespace lumetwin::media::ffmpeg

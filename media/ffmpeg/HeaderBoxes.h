@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-// The boxes of a header that our own muxer wrote: 32-bit sizes only.
+// Reads and edits boxes of a header written by our muxer. All sizes have 32 bits.
 namespace lumetwin::media::ffmpeg {
 
 std::uint32_t get32(const std::uint8_t *bytes);
@@ -22,17 +22,16 @@ struct Range {
 /// The first child of the given type in [begin, end).
 std::optional<Range> child(const MovieHeader &header, std::size_t begin, std::size_t end, std::string_view type);
 
-/// The box that the path of types leads to from the given box on, with all that lie on the way, outermost first; the
-/// given box is the first of them. Nothing where one is missing.
+/// Follows the path of types from the given box. Returns all boxes on the way, outermost first, beginning with the
+/// given box; nullopt when one is missing.
 std::optional<std::vector<Range>> descend(const MovieHeader &header, const Range &from,
                                           const std::vector<std::string_view> &path);
 
-/// Puts bytes in the place of [begin, end), which lies inside all the given boxes, and sets their sizes and the
-/// header's.
+/// Replaces the bytes in [begin, end), which is inside all the given boxes, and corrects their sizes and the header's.
 void replace(MovieHeader &header, const std::vector<Range> &enclosing, std::size_t begin, std::size_t end,
              const MovieHeader &bytes);
 
-/// The first video track: the one whose media has a `vmhd`.
+/// The first video track, which is the first whose media has a `vmhd`.
 std::optional<Range> videoTrack(const MovieHeader &header);
 
 } // namespace lumetwin::media::ffmpeg

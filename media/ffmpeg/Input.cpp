@@ -24,7 +24,7 @@ Input::Input(const InputFile &file) : io_(std::make_unique<FileIO>(file)) {
         throw std::bad_alloc();
     context->pb = io_->context();
     context->io_open = refuse;
-    // The name tells the kinds of raw streams. The library frees the context where this fails.
+    // The name identifies the type of raw streams. FFmpeg frees the context when this fails.
     check(avformat_open_input(&context, file.path().c_str(), nullptr, nullptr), file.path(), MediaOperation::open);
     context_.reset(context);
     check(avformat_find_stream_info(context, nullptr), file.path(), MediaOperation::open);

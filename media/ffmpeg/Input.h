@@ -7,7 +7,7 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// A demuxer that reads an opened file, at a position of its own, and nothing else.
+/// A demuxer that reads only an opened file, with its own position.
 class Input {
 public:
     /// Reads the headers. Throws MediaError ("Cannot open …").
@@ -22,7 +22,7 @@ private:
         void operator()(AVFormatContext *context) const { avformat_close_input(&context); }
     };
 
-    std::unique_ptr<FileIO> io_; ///< outlives what reads from it
+    std::unique_ptr<FileIO> io_; ///< must outlive the context that reads from it
     std::unique_ptr<AVFormatContext, Close> context_;
 };
 

@@ -32,7 +32,7 @@ namespace {
 const AVStream *firstStream(const AVFormatContext &input, AVMediaType type) {
     for (unsigned index = 0; index < input.nb_streams; ++index) {
         const AVStream *stream = input.streams[index];
-        // A cover picture is no video track.
+        // A cover picture is not a video track.
         if (stream->codecpar->codec_type == type && !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC))
             return stream;
     }
@@ -43,7 +43,7 @@ double seconds(std::int64_t time, AVRational base) {
     return time == AV_NOPTS_VALUE ? 0 : static_cast<double>(time) * av_q2d(base);
 }
 
-/// The times tell the rate. What a header says counts for a single frame, or where there are no times.
+/// The rate comes from the frame times. The header's rate is used only for a single frame or without times.
 FramePace paceOf(const FrameTimes &times, Fraction stated) {
     if (times.starts.size() > 1)
         return framePace(times);
@@ -65,7 +65,7 @@ void readTiming(const AVFormatContext &input, const AVStream &stream, const Inpu
         track.listedTimes = std::make_shared<const std::vector<std::int64_t>>(std::move(times.starts));
 }
 
-/// The matrix turns counterclockwise; a film is to be turned the other way round.
+/// The matrix is counterclockwise; the result is clockwise.
 int rotation(const AVCodecParameters &parameters) {
     const AVPacketSideData *data =
         av_packet_side_data_get(parameters.coded_side_data, parameters.nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
@@ -75,7 +75,8 @@ int rotation(const AVCodecParameters &parameters) {
     return std::isfinite(angle) ? (static_cast<int>(std::lround(angle)) % 360 + 360) % 360 : 0;
 }
 
-/// What the container says, else the stream. Shapes beyond 4 : 1 are a mistake of whoever wrote them.
+/// The pixel aspect ratio of the container, otherwise of the stream. Ratios above 4 : 1 are treated as errors and
+/// ignored.
 PixelAspect pixelAspect(const AVStream &stream) {
     const AVRational ratio =
         stream.sample_aspect_ratio.num ? stream.sample_aspect_ratio : stream.codecpar->sample_aspect_ratio;
@@ -132,10 +133,10 @@ OtherContents readOtherContents(const AVFormatContext &input) {
 }
 
 double readDuration(const AVFormatContext &input, const std::optional<VideoTrack> &video) {
-    // A raw stream lasts as long as its frames do.
+    // The duration of a raw stream is that of its frames.
     if (video && !video->hasTimes)
         return video->pace.frameDuration * static_cast<double>(video->frameCount);
-    // The whole's duration is rounded to microseconds; the track that it comes from tells it exactly.
+    // The duration of the file is rounded to microseconds. The track that defines it has the exact one.
     const double rounded = seconds(input.duration, AV_TIME_BASE_Q);
     for (unsigned index = 0; index < input.nb_streams; ++index) {
         const AVStream &stream = *input.streams[index];
@@ -149,7 +150,7 @@ double readDuration(const AVFormatContext &input, const std::optional<VideoTrack
 MovieTags readTags(const AVFormatContext &input) {
     MovieTags tags;
     addTags(input.metadata, tags);
-    // Some writers keep the creation time in the track alone.
+    // Some writers store the creation time only in the track.
     if (const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO)) {
         const AVDictionaryEntry *time = av_dict_get(stream->metadata, "creation_time", nullptr, 0);
         if (time)

@@ -10,8 +10,8 @@ struct MovieFile::State {
     State(const InputFile &file, const std::function<bool()> &cancelled);
 
     InputFile file;
-    ffmpeg::Input input; ///< a frame reader's own while there is one: its thread reads on, and what is here changes
-    // As the headers had it.
+    ffmpeg::Input input; ///< used only by the frame reader while there is one, because its thread changes this
+    // Facts from the headers.
     std::optional<VideoTrack> videoTrack;
     std::optional<AudioTrack> audioTrack;
     OtherContents otherContents;
@@ -23,7 +23,7 @@ struct MovieFile::State {
 
 namespace lumetwin::media::ffmpeg {
 
-/// What a sample entry's clean aperture (ISO/IEC 14496-12, 12.1.4) cuts off the coded picture, in pixels.
+/// The part of the coded picture outside the sample entry's clean aperture (ISO/IEC 14496-12, 12.1.4), in pixels.
 struct Cropping {
     int top = 0;
     int bottom = 0;

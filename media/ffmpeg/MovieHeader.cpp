@@ -25,7 +25,7 @@ struct Placed {
     MovieHeader bytes;
 };
 
-/// The last top-level box, which has to be `moov`.
+/// Reads the last top-level box, which must be `moov`.
 Placed readHeader(const OutputFile &file) {
     const std::uint64_t end = file.size();
     std::uint64_t offset = 0;
@@ -66,7 +66,7 @@ constexpr std::array<TagName, 10> tagNames{{
     {"copyright", "com.apple.quicktime.copyright"},
 }};
 
-/// A tag under either of its names, also in the spelling of containers that shout or add a language.
+/// Looks up a tag by either of its names, also in upper case or with a language added, as some containers write it.
 std::optional<std::string> lookUp(const MovieTags &tags, const TagName &name) {
     std::string upper(name.muxer);
     for (char &letter : upper)
@@ -92,7 +92,7 @@ void editMovieHeader(const OutputFile &file, const std::function<void(MovieHeade
 
 namespace {
 
-/// The duration field of a version 0 or 1 `tkhd`, in the movie's time scale; longer ones than 32 bits are cut.
+/// The duration of a version 0 or 1 `tkhd`, in the movie's time scale, limited to 32 bits.
 std::uint32_t trackDuration(const MovieHeader &header, const Range &box) {
     const bool longFields = header[box.begin + 8] == 1;
     return get32(header.data() + box.begin + (longFields ? 12 + 28 : 12 + 16));

@@ -11,29 +11,29 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// The bytes of a movie's `moov` box, its own header included.
+/// The bytes of a movie's `moov` box, including its header.
 using MovieHeader = std::vector<std::uint8_t>;
 
-/// Reads the `moov` box that ends the file, lets it be edited, and writes it back in its place. The edit may change its
-/// size but not where media data lies. Throws MediaError.
+/// Reads the `moov` box at the end of the file, calls `edit`, and writes the box back. The edit may change its size,
+/// but not the position of media data. Throws MediaError.
 void editMovieHeader(const OutputFile &file, const std::function<void(MovieHeader &)> &edit);
 
-/// Gives edits of duration 0, which in fragmented files mean "to the end", their track's duration (ISO/IEC
-/// 14496-12, 8.6.6): the muxer leaves them so when it turns fragments into an ordinary movie.
+/// Replaces edit durations of 0, which in fragmented files mean "to the end", by the track's duration (ISO/IEC
+/// 14496-12, 8.6.6). The muxer does not do this when it converts fragments into an ordinary movie.
 void completeEditLists(MovieHeader &header);
 
-/// Removes the box that announces fragments (`mvex`): in the finished movie there are none.
+/// Removes the box that declares fragments (`mvex`), because the finished movie has none.
 void removeFragmentDefaults(MovieHeader &header);
 
-/// Sets the presentation size of the first video track (`tkhd` and, where present, `tapt`).
+/// Sets the presentation size of the first video track (in `tkhd` and, if present, in `tapt`).
 void setPresentationSize(MovieHeader &header, int width, int height);
 
-/// Adds the tags as metadata items (`meta` of handler `mdta`, as QuickTime and phones write them: QuickTime File
-/// Format, "Metadata"). Does nothing without tags.
+/// Adds the tags as metadata items (`meta` with handler `mdta`, as in QuickTime files and those of phones: QuickTime
+/// File Format, "Metadata"). Does nothing without tags.
 void addMetadata(MovieHeader &header, const MovieTags &items);
 
-/// What a source's tags mean, under the names by which the muxer knows them (creation_time, title, make, model,
-/// location, …), and under those of metadata items (com.apple.quicktime.make, …).
+/// Converts a source's tags to the names that the muxer uses (creation_time, title, make, model, location, …), and to
+/// those of metadata items (com.apple.quicktime.make, …).
 MovieTags muxerTags(const MovieTags &source);
 MovieTags metadataItems(const MovieTags &source);
 

@@ -24,7 +24,7 @@ using ffmpeg::TrackBalance;
 
 constexpr int largestSide = 16384;
 
-/// Ends the work on a file that is being cancelled.
+/// Thrown to end the work on a file that is cancelled.
 struct Abandoned {};
 
 /// The first failure of several threads.
@@ -76,7 +76,7 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
     TrackBalance balance;
     ffmpeg::EncodingThread encoding;
     FirstFailure failure;
-    std::atomic<bool> idle{false}; ///< failed or abandoned: appending does nothing
+    std::atomic<bool> idle{false}; ///< failed or abandoned: append() does nothing
 
     State(const OutputFile &output, Container container, MovieTags tags)
         : file(output), muxer(output, container), completion(std::move(tags)) {}

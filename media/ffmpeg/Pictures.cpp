@@ -70,17 +70,17 @@ bool isPalette(AVPixelFormat format) {
     return description && (description->flags & AV_PIX_FMT_FLAG_PAL);
 }
 
-/// Grey that the scaler unpacks, such as grey with alpha. It takes the values for full range.
+/// Grey formats that the scaler must unpack, such as grey with alpha. It assumes full range.
 bool isPackedGrey(AVPixelFormat format) {
     const AVPixFmtDescriptor *description = av_pix_fmt_desc_get(format);
     return description && description->nb_components <= 2 && !isPalette(format) && !planarFormat(format) &&
            !(description->flags & AV_PIX_FMT_FLAG_BITSTREAM);
 }
 
-/// What samples mean once PictureImporter has made planes of them: RGB becomes BT.709 of limited range, whether the
-/// file names the colours of its RGB or not; for palettes the scaler knows BT.601 alone.
+/// The colour tags after PictureImporter has unpacked a format: RGB becomes BT.709 with limited range, independent of
+/// the file's tags. For palettes the scaler supports only BT.601.
 ColourTags unpackedColour(AVPixelFormat format, ColourTags colour) {
-    if (isRgb(format) || colour.matrix == AVCOL_SPC_RGB) // grey may be said to be RGB
+    if (isRgb(format) || colour.matrix == AVCOL_SPC_RGB) // grey may have the RGB matrix tag
         colour.matrix = AVCOL_SPC_BT709;
     if (isPalette(format))
         colour.matrix = AVCOL_SPC_SMPTE170M;

@@ -8,8 +8,8 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// Where a picture of the frame's pixel format can be viewed as it stands, its layout; nothing for packed, semi-planar
-/// and RGB formats.
+/// The picture format for a pixel format that can be used without conversion; nullopt for packed, semi-planar and RGB
+/// formats.
 std::optional<PictureFormat> planarFormat(AVPixelFormat format);
 
 ColourTags colourTags(const AVFrame &frame);
@@ -17,8 +17,8 @@ ColourTags colourTags(const AVCodecParameters &parameters);
 void setColour(AVCodecContext &codec, const ColourTags &colour);
 void setColour(AVCodecParameters &parameters, const ColourTags &colour);
 
-/// Turns decoded frames into pictures: shares their storage where the format allows, else unpacks them to the nearest
-/// planar YUV format.
+/// Converts decoded frames to pictures. Shares their storage if the format allows it; otherwise unpacks them to the
+/// nearest planar YUV format.
 class PictureImporter {
 public:
     Picture import(FramePointer frame);
@@ -28,7 +28,7 @@ private:
     Scaler scaler_;
 };
 
-/// A frame that shares an 8-bit 4:2:0 picture's storage.
+/// A frame that shares the storage of an 8-bit 4:2:0 picture.
 FramePointer frameOf(const Picture &picture);
 
 } // namespace lumetwin::media::ffmpeg

@@ -15,16 +15,16 @@ namespace lumetwin::media {
 
 namespace {
 
-// Sound has one channel or two here.
+// Sound has one or two channels here.
 constexpr std::size_t mostChannels = 2;
-// A fraction of at most this denominator is exact to microseconds in an hour.
+// A fraction with at most this denominator is exact to microseconds per hour.
 constexpr int largestTerm = 20000;
 constexpr int usualRate = 48000;
 
 class ResamplingChanger : public SpeedChanger {
 public:
     ResamplingChanger(int channels, double ratio) {
-        // The library knows rates, not ratios: two whole ones that stand to each other as asked.
+        // The library expects two integer rates, not a ratio. So use two rates with that ratio.
         const AVRational fraction = av_d2q(ratio, largestTerm);
         const int scale = std::max(1, usualRate / std::max(fraction.den, 1));
         AVChannelLayout layout{};

@@ -45,7 +45,8 @@ MovieHeader videoExtendedUsage(const StereoVideoEncoding &encoding) {
     return box("vexu", usage);
 }
 
-/// Marks every array of a hvcC payload as complete (ISO/IEC 14496-15, 8.3.2.1): nothing of them is in the samples.
+/// Marks every array of an hvcC payload as complete (ISO/IEC 14496-15, 8.3.2.1), because samples contain no parameter
+/// sets.
 bool markComplete(MovieHeader &configuration) {
     constexpr std::size_t boxHeader = 8;
     constexpr std::size_t fields = 22;

@@ -6,13 +6,13 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// Gives the video track's sample entry the form of platform-written spatial movies: hvcC (every array of parameter
-/// sets complete), lhvC, colr, fiel, vexu {eyes {stri, hero, cams, cmfy}, proj}, hfov, with all values written, also
-/// those that are 0. False where the entry is not as the muxer writes it.
+/// Changes the video track's sample entry to the form of platform-written spatial movies: hvcC (every array of
+/// parameter sets complete), lhvC, colr, fiel, vexu {eyes {stri, hero, cams, cmfy}, proj}, hfov. All values are
+/// written, even 0. Returns false when the entry is not as the muxer writes it.
 bool completeStereoEntry(MovieHeader &header, const StereoVideoEncoding &encoding);
 
-/// Adds the track apertures (`tapt`: QuickTime File Format) of a track that is coded in the size of its sample
-/// entry and shown in the given one.
+/// Adds the track apertures (`tapt`, QuickTime File Format) of a track whose coded size is that of its sample entry and
+/// whose display size is the given one.
 void addApertures(MovieHeader &header, int width, int height);
 
 } // namespace lumetwin::media::ffmpeg

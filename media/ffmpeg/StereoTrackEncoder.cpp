@@ -25,8 +25,8 @@ struct AvFree {
     void operator()(void *memory) const { av_free(memory); }
 };
 
-/// A value as the muxer's fraction that is never exactly zero: it leaves out boxes for zero values, which readers of
-/// spatial video expect all the same, and a millionth becomes 0 in the box's unit.
+/// A value as a fraction that is never exactly zero. The muxer omits boxes for zero values, but readers of spatial
+/// video expect them. A millionth becomes 0 in the box's unit.
 AVRational fraction(int value, int unit) {
     return value == 0 ? AVRational{1, 1'000'000} : AVRational{value, unit};
 }

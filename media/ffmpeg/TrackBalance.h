@@ -8,15 +8,16 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// Keeps two tracks that are written by two threads beside each other: the one that is ahead waits, so that
-/// the muxer never holds more than the lead in memory. A track that does not exist or has ended holds nobody up.
+/// Keeps two tracks, written by two threads, at about the same time. The track that is ahead waits, so that the muxer
+/// never buffers more than the lead. A missing or ended track is never waited for.
 class TrackBalance {
 public:
     enum Track { video = 0, audio = 1 };
 
     void add(Track track) { position_[track] = 0; }
 
-    /// The track has got to the given time (seconds); waits while it is more than the lead ahead of the other.
+    /// The track has reached the given time (seconds). Waits while it is ahead of the other track by more than the
+    /// lead.
     void reach(Track track, double time) {
         std::unique_lock lock(mutex_);
         position_[track] = time;
@@ -30,7 +31,7 @@ public:
         changed_.notify_all();
     }
 
-    /// Nobody waits any more.
+    /// Ends all waiting, also in the future.
     void release() {
         const std::lock_guard lock(mutex_);
         released_ = true;

@@ -10,19 +10,19 @@
 
 namespace lumetwin::media::ffmpeg {
 
-/// Receives encoded packets in coding order, times in the track's own units.
+/// Receives encoded packets in coding order. Times are in the track's units.
 using PacketSink = std::function<void(AVPacket &)>;
 
-/// Turns pictures into a track's packets. Used by one thread at a time.
+/// Encodes pictures into packets of a track. May be used by one thread at a time.
 class VideoTrackEncoder {
 public:
     virtual ~VideoTrackEncoder() = default;
-    /// Fills in what the muxer has to know about the track before its header is written.
+    /// Sets the stream parameters that the muxer needs before it writes the header.
     virtual void describe(AVStream &stream) = 0;
     /// `right` is null for ordinary video.
     virtual void encode(const Picture &left, const Picture *right, std::int64_t time, std::int64_t duration,
                         const PacketSink &sink) = 0;
-    /// Gives out what is still under way.
+    /// Encodes the remaining pictures.
     virtual void finish(const PacketSink &sink) = 0;
 };
 

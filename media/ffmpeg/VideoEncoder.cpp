@@ -19,19 +19,19 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-// The presets that cost at most half of "medium" and lose the least against it; bench/sbs_video.py prints the table.
-// A second reference picture gives back half of what "superfast" loses, for a tenth of its time.
+// The best presets that need at most half the time of "medium"; bench/sbs_video.py prints the table. A second reference
+// picture restores half of the quality that "superfast" loses, for a tenth of its time.
 constexpr const char *h264Preset = "veryfast";
 constexpr const char *hevcPreset = "superfast";
 constexpr const char *hevcOptions = "ref=2:log-level=none";
 
-/// As many as x265 thinks best (0), but two where it would code a single frame: at the end of each, processors would
-/// wait.
+/// The number of frames that x265 encodes in parallel: 0 lets x265 choose, but 2 where it would choose one frame,
+/// because processors would be idle at the end of each frame.
 int hevcFramesAtOnce() {
     return std::thread::hardware_concurrency() < 4 ? 2 : 0;
 }
 
-// x265 needs a whole coding tree unit of its smallest useful size; x264 codes anything.
+// x265 needs at least one coding tree unit of the smallest useful size; x264 has no such limit.
 constexpr int smallestHevcSide = 32;
 
 class LibraryEncoder : public VideoTrackEncoder {
@@ -88,8 +88,8 @@ public:
 private:
     int smallestSide() const { return encoding_.codec == VideoCodec::hevc ? smallestHevcSide : 2; }
 
-    /// By how many pictures coding runs ahead of showing. x265 does not say; with one level of B-frames that are
-    /// references it is two.
+    /// The reordering delay in pictures. x265 does not report it; with one level of B-frames used as references it is
+    /// two.
     int reordering() const { return encoding_.codec == VideoCodec::hevc ? 2 : codec_->has_b_frames; }
 
     DecodingTimes &decodingTimes() {

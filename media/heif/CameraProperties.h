@@ -11,7 +11,7 @@ namespace lumetwin::media::heif {
 
 using bmff::Bytes;
 
-/// The numbers of `cmin` (ISO/IEC 23008-12) as they are stored: value × 2^shift.
+/// The numbers of `cmin` (ISO/IEC 23008-12) as stored: value × 2^shift.
 struct FixedIntrinsics {
     struct Anisotropic {
         std::int32_t focalLengthY = 0;
@@ -30,16 +30,16 @@ struct FixedIntrinsics {
     }
 };
 
-/// Stores a focal length and a principal point, given in image widths and heights, with the largest common shift up to
-/// 30 that holds all three, rounded to nearest. (Readers shift a signed one; 31 would turn it negative.) What is beyond
-/// 32 bits even unshifted, infinity too, becomes the largest number. Nothing for what is no number.
+/// Converts a focal length and a principal point, in image widths and heights, with the largest common shift up to 30
+/// for which all three fit, rounded to nearest. (Readers use a signed shift, so 31 would become negative.) Values that
+/// do not fit into 32 bits even without a shift, and infinity, become the largest number. nullopt for NaN.
 std::optional<FixedIntrinsics> fixedIntrinsics(double focalLength, double principalPointX, double principalPointY);
 
 /// Version, flags and body of `cmin`.
 Bytes intrinsicsPayload(const FixedIntrinsics &intrinsics);
 
-/// Version, flags and body of `cmex` (ISO/IEC 23008-12) for a camera that is not turned: components that are 0 and the
-/// rotation are left out.
+/// Version, flags and body of `cmex` (ISO/IEC 23008-12) for a camera without rotation. Components that are 0 and the
+/// rotation are omitted.
 Bytes extrinsicsPayload(const std::array<std::int32_t, 3> &micrometres,
                         std::optional<std::uint32_t> worldCoordinateSystem = std::nullopt);
 

@@ -29,7 +29,7 @@ bool isGrid(const CodedImage &image) {
     return image.columns * image.rows > 1;
 }
 
-/// As many tiles as one side needs: no tile lies outside.
+/// Whether the tiles of one side cover it, and none is completely outside.
 bool covers(std::uint32_t count, std::uint32_t tile, std::uint32_t size) {
     const std::uint64_t covered = std::uint64_t{count} * tile;
     return size > 0 && covered >= size && covered - tile < size;
@@ -72,7 +72,8 @@ Bytes depthBox(const CodedImage &image) {
     return fullBox("pixi", 0, fields);
 }
 
-/// Keeps the picture's top left (ISO/IEC 14496-12, 12.1.4: offsets are those of the centres).
+/// A clean aperture that keeps the top left part of the picture (ISO/IEC 14496-12, 12.1.4; offsets are between the
+/// centres).
 Bytes apertureBox(const CodedImage &image) {
     const auto offset = [](std::uint32_t size, std::uint32_t coded) {
         return static_cast<std::int32_t>(std::int64_t{size} - std::int64_t{coded});
@@ -116,10 +117,11 @@ FileLayout::Item &FileLayout::addItem(std::string_view type) {
 
 std::uint8_t FileLayout::addProperty(Bytes box) {
     written_.properties.push_back(std::move(box));
-    return static_cast<std::uint8_t>(written_.properties.size()); // two images have a few dozen at most
+    return static_cast<std::uint8_t>(
+        written_.properties.size()); // fits into a byte: two images have at most a few dozen
 }
 
-/// Adds what a decoder has to know: the essential colours, then the configuration.
+/// Adds the properties that a decoder needs: the essential colours, then the configuration.
 std::vector<std::uint8_t> FileLayout::addCoding(const CodedImage &image) {
     std::vector<std::uint8_t> indexes;
     for (Bytes &colour : colourBoxes(image))
@@ -146,7 +148,7 @@ void FileLayout::addCamera(std::vector<std::uint8_t> &properties, const CodedIma
         return;
     const Camera &camera = *image.camera;
     properties.push_back(addProperty(uuidBox(extrinsicsUuid, extrinsicsPayload(camera.position))));
-    // The numbers are fractions of the size that `ispe` states.
+    // The numbers are relative to the size in `ispe`.
     const double width = isGrid(image) ? image.width : image.tileWidth;
     const double height = isGrid(image) ? image.height : image.tileHeight;
     const auto fixed = fixedIntrinsics(camera.focalLength / width, camera.principalPoint[0] / width,
@@ -193,14 +195,14 @@ void FileLayout::addStereoGroup(std::uint32_t left, std::uint32_t right, std::in
     const std::uint8_t disparity = addProperty(uuidBox(disparityUuid, disparityPayload(disparityAdjustment)));
     for (Item &item : written_.items)
         if (item.id == left || item.id == right) {
-            // What changes the picture (the aperture) comes after what describes it.
+            // Properties that change the picture (the aperture) must come after those that describe it.
             const auto last = std::ranges::find_if(item.properties, [&](std::uint8_t index) {
                 const Bytes &bytes = written_.properties[(index & ~essential) - 1u];
                 return std::equal(bytes.begin() + 4, bytes.begin() + 8, "clap");
             });
             item.properties.insert(last, disparity);
         }
-    // A group's number is unlike all items' numbers.
+    // A group's id must differ from all item ids.
     written_.groups = box("grpl", fullBox("ster", 0, FieldWriter().u32(nextId_++).u32(2).u32(left).u32(right)));
 }
 
@@ -239,7 +241,7 @@ Bytes FileLayout::header() const {
     std::uint64_t dataSize = 8;
     for (const Item *item : written_.inDataOrder())
         dataSize += item->size();
-    // The size of `meta` does not depend on where the data begins.
+    // The size of `meta` does not depend on the position of the data.
     const std::uint64_t dataBegin = bytes.size() + metaBox(written_, 0).size() + 8;
     if (dataBegin + dataSize > std::numeric_limits<std::uint32_t>::max())
         throw std::invalid_argument("the file would be beyond 4 GiB");

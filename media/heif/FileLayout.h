@@ -10,23 +10,23 @@
 
 namespace lumetwin::media::heif {
 
-/// Collects a file's items and their properties, and serialises what stands before the media data. The images that are
-/// added have to outlive the layout: their bytes are not copied.
+/// Collects a file's items and their properties, and serialises everything before the media data. The added images must
+/// outlive the layout, because their bytes are not copied.
 class FileLayout {
 public:
-    /// Adds an image with its tiles; returns its item's number. Throws std::invalid_argument when the image contradicts
-    /// itself.
+    /// Adds an image with its tiles and returns its item id. Throws std::invalid_argument when the image is
+    /// inconsistent.
     std::uint32_t addImage(const CodedImage &image);
-    /// Says that two images are a left and a right eye, and how far to move them.
+    /// Adds a stereo group of a left and a right image, with its disparity adjustment.
     void addStereoGroup(std::uint32_t left, std::uint32_t right, std::int64_t disparityAdjustment);
-    /// Add what describes an image, where it has that.
+    /// Adds the metadata of an image, if it has any.
     void addExif(const CodedImage &image, std::uint32_t item);
     void addXmp(const CodedImage &image, std::uint32_t item);
 
     /// `ftyp`, `meta` and the header of `mdat`. The first image is the primary one. Throws std::invalid_argument for
     /// files beyond 4 GiB.
     Bytes header() const;
-    /// Hands over the media data, part by part, in order.
+    /// Calls `take` with the parts of the media data, in order.
     void data(const std::function<void(std::span<const std::uint8_t>)> &take) const;
 
 private:
@@ -42,7 +42,7 @@ private:
 
     std::uint32_t nextId_ = 1;
     WrittenItems written_;
-    Bytes intrinsics_; ///< the `cmin` written last, which a second eye may share
+    Bytes intrinsics_; ///< the last written `cmin`, which the second eye may share
     std::uint8_t intrinsicsIndex_ = 0;
 };
 

@@ -30,7 +30,7 @@ MediaReason reasonOf(const heif_error &error) {
     }
 }
 
-/// The library refuses whole files for the sake of groups, which are none of its business here: they become free space.
+/// libheif refuses files because of their groups, which it does not need here. So change the group box to free space.
 void hideGroups(std::vector<std::uint8_t> &bytes) {
     constexpr std::uint64_t fullBoxHeader = 4;
     try {
@@ -46,7 +46,7 @@ void hideGroups(std::vector<std::uint8_t> &bytes) {
                     std::memcpy(bytes.data() + inner.begin - 4, "free", 4);
         }
     } catch (const bmff::FormatError &) {
-        // The library will say what is wrong.
+        // Ignore this here: libheif reports the error.
     }
 }
 

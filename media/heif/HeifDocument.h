@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// One owner type for each object of libheif that we hold, and a file that the library has opened.
+// Owner types for libheif's objects, and a file opened by libheif.
 
 #include "media/InputFile.h"
 
@@ -27,17 +27,17 @@ using Image = std::unique_ptr<heif_image, HeifDeleter>;
 using DecodingOptions = std::unique_ptr<heif_decoding_options, HeifDeleter>;
 using Colour = std::unique_ptr<heif_color_profile_nclx, HeifDeleter>;
 
-/// Throws the library's error as a MediaError that names the file.
+/// Throws MediaError, which names the file, when the library reports an error.
 void require(const heif_error &error, const std::filesystem::path &file);
 
-/// A HEIF file's bytes in memory, as the library has opened them. Any thread may ask for images, and decode them.
+/// A HEIF file in memory, opened by libheif. Images may be requested and decoded on any thread.
 class HeifDocument {
 public:
-    /// Throws MediaError where the library does not take the file.
+    /// Throws MediaError when libheif refuses the file.
     explicit HeifDocument(const InputFile &file);
 
     const std::filesystem::path &path() const { return path_; }
-    /// Throws MediaError where there is no such item.
+    /// Throws MediaError when there is no such item.
     Handle image(heif_item_id item) const;
 
 private:

@@ -21,11 +21,11 @@ namespace images {
 
 namespace {
 
-constexpr int tileUnit = 64; // what tiles should be a multiple of (ISO/IEC 23000-22, 7.3.11.4.2)
-// Larger tiles take less time and more memory. An eye has half of a side-by-side picture's pixels.
+constexpr int tileUnit = 64; // tile sizes should be a multiple of this (ISO/IEC 23000-22, 7.3.11.4.2)
+// Larger tiles need less time and more memory. An eye has half the pixels of a side-by-side picture.
 constexpr GridCoding eyeCoding{1, 2048};
 
-/// How an image is cut into pictures of one size.
+/// How an image is divided into tiles of one size.
 struct Tiling {
     int columns = 1;
     int rows = 1;
@@ -55,7 +55,7 @@ Tiling tilingOf(const Picture &picture, int longestSide) {
     return {columns, rows, width, tileSize(picture.height, rows)};
 }
 
-/// A tile of the full size: where it reaches beyond the picture, the last column and row are repeated.
+/// A tile of full size. Outside the picture, the last column and row are repeated.
 Picture tileOf(const Picture &picture, const Tiling &tiling, int column, int row) {
     const int x = column * tiling.width;
     const int y = row * tiling.height;
@@ -69,13 +69,13 @@ Picture tileOf(const Picture &picture, const Tiling &tiling, int column, int row
     return whole;
 }
 
-/// Two pictures are coded at once, whether they are eyes or tiles: each gets half the machine. More at once
-/// would need more memory.
+/// Two pictures (eyes or tiles) are encoded at the same time, each with half of the processors. More would need more
+/// memory.
 int threadsForEach() {
     return std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / 2);
 }
 
-/// Codes the tiles from the first on in steps, so that workers can share them.
+/// Encodes every n-th tile from the first one, so that several threads can share the work.
 void codeTiles(const std::filesystem::path &file, const Picture &picture, const Tiling &tiling, int quantiser,
                int first, int step, std::vector<x265::CodedStill> &stills, const Cancellation &cancellation) {
     for (int index = first; index < tiling.count(); index += step) {
@@ -156,7 +156,7 @@ void writeHeif(const OutputFile &file, StillImage image, double quality, const C
 
 namespace {
 
-/// No reader may see a difference between such a photo and what it was made of.
+/// Fine enough that a spatial photo shows no visible difference from its source.
 constexpr int spatialQuantiser = 14;
 
 heif::CodedImage codedEye(const std::filesystem::path &file, Picture eye, const ImageMetadata &metadata,

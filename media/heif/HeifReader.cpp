@@ -48,13 +48,13 @@ void requireDecoder(const std::filesystem::path &file, const HeifImage &image) {
             throw MediaError(file, MediaOperation::read, 0, MediaReason::noDecoder, coding.name);
 }
 
-/// A document that is decoded from until that is cancelled.
+/// A document and the cancellation of its decoding.
 struct Decoding {
     const HeifDocument &document;
     const Cancellation &cancellation;
 };
 
-/// Asked by the library before each tile.
+/// libheif calls this before each tile.
 int stops(void *cancellation) {
     return static_cast<const Cancellation *>(cancellation)->requested() ? 1 : 0;
 }
@@ -76,7 +76,7 @@ ColourTags tagsOf(const heif_image *image, const heif_image_handle *handle) {
     if (heif_image_get_nclx_color_profile(image, &found).code != heif_error_Ok)
         heif_image_handle_get_nclx_color_profile(handle, &found);
     const Colour colour(found);
-    // Without tags the library, like others, takes the matrix of BT.601 and the full range.
+    // Without tags libheif, like other readers, uses the matrix of BT.601 and full range.
     ColourTags tags{2, 2, 6, ColourRange::full, ChromaLocation::centre};
     if (!colour)
         return tags;
@@ -88,7 +88,8 @@ ColourTags tagsOf(const heif_image *image, const heif_image_handle *handle) {
     return tags;
 }
 
-/// The tags of RGB samples: after its conversion the library no longer tells those of the image.
+/// The tags of RGB samples. After its conversion libheif no longer reports those of the image, so they are read from
+/// the item.
 ColourTags tagsOfItem(const heif_image_handle *handle) {
     ColourTags tags{2, 2, 0, ColourRange::full, ChromaLocation::unspecified};
     heif_color_profile_nclx *found = nullptr;
@@ -117,7 +118,7 @@ std::vector<std::uint8_t> block(const heif_image_handle *handle, heif_item_id id
     return bytes;
 }
 
-/// An Exif item begins with the offset of the TIFF header behind it (ISO/IEC 23008-12, A.2.1).
+/// Removes the offset at the beginning of an Exif item (ISO/IEC 23008-12, A.2.1).
 std::vector<std::uint8_t> exifIn(const std::vector<std::uint8_t> &item) {
     if (item.size() < 4)
         return {};
@@ -145,7 +146,7 @@ ImageMetadata metadataIn(const heif_image_handle *handle) {
     return metadata;
 }
 
-/// The samples as decoded, which the picture then keeps alive.
+/// The decoded samples without copying; the picture keeps them alive.
 Picture planesOf(const Decoding &decoding, const heif_image_handle *handle) {
     std::shared_ptr<heif_image> image(decode(decoding, handle, heif_colorspace_undefined, heif_chroma_undefined));
     Picture picture;
@@ -183,7 +184,7 @@ heif_chroma interleavedLayout(bool deep, bool alpha) {
     return alpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB;
 }
 
-/// Draws what is see-through in samples of 9 to 15 bits onto black.
+/// Draws transparent pixels with 9 to 15 bits on black.
 void scatterDeep(const std::uint16_t *row, int channels, Alpha alpha, const Picture &picture, int y) {
     const auto full = (1u << picture.format.depth) - 1;
     for (int plane = 0; plane < 3; ++plane) {
@@ -232,7 +233,7 @@ StillImage read(const Decoding &decoding, heif_item_id item, PhotoSamples sample
     const bool asCoded = samples == PhotoSamples::coded && heif_image_handle_has_alpha_channel(handle.get()) == 0;
     image.picture = asCoded ? planesOf(decoding, handle.get()) : rgbOf(decoding, handle.get());
     image.metadata = metadataIn(handle.get());
-    if (!images::suits(image.metadata.iccProfile, image.picture.format.planeCount()))
+    if (!images::matchesChannels(image.metadata.iccProfile, image.picture.format.planeCount()))
         image.metadata.iccProfile.clear();
     return image;
 }
@@ -250,7 +251,7 @@ StereoPhotoFacts HeifReader::stereoFacts() const {
         const auto intrinsics = image.pixelIntrinsics();
         if (!facts.lens && intrinsics && intrinsics->focalLengthX > 0 && image.width > 0)
             facts.lens = {intrinsics->focalLengthX, static_cast<double>(image.width)};
-        // A camera at the origin tells nothing; the pair's other one does.
+        // A camera at the origin has no baseline; use the other camera of the pair.
         if (!facts.cameraPosition && image.position && (*image.position)[0] != 0)
             facts.cameraPosition = (*image.position)[0];
     }
@@ -268,7 +269,7 @@ StillImage HeifReader::read(std::size_t image, PhotoSamples samples, const Cance
     cancellation.check();
     const HeifImage &wanted = headers_.images.at(image);
     requireDecoder(file_.path(), wanted);
-    // A picture that is coded in one piece cannot be stopped at: its thread may go on for a while.
+    // Decoding a picture that is coded in one piece cannot be stopped, so its thread may run a little longer.
     return abandonable(cancellation, [document = document(), item = wanted.item, samples](const Cancellation &asked) {
         return heif::read({*document, asked}, item, samples);
     });

@@ -13,19 +13,20 @@ namespace lumetwin::media::heif {
 
 class HeifDocument;
 
-/// A HEIF file whose headers have been read. Its bytes are loaded when the first image is decoded, once. Any thread may
-/// read images of it.
+/// A HEIF file with its headers read. The whole file is loaded once, when the first image is decoded. Images may be
+/// read on any thread.
 class HeifReader {
 public:
-    /// Throws MediaError when the file is no HEIF file, damaged, or beyond the limits.
+    /// Throws MediaError when the file is not a HEIF file, is damaged, or exceeds the limits.
     explicit HeifReader(const InputFile &file);
 
     const HeifFile &headers() const { return headers_; }
-    /// What they say of the stereo pair.
+    /// The stereo facts in the headers.
     StereoPhotoFacts stereoFacts() const;
-    /// The image with that index in the headers, with its transformations applied. Throws MediaError, and Cancelled.
+    /// Reads the image with that index in the headers and applies its transformations. Throws MediaError, and
+    /// Cancelled.
     StillImage read(std::size_t image, PhotoSamples samples, const Cancellation &cancellation) const;
-    /// The file's first image. Throws MediaError where it holds none.
+    /// Reads the file's first image. Throws MediaError when there is none.
     StillImage readFirst(const Cancellation &cancellation) const;
 
 private:

@@ -30,34 +30,35 @@ struct Camera {
     std::array<std::int32_t, 3> position{}; ///< micrometres, x to the right
 };
 
-/// One image, coded as one HEVC picture or as a grid of equally large ones.
+/// One image, coded as one HEVC picture or as a grid of HEVC pictures of equal size.
 struct CodedImage {
-    std::uint32_t width = 0; ///< as a viewer is to see it
+    std::uint32_t width = 0; ///< display size
     std::uint32_t height = 0;
-    /// Size of each coded picture, as decoded. Alone it may exceed the image's size (then the rest is cut off at the
-    /// right and bottom); in a grid, columns × tileWidth reaches at least to the image's width, and so for the height.
+    /// The decoded size of each coded picture. A single picture may be larger than the image; then the rest is cut off
+    /// at the right and bottom. In a grid, columns × tileWidth is at least the image's width, and likewise for the
+    /// height.
     std::uint32_t tileWidth = 0;
     std::uint32_t tileHeight = 0;
     std::uint32_t columns = 1; ///< at most 256
     std::uint32_t rows = 1;
-    /// Row by row, each the NAL units of one picture's slices, without start codes.
+    /// Row by row; each has the NAL units of one picture's slices, without start codes.
     std::vector<std::vector<Bytes>> tiles;
-    Bytes configuration; ///< `hvcC`, common to all tiles
+    Bytes configuration; ///< `hvcC`, the same for all tiles
     int bitDepth = 8;
     int channels = 3;
     Bytes colourProfile;              ///< ICC; may be empty
-    std::optional<HeifColour> colour; ///< written beside the profile or instead of it
-    Bytes exif;                       ///< from the TIFF header on; may be empty
+    std::optional<HeifColour> colour; ///< written with or without a profile
+    Bytes exif;                       ///< begins with the TIFF header; may be empty
     std::string xmp;                  ///< a packet; may be empty
     std::optional<Camera> camera;
 };
 
-/// Writes a file of one image. Throws MediaError when the system
-/// refuses, std::invalid_argument for contents that contradict themselves or are beyond 4 GiB.
+/// Writes a file with one image. Throws MediaError for a system error, std::invalid_argument for inconsistent contents
+/// or more than 4 GiB.
 void writeHeif(const OutputFile &file, const CodedImage &image);
 
-/// Writes a stereo pair, the left image first and primary, in the form of platform-written files. Both images need a
-/// camera. Disparity adjustment in ten-thousandths of the image width, saturated to 32 bits. Otherwise as above.
+/// Writes a stereo pair in the form of platform-written files, the left image first and primary. Both images need a
+/// camera. disparityAdjustment: ten-thousandths of the image width, saturated to 32 bits. Otherwise as above.
 void writeStereoHeif(const OutputFile &file, const CodedImage &left, const CodedImage &right,
                      std::int64_t disparityAdjustment);
 

@@ -17,7 +17,7 @@ int typeOf(const Bytes &unit) {
 }
 
 void appendArray(FieldWriter &fields, const std::vector<Bytes> &units, int type) {
-    constexpr int complete = 0x80; // none of them is with the picture
+    constexpr int complete = 0x80; // the picture data contains none of them
     fields.u8(static_cast<std::uint64_t>(complete | type));
     fields.u16(static_cast<std::uint64_t>(
         std::ranges::count_if(units, [&](const Bytes &unit) { return typeOf(unit) == type; })));

@@ -19,7 +19,7 @@ namespace lumetwin::media::images {
 
 namespace {
 
-constexpr int priority = 200; // above the library's own, which have 100 at most
+constexpr int priority = 200; // higher than the library's own decoders, which have at most 100
 constexpr std::array<std::uint8_t, 4> startCode{0, 0, 0, 1};
 
 constexpr heif_error success{heif_error_Ok, heif_suberror_Unspecified, "Success"};
@@ -30,7 +30,7 @@ heif_error failure(const char *reason, heif_suberror_code part = heif_suberror_U
 
 constexpr heif_error noMemory{heif_error_Memory_allocation_error, heif_suberror_Unspecified, "not enough memory"};
 
-/// One picture on its way: its NAL units as Annex B.
+/// The NAL units of one picture, in Annex B format.
 struct Decoding {
     std::vector<std::uint8_t> stream;
 };
@@ -56,7 +56,7 @@ void freeDecoder(void *decoder) {
     delete static_cast<Decoding *>(decoder);
 }
 
-/// Parameter sets and slices come with their lengths before them, as they lie in the file.
+/// Parameter sets and slices come with length prefixes, as in the file.
 heif_error push(void *decoder, const void *data, std::size_t size) {
     try {
         std::vector<std::uint8_t> &stream = decodingOf(decoder).stream;
@@ -87,11 +87,11 @@ ffmpeg::FramePointer decoded(const std::vector<std::uint8_t> &stream) {
     if (!context || av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0)
         return nullptr;
     std::memcpy(packet->data, stream.data(), stream.size());
-    // Tiles, and both eyes, are decoded beside each other already.
+    // Tiles and both eyes are already decoded in parallel.
     context->thread_count = 1;
     if (avcodec_open2(context.get(), codec, nullptr) < 0 || avcodec_send_packet(context.get(), packet.get()) < 0)
         return nullptr;
-    avcodec_send_packet(context.get(), nullptr); // nothing follows: what is held back comes out
+    avcodec_send_packet(context.get(), nullptr); // end of stream: the decoder returns delayed pictures
     return avcodec_receive_frame(context.get(), frame.get()) < 0 ? nullptr : std::move(frame);
 }
 
@@ -104,7 +104,7 @@ struct Layout {
     int shiftY;
 };
 
-/// Planar grey, Y'CbCr and GBR of up to 16 bits in the machine's order; `planes` 0 for others.
+/// The layout of planar grey, Y'CbCr and GBR with up to 16 bits in native byte order; `planes` is 0 for other formats.
 Layout layoutOf(const AVFrame &frame) {
     const AVPixFmtDescriptor *format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
     Layout layout{heif_colorspace_YCbCr, heif_chroma_undefined, 0, 8, 0, 0};
@@ -152,7 +152,7 @@ void tag(const AVFrame &frame, heif_image *image) {
     heif_color_profile_nclx *colour = heif_nclx_color_profile_alloc();
     if (!colour)
         return;
-    // Code points that the library does not know leave its default, unspecified.
+    // For code points that libheif does not know, its default "unspecified" stays.
     heif_nclx_color_profile_set_color_primaries(colour, static_cast<std::uint16_t>(frame.color_primaries));
     heif_nclx_color_profile_set_transfer_characteristics(colour, static_cast<std::uint16_t>(frame.color_trc));
     heif_nclx_color_profile_set_matrix_coefficients(colour, static_cast<std::uint16_t>(frame.colorspace));
@@ -161,7 +161,7 @@ void tag(const AVFrame &frame, heif_image *image) {
     heif_nclx_color_profile_free(colour);
 }
 
-/// Whatever is thrown must not pass through the library.
+/// Exceptions must not pass through libheif.
 ffmpeg::FramePointer decodedSafely(const std::vector<std::uint8_t> &stream) {
     try {
         return decoded(stream);

@@ -5,8 +5,8 @@
 
 namespace lumetwin::media::images {
 
-/// Decodes the HEVC pictures of HEIF files through FFmpeg. The library's own decoder of that kind knows only one slice
-/// of an IDR picture that the decoder shows at once, in few sample formats; files of cameras hold more.
+/// Decodes the HEVC pictures of HEIF files with FFmpeg. libheif's own FFmpeg decoder supports only pictures with one
+/// IDR slice that are returned at once, in few sample formats. Camera files need more.
 const heif_decoder_plugin *hevcDecoder();
 
 } // namespace lumetwin::media::images

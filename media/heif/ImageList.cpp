@@ -15,11 +15,11 @@ using bmff::fourCC;
 constexpr std::array imageTypes{fourCC("hvc1"), fourCC("hev1"), fourCC("lhv1"), fourCC("avc1"), fourCC("av01"),
                                 fourCC("vvc1"), fourCC("evc1"), fourCC("jpeg"), fourCC("j2k1"), fourCC("unci"),
                                 fourCC("grid"), fourCC("iovl"), fourCC("iden"), fourCC("tili")};
-// An image with another one that tells how to tone-map it: it stands for the first image that it is made of
+// An image with a second one that describes its tone mapping. It represents the first image that it is derived from
 // (ISO/IEC 23008-12, amendment on tone map derivation).
 constexpr std::uint32_t toneMapped = fourCC("tmap");
 constexpr std::string_view gainMapKind = "urn:com:apple:photo:2020:aux:hdrgainmap";
-/// ISO/IEC 23008-12 (6.5.8 and annex B) names the first two; depth cameras write disparities under them, too.
+/// The first two are from ISO/IEC 23008-12 (6.5.8 and annex B). Depth cameras also use them for disparities.
 constexpr std::array<std::string_view, 3> depthKinds{"urn:mpeg:hevc:2015:auxid:2",
                                                      "urn:mpeg:mpegB:cicp:systems:auxiliary:depth",
                                                      "urn:com:apple:photo:2018:aux:disparity"};
@@ -28,7 +28,7 @@ bool isImageType(std::uint32_t type) {
     return std::ranges::find(imageTypes, type) != imageTypes.end();
 }
 
-/// Finds circles and too deep descents among the images that images are made of.
+/// Detects cycles and too deep nesting among derived images.
 class Derivations {
 public:
     explicit Derivations(const MetaBox &meta)
@@ -66,7 +66,7 @@ private:
     std::vector<int> heights_;
 };
 
-/// A number of whole pixels, where the fraction is one.
+/// The fraction as an integer number of pixels, if it is one and at most atMost.
 std::uint32_t pixels(std::int64_t numerator, std::int64_t denominator, std::uint32_t atMost) {
     if (denominator <= 0 || numerator <= 0)
         return 0;
@@ -122,7 +122,7 @@ private:
         }
     }
 
-    /// The item whose picture a tone-mapped item stands for, as an index; nothing where the file does not say.
+    /// The index of the item that a tone-mapped item represents; nullopt when the file does not say.
     std::optional<std::size_t> toneMapBase(std::size_t item) const {
         for (const ItemReference *reference : derivations_.partsOf(item))
             if (!reference->to.empty())
@@ -188,8 +188,8 @@ private:
         }
     }
 
-    /// The type of the item that an image's first part is coded in, and whether one on the way to it is encrypted.
-    /// There are no circles: the derivations have been looked at.
+    /// The type of the item with the coded samples of an image's first part, and whether any item on the way is
+    /// encrypted. There are no cycles, because derivations were checked before.
     std::uint32_t codingOf(std::size_t index, bool &encrypted) const {
         for (;;) {
             const Item &item = meta_.items[index];
@@ -227,13 +227,13 @@ private:
         image.height = turned ? image.shownWidth : image.shownHeight;
     }
 
-    /// The image that an item's id stands for.
+    /// The index of the image of an item id.
     std::optional<std::size_t> image(std::uint32_t id) const {
         const auto found = imageOf_.find(id);
         return found == imageOf_.end() ? std::nullopt : std::optional(found->second);
     }
 
-    /// The image that an id in a group stands for: an item, a group of alternatives, or one of several alternatives.
+    /// The index of the image of an id in a group: an item, a group of alternatives, or one of several alternatives.
     std::optional<std::size_t> entity(std::uint32_t id) const {
         if (const auto direct = image(id))
             return direct;

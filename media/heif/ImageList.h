@@ -6,13 +6,13 @@
 
 namespace lumetwin::media::heif {
 
-/// Derived images of derived images: as deep as this, and not deeper. Circles are refused too.
+/// The maximum nesting of derived images. Cycles are refused too.
 inline constexpr int deepestDerivation = 8;
 
-/// Which of a file's items are its images, and what is said of them. Throws bmff::FormatError.
+/// Finds the items that are images, and their facts. Throws bmff::FormatError.
 HeifFile interpret(const MetaBox &meta);
 
-/// The HEIF file in any source. Throws bmff::FormatError.
+/// Reads a HEIF file from any source. Throws bmff::FormatError.
 HeifFile readHeif(const bmff::Source &source);
 
 } // namespace lumetwin::media::heif

@@ -65,7 +65,7 @@ Property intrinsics(Fields fields) {
     return camera;
 }
 
-// Version 1 tells the orientation in another way; the position is the same.
+// Version 1 stores the orientation in another way; the position is the same.
 Property position(Fields fields) {
     const FullBoxHead head(fields);
     if (head.version > 1)
@@ -89,8 +89,8 @@ bool isOurs(const Uuid &uuid) {
     return uuid == intrinsicsUuid || uuid == extrinsicsUuid || uuid == disparityUuid;
 }
 
-/// ISO/IEC 23008-12, 6.5.8: version and flags, then text with a zero at its end. A damaged one is auxiliary all the
-/// same.
+/// ISO/IEC 23008-12, 6.5.8: version and flags, then a zero-terminated text. An image with a damaged property still
+/// counts as auxiliary.
 AuxiliaryImage auxiliaryImage(const bmff::Source &source, const bmff::Box &box) {
     constexpr std::uint64_t head = 4;
     constexpr std::uint64_t longest = 256;

@@ -12,8 +12,8 @@
 
 namespace lumetwin::media::heif {
 
-// Platform-written files store the camera and the disparity adjustment in properties of type `uuid`: the first two with
-// the body that `cmin` and `cmex` of ISO/IEC 23008-12 have, the third with a signed 32-bit number alone.
+// Platform-written files store the camera and the disparity adjustment in properties of type `uuid`. The first two have
+// the body of `cmin` and `cmex` (ISO/IEC 23008-12), the third has only a signed 32-bit number.
 using Uuid = std::array<std::uint8_t, 16>;
 inline constexpr Uuid intrinsicsUuid{0x22, 0xcc, 0x04, 0xc7, 0xd6, 0xd9, 0x4e, 0x07,
                                      0x9d, 0x90, 0x4e, 0xb6, 0xec, 0xba, 0xf3, 0xa3};
@@ -33,10 +33,10 @@ struct DisparityAdjustment {
     std::int32_t value = 0;
 };
 struct AuxiliaryImage {
-    std::string kind; ///< a URN; at most so many characters as say what it is
+    std::string kind; ///< a URN; only the first characters, enough to identify it
 };
 
-/// An item property that means something here; the first alternative is any other one.
+/// An item property that we use. The first alternative stands for any other property.
 using Property = std::variant<std::monostate, ImageSize, HeifTransform, CameraIntrinsics, CameraPosition,
                               DisparityAdjustment, AuxiliaryImage>;
 

@@ -15,10 +15,10 @@ using bmff::fourCC;
 using bmff::FullBoxHead;
 using Bytes = std::vector<std::uint8_t>;
 
-// Tables of the largest numbers of items and references fit.
+// Large enough for tables with the maximum number of items and references.
 constexpr std::uint64_t largestTable = std::uint64_t{8} << 20;
 
-/// Counts what a file asks for.
+/// Limits the amount of something that a file requests.
 class Budget {
 public:
     explicit Budget(std::size_t limit) : left_(limit) {}
@@ -32,7 +32,7 @@ private:
     std::size_t left_;
 };
 
-/// The payload of a box of this memory.
+/// The payload of a box in this memory.
 std::span<const std::uint8_t> inside(std::span<const std::uint8_t> bytes, const Box &box) {
     return bytes.subspan(static_cast<std::size_t>(box.begin), static_cast<std::size_t>(box.payloadSize()));
 }
@@ -86,7 +86,7 @@ private:
         throw FormatError(meta_.hasMovie ? MediaReason::imageSequence : MediaReason::noHeifFile);
     }
 
-    /// Looks at what follows; damage there harms no image.
+    /// Looks for a movie in the boxes after it. Damage there does not affect images.
     void findMovieBehind(const Box &before) {
         int boxes = 0;
         BoxWalk walk(source_, before.end, source_.size(), boxes);
@@ -98,7 +98,7 @@ private:
         }
     }
 
-    /// A box of a movie, or the one that phones keep a whole movie file in.
+    /// Notes a box of a movie, or the box in which phones store a whole movie file.
     void noteMovie(const Box &box) {
         meta_.hasMovie = meta_.hasMovie || box.type == fourCC("moov") || box.type == fourCC("mpvd");
     }
@@ -202,9 +202,9 @@ private:
             const int associated = fields.u8();
             associationBudget_.take(static_cast<std::size_t>(associated) + 1);
             for (int number = 0; number < associated; ++number) {
-                // The highest bit says that a reader has to understand the property.
+                // The highest bit means that a reader must understand the property.
                 const int property = head.flags & 1 ? fields.u16() & 0x7fff : fields.u8() & 0x7f;
-                if (item) // properties may be of groups, too
+                if (item) // groups may have properties too
                     item->properties.push_back(static_cast<std::uint16_t>(property));
             }
         }

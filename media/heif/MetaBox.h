@@ -26,14 +26,14 @@ struct ItemReference {
     std::vector<std::uint32_t> to;
 };
 
-/// A group of the types `ster` and `altr`; others are not kept.
+/// A group of type `ster` or `altr`; other groups are ignored.
 struct EntityGroup {
     std::uint32_t type = 0;
     std::uint32_t id = 0;
     std::vector<std::uint32_t> entities;
 };
 
-/// A file's `meta` box, box by box, nothing of it interpreted.
+/// The parsed boxes of a file's `meta` box, without interpretation.
 struct MetaBox {
     std::vector<Item> items;                                    ///< in the order of `iinf`
     std::unordered_map<std::uint32_t, std::size_t> itemIndexes; ///< by id
@@ -41,12 +41,12 @@ struct MetaBox {
     std::vector<ItemReference> references;
     std::vector<Property> properties;
     std::vector<EntityGroup> groups;
-    bool hasMovie = false; ///< the file holds a film or an image sequence, too
+    bool hasMovie = false; ///< the file also contains a movie or an image sequence
 
     const Item *item(std::uint32_t id) const;
 };
 
-/// What a file may ask for; more is an error.
+/// Limits for a file; more is an error.
 inline constexpr std::size_t maximumItems = 65'536;
 inline constexpr std::size_t maximumReferences = 262'144;   ///< ids referred to, in all
 inline constexpr std::size_t maximumAssociations = 262'144; ///< of properties with items, in all

@@ -9,8 +9,8 @@
 
 namespace lumetwin::media::hevc {
 
-/// Reads the bits of a NAL unit from its header on, without the emulation prevention bytes (ITU-T H.265, 7.3.1.1).
-/// Past the end it reads zeros and remembers that.
+/// Reads the bits of a NAL unit from its header, without the emulation prevention bytes (ITU-T H.265, 7.3.1.1). Beyond
+/// the end it returns zeros, and good() returns false.
 class BitReader {
 public:
     explicit BitReader(NalBytes unit);
@@ -18,7 +18,7 @@ public:
     std::uint32_t bits(int count); ///< u(count), count at most 32
     std::uint32_t number();        ///< ue(v), 9.2
 
-    /// Whether the next bits have the given value.
+    /// Reads bits and returns whether they have the given value.
     bool expect(int count, std::uint32_t value) { return bits(count) == value; }
     bool expectNumber(std::uint32_t value) { return number() == value; }
     void skip(int count) { moveTo(position_ + static_cast<std::size_t>(count)); }
@@ -26,7 +26,7 @@ public:
 
     std::size_t position() const { return position_; }     ///< bits
     std::size_t size() const { return bytes_.size() * 8; } ///< bits
-    /// Whether nothing was read past the end.
+    /// Whether nothing was read beyond the end.
     bool good() const { return !beyond_; }
 
 private:

@@ -24,7 +24,7 @@ inline constexpr int suffixInformation = 40;
 
 inline constexpr std::size_t nalHeaderBytes = 2;
 
-/// A NAL unit from its two-byte header on; the functions need at least the header.
+/// A NAL unit that begins with its two-byte header. The functions need at least the header.
 using NalBytes = std::span<const std::uint8_t>;
 
 inline int nalType(NalBytes unit) {
@@ -34,7 +34,7 @@ inline int nalLayer(NalBytes unit) {
     return (unit[0] & 1) << 5 | unit[1] >> 3;
 }
 
-/// The unit without the start code before it.
+/// The unit without its start code.
 inline NalBytes withoutStartCode(NalBytes bytes) {
     std::size_t zeros = 0;
     while (zeros < bytes.size() && bytes[zeros] == 0)

@@ -13,7 +13,7 @@ constexpr std::uint32_t largestChromaFormat = 3;
 constexpr std::uint32_t largestDepthAbove8 = 8;
 constexpr std::uint32_t largestPictureNumberBitsAbove4 = 12;
 constexpr std::uint32_t largestCodingBlockAbove3 = 3;
-// The number of sub-layers that stands for the shorter form (F.7.4.3.2.1).
+// This number of sub-layers means the shorter form (F.7.4.3.2.1).
 constexpr int shorterForm = 7;
 
 void skipSubLayers(BitReader &reader, int count) {
@@ -37,7 +37,7 @@ void readProfile(BitReader &reader, int subLayers, SequenceParameterSet &set) {
     skipSubLayers(reader, subLayers);
 }
 
-/// False where a value is impossible.
+/// Returns false for an invalid value.
 bool readFormat(BitReader &reader, SequenceParameterSet &set) {
     const std::uint32_t chromaFormat = reader.number();
     if (chromaFormat == largestChromaFormat)

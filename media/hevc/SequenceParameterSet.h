@@ -9,7 +9,7 @@
 
 namespace lumetwin::media::hevc {
 
-/// What is needed of a sequence parameter set (ITU-T H.265, 7.3.2.2.1).
+/// The fields of a sequence parameter set that we need (ITU-T H.265, 7.3.2.2.1).
 struct SequenceParameterSet {
     std::array<std::uint8_t, 12> profileTierLevel{}; ///< the general one
     int temporalLayers = 1;
@@ -17,11 +17,11 @@ struct SequenceParameterSet {
     int chromaFormat = 0; ///< 0 grey, 1 4:2:0, 2 4:2:2, 3 4:4:4
     int lumaDepth = 8;    ///< bits
     int chromaDepth = 8;
-    int smallestCodingBlock = 3; ///< luma samples on a side, as a power of two
+    int smallestCodingBlock = 3; ///< base 2 logarithm of the side in luma samples
 };
 
-/// Reads a whole NAL unit. In a layer above the base it may have the shorter form that leaves format and profile to
-/// the video parameter set (F.7.3.2.2.1); those fields then keep their defaults. Nothing where the set is damaged.
+/// Parses a whole NAL unit. In a layer above the base it may have the shorter form, which leaves format and profile to
+/// the video parameter set (F.7.3.2.2.1); then these fields keep their defaults. nullopt when the set is damaged.
 std::optional<SequenceParameterSet> readSequenceParameterSet(NalBytes unit);
 
 } // namespace lumetwin::media::hevc

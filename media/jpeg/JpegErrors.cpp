@@ -18,7 +18,7 @@ JpegErrors &errorsOf(j_common_ptr codec) {
     std::longjmp(errors.jump, 1);
 }
 
-bool tellsOfDamage(int code) {
+bool isDamageWarning(int code) {
     switch (code) {
     case JWRN_JPEG_EOF:
     case JWRN_HIT_MARKER:
@@ -35,7 +35,7 @@ void noteWarning(j_common_ptr codec, int level) {
     if (level >= 0)
         return;
     ++codec->err->num_warnings;
-    if (!tellsOfDamage(codec->err->msg_code))
+    if (!isDamageWarning(codec->err->msg_code))
         return;
     JpegErrors &errors = errorsOf(codec);
     if (!errors.damaged)

@@ -12,7 +12,7 @@
 
 namespace lumetwin::media::images {
 
-/// Catches what the JPEG library reports. It must outlive the codec object that it is given to.
+/// Receives the reports of the JPEG library. It must outlive the codec object that uses it.
 struct JpegErrors {
     jpeg_error_mgr manager{};
     std::jmp_buf jump{};
@@ -21,12 +21,12 @@ struct JpegErrors {
     bool damaged = false; ///< a warning said that compressed data is missing or wrong
 
     JpegErrors();
-    /// What the latest report means.
+    /// The reason of the latest report.
     MediaReason reason() const;
 };
 
-/// Runs a step that calls the JPEG library; false when the library gave up, with the reason in `errors`. The step
-/// must not own anything: the library leaves it by a jump.
+/// Runs a step that calls the JPEG library. Returns false when the library failed; the reason is in `errors`. The step
+/// must not own anything, because the library leaves it with longjmp.
 template <typename Step> bool succeeds(JpegErrors &errors, const Step &step) {
     if (setjmp(errors.jump) != 0)
         return false;

@@ -54,7 +54,7 @@ PhotoExtras extrasOfPiece(std::string_view piece) {
             false};
 }
 
-/// The header of a multi-picture index: a TIFF structure whose offsets count from its beginning.
+/// The header of a multi-picture index: a TIFF structure with offsets relative to its beginning.
 struct IndexReader {
     const Bytes &bytes;
     bool bigEndian = false;
@@ -69,7 +69,7 @@ struct IndexReader {
 constexpr std::uint32_t entriesField = 0xB002; // CIPA DC-007, 5.2.3.3
 constexpr std::size_t entrySize = 16;
 
-/// Where the list of images stands, and its size in bytes.
+/// The position and size in bytes of the list of images.
 struct EntryList {
     std::uint32_t offset = 0;
     std::uint32_t size = 0;
@@ -90,7 +90,7 @@ std::optional<EntryList> entryList(const IndexReader &index) {
     return std::nullopt;
 }
 
-/// Where the further images begin, counted from the index's header.
+/// The positions of the other images, relative to the index's header.
 std::vector<std::uint32_t> furtherImages(const Bytes &bytes) {
     IndexReader index{bytes};
     if (bytes.size() < 8 || (textOf(bytes).substr(0, 2) != "II" && textOf(bytes).substr(0, 2) != "MM"))
@@ -118,7 +118,7 @@ public:
     }
 
 private:
-    /// The segments of one image up to its samples.
+    /// Reads the segments of one image before its samples.
     void image(std::uint64_t place) {
         try {
             if (markerAt(place) != startOfImage)
@@ -161,7 +161,7 @@ private:
                 further_.push_back(header + offset);
     }
 
-    /// The code of the marker at a place; 0 where there is none.
+    /// The code of the marker at a position; 0 when there is none.
     std::uint8_t markerAt(std::uint64_t place) const {
         const std::array<std::uint8_t, 2> bytes = read<2>(place);
         return bytes[0] == 0xFF ? bytes[1] : std::uint8_t{0};
@@ -175,7 +175,7 @@ private:
 
     const bmff::Source &source_;
     PhotoExtras extras_;
-    std::vector<std::uint64_t> further_; ///< where they begin
+    std::vector<std::uint64_t> further_; ///< their positions
 };
 
 } // namespace

@@ -6,8 +6,8 @@
 
 namespace lumetwin::media::images {
 
-/// What the marker segments of a JPEG file tell of its extras: those of its first image, and of the further ones that
-/// its multi-picture index (CIPA DC-007) names. Damage ends the search.
+/// The extras of a JPEG file according to its marker segments: those of its first image, and of the other images in its
+/// multi-picture index (CIPA DC-007). Damage ends the search.
 PhotoExtras jpegExtras(const bmff::Source &source);
 
 } // namespace lumetwin::media::images

@@ -20,7 +20,7 @@ namespace {
 
 constexpr char exifMark[] = "Exif\0";                      // with its second zero: six bytes
 constexpr char xmpMark[] = "http://ns.adobe.com/xap/1.0/"; // with its zero
-constexpr int scanLimit = 256;                             // a file may ask for very much work with very few bytes
+constexpr int scanLimit = 256;                             // limits the work that a small file can cause
 
 struct Decoder {
     JpegErrors errors;
@@ -54,7 +54,8 @@ struct Decoder {
     }
 };
 
-/// What the library calls for each row of blocks; a file of several scans is decoded whole before its first row comes.
+/// The library calls this for each row of blocks. A file with several scans is decoded completely before its first row
+/// is returned.
 struct Progress : jpeg_progress_mgr {
     const Cancellation *cancellation = nullptr;
 };
@@ -104,7 +105,7 @@ ImageMetadata metadataIn(Decoder &decoder) {
     return metadata;
 }
 
-/// The planes' format where the file codes Y'CbCr (or grey) in a way that planes can hold.
+/// The format of the planes if the file codes Y'CbCr or grey in a form that planes support; otherwise nullopt.
 std::optional<PictureFormat> planarFormat(const jpeg_decompress_struct &codec) {
     if (codec.jpeg_color_space == JCS_GRAYSCALE && codec.num_components == 1 && codec.max_v_samp_factor <= 2)
         return PictureFormat{ColourModel::grey, 8, 0, 0};
@@ -118,7 +119,7 @@ std::optional<PictureFormat> planarFormat(const jpeg_decompress_struct &codec) {
     return PictureFormat{ColourModel::yuv, 8, parts[0].h_samp_factor - 1, parts[0].v_samp_factor - 1};
 }
 
-/// The library stores whole blocks: the picture that is returned is a part of one that has room for them.
+/// The library writes whole blocks, so the returned picture is a part of a larger one with space for them.
 Picture pictureWithRoom(const Decoder &decoder, PictureFormat format) {
     const int width = static_cast<int>(decoder.codec.image_width);
     const int height = static_cast<int>(decoder.codec.image_height);
@@ -147,7 +148,7 @@ void readPlanes(Decoder &decoder, const Picture &picture) {
     });
 }
 
-/// Decodes row by row in the given colour space; `take` gets each row.
+/// Decodes row by row in the given colour space and calls `take` with each row.
 template <typename Take> void readRows(Decoder &decoder, J_COLOR_SPACE space, int channels, const Take &take) {
     jpeg_decompress_struct &codec = decoder.codec;
     std::vector<JSAMPLE> buffer(static_cast<std::size_t>(codec.image_width) * channels);
@@ -176,7 +177,7 @@ Picture readInterleaved(Decoder &decoder, ImageMetadata &metadata) {
         });
         return picture;
     }
-    // Files with Adobe's marker hold inverted inks.
+    // Files with Adobe's marker have inverted inks.
     const CmykRows inks(metadata.iccProfile, 1, codec.saw_Adobe_marker == TRUE);
     std::vector<JSAMPLE> rgb(static_cast<std::size_t>(width) * 3);
     readRows(decoder, JCS_CMYK, 4, [&](const JSAMPLE *row, int y) {
@@ -213,7 +214,7 @@ StillImage readJpeg(const InputFile &file, const Cancellation &cancellation) {
     if (decoder.errors.damaged)
         decoder.fail();
     const int channels = image.picture.format.planeCount();
-    if (!suits(image.metadata.iccProfile, channels))
+    if (!matchesChannels(image.metadata.iccProfile, channels))
         image.metadata.iccProfile.clear();
     return image;
 }

@@ -40,7 +40,7 @@ struct Encoder {
     }
 };
 
-/// A marker segment's content: its mark, then its data; empty when that is more than a segment holds.
+/// The content of a marker segment: its identifier, then its data. Empty when it is too large for a segment.
 template <std::size_t size, typename Bytes> std::vector<JOCTET> segment(const char (&mark)[size], const Bytes &bytes) {
     std::vector<JOCTET> content;
     if (std::size(bytes) == 0 || std::size(bytes) + size > markerRoom)
@@ -78,7 +78,7 @@ J_COLOR_SPACE spaceOf(ColourModel model) {
 /// Above this quality RGB pictures keep full colour resolution.
 constexpr int fullChromaQuality = 90;
 
-/// Samples of luma to each one of chroma.
+/// The number of luma samples for each chroma sample.
 JpegSize samplingFactors(const PictureFormat &format, int quality) {
     if (format.model == ColourModel::grey)
         return {1, 1};
@@ -95,13 +95,13 @@ void setUp(Encoder &encoder, const Picture &picture, int quality) {
     codec.in_color_space = spaceOf(picture.format.model);
     jpeg_set_defaults(&codec);
     jpeg_set_quality(&codec, quality, TRUE);
-    codec.optimize_coding = FALSE; // it would save a hundredth of the size for a third of the time
+    codec.optimize_coding = FALSE; // would save 1 % of the size for 33 % more time
     const JpegSize factors = samplingFactors(picture.format, quality);
     codec.comp_info[0].h_samp_factor = factors.width;
     codec.comp_info[0].v_samp_factor = factors.height;
 }
 
-/// A band of rows that is as wide and high as the library's blocks, its edges repeated.
+/// A band of rows, extended to whole blocks of the library by repeating its edges.
 class Band {
 public:
     Band(const Picture &picture, int plane, int rows)

@@ -10,7 +10,7 @@
 
 namespace lumetwin::media::images {
 
-/// Bytes that the JPEG library has allocated.
+/// Bytes allocated by the JPEG library.
 struct JpegBytes {
     struct Free {
         void operator()(std::uint8_t *bytes) const { std::free(bytes); }
@@ -26,17 +26,17 @@ struct JpegSize {
     int height;
 };
 
-/// The smallest part of a picture that is coded by itself, in pixels, once the picture is as JPEG files hold it.
+/// The size in pixels of the smallest independently coded unit, for a picture in a format of JPEG files.
 JpegSize jpegUnit(const PictureFormat &format, int quality);
 
 struct JpegStrip {
-    Picture picture;                         ///< as JPEG files hold it
-    const ImageMetadata *metadata = nullptr; ///< what goes before the samples
+    Picture picture;                         ///< in a format of JPEG files
+    const ImageMetadata *metadata = nullptr; ///< written before the samples
     unsigned restartInterval = 0;            ///< units from one restart marker to the next; 0 for none
 };
 
-/// The strip as a JPEG file of its own, for the quality of the library, 1 to 100. Throws MediaError, which names the
-/// file.
+/// Encodes the strip as a separate JPEG file. quality: that of the library, 1 to 100. Throws MediaError, which names
+/// the file.
 JpegBytes codedStrip(const JpegStrip &strip, int quality, const std::filesystem::path &file);
 
 } // namespace lumetwin::media::images

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/jpeg/JpegWriter.h"
 
-// A picture is cut into strips, which are converted and coded beside each other: each one is a restart interval of the
-// file that they make (ITU-T T.81, B.2).
+// A picture is divided into strips, which are converted and encoded in parallel. Each strip is a restart interval of
+// the final file (ITU-T T.81, B.2).
 #include "media/MediaError.h"
 #include "media/colour/PictureFor.h"
 #include "media/jpeg/JpegErrors.h"
@@ -27,7 +27,7 @@ constexpr int highestStrip = 256;
 constexpr int longestInterval = 65535; // units from one restart marker to the next
 
 struct Strips {
-    int rows = 0; ///< of each but the last
+    int rows = 0; ///< rows of each strip except the last
     int count = 1;
     unsigned interval = 0; ///< units of a strip; 0 when there is one strip
 };
@@ -41,8 +41,8 @@ Strips stripsOf(const Picture &picture, int quality) {
     return {rows, count, count > 1 ? static_cast<unsigned>(unitsAcross * unitsDown) : 0};
 }
 
-/// Rows around a strip that are converted with it. Its colours depend on a few of them, and dithering repeats every 16
-/// rows of each plane.
+/// The number of rows around a strip that are converted with it: its colours depend on a few of them, and the dithering
+/// pattern repeats every 16 rows of each plane.
 int contextOf(const Picture &picture) {
     return picture.format.depth > 8 ? 32 : 16;
 }
@@ -56,7 +56,7 @@ Picture fittedStrip(const Picture &picture, int first, int rows, const Cancellat
     return cropped(surrounded, 0, first - from, picture.width, std::min(rows, picture.height - first));
 }
 
-/// The strips, each a file of its own, coded on as many threads as there are processors.
+/// Encodes the strips as separate files, on one thread per processor.
 std::vector<JpegBytes> codedStrips(const StillImage &image, const Strips &strips, int quality,
                                    const std::filesystem::path &file, const Cancellation &cancellation) {
     std::vector<JpegBytes> coded(static_cast<std::size_t>(strips.count));
@@ -120,7 +120,7 @@ void writeJoined(const std::vector<JpegBytes> &strips, int height, const OutputF
 } // namespace
 
 int jpegQuality(double quality) {
-    // Straight lines between points that were chosen by looking: 0.75 shows no blocks at reading distance.
+    // Linear interpolation between points that were chosen by viewing: 0.75 shows no blocks at reading distance.
     constexpr std::array<std::array<double, 2>, 4> points{{{0, 10}, {0.5, 72}, {0.75, 86}, {1, 100}}};
     const double wanted = std::clamp(std::isnan(quality) ? 1.0 : quality, 0.0, 1.0);
     for (std::size_t i = 1; i < points.size(); ++i)

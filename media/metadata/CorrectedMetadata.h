@@ -5,7 +5,7 @@
 
 namespace lumetwin::media::images {
 
-/// The metadata as it is true for the picture: its size, upright, without thumbnails, and with a colour profile.
+/// The metadata, corrected for the picture: its size, upright, no thumbnails, and with a colour profile.
 ImageMetadata correctedMetadata(const Picture &picture, ImageMetadata metadata);
 
 } // namespace lumetwin::media::images

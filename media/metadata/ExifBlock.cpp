@@ -14,9 +14,9 @@ namespace {
 
 constexpr std::size_t valueLimit = 16u << 20; // bytes of all values together
 constexpr std::uint32_t fieldLimit = 1000;    // of one directory
-constexpr std::uint32_t noteLimit = 1u << 20; // a note farther behind is moved
+constexpr std::uint32_t noteLimit = 1u << 20; // a maker's note at a larger offset is moved
 
-// Fields of the camera's directory that tell of the photograph; the others describe how a file stores samples.
+// Fields of the camera's directory about the photograph. The others describe how a file stores samples.
 constexpr std::array<std::uint16_t, 17> cameraFields{0x010E /* description */,
                                                      0x010F /* make */,
                                                      0x0110 /* model */,
@@ -40,11 +40,11 @@ constexpr std::uint16_t chromaPositioning = 0x0213;
 constexpr std::uint16_t colourSpace = 0xA001;
 constexpr std::uint16_t pixelWidth = 0xA002;
 constexpr std::uint16_t pixelHeight = 0xA003;
-// Places in the picture as it was taken: they mean nothing in another one.
+// Positions in the original picture, which are not valid in another one.
 constexpr std::uint16_t subjectArea = 0x9214;
 constexpr std::uint16_t subjectLocation = 0xA214;
 
-/// Reads directories; keeps count of what it has taken.
+/// Reads directories and limits the total amount of data.
 class Parser {
 public:
     Parser(const ExifBlock::Source &source, bool bigEndian) : source_(source), bigEndian_(bigEndian) {}
@@ -114,8 +114,8 @@ bool isCameraField(const ExifBlock::Field &field) {
     return std::find(cameraFields.begin(), cameraFields.end(), field.tag) != cameraFields.end();
 }
 
-/// Notes whose inner offsets count from their own beginning.
-bool movesFreely(const std::vector<std::uint8_t> &note) {
+/// Whether a maker's note uses offsets relative to its own beginning, so that it can be moved.
+bool isRelocatable(const std::vector<std::uint8_t> &note) {
     using namespace std::string_view_literals;
     constexpr std::array beginnings{"Apple iOS\0"sv, "Nikon\0\x02"sv, "FUJIFILM"sv,
                                     "OLYMPUS\0"sv,   "OM SYSTEM\0"sv, "PENTAX \0"sv};
@@ -197,7 +197,7 @@ void ExifBlock::describePicture(int width, int height) {
 void ExifBlock::describeSRGB() {
     if (find(photograph_, colourSpace))
         set(photograph_, number(colourSpace, exif::shortNumber, 1));
-    interoperability_.clear(); // it may tell of another colour space
+    interoperability_.clear(); // it may specify another colour space
 }
 
 void ExifBlock::dropMakerNote() {
@@ -209,7 +209,7 @@ std::vector<std::uint8_t> ExifBlock::bytes() const {
     ExifLayout layout(bigEndian_, 0, headerSize);
     const Field *note = find(photograph_, exif::makerNote);
     if (note && note->value.size() > 4 && note->place >= headerSize && note->place <= noteLimit)
-        layout.keepFree(note->place, static_cast<std::uint32_t>(note->value.size()));
+        layout.reserveRange(note->place, static_cast<std::uint32_t>(note->value.size()));
     Directory camera = camera_;
     Directory photograph = photograph_;
     const auto point = [this](Directory &from, std::uint16_t tag, const Directory &to) {
@@ -257,7 +257,7 @@ ExifBlock::Directory ExifBlock::littleEndian(const Directory &directory) const {
 std::vector<std::uint8_t> ExifBlock::photographBytes(std::uint32_t place) const {
     Directory fields = littleEndian(photograph_);
     const Field *note = find(fields, exif::makerNote);
-    if (note && !movesFreely(note->value))
+    if (note && !isRelocatable(note->value))
         drop(fields, exif::makerNote);
     ExifLayout layout(false, place, 0);
     if (interoperability_.empty()) {

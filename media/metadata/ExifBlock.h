@@ -9,43 +9,43 @@
 
 namespace lumetwin::media::images {
 
-/// What an Exif block (CIPA DC-008, a TIFF structure) tells of a photograph: the camera's, the photograph's, the
-/// position's and the interoperability directories. Thumbnails and fields that describe how samples are stored are left
-/// out; values stay in the block's byte order.
+/// The contents of an Exif block (CIPA DC-008, a TIFF structure): the directories of the camera, the photograph, the
+/// position and interoperability. Thumbnails and fields about sample storage are left out. Values keep the block's byte
+/// order.
 class ExifBlock {
 public:
-    /// One field; `value` holds count items of the type.
+    /// One field. `value` has `count` items of the type.
     struct Field {
         std::uint16_t tag = 0;
         std::uint16_t type = 0;
         std::uint32_t count = 0;
         std::vector<std::uint8_t> value;
-        std::uint32_t place = 0; ///< where the value lay in the block it was read from
+        std::uint32_t place = 0; ///< offset of the value in the original block
     };
     using Directory = std::vector<Field>;
-    /// Fills the span with bytes from the offset on; false where there are none.
+    /// Reads bytes from the offset. Returns false when they do not exist.
     using Source = std::function<bool(std::uint64_t offset, std::span<std::uint8_t> bytes)>;
 
-    /// What can be read of a block; damaged parts are left out, nothing is thrown for them.
+    /// Parses a block. Damaged parts are left out without an exception.
     static ExifBlock parse(std::span<const std::uint8_t> block);
     static ExifBlock parse(const Source &source);
 
     bool empty() const;
     bool hasPhotograph() const { return !photograph_.empty(); }
     bool hasPosition() const { return !position_.empty(); }
-    /// A text field of the camera's directory, empty where there is none.
+    /// A text field of the camera's directory; empty when missing.
     std::string imageText(std::uint16_t tag) const;
 
-    /// Says of the picture what is true: upright, of this size, thumbnails gone.
+    /// Sets the facts about the picture: upright, this size, no thumbnails.
     void describePicture(int width, int height);
-    /// The colour space field, where there is one: sRGB.
+    /// Sets the colour space field to sRGB, if there is one.
     void describeSRGB();
     void dropMakerNote();
 
-    /// The block with its TIFF header. A maker's note stays at the offset where it was, because many refer to that.
+    /// The block with its TIFF header. A maker's note keeps its offset, because many notes contain absolute offsets.
     std::vector<std::uint8_t> bytes() const;
-    /// The directory of the photograph (with its interoperability directory), or of the position, as bytes that are to
-    /// lie at `place` of a little-endian file. Maker's notes that refer to their place are left out.
+    /// The directory of the photograph (with its interoperability directory), or of the position, as bytes for the
+    /// offset `place` of a little-endian file. Maker's notes with absolute offsets are left out.
     std::vector<std::uint8_t> photographBytes(std::uint32_t place) const;
     std::vector<std::uint8_t> positionBytes(std::uint32_t place) const;
 

@@ -37,7 +37,7 @@ void writeNumber(std::uint8_t *bytes, std::size_t size, bool bigEndian, std::uin
 ExifLayout::ExifLayout(bool bigEndian, std::uint32_t base, std::uint32_t first)
     : bytes_(first), bigEndian_(bigEndian), base_(base), next_(first) {}
 
-void ExifLayout::keepFree(std::uint32_t from, std::uint32_t size) {
+void ExifLayout::reserveRange(std::uint32_t from, std::uint32_t size) {
     keptFrom_ = from - base_;
     keptTo_ = keptFrom_ + size;
     bytes_.resize(std::max(bytes_.size(), keptTo_));

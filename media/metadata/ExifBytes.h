@@ -13,33 +13,33 @@ inline constexpr std::uint16_t ascii = 2;
 inline constexpr std::uint16_t shortNumber = 3;
 inline constexpr std::uint16_t longNumber = 4;
 inline constexpr std::uint16_t undefined = 7;
-// Fields that lead to other directories.
+// Fields with offsets of other directories.
 inline constexpr std::uint16_t photographDirectory = 0x8769;
 inline constexpr std::uint16_t positionDirectory = 0x8825;
 inline constexpr std::uint16_t interoperabilityDirectory = 0xA005;
 inline constexpr std::uint16_t makerNote = 0x927C;
 
-/// Bytes of one item of a type; 0 for types that do not exist.
+/// The size in bytes of one item of a type; 0 for unknown types.
 std::size_t itemSize(std::uint16_t type);
-/// Bytes of the numbers that an item of a type is made of: what changes places with the byte order.
+/// The size in bytes of the numbers in an item of a type: the unit that is swapped for another byte order.
 std::size_t numberSize(std::uint16_t type);
 
 std::uint32_t readNumber(const std::uint8_t *bytes, std::size_t size, bool bigEndian);
 void writeNumber(std::uint8_t *bytes, std::size_t size, bool bigEndian, std::uint32_t number);
 } // namespace exif
 
-/// Lays directories and their values out one behind the other.
+/// Serialises directories and their values one after another.
 class ExifLayout {
 public:
-    /// Offsets count from `base` bytes before the first byte laid out; `first` bytes of it are taken already.
+    /// Offsets are relative to `base` bytes before the first byte; the first `first` bytes are already used.
     ExifLayout(bool bigEndian, std::uint32_t base, std::uint32_t first);
 
-    /// Bytes from here to there belong to a value that keeps its place.
-    void keepFree(std::uint32_t from, std::uint32_t size);
+    /// Reserves a range of bytes for a value that keeps its offset.
+    void reserveRange(std::uint32_t from, std::uint32_t size);
 
-    /// Lays a directory out with its values; returns its offset. Fields are in order of their tags.
+    /// Appends a directory with its values and returns its offset. Fields must be in order of their tags.
     std::uint32_t add(const ExifBlock::Directory &fields);
-    /// Gives a field of a directory that has been laid out another 32-bit value.
+    /// Changes the 32-bit value of a field in an appended directory.
     void patch(std::uint32_t directory, std::size_t field, std::uint32_t value);
 
     std::vector<std::uint8_t> take() { return std::move(bytes_); }

@@ -16,7 +16,7 @@ template <typename File> bool readAll(const File &file, std::uint64_t position, 
     return file.readAt(position, bytes) == bytes.size();
 }
 
-/// Where the value of a field of the first directory stands; 0 where there is none.
+/// The offset of the value of a field of the first directory; 0 when there is none.
 std::uint64_t placeOfField(const OutputFile &file, std::uint16_t tag) {
     std::array<std::uint8_t, 8> header{};
     std::array<std::uint8_t, 2> size{};
@@ -36,7 +36,7 @@ std::uint64_t placeOfField(const OutputFile &file, std::uint16_t tag) {
     return 0;
 }
 
-/// Writes a directory at the file's end and its place into the field that leads to it, as a 32-bit number.
+/// Appends a directory to the file and writes its offset into the field for it, as a 32-bit number.
 void append(const OutputFile &file, std::uint16_t tag,
             const std::function<std::vector<std::uint8_t>(std::uint32_t)> &directory) {
     const std::uint64_t field = placeOfField(file, tag);

@@ -11,6 +11,6 @@ void keepPngError(png_structp codec, png_const_charp message) {
     png_longjmp(codec, 1);
 }
 
-void passOverPngWarning(png_structp, png_const_charp) {}
+void ignorePngWarning(png_structp, png_const_charp) {}
 
 } // namespace lumetwin::media::images

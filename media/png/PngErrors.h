@@ -8,16 +8,16 @@
 
 namespace lumetwin::media::images {
 
-/// Keeps what the PNG library reports as an error and passes over its warnings.
+/// Keeps the error messages of the PNG library and ignores its warnings.
 struct PngErrors {
     char message[256] = {};
 };
 
 [[noreturn]] void keepPngError(png_structp codec, png_const_charp message);
-void passOverPngWarning(png_structp codec, png_const_charp message);
+void ignorePngWarning(png_structp codec, png_const_charp message);
 
-/// Runs a step that calls the PNG library; false when the library gave up. The step must not own anything: the
-/// library leaves it by a jump.
+/// Runs a step that calls the PNG library. Returns false when the library failed. The step must not own anything,
+/// because the library leaves it with longjmp.
 template <typename Step> bool succeeds(png_structp codec, const Step &step) {
     if (setjmp(png_jmpbuf(codec)) != 0)
         return false;

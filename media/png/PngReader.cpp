@@ -17,7 +17,8 @@ namespace lumetwin::media::images {
 namespace {
 
 constexpr png_uint_32 maximumSide = 65535;
-constexpr png_alloc_size_t chunkLimit = 32u << 20; // bytes that one profile, text or Exif chunk may unfold to
+constexpr png_alloc_size_t chunkLimit = 32u
+                                        << 20; // bytes, the maximum decompressed size of a profile, text or Exif chunk
 constexpr png_uint_32 chunkCountLimit = 1000;
 
 struct Decoder {
@@ -28,7 +29,7 @@ struct Decoder {
     const Cancellation &cancellation;
 
     Decoder(const std::filesystem::path &path, const Cancellation &asked) : file(path), cancellation(asked) {
-        codec = png_create_read_struct(PNG_LIBPNG_VER_STRING, &errors, keepPngError, passOverPngWarning);
+        codec = png_create_read_struct(PNG_LIBPNG_VER_STRING, &errors, keepPngError, ignorePngWarning);
         info = codec ? png_create_info_struct(codec) : nullptr;
         if (!info) {
             png_destroy_read_struct(&codec, &info, nullptr);
@@ -61,7 +62,7 @@ void readHeader(Decoder &decoder, std::FILE *stream) {
               png_get_image_height(decoder.codec, decoder.info));
 }
 
-/// Every kind of file comes as grey or RGB of 8 or 16 bits in the machine's order, with or without alpha.
+/// Makes the library return every file as grey or RGB with 8 or 16 bits in native byte order, with or without alpha.
 int simplify(Decoder &decoder) {
     int passes = 1;
     decoder.run([&] {
@@ -91,7 +92,7 @@ void readProgressive(Decoder &decoder, PixelLayout layout, const Picture &pictur
     }
 }
 
-/// An interlaced file's passes refine rows that have to be kept as they lie in the file.
+/// The passes of an interlaced file refine rows, so all rows are kept in the layout of the file.
 void readInterlaced(Decoder &decoder, PixelLayout layout, const Picture &picture, int passes) {
     const std::size_t stride = (png_get_rowbytes(decoder.codec, decoder.info) + 1) / 2;
     const std::unique_ptr<std::uint16_t[]> whole(new (std::nothrow) std::uint16_t[stride * picture.height]);
@@ -109,7 +110,7 @@ void readInterlaced(Decoder &decoder, PixelLayout layout, const Picture &picture
         takeRow(rowAt(y), layout, picture, y);
 }
 
-/// The colour space that gAMA and cHRM describe, unless it is sRGB.
+/// A profile for the colour space in gAMA and cHRM; empty for sRGB.
 std::vector<std::uint8_t> describedProfile(Decoder &decoder) {
     double gamma = 0;
     double white[2];
@@ -121,7 +122,7 @@ std::vector<std::uint8_t> describedProfile(Decoder &decoder) {
                      &colours[1][1], &colours[2][0], &colours[2][1]) != 0;
     if (!described)
         return {};
-    // 1/2.2 is how files say sRGB; its primaries are those of ITU-R BT.709.
+    // Files write 1/2.2 for sRGB; its primaries are those of ITU-R BT.709.
     const bool plain = std::abs(gamma - 1 / 2.2) < 0.01 && std::abs(colours[0][0] - 0.64) < 0.002 &&
                        std::abs(colours[1][1] - 0.60) < 0.002 && std::abs(colours[2][0] - 0.15) < 0.002;
     return plain ? std::vector<std::uint8_t>{} : profileOf(white, colours, 1 / gamma);
@@ -137,10 +138,10 @@ std::vector<std::uint8_t> profileIn(Decoder &decoder, int channels) {
         profile.assign(data, data + length);
     else if (channels == 3)
         profile = describedProfile(decoder);
-    return suits(profile, channels) ? profile : std::vector<std::uint8_t>{};
+    return matchesChannels(profile, channels) ? profile : std::vector<std::uint8_t>{};
 }
 
-/// Reads what follows the samples too: metadata may stand there. Damage behind the picture harms nothing.
+/// Reads the metadata, also after the samples. Damage there is ignored.
 ImageMetadata metadataIn(Decoder &decoder, int channels) {
     succeeds(decoder.codec, [&] { png_read_end(decoder.codec, decoder.info); });
     ImageMetadata metadata;

@@ -14,7 +14,7 @@ namespace lumetwin::media::images {
 
 namespace {
 
-/// Photographs gain little from more, and it costs several times the time.
+/// Higher levels save little for photographs and need several times as long.
 constexpr int compressionLevel = 4;
 
 struct Encoder {
@@ -24,7 +24,7 @@ struct Encoder {
     const std::filesystem::path &file;
 
     explicit Encoder(const std::filesystem::path &path) : file(path) {
-        codec = png_create_write_struct(PNG_LIBPNG_VER_STRING, &errors, keepPngError, passOverPngWarning);
+        codec = png_create_write_struct(PNG_LIBPNG_VER_STRING, &errors, keepPngError, ignorePngWarning);
         info = codec ? png_create_info_struct(codec) : nullptr;
         if (!info) {
             png_destroy_write_struct(&codec, &info);
@@ -41,7 +41,7 @@ struct Encoder {
     }
 };
 
-/// Bits a sample in the file: PNG has 8 and 16.
+/// Bits per sample in the file: PNG has 8 and 16.
 int fileDepth(const Picture &picture) {
     return picture.format.depth > 8 ? 16 : 8;
 }
@@ -69,7 +69,7 @@ void setMetadata(const Encoder &encoder, ImageMetadata &metadata, const ColourTa
     png_set_text(encoder.codec, encoder.info, &text, 1);
 }
 
-/// Samples of 9 to 15 bits are spread over 16 so that white stays white.
+/// Scales samples of 9 to 15 bits to 16 bits so that white stays white.
 void widen(std::uint16_t *samples, std::size_t count, int depth) {
     for (std::size_t i = 0; depth < 16 && i < count; ++i)
         samples[i] = static_cast<std::uint16_t>((samples[i] << (16 - depth)) | (samples[i] >> (2 * depth - 16)));

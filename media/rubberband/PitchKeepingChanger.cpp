@@ -11,10 +11,11 @@ namespace {
 
 using RubberBand::RubberBandStretcher;
 
-// Samples that are handed over at once; the library allocates for as many.
+// The number of samples passed at once; the library allocates for this number.
 constexpr std::size_t largestStep = 4096;
 
-/// The library's finer engine: the faster one moves steady tones by up to 1 % where it is to keep sudden sounds crisp.
+/// Uses the library's finer engine. The faster one changes steady tones by up to 1 % when it must keep transients
+/// sharp.
 class PitchKeepingChanger : public SpeedChanger {
 public:
     PitchKeepingChanger(int sampleRate, int channels, double ratio)
@@ -42,7 +43,7 @@ public:
     }
 
 private:
-    /// What the padding before the first sample gave out beyond the delay.
+    /// Takes the output of the padding before the first sample, without the delay.
     void takeBeginning(Channels &ready) {
         for (std::size_t channel = 0; channel < beginning_.size(); ++channel)
             ready[channel].insert(ready[channel].begin(), beginning_[channel].begin(), beginning_[channel].end());
@@ -78,7 +79,7 @@ private:
 
     std::size_t channels_;
     RubberBandStretcher stretcher_;
-    std::size_t toDrop_ = 0; ///< samples of the library's own delay
+    std::size_t toDrop_ = 0; ///< samples of the library's delay
     Channels beginning_;
 };
 

@@ -10,14 +10,14 @@ namespace lumetwin::media::images {
 
 namespace {
 
-/// What a stream reads from or writes to, and its position there.
+/// The file of a stream, and its position.
 struct Cookie {
     std::optional<InputFile> input;
     std::optional<OutputFile> output;
     std::uint64_t position = 0;
 };
 
-/// The position after moving by `offset` from one of the places of lseek(); nothing before the beginning.
+/// The position after moving by `offset`, as with lseek(); nullopt before the beginning.
 std::optional<std::uint64_t> moved(const Cookie &cookie, off64_t offset, int whence) {
     std::uint64_t from = 0;
     if (whence == SEEK_CUR)
@@ -28,7 +28,7 @@ std::optional<std::uint64_t> moved(const Cookie &cookie, off64_t offset, int whe
     return position < 0 ? std::nullopt : std::optional(static_cast<std::uint64_t>(position));
 }
 
-/// Runs a callback of the C library, which tells errors by errno.
+/// Runs a callback of the C library. Reports errors by errno.
 template <typename Action> auto withErrno(const Action &action, decltype(action()) failed) {
     try {
         return action();

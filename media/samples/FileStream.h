@@ -15,17 +15,16 @@ struct CloseStream {
     void operator()(std::FILE *stream) const { std::fclose(stream); }
 };
 
-/// A stream of the C library over an opened file, for libraries that want one. It has a position of its own.
+/// A C stream for an opened file, for libraries that need one. It has its own position.
 using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 
-/// Throw MediaError where memory is short.
+/// These throw MediaError without memory.
 FileStream streamOf(const InputFile &file);
 FileStream streamOf(const OutputFile &file);
-/// Closes a stream that was written to; throws MediaError when something of it could not be written.
+/// Closes a stream after writing. Throws MediaError when some data could not be written.
 void closeWritten(FileStream stream, const OutputFile &file);
 
-/// The error of a library that could not write: the system's reason, where it left one in errno, with the library's
-/// words.
+/// The error of a library that failed to write: the system's reason if errno is set, and the library's message.
 MediaError writingError(const std::filesystem::path &file, const std::string &libraryWords);
 
 } // namespace lumetwin::media::images

@@ -10,7 +10,7 @@ namespace lumetwin::media::images {
 
 enum class Alpha { none, straight, premultiplied };
 
-/// How the samples of one pixel lie in an interleaved row: grey or RGB, then perhaps alpha, then others.
+/// The samples of one pixel in an interleaved row: grey or RGB, then optional alpha, then others.
 struct PixelLayout {
     int channels = 3;          ///< samples from one pixel to the next
     Alpha alpha = Alpha::none; ///< the sample that follows the colours
@@ -20,13 +20,13 @@ template <typename Sample> Sample *planeRow(const Picture &picture, int plane, i
     return reinterpret_cast<Sample *>(picture.planes[plane].data + y * picture.planes[plane].stride);
 }
 
-/// The value of a sample of the given opacity over black.
+/// The value of a sample with the given opacity over black.
 template <typename Sample> Sample overBlack(Sample value, Sample alpha) {
     constexpr std::uint32_t full = static_cast<Sample>(~Sample{0});
     return static_cast<Sample>((std::uint32_t{value} * alpha + full / 2) / full);
 }
 
-/// Spreads interleaved pixels over the picture's planes from column x of row y on; transparent ones are drawn onto
+/// Copies interleaved pixels to the picture's planes, beginning at column x of row y. Transparent ones are drawn on
 /// black.
 template <typename Sample>
 void scatterRow(const Sample *row, PixelLayout layout, const Picture &picture, int x, int y, int count) {
@@ -47,7 +47,7 @@ void scatterRow(const Sample *row, PixelLayout layout, const Picture &picture, i
     }
 }
 
-/// Interleaves a row of the picture's planes.
+/// Copies a row of the picture's planes to interleaved samples.
 template <typename Sample> void gatherRow(const Picture &picture, int y, Sample *row) {
     const int channels = picture.format.planeCount();
     for (int plane = 0; plane < channels; ++plane) {

@@ -12,7 +12,7 @@ namespace lumetwin::media::images {
 
 namespace {
 
-constexpr tmsize_t allocationLimit = tmsize_t{1} << 31; // bytes that one strip or tile may ask for
+constexpr tmsize_t allocationLimit = tmsize_t{1} << 31; // bytes, the maximum for one strip or tile
 
 int keepError(TIFF *, void *user, const char *, const char *format, va_list arguments) {
     char text[256];
@@ -25,7 +25,7 @@ int passOverWarning(TIFF *, void *, const char *, const char *, va_list) {
     return 1;
 }
 
-/// Runs one of the library's callbacks, which tell errors by their result and errno.
+/// Runs a callback of the library. Reports errors by the result and errno.
 template <typename Action> auto withErrno(const Action &action, decltype(action()) failed) {
     try {
         return action();

@@ -18,27 +18,27 @@ struct CloseTiff {
     void operator()(TIFF *tiff) const { TIFFClose(tiff); }
 };
 
-/// Where the library reads and writes, and its position there.
+/// The file of the library's callbacks, and their position in it.
 struct TiffStream {
     std::optional<InputFile> input;
     std::optional<OutputFile> output;
     std::uint64_t position = 0;
 };
 
-/// An open TIFF file and the library's latest words about it.
+/// An open TIFF file and the latest message of the library.
 struct TiffFile {
     std::filesystem::path file;
     std::string message;
     TiffStream stream;
     std::unique_ptr<TIFF, CloseTiff> tiff;
 
-    /// Throw MediaError. What is written is little-endian whatever the machine.
+    /// These throw MediaError. Files are always written little-endian.
     explicit TiffFile(const InputFile &input);
     explicit TiffFile(const OutputFile &output);
     TiffFile(const TiffFile &) = delete;
 
     TIFF *get() const { return tiff.get(); }
-    /// Throws MediaError with the given reason and the library's latest words.
+    /// Throws MediaError with the given reason and the latest message of the library.
     [[noreturn]] void fail(MediaOperation operation, MediaReason reason) const;
 };
 

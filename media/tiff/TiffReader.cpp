@@ -20,9 +20,9 @@ namespace lumetwin::media::images {
 namespace {
 
 constexpr MediaOperation reading = MediaOperation::read;
-constexpr int maximumSamples = 16; // colours, alpha and whatever else of a pixel
+constexpr int maximumSamples = 16; // colours, alpha and other samples of a pixel
 
-/// How a page's samples lie, where this reader takes them as they are.
+/// The sample layout of a page that this reader handles without the library's conversion.
 struct Page {
     int width = 0;
     int height = 0;
@@ -30,7 +30,7 @@ struct Page {
     int channels = 3;
     int colours = 3;
     Alpha alpha = Alpha::none;
-    bool separate = false; ///< each sample in planes of its own
+    bool separate = false; ///< each sample in its own plane
     bool whiteIsZero = false;
 };
 
@@ -91,7 +91,7 @@ bool isPlain(const TiffFile &tiff, const Page &page) {
            (page.alpha == Alpha::none || page.channels > page.colours);
 }
 
-/// Puts rows as they lie in the file into the picture.
+/// Copies rows of the file into the picture.
 class RowTaker {
 public:
     RowTaker(const Page &page, const Picture &picture, std::span<const std::uint8_t> profile)
@@ -158,7 +158,7 @@ void readLines(const TiffFile &tiff, const Page &page, RowTaker &rows, const Can
     }
 }
 
-/// A strip or tile and how to read one plane of it.
+/// The size of a strip or tile, and how to read one plane of it.
 struct Piece {
     int width = 0;
     int height = 0;
@@ -241,7 +241,7 @@ void readPieces(const TiffFile &tiff, const Page &page, RowTaker &rows, const Ca
         }
 }
 
-/// Rows of the strip or tile that the file is coded in: a part of one would be decoded with the whole of it each time.
+/// The number of rows of a strip or tile. Reading fewer rows would decode the whole strip each time.
 int rowsAtOnce(const TiffFile &tiff, const Page &page) {
     const auto rows = TIFFIsTiled(tiff.get()) != 0 ? field<std::uint32_t>(tiff, TIFFTAG_TILELENGTH, 0)
                                                    : field<std::uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP, 0);
@@ -258,14 +258,14 @@ void scatterPacked(const std::uint32_t *row, const Picture &picture, int y) {
     }
 }
 
-/// Palettes, small samples and colour spaces of print go through the library's own conversion to 8-bit RGB.
+/// Uses the library's conversion to 8-bit RGB for palettes, small samples and print colour spaces.
 void readConverted(const TiffFile &tiff, const Page &page, const Picture &picture, const Cancellation &cancellation) {
     char reason[1024] = "";
     TIFFRGBAImage converter;
     if (TIFFRGBAImageOK(tiff.get(), reason) == 0 || TIFFRGBAImageBegin(&converter, tiff.get(), 1, reason) == 0)
         throw MediaError(tiff.file, reading, 0, MediaReason::unsupported, reason);
     const std::unique_ptr<TIFFRGBAImage, void (*)(TIFFRGBAImage *)> owner(&converter, TIFFRGBAImageEnd);
-    converter.req_orientation = converter.orientation; // rows as they lie in the file
+    converter.req_orientation = converter.orientation; // rows in the order of the file
     const int rows = rowsAtOnce(tiff, page);
     const std::unique_ptr<std::uint32_t[]> raster(new (std::nothrow)
                                                       std::uint32_t[static_cast<std::size_t>(page.width) * rows]);
@@ -323,7 +323,7 @@ StillImage readTiff(const InputFile &file, const Cancellation &cancellation) {
     } else {
         readConverted(tiff, page, image.picture, cancellation);
     }
-    if (!suits(image.metadata.iccProfile, grey ? 1 : 3))
+    if (!matchesChannels(image.metadata.iccProfile, grey ? 1 : 3))
         image.metadata.iccProfile.clear();
     return image;
 }

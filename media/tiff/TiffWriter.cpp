@@ -41,7 +41,8 @@ void describe(const TiffFile &tiff, const Picture &picture) {
                  TIFFSetField(file, TIFFTAG_ROWSPERSTRIP, std::max(1u, stripBytes / rowBytes)));
 }
 
-/// Text fields of the first directory that tell of the photograph; its sub-directories are added to the finished file.
+/// Sets the text fields of the first directory about the photograph. The sub-directories are added to the finished
+/// file.
 void describePhotograph(const TiffFile &tiff, const ExifBlock &exif) {
     for (const std::uint16_t tag : {TIFFTAG_IMAGEDESCRIPTION, TIFFTAG_MAKE, TIFFTAG_MODEL, TIFFTAG_SOFTWARE,
                                     TIFFTAG_DATETIME, TIFFTAG_ARTIST, TIFFTAG_COPYRIGHT})
@@ -58,7 +59,7 @@ void setMetadata(const TiffFile &tiff, const ImageMetadata &metadata, const Exif
         setField(tiff, TIFFSetField(tiff.get(), TIFFTAG_XMLPACKET, static_cast<std::uint32_t>(metadata.xmp.size()),
                                     metadata.xmp.data()));
     describePhotograph(tiff, exif);
-    // Room for the places of the sub-directories.
+    // Space for the offsets of the sub-directories.
     if (exif.hasPhotograph())
         setField(tiff, TIFFSetField(tiff.get(), TIFFTAG_EXIFIFD, std::uint64_t{8}));
     if (exif.hasPosition())

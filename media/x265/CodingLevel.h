@@ -7,11 +7,11 @@ namespace lumetwin::media::x265 {
 
 /// A level of the Main tier (ITU-T H.265, tables A.8 and A.9).
 struct CodingLevel {
-    int number = 0;                  ///< ten times the level: 41 for 4.1; 85 is the level without limits
+    int number = 0;                  ///< ten times the level: 41 means 4.1; 85 means no limits
     std::int64_t highestBitRate = 0; ///< bits per second
 };
 
-/// The lowest level that holds pictures of the given size and rate at the given bit rate.
+/// The lowest level for pictures of the given size and rate and the given bit rate.
 CodingLevel codingLevel(int width, int height, double frameRate, std::int64_t bitRate);
 
 } // namespace lumetwin::media::x265

@@ -138,8 +138,8 @@ std::optional<std::vector<std::uint8_t>> withConformanceWindow(hevc::NalBytes un
     writer.bit(1);
     for (const std::uint32_t offset : {0u, (place->width - shownWidth) / 2, 0u, (place->height - shownHeight) / 2})
         writer.number(offset);
-    // The rest up to and including the stop bit, which is the last one that is set.
-    std::size_t pending = 0; // zeros that may turn out to be behind it
+    // Copy the rest up to the stop bit, which is the last bit that is set.
+    std::size_t pending = 0; // zeros that may be after the stop bit
     while (reader.position() < reader.size()) {
         if (!reader.bits(1)) {
             ++pending;

@@ -9,9 +9,9 @@
 
 namespace lumetwin::media::x265 {
 
-/// A video or sequence parameter set of a two-view 4:2:0 stream, with the conformance window (in the video parameter
-/// set: that of the representation format, ITU-T H.265, F.7.3.2.1.2) set so that the given size is shown from the top
-/// left. Nothing where the set is not of the expected kind.
+/// A video or sequence parameter set of a two-view 4:2:0 stream with its conformance window set so that the given size
+/// is shown from the top left. (In the video parameter set that is the window of the representation format, ITU-T
+/// H.265, F.7.3.2.1.2.) nullopt when the set is not as expected.
 std::optional<std::vector<std::uint8_t>> withConformanceWindow(hevc::NalBytes unit, int width, int height);
 
 } // namespace lumetwin::media::x265

@@ -24,8 +24,8 @@ void setColour(x265_param &parameters, const ColourTags &colour) {
 }
 
 Encoder openEncoder(x265_param &parameters) {
-    // The first encoder of a process fills the library's tables of functions, and no lock keeps a second one from
-    // using them half filled.
+    // The first encoder of a process initialises the library's function tables without a lock, so a second encoder
+    // could use incomplete tables.
     static std::once_flag tables;
     Encoder encoder;
     std::call_once(tables, [&] { encoder.reset(x265_encoder_open(&parameters)); });

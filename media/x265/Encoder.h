@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// One owner type for each x265 object that we hold, and what its two encoders share.
+// Owner types for x265's objects, and functions shared by both encoders.
 
 #include "media/ColourTags.h"
 
@@ -21,10 +21,10 @@ struct EncoderDeleter {
 };
 using Encoder = std::unique_ptr<x265_encoder, EncoderDeleter>;
 
-/// Opens an encoder, from any thread; none where the library does not take the parameters.
+/// Opens an encoder; may be called on any thread. Null when the library refuses the parameters.
 Encoder openEncoder(x265_param &parameters);
 
-/// States what sample values mean in the stream (ITU-T H.265, E.2.1); unspecified places of chroma are not stated.
+/// Sets the colour description of the stream (ITU-T H.265, E.2.1). An unspecified chroma location is not written.
 void setColour(x265_param &parameters, const ColourTags &colour);
 
 } // namespace lumetwin::media::x265

@@ -24,15 +24,14 @@ namespace {
 
 constexpr MediaOperation operation = MediaOperation::encode;
 
-// Smaller pictures drift between this encoder and decoders (seen with x265 4.1).
+// For smaller pictures the encoder's reconstruction differs from decoders (seen with x265 4.1).
 constexpr int smallestSide = 96;
-// Pictures below this size are coded in units of 32, so that there are several rows of them.
+// Smaller pictures use coding tree units of 32, so that there are several rows of them.
 constexpr int largeSide = 256;
 constexpr double keyFrameSeconds = 2;
-// Of HEVC's motion vectors (ITU-T H.265, 7.4.7.1, five_minus_max_num_merge_cand).
+// The maximum in HEVC (ITU-T H.265, 7.4.7.1, five_minus_max_num_merge_cand).
 constexpr std::uint32_t mostMergeCandidates = 5;
-// The largest picture of HEVC's levels, 6 to 6.2 (ITU-T H.265, table A.8); no device takes more, and memory ends soon
-// after.
+// The largest picture of HEVC levels 6 to 6.2 (ITU-T H.265, table A.8). No device supports more, and it limits memory.
 constexpr std::int64_t mostSamples = 35'651'584;
 
 // The 3D reference displays information SEI (ITU-T H.265, G.14): one display, left view 0, right view 1. x265 4.1
@@ -47,7 +46,7 @@ double frameRateOf(const StereoFormat &format) {
     return static_cast<double>(format.timeScale) / static_cast<double>(format.frameDuration);
 }
 
-/// The encoder's bit rates are in 1000 bits per second.
+/// x265 uses units of 1000 bits per second.
 int kilobits(double bitsPerSecond) {
     return static_cast<int>(std::clamp(std::round(bitsPerSecond / 1000), 1.0, 2'000'000.0));
 }
@@ -69,17 +68,16 @@ void setStructure(x265_param &parameters, double frameRate) {
     parameters.numViews = 2;
     parameters.numLayers = 2;
     parameters.format = 0;
-    // Both would be written once a layer, in the middle of an access unit.
+    // Both would be written for each layer, in the middle of an access unit.
     parameters.bRepeatHeaders = 0;
     parameters.bEnableAccessUnitDelimiters = 0;
     parameters.bEmitInfoSEI = 0;
     parameters.bOpenGOP = 0;
     parameters.keyframeMax = std::max(2, static_cast<int>(std::lround(keyFrameSeconds * frameRate)));
-    // Every scene cut becomes an IDR picture: beside an intra picture of another kind, x265 4.1 predicts the right view
-    // from the left alone but tells decoders otherwise, and they drift.
+    // Every scene cut becomes an IDR picture. With another kind of intra picture, x265 4.1 predicts the right view only
+    // from the left one but signals something else, so decoders get a different picture.
     parameters.keyframeMin = 1;
-    // A preset reckons with one view. The left picture is one more that the right view is predicted from, beside
-    // those that came before it.
+    // Presets are made for one view. The right view needs one more reference: the left picture of the same time.
     ++parameters.maxNumReferences;
     parameters.maxNumMergeCand = std::min<std::uint32_t>(parameters.maxNumMergeCand + 1, mostMergeCandidates);
     parameters.frameNumThreads = 2;
@@ -133,7 +131,7 @@ struct StereoEncoder::State {
         if (!parameters)
             throw std::bad_alloc();
         if (static_cast<std::int64_t>(codedSide(format.width)) * codedSide(format.height) > mostSamples)
-            throw refusal(); // two such views are more than HEVC codes
+            throw refusal(); // two such views are above the limits of HEVC
         const double frameRate = frameRateOf(format);
         if (x265_param_default_preset(parameters.get(), format.preset.c_str(), nullptr) < 0)
             throw MediaError(file, operation, 0, "there is no preset " + format.preset);
@@ -148,7 +146,7 @@ struct StereoEncoder::State {
             throw refusal();
     }
 
-    /// A bit rate above its level's would change the level, which the encoder refuses.
+    /// A bit rate above the limit of the level would change the level, which the encoder refuses.
     double baseRate() const { return std::min(loop.baseRate(), static_cast<double>(level.highestBitRate)); }
 
     void collectParameterSets() {
@@ -189,7 +187,7 @@ struct StereoEncoder::State {
         return input;
     }
 
-    /// Hands one pair of pictures in (or none: flush) and an access unit out, if there is one.
+    /// Encodes a pair of pictures (null flushes) and passes an access unit to the sink if one is ready.
     bool step(x265_picture *input, const AccessUnitSink &sink) {
         std::array<x265_picture, 2> output;
         for (x265_picture &picture : output)
@@ -224,11 +222,11 @@ struct StereoEncoder::State {
 
     void steer(const AccessUnit &unit, const std::array<double, 2> &bits) {
         if (stills.endedAt(unit.time) && unit.keyFrame)
-            loop.restart(); // a cut to something else: the encoder's rate control begins anew
+            loop.restart(); // a scene cut: the encoder's rate control starts again
         loop.account(bits[0], bits[0] + bits[1]);
         const int asked = kilobits(baseRate());
         if (asked == parameters->rc.bitrate)
-            return; // with nothing new, the encoder would take it for a change of everything else
+            return; // without a change of rate, the encoder would treat it as a change of other parameters
         parameters->rc.bitrate = asked;
         x265_encoder_reconfig(encoder.get(), parameters.get());
     }

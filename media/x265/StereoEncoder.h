@@ -12,12 +12,12 @@
 
 namespace lumetwin::media::x265 {
 
-/// Of filmed media it needs a sixth fewer bits than the next faster preset, for an eighth more time.
-/// bench/spatial_video.py prints the table, bench/README.md keeps one.
+/// For filmed media it needs a sixth fewer bits than the next faster preset and an eighth more time.
+/// bench/spatial_video.py prints the table; bench/README.md has a copy.
 inline constexpr const char *shippedPreset = "veryfast";
 
-/// What a two-view stream is to be. Sizes are even; smaller pictures than the encoder codes safely are padded inside
-/// and cropped again by the stream's conformance window.
+/// The format of a two-view stream. Sizes are even. Pictures that are too small for the encoder are padded, and cropped
+/// again by the stream's conformance window.
 struct StereoFormat {
     int width = 0; ///< one view
     int height = 0;
@@ -34,32 +34,33 @@ struct AccessUnit {
     std::int64_t time = 0;
     std::int64_t decodingTime = 0;
     std::int64_t duration = 0; ///< until the next one is decoded
-    bool keyFrame = false;     ///< layer 0's picture is an intra random access point
+    bool keyFrame = false;     ///< the picture of layer 0 is an intra random access point
 };
 
 using AccessUnitSink = std::function<void(const AccessUnit &)>;
 
-/// Encodes two views into one multiview HEVC stream (ITU-T H.265, Annex G): layer 0 / view 0 is the left eye, layer
-/// 1 / view 1 the right one, predicted from the left. One thread at a time.
+/// Encodes two views into one multiview HEVC stream (ITU-T H.265, Annex G). Layer 0 / view 0 is the left eye; layer 1 /
+/// view 1 is the right eye, predicted from the left. May be used by one thread at a time.
 class StereoEncoder {
 public:
-    /// `file` is named in errors. Throws MediaError where the encoder cannot take the format.
+    /// `file` is named in errors. Throws MediaError when the encoder does not support the format.
     StereoEncoder(const std::filesystem::path &file, const StereoFormat &format);
     ~StereoEncoder();
     StereoEncoder(const StereoEncoder &) = delete;
     StereoEncoder &operator=(const StereoEncoder &) = delete;
 
-    /// VPS with its extension, SPS and PPS of both layers, and the SEI that says which view is whose eye, Annex B.
+    /// VPS with its extension, SPS and PPS of both layers, and the SEI that assigns the views to the eyes, in Annex B
+    /// format.
     const std::vector<std::uint8_t> &parameterSets() const;
 
-    /// By how many access units coding runs ahead of showing.
+    /// The reordering delay in access units.
     int reordering() const;
 
-    /// Both pictures are 8-bit 4:2:0 of the format's size; samples are copied before this returns. The duration, in
-    /// ticks, counts for the last frame; 0 is the format's. Throws MediaError.
+    /// Both pictures are 8-bit 4:2:0 with the size of the format. Samples are copied before this returns. The duration,
+    /// in ticks, is only used for the last frame; 0 means that of the format. Throws MediaError.
     void encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink,
                 std::int64_t duration = 0);
-    /// Gives out every access unit that is still under way.
+    /// Encodes the remaining access units.
     void finish(const AccessUnitSink &sink);
 
 private:

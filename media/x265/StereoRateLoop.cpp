@@ -7,16 +7,16 @@ namespace lumetwin::media::x265 {
 
 namespace {
 
-// Layer 0's usual share of the bits, believed until the stream has shown its own.
+// The typical share of layer 0 in the bits, used until the stream's own share is known.
 constexpr double expectedShare = 0.6;
 constexpr double expectedSeconds = 0.5;
 // The encoder tolerates more the longer it runs (its buffer grows with the root of the time), so it is asked for what
 // is owed once more, over the time that it remembers, but at first over no less than this. (On cut clips, the mean from
 // 20 s on was 1.5 % off so, 1.9 % without and 2.2 % with three times as much.)
 constexpr double shortestRepayment = 6;
-constexpr double leastRate = 0.6; // of the target
+constexpr double leastRate = 0.6; // relative to the target
 constexpr double greatestRate = 1.6;
-// A passage that cannot use its bits (black, a still) saves up at most this much for what follows.
+// A passage that cannot use its bits (black, a still picture) saves at most this many seconds' worth of bits for later.
 constexpr double longestDebt = 20;
 
 } // namespace

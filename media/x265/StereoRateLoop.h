@@ -3,24 +3,24 @@
 
 namespace lumetwin::media::x265 {
 
-/// Keeps the average bit rate of a two-layer stream. The encoder's own rate control sees layer 0 alone; this says,
-/// after each access unit, what to ask of layer 0 so that both layers together come to the target.
+/// Controls the average bit rate of a two-layer stream. The encoder's rate control sees only layer 0. After each access
+/// unit this computes the rate to request for layer 0, so that both layers together reach the target.
 class StereoRateLoop {
 public:
-    /// Bits per second and access units per second.
+    /// target: bits per second. frameRate: access units per second.
     StereoRateLoop(double target, double frameRate);
 
-    /// An access unit came out: the bits of layer 0 and of both layers.
+    /// Call for each access unit with the bits of layer 0 and of both layers.
     void account(double baseBits, double totalBits);
 
-    /// The encoder's rate control has forgotten all that came before the next access unit.
+    /// Call when the encoder's rate control has reset its history before the next access unit.
     void restart();
 
-    /// Bits per second to ask of layer 0 from now on.
+    /// The bit rate to request for layer 0 from now on, in bits per second.
     double baseRate() const;
 
 private:
-    /// What the encoder's rate control remembers.
+    /// The history of the encoder's rate control.
     struct Memory {
         double seconds;
         double base;  ///< bits of layer 0
@@ -31,7 +31,7 @@ private:
     double target_;
     double frameRate_;
     Memory memory_;
-    double owed_ = 0; ///< bits that the whole stream is short of its target so far; negative when it is ahead
+    double owed_ = 0; ///< bits that the stream is below its target so far; negative when above
 };
 
 } // namespace lumetwin::media::x265

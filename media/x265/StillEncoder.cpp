@@ -16,9 +16,9 @@ namespace lumetwin::media::x265 {
 
 namespace {
 
-// In intra pictures the slower presets spend three times the time on 8 % of the bits; hiding signs costs nothing.
+// For intra pictures the slower presets need three times as long to save 8 % of the bits. Sign hiding costs no time.
 constexpr const char *preset = "ultrafast";
-// The encoder wants at least one whole coding unit.
+// The encoder needs at least one whole coding unit.
 constexpr int smallestSide = 64;
 constexpr int largeSide = 256;
 
@@ -52,7 +52,7 @@ Parameters parametersFor(const std::filesystem::path &file, const Picture &pictu
     parameters->psyRd = 0;
     parameters->rc.rateControlMode = X265_RC_CQP;
     parameters->rc.qp = quantiser;
-    parameters->rc.ipFactor = 1; // the intra picture gets the quantiser itself
+    parameters->rc.ipFactor = 1; // the intra picture uses exactly the quantiser
     parameters->rc.aqMode = X265_AQ_NONE;
     parameters->rc.cuTree = 0;
     parameters->logLevel = X265_LOG_NONE;

@@ -11,7 +11,7 @@ namespace {
 // x265 4.1 (RateControl::checkAndResetABR) looks at its last 20 pictures and wants several groups of equal B pictures.
 constexpr int shortestPassage = 30;
 
-/// Luma alone decides: the encoder's look-ahead sees no more.
+/// Only luma is compared, because the encoder's look-ahead uses only luma.
 bool sameLuma(const Picture &one, const Picture &other) {
     const auto width = static_cast<std::size_t>(one.width);
     for (int row = 0; row < one.height; ++row)

@@ -8,14 +8,15 @@
 
 namespace lumetwin::media::x265 {
 
-/// Finds the ends of still passages (black, a title, a photo that is shown for a while): x265's rate control forgets
-/// the bits before such an end, and whoever steers it has to know.
+/// Finds the ends of still passages (black, a title, a photo shown for some time). There x265's rate control resets its
+/// history, which its caller must know.
 class StillPassages {
 public:
-    /// The next picture in order of showing, 8-bit and of one size; it is kept until the one after it.
+    /// Call with each picture in presentation order: 8-bit, all of one size. A picture is kept until the next one.
     void show(const Picture &picture, std::int64_t time);
 
-    /// Whether the picture of this time was the first to differ after a still passage. It is asked for once.
+    /// Whether the picture of this time was the first different one after a still passage. Can be asked once for each
+    /// time.
     bool endedAt(std::int64_t time);
 
 private:

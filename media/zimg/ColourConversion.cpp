@@ -59,8 +59,8 @@ bool aligned(const Picture &picture) {
     return true;
 }
 
-/// The same picture, a grey one as colour, in rows that are aligned. Subsampled planes of odd pictures get their edges
-/// repeated to whole groups, as the library wants even sizes.
+/// The picture with aligned rows, and grey as colour. Subsampled planes of odd sizes are extended by repeating their
+/// edges, because the library needs even sizes.
 Picture prepared(Picture picture, PictureFormat format, int width, int height) {
     if (picture.format.model == ColourModel::grey && format.model != ColourModel::grey)
         picture.planes = {picture.planes[0], picture.planes[0], picture.planes[0]};

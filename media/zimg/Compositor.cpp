@@ -21,7 +21,7 @@ using zimg::PlaneFilter;
 using zimg::PlaneGeometry;
 using zimg::PlaneView;
 
-// Two eyes of a frame, and the odd frame that differs from the others.
+// Enough for two eyes of a frame, and some frames that differ.
 constexpr std::size_t keptPlans = 8;
 
 int neutral(int depth) {
@@ -38,7 +38,7 @@ int black(const Picture &picture, int plane) {
     return full ? 0 : 16 << (depth - 8);
 }
 
-/// Everything about a picture that decides how it is placed.
+/// All properties of a picture that affect its placement.
 struct Shape {
     int width;
     int height;
@@ -52,11 +52,11 @@ struct Shape {
     bool operator==(const Shape &) const = default;
 };
 
-/// How one plane of a canvas is painted.
+/// How one plane of a canvas is drawn.
 struct PlanePlan {
-    int sourcePlane = 0; ///< -1 where the source has none: chroma of grey
+    int sourcePlane = 0; ///< -1 if the source has none (chroma of grey)
     PlaneGeometry geometry;
-    std::shared_ptr<const PlaneFilter> filter; ///< null where samples move untouched
+    std::shared_ptr<const PlaneFilter> filter; ///< null if samples are copied unchanged
 };
 
 struct Plan {
@@ -75,10 +75,10 @@ bool convertsRange(const Picture &picture, const Picture &canvas) {
            picture.colour.range != canvas.colour.range;
 }
 
-/// Whether the samples that a filter handles are to be understood as full range; it matters only to a change of depth.
+/// Whether a filter treats the samples as full range. This matters only when the depth changes.
 bool fullRange(const Picture &picture, const Picture &canvas, int plane) {
     if (isChroma(canvas.format, plane))
-        return false; // depth is reduced by a shift, which keeps neutral exact
+        return false; // depth is reduced by a shift, which keeps the neutral value exact
     const ColourRange stated =
         canvas.colour.range != ColourRange::unspecified ? canvas.colour.range : picture.colour.range;
     return stated == ColourRange::unspecified ? canvas.format.model != ColourModel::yuv : stated == ColourRange::full;

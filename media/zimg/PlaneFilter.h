@@ -23,10 +23,10 @@ struct PlaneView {
     }
 };
 
-/// Memory that filters share; it only grows.
+/// Memory shared by filters. It never shrinks.
 class Workspace {
 public:
-    /// Planes with aligned rows, valid until the next one is taken from the same place.
+    /// A plane with aligned rows, valid until the next call of the same function.
     PlaneView input(int width, int height, int depth) { return plane(input_, width, height, depth); }
     PlaneView output(int width, int height, int depth) { return plane(output_, width, height, depth); }
     AlignedBytes graph;
@@ -38,28 +38,28 @@ private:
     AlignedBytes output_;
 };
 
-/// What a filter does to planes of one size.
+/// The parameters of a filter for planes of one size.
 struct Resampling {
     int sourceWidth = 0;
     int sourceHeight = 0;
     int sourceDepth = 8;
-    Rect region; ///< in the source's samples; its surroundings are those of the source mirrored
+    Rect region; ///< in the source's samples; outside, the source is mirrored
     int width = 0;
     int height = 0;
     int depth = 8;
     bool fullRange = false;
 };
 
-/// Scales a rectangle of planes of one size to a whole number of samples.
+/// Scales a rectangle of a plane to an integer size in samples.
 class PlaneFilter {
 public:
-    /// Values of the source at 16 bits, for each that it can have: a source is converted so before it is scaled.
+    /// Maps each possible source value to its value with 16 bits. A source is converted by this before it is scaled.
     using Table = std::vector<std::uint16_t>;
 
     /// Throws std::length_error for sizes out of range, std::runtime_error when the library refuses.
     explicit PlaneFilter(const Resampling &resampling, Table table = {});
 
-    /// The result lies in the workspace.
+    /// The result is in the workspace.
     PlaneView run(const PlaneView &source, Workspace &workspace, const Cancellation &cancellation = {}) const;
 
 private:

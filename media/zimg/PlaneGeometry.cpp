@@ -8,14 +8,15 @@ namespace lumetwin::media::zimg {
 
 namespace {
 
-// Positions closer than this to a whole number are whole: rounding of the arithmetic, far below one grey level.
+// Positions closer than this to an integer count as integers. It covers rounding errors and is far below one grey
+// level.
 constexpr double tolerance = 1e-6;
 
 bool whole(double value) {
     return std::abs(value - std::round(value)) < tolerance;
 }
 
-/// The whole sample positions at or around a position, within a plane.
+/// The nearest integer sample positions below and above a position, within a plane.
 int roundedDown(double value, int samples) {
     return static_cast<int>(std::clamp(std::floor(value + tolerance), 0.0, static_cast<double>(samples)));
 }
@@ -26,12 +27,12 @@ int roundedUp(double value, int samples) {
 /// One axis of a plane.
 struct Line {
     int samples;    ///< of the plane
-    double length;  ///< of the picture in the plane's samples: ends amid the last one when the size is odd
-    double site;    ///< from the middle of a sample's cell to its true place
-    double divisor; ///< picture pixels a sample
+    double length;  ///< of the picture in samples of the plane; not an integer when the size is odd
+    double site;    ///< offset of a sample from the middle of its cell
+    double divisor; ///< picture pixels per sample
 };
 
-/// Left and top-left chroma sits on the first luma sample of its group, centred chroma amid the group (ITU-T
+/// Left and top-left chroma is at the first luma sample of its group, centred chroma in the middle of the group (ITU-T
 /// H.273, 8.7).
 double site(bool onFirstSample, int shift) {
     return onFirstSample ? 0.5 / (1 << shift) - 0.5 : 0;
@@ -66,7 +67,7 @@ struct SpanPlacement {
     bool takesSharedSamples;
 };
 
-/// What of the target is seen, and with it the samples that belong to it alone or with others.
+/// The visible part of the target, including samples that are shared with others.
 Span visibleSpan(const SpanPlacement &place, const Line &canvas) {
     double begin = std::max(place.target.begin, place.clip.begin);
     double end = std::min(place.target.end(), place.clip.end());
@@ -80,7 +81,7 @@ Span visibleSpan(const SpanPlacement &place, const Line &canvas) {
     return {begin, std::min(end, canvas.length) - begin};
 }
 
-/// How much of each touched sample is seen. What of it lies beyond the canvas does not count.
+/// The visible share of each touched sample. The part outside the canvas does not count.
 std::vector<float> coverage(const PlaneAxis &axis, const Span &visible, const Line &canvas) {
     std::vector<float> covered(static_cast<std::size_t>(axis.count));
     for (int index = 0; index < axis.count; ++index) {
@@ -93,8 +94,8 @@ std::vector<float> coverage(const PlaneAxis &axis, const Span &visible, const Li
     return covered;
 }
 
-/// The source samples that lie in the shown part alone. One that reaches beyond it (chroma at an odd edge) holds
-/// something of what lies there and is left out, unless there is no other.
+/// Selects the source samples that are completely inside the shown part. A sample that is partly outside (chroma at an
+/// odd edge) contains values from outside and is left out, unless there is no other.
 void chooseWindow(PlaneAxis &axis, const Span &source, const Line &line) {
     int first = roundedUp(source.begin, line.samples);
     int end = source.end() > line.length - tolerance ? line.samples : roundedDown(source.end(), line.samples);
@@ -107,7 +108,8 @@ void chooseWindow(PlaneAxis &axis, const Span &source, const Line &line) {
 }
 
 void chooseRegion(PlaneAxis &axis, const SpanPlacement &place, const Line &source, const Line &canvas) {
-    // A target thinner than a sample is that sample, faintly: else its neighbourhood would be many pictures wide.
+    // A target thinner than a sample is treated as that sample with low opacity. Otherwise the filter would need an
+    // area many pictures wide.
     const bool thin = place.target.length < 1 && place.source.length > place.target.length;
     const Span target = thin ? Span{static_cast<double>(axis.first), 1} : place.target;
     const double scale = place.source.length / target.length;

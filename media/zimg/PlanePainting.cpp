@@ -23,7 +23,7 @@ template <typename Sample> void mixRow(Sample *target, Sample value, const Plane
         target[index] = mixed(target[index], value, columns.covered[index] * part);
 }
 
-/// A row that is covered from top to bottom: only its first and last sample can be covered in part.
+/// Writes a row that is fully covered vertically, so that only its first and last sample can be partly covered.
 template <typename Write, typename Sample> void setRow(Sample *target, const PlaneAxis &columns, const Write &write) {
     const std::size_t last = columns.covered.size() - 1;
     const Sample belowFirst = target[0];

@@ -11,11 +11,10 @@ PlaneView planeOf(const Picture &picture, int plane);
 
 void fillPlane(const PlaneView &plane, int value);
 
-/// Puts samples onto the canvas samples that a geometry touches; those that it covers in part are mixed with what is
-/// there.
+/// Draws samples on the canvas samples that a geometry touches. Partly covered samples are blended with the canvas.
 void paint(const PlaneView &samples, const PlaneGeometry &geometry, const PlaneView &canvas);
 
-/// The same with one value everywhere.
+/// The same with one constant value.
 void paint(int value, const PlaneGeometry &geometry, const PlaneView &canvas);
 
 } // namespace lumetwin::media::zimg

@@ -8,7 +8,7 @@ namespace lumetwin::media::zimg {
 
 namespace {
 
-/// How the numbers from 0 (black, neutral) to 1 (white) lie in samples of a depth.
+/// How values from 0 (black, neutral) to 1 (white) are stored in samples of a depth.
 struct Scale {
     double zero;
     double one;

@@ -14,7 +14,7 @@ namespace {
     throw std::runtime_error(std::string("pixel conversion: ") + words);
 }
 
-/// Called as rows are done; what is no 0 ends the work.
+/// Called as rows are done. A result other than 0 stops the work.
 int stops(void *user, unsigned, unsigned, unsigned) {
     return static_cast<const Cancellation *>(user)->requested() ? 1 : 0;
 }

@@ -13,10 +13,10 @@
 
 namespace lumetwin::media::zimg {
 
-// What the library's widest SIMD code asks of pointers and strides.
+// The alignment of pointers and strides for the library's widest SIMD code.
 inline constexpr std::size_t alignment = 64;
 
-/// Aligned memory that only grows.
+/// Aligned memory that never shrinks.
 class AlignedBytes {
 public:
     void reserve(std::size_t bytes) {
@@ -40,7 +40,7 @@ struct GraphDeleter {
 };
 using Graph = std::unique_ptr<zimg_filter_graph, GraphDeleter>;
 
-/// Throws std::runtime_error with the library's words.
+/// Throws std::runtime_error with the library's message.
 Graph buildGraph(const zimg_image_format &source, const zimg_image_format &target,
                  const zimg_graph_builder_params &parameters);
 
@@ -49,7 +49,7 @@ std::size_t workingSize(const Graph &graph);
 using Planes = std::array<std::uint8_t *, 3>;
 using Strides = std::array<std::ptrdiff_t, 3>;
 
-/// Runs a graph over whole planes. Throws std::runtime_error, and Cancelled after the rows that it is at.
+/// Runs a graph over whole planes. Throws std::runtime_error, or Cancelled soon after cancellation.
 void process(const Graph &graph, const Planes &source, const Strides &sourceStrides, const Planes &target,
              const Strides &targetStrides, const AlignedBytes &working, const Cancellation &cancellation);
 

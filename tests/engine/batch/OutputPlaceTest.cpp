@@ -67,69 +67,72 @@ std::string complaintOfAUser(const std::function<void()> &action, const Path &no
 
 TEST_F(Place, FreePlaceIsTakenWhateverTheWish) {
     for (const OnExisting wish : allOnExisting)
-        EXPECT_EQ(settledOutput(out / "a_sbs.mp4", wish), out / "a_sbs.mp4");
+        EXPECT_EQ(chooseOutputPath(out / "a_sbs.mp4", wish), out / "a_sbs.mp4");
 }
 
 TEST_F(Place, TakenPlaceIsReplacedNumberedOrLeft) {
     test::writeFile(out / "a.b_sbs.mp4", std::string("older"));
-    EXPECT_EQ(settledOutput(out / "a.b_sbs.mp4", OnExisting::replace), out / "a.b_sbs.mp4");
-    EXPECT_EQ(settledOutput(out / "a.b_sbs.mp4", OnExisting::skip), std::nullopt);
-    EXPECT_EQ(settledOutput(out / "a.b_sbs.mp4", OnExisting::keepBoth), out / "a.b_sbs 2.mp4");
+    EXPECT_EQ(chooseOutputPath(out / "a.b_sbs.mp4", OnExisting::replace), out / "a.b_sbs.mp4");
+    EXPECT_EQ(chooseOutputPath(out / "a.b_sbs.mp4", OnExisting::skip), std::nullopt);
+    EXPECT_EQ(chooseOutputPath(out / "a.b_sbs.mp4", OnExisting::keepBoth), out / "a.b_sbs 2.mp4");
     test::writeFile(out / "a.b_sbs 2.mp4", std::string("older"));
-    EXPECT_EQ(settledOutput(out / "a.b_sbs.mp4", OnExisting::keepBoth), out / "a.b_sbs 3.mp4");
+    EXPECT_EQ(chooseOutputPath(out / "a.b_sbs.mp4", OnExisting::keepBoth), out / "a.b_sbs 3.mp4");
 }
 
 TEST_F(Place, TakenPlacesCountNumbersOnlyWhereThereAreSome) {
     for (const char *name : {"a_sbs.mp4", "a_sbs 2.mp4", "a_sbs 4.mp4"})
         test::writeFile(out / name, std::string("older"));
-    EXPECT_THAT(takenPlaces(out / "a_sbs.mp4", OnExisting::keepBoth),
+    EXPECT_THAT(existingOutputPaths(out / "a_sbs.mp4", OnExisting::keepBoth),
                 testing::ElementsAre(out / "a_sbs.mp4", out / "a_sbs 2.mp4"));
-    EXPECT_THAT(takenPlaces(out / "a_sbs.mp4", OnExisting::replace), testing::ElementsAre(out / "a_sbs.mp4"));
-    EXPECT_THAT(takenPlaces(out / "b_sbs.mp4", OnExisting::keepBoth), testing::IsEmpty());
+    EXPECT_THAT(existingOutputPaths(out / "a_sbs.mp4", OnExisting::replace), testing::ElementsAre(out / "a_sbs.mp4"));
+    EXPECT_THAT(existingOutputPaths(out / "b_sbs.mp4", OnExisting::keepBoth), testing::IsEmpty());
 }
 
 TEST_F(Place, LinkThatLeadsNowhereTakesThePlace) {
     std::filesystem::create_symlink(folder / "gone", out / "a_sbs.mp4");
-    EXPECT_EQ(settledOutput(out / "a_sbs.mp4", OnExisting::skip), std::nullopt);
-    EXPECT_EQ(settledOutput(out / "a_sbs.mp4", OnExisting::keepBoth), out / "a_sbs 2.mp4");
+    EXPECT_EQ(chooseOutputPath(out / "a_sbs.mp4", OnExisting::skip), std::nullopt);
+    EXPECT_EQ(chooseOutputPath(out / "a_sbs.mp4", OnExisting::keepBoth), out / "a_sbs 2.mp4");
 }
 
 TEST_F(Place, MissingOutputFolderIsNamed) {
     const Path gone = folder / "gone";
-    EXPECT_EQ(complaint([&] { preparePlace(gone / "a_sbs.mp4", gone); }), "The output folder gone does not exist.");
-    EXPECT_EQ(complaint([&] { preparePlace(gone / "deep/a_sbs.mp4", gone); }),
+    EXPECT_EQ(complaint([&] { prepareOutputPath(gone / "a_sbs.mp4", gone); }),
+              "The output folder gone does not exist.");
+    EXPECT_EQ(complaint([&] { prepareOutputPath(gone / "deep/a_sbs.mp4", gone); }),
               "The output folder gone does not exist.");
     test::writeFile(folder / "a.mov", std::string("x"));
     const Path file = folder / "a.mov";
-    EXPECT_EQ(complaint([&] { preparePlace(file / "a_sbs.mp4", file); }), "The output folder a.mov does not exist.");
+    EXPECT_EQ(complaint([&] { prepareOutputPath(file / "a_sbs.mp4", file); }),
+              "The output folder a.mov does not exist.");
     EXPECT_FALSE(std::filesystem::exists(gone)) << "only what lies below the output folder is made";
 }
 
 TEST_F(Place, FoldersOfTheTreeAreMade) {
-    preparePlace(out / "2024/may/a_sbs.mp4", out);
+    prepareOutputPath(out / "2024/may/a_sbs.mp4", out);
     EXPECT_TRUE(std::filesystem::is_directory(out / "2024/may"));
-    preparePlace(out / "2024/may/b_sbs.mp4", out);
+    prepareOutputPath(out / "2024/may/b_sbs.mp4", out);
 }
 
 TEST_F(Place, FileInTheWayOfAFolderIsNamed) {
     test::writeFile(out / "2024", std::string("x"));
-    EXPECT_EQ(complaint([&] { preparePlace(out / "2024/a_sbs.mp4", out); }),
+    EXPECT_EQ(complaint([&] { prepareOutputPath(out / "2024/a_sbs.mp4", out); }),
               "The folder 2024 cannot be written to (Not a directory).");
 }
 
 TEST_F(Place, FolderOfTheNameIsNotReplaced) {
     std::filesystem::create_directory(out / "a_sbs.mp4");
-    EXPECT_EQ(complaint([&] { preparePlace(out / "a_sbs.mp4", out); }), "There is a folder of the name a_sbs.mp4.");
+    EXPECT_EQ(complaint([&] { prepareOutputPath(out / "a_sbs.mp4", out); }),
+              "There is a folder of the name a_sbs.mp4.");
 }
 
 TEST_F(Place, FolderThatMayNotBeWrittenToSaysSo) {
     std::filesystem::permissions(out, std::filesystem::perms(0555));
-    EXPECT_EQ(complaintOfAUser([&] { preparePlace(out / "a_sbs.mp4", out); }, folder / "note"),
+    EXPECT_EQ(complaintOfAUser([&] { prepareOutputPath(out / "a_sbs.mp4", out); }, folder / "note"),
               "The folder out cannot be written to (Permission denied).");
-    EXPECT_EQ(complaintOfAUser([&] { preparePlace(out / "deep/a_sbs.mp4", out); }, folder / "note"),
+    EXPECT_EQ(complaintOfAUser([&] { prepareOutputPath(out / "deep/a_sbs.mp4", out); }, folder / "note"),
               "The folder deep cannot be written to (Permission denied).");
     std::filesystem::permissions(out, std::filesystem::perms(0777));
-    EXPECT_EQ(complaintOfAUser([&] { preparePlace(out / "a_sbs.mp4", out); }, folder / "note"), "");
+    EXPECT_EQ(complaintOfAUser([&] { prepareOutputPath(out / "a_sbs.mp4", out); }, folder / "note"), "");
 }
 
 /// A mounted folder that even root cannot write to.
@@ -149,7 +152,7 @@ TEST_F(Place, ReadOnlyFileSystemSaysSo) {
     const auto place = readOnlyFolder();
     if (!place)
         GTEST_SKIP() << "no read-only file system is mounted here";
-    EXPECT_THAT(complaint([&] { preparePlace(*place / "a_sbs.mp4", *place); }),
+    EXPECT_THAT(complaint([&] { prepareOutputPath(*place / "a_sbs.mp4", *place); }),
                 HasSubstr("cannot be written to (Read-only file system)."));
 }
 
