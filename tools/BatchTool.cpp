@@ -2,8 +2,7 @@
 #include "tools/Commands.h"
 
 #include "engine/texts/FileNames.h"
-#include "worker/parent/WorkerProgram.h"
-#include "worker/parent/Workers.h"
+#include "worker/ConfinedOperations.h"
 
 #include <fmt/format.h>
 
@@ -35,9 +34,7 @@ int statusAfterFlush(int status) {
 int printVersion(Console &console) {
     console.print("lumetwin-batch " LUMETWIN_VERSION);
     try {
-        worker::Workers workers(worker::workerProgram());
-        console.print("Files are worked on in a process that is confined by: " +
-                      worker::describe(workers.confinement()));
+        console.print("Files are worked on in a process that is confined by: " + worker::confinementDescription());
     } catch (const std::exception &error) {
         console.print(std::string("Files cannot be worked on: ") + error.what());
     }

@@ -2,6 +2,7 @@
 #include "worker/ConfinedOperations.h"
 
 #include "worker/parent/WorkerProgram.h"
+#include "worker/parent/Workers.h"
 
 #include <utility>
 
@@ -28,6 +29,10 @@ MediaOperations confinedOperations(std::shared_ptr<Workers> workers) {
 
 MediaOperations confinedOperations() {
     return confinedOperations(std::make_shared<Workers>(workerProgram()));
+}
+
+std::string confinementDescription() {
+    return describe(Workers(workerProgram()).confinement());
 }
 
 } // namespace lumetwin::worker

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "engine/MediaOperations.h"
-#include "worker/parent/Workers.h"
 
 #include <memory>
+#include <string>
 
 namespace lumetwin::worker {
+
+class Workers;
 
 /// Operations that run in confined processes and have the results and errors of MediaOperations::inProcess(). The
 /// processes end when the last copy of the operations is destroyed.
@@ -15,5 +17,8 @@ MediaOperations confinedOperations(std::shared_ptr<Workers> workers);
 /// As above, with the worker program that belongs to the running program. If it is missing, each operation throws a
 /// ProcessorError.
 MediaOperations confinedOperations();
+
+/// How workers are confined on this system, in English. Throws ProcessorError when no worker can be started.
+std::string confinementDescription();
 
 } // namespace lumetwin::worker

@@ -3,6 +3,7 @@
 #include "engine/batch/VideoProcessor.h"
 #include "tests/support/TestMedia.h"
 #include "worker/ConfinedOperations.h"
+#include "worker/parent/Workers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
