@@ -39,7 +39,7 @@ Words words(const WorkerFailure &failure) {
     case WorkerFailure::Kind::invalidAnswer:
         return lumetwin::words("worker.rubbish");
     case WorkerFailure::Kind::timeout:
-        return lumetwin::words("worker.answer.format", number);
+        return lumetwin::words("worker.silence.format", number);
     case WorkerFailure::Kind::noStart: {
         const std::string reason = std::generic_category().message(failure.number);
         return lumetwin::words("worker.no.start.format", reason);
