@@ -30,14 +30,17 @@ MediaFacts MediaOperations::lookAtFile(const std::filesystem::path &file) const 
     return look(media::InputFile(file));
 }
 
-std::pair<MediaFacts, std::optional<PictureSize>>
-MediaOperations::inspectFile(const std::filesystem::path &file) const {
+FileInspection MediaOperations::inspectFile(const std::filesystem::path &file) const {
     const media::InputFile opened(file);
-    MediaFacts facts = look(opened);
-    std::optional<PictureSize> size;
-    if (!facts.isSpatial)
-        size = measure(opened);
-    return {std::move(facts), size};
+    FileInspection inspection{.facts = look(opened), .size = {}, .failure = {}};
+    if (inspection.facts.isSpatial)
+        return inspection;
+    try {
+        inspection.size = measure(opened);
+    } catch (...) {
+        inspection.failure = std::current_exception();
+    }
+    return inspection;
 }
 
 MediaOperations MediaOperations::inProcess() {

@@ -8,10 +8,10 @@
 #include "model/PictureSize.h"
 #include "model/SystemVersion.h"
 
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <utility>
 
 namespace lumetwin {
 
@@ -19,6 +19,13 @@ namespace media {
 class InputFile;
 class OutputFile;
 } // namespace media
+
+/// What a file that is opened for inspection tells.
+struct FileInspection {
+    MediaFacts facts;
+    std::optional<PictureSize> size; ///< of a file that is not spatial
+    std::exception_ptr failure;      ///< why that size cannot be read
+};
 
 enum class ConversionKind { spatialVideoToSBS, sbsVideoToSpatial, spatialPhotoToSBS, sbsImageToSpatial };
 
@@ -43,7 +50,7 @@ struct MediaOperations {
     /// The same with a path. These throw MediaError when the file cannot be opened.
     MediaFacts lookAtFile(const std::filesystem::path &file) const;
     /// The facts, and for a file that is not spatial also its size.
-    std::pair<MediaFacts, std::optional<PictureSize>> inspectFile(const std::filesystem::path &file) const;
+    FileInspection inspectFile(const std::filesystem::path &file) const;
 
     /// The engine's own functions, called in this process.
     static MediaOperations inProcess();

@@ -144,7 +144,7 @@ TEST_F(BatchTool, HelpAndVersionNeedNothingElse) {
     EXPECT_EQ(help.status, 0);
     EXPECT_THAT(help.output, StartsWith("Usage: lumetwin-batch"));
     EXPECT_EQ(run({"-h"}).output, help.output);
-    const ProgramResult version = run({"--version"});
+    const ProgramResult version = runProgram({LUMETWIN_BATCH, "--version"});
     EXPECT_EQ(version.status, 0);
     EXPECT_THAT(version.output,
                 testing::StartsWith("lumetwin-batch " LUMETWIN_VERSION

@@ -42,12 +42,14 @@ Alert notSpatialAlert(const std::string &name, const SpatialFinding &finding, co
 SpatialFinding inspectFile(const fs::path &file, const MediaOperations &operations) {
     SpatialFinding finding;
     try {
-        const auto [facts, size] = operations.inspectFile(file);
+        const auto [facts, size, failure] = operations.inspectFile(file);
         const bool isPhoto = facts.kind == MediaFacts::Kind::photo;
         finding.isSpatial = isPhoto ? facts.isSpatial : facts.values.stereoBaseline.has_value();
         finding.picture = size;
         if (finding.isSpatial || !isPhoto)
             finding.values = facts.values;
+        if (failure)
+            std::rethrow_exception(failure);
     } catch (const std::exception &error) {
         finding.failure = errorMessage(error);
     }
