@@ -65,8 +65,6 @@ public:
     /// Converts one photo in the direction of the settings. Throws the converter's error.
     Outcome convertPhoto(const std::filesystem::path &input, const std::filesystem::path &output);
 
-    const MediaOperations &operations() const { return operations_; }
-
 private:
     struct Ending {
         bool success = false;
