@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/ConversionDirection.h"
+#include "model/InputLayout.h"
 #include "model/OnExisting.h"
 #include "model/ResizeMode.h"
 #include "model/SBSOutputFormat.h"
@@ -30,6 +31,9 @@ public:
     double horizontalFOV = fovRange.start;                        ///< degrees, written as stereo metadata
     double disparityAdjustment = disparityRange.start;            ///< percent of the image width
     double stereoBaseline = baselineRange.start;                  ///< millimetres
+    bool automaticDisparity = false; ///< choose the disparity adjustment from the picture of each file
+    StereoValuesSource stereoValuesSource = StereoValuesSource::settings;
+    InputLayout inputLayout = InputLayout::automatic;
     SBSOutputFormat sbsOutputFormat = SBSOutputFormat::mp4H264;
     SBSPhotoOutputFormat sbsPhotoOutputFormat = SBSPhotoOutputFormat::jpg;
     double compressionQuality = qualityRange.start; ///< 0.0 to 1.0
@@ -41,6 +45,7 @@ public:
     ResizeMode resizeMode = ResizeMode::letterbox;
     bool copyAudio = true;     ///< copy the source's audio track
     bool keepTiming = false;   ///< keep the time of each frame, instead of a constant rate in units of 1/600 s
+    bool checkStereo = true;   ///< look at the picture before a conversion to spatial media, and warn
     bool recursive = false;    ///< also convert the subfolders of the input folder, and keep their tree
     bool skipExisting = false; ///< skip inputs whose output an earlier run has finished
     OnExisting onExisting = OnExisting::replace;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/StereoLayout.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -24,12 +26,16 @@ struct MediaFacts {
     Kind kind = Kind::video; ///< by the file's extension; any file that is not a photo counts as a video
     bool isSpatial = false;  ///< a photo with a stereo pair, or a video with a camera baseline
     StereoValues values;
+    /// How the file has its eyes, according to the first of its tags that says so. Of a name it is only a guess.
+    std::optional<StereoLayout> layout;
+    /// What another source says, where it says something else.
+    std::optional<StereoLayout> otherLayout;
+    std::string projection; ///< four-character code such as "rect"; empty where absent
 
     // Only for movies.
     bool hasLeftEye = false;
     bool hasRightEye = false;
     std::optional<Eye> heroEye;
-    std::string projection;    ///< four-character code such as "rect"; empty where absent
     bool isMultilayer = false; ///< the stream is marked as multilayer HEVC
 
     bool operator==(const MediaFacts &) const = default;

@@ -12,12 +12,22 @@ namespace lumetwin {
 /// What the user should know about a converted file. The comment of each kind lists its values, in their order.
 enum class WarningKind {
     // Warnings: the result differs from the source.
-    speedChanged,   ///< percent by which the video plays faster than its source (negative: slower)
-    soundAway,      ///< seconds: the largest distance of a picture from its sound
-    framesMissing,  ///< frames written, frames expected
-    withoutSound,   ///< why the sound could not be read
-    soundEndsEarly, ///< the reason
-    sameOutputName, ///< the name of another input of the run whose output has the same name
+    speedChanged,          ///< percent by which the video plays faster than its source (negative: slower)
+    soundAway,             ///< seconds: the largest distance of a picture from its sound
+    framesMissing,         ///< frames written, frames expected
+    withoutSound,          ///< why the sound could not be read
+    soundEndsEarly,        ///< the reason
+    sameOutputName,        ///< the name of another input of the run whose output has the same name
+    layoutsDisagree,       ///< the layout that is used, who says so; the other one, who says so
+    nameSuggestsLayout,    ///< the layout that the name of the file suggests, and that is not used
+    pictureSuggestsLayout, ///< the layout that the picture looks like, and that is not used
+    notRectilinear,        ///< the projection
+    notStereo,
+    looksFlat,
+    eyesNotLevel, ///< vertical offset of the eyes, in percent of the width of an eye
+    eyesProbablySwapped,
+    tooFarBehind, ///< disparity of the far parts, in percent of the width of an eye
+    tooNear,      ///< disparity of the near parts, in percent of the width of an eye (positive)
     // Notes, less important than warnings: what was not kept.
     soundTracksLeft, ///< number of further sound tracks
     subtitlesLeft,   ///< number of subtitle tracks
@@ -27,7 +37,12 @@ enum class WarningKind {
     gainMapLeft,
     depthMapLeft,
     motionFilmLeft,
-    triedAgain, ///< what happened to the process of the first attempt
+    layoutUsed,        ///< the layout that is used, who says so
+    eyesPutRight,      ///< who says that the right eye comes first
+    morePicturesLeft,  ///< number of further pictures
+    stereoValuesTaken, ///< the values that were taken from the file
+    disparityChosen,   ///< percent of the width of an eye
+    triedAgain,        ///< what happened to the process of the first attempt
 };
 
 /// The stable name of a kind, for programs.
@@ -45,6 +60,26 @@ constexpr std::string_view rawValue(WarningKind kind) {
         return "soundEndsEarly";
     case WarningKind::sameOutputName:
         return "sameOutputName";
+    case WarningKind::layoutsDisagree:
+        return "layoutsDisagree";
+    case WarningKind::nameSuggestsLayout:
+        return "nameSuggestsLayout";
+    case WarningKind::pictureSuggestsLayout:
+        return "pictureSuggestsLayout";
+    case WarningKind::notRectilinear:
+        return "notRectilinear";
+    case WarningKind::notStereo:
+        return "notStereo";
+    case WarningKind::looksFlat:
+        return "looksFlat";
+    case WarningKind::eyesNotLevel:
+        return "eyesNotLevel";
+    case WarningKind::eyesProbablySwapped:
+        return "eyesProbablySwapped";
+    case WarningKind::tooFarBehind:
+        return "tooFarBehind";
+    case WarningKind::tooNear:
+        return "tooNear";
     case WarningKind::soundTracksLeft:
         return "soundTracksLeft";
     case WarningKind::subtitlesLeft:
@@ -61,6 +96,16 @@ constexpr std::string_view rawValue(WarningKind kind) {
         return "depthMapLeft";
     case WarningKind::motionFilmLeft:
         return "motionFilmLeft";
+    case WarningKind::layoutUsed:
+        return "layoutUsed";
+    case WarningKind::eyesPutRight:
+        return "eyesPutRight";
+    case WarningKind::morePicturesLeft:
+        return "morePicturesLeft";
+    case WarningKind::stereoValuesTaken:
+        return "stereoValuesTaken";
+    case WarningKind::disparityChosen:
+        return "disparityChosen";
     case WarningKind::triedAgain:
         return "triedAgain";
     }

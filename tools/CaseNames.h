@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/ConversionDirection.h"
+#include "model/InputLayout.h"
 #include "model/OnExisting.h"
 #include "model/ResizeMode.h"
 #include "model/SBSOutputFormat.h"
@@ -20,6 +21,16 @@ template <typename Case, std::size_t count> using CaseNames = std::array<std::pa
 
 inline constexpr CaseNames<ConversionDirection, 2> directionNames{
     {{"spatialToSBS", ConversionDirection::spatialToSBS}, {"sbsToSpatial", ConversionDirection::sbsToSpatial}}};
+inline constexpr CaseNames<InputLayout, 8> inputLayoutNames{{{"automatic", InputLayout::automatic},
+                                                             {"side-by-side", InputLayout::sideBySide},
+                                                             {"half-side-by-side", InputLayout::halfSideBySide},
+                                                             {"over-under", InputLayout::overUnder},
+                                                             {"half-over-under", InputLayout::halfOverUnder},
+                                                             {"two-pictures", InputLayout::twoPictures},
+                                                             {"two-streams", InputLayout::twoStreams},
+                                                             {"two-files", InputLayout::twoFiles}}};
+inline constexpr CaseNames<StereoValuesSource, 2> stereoValuesNames{
+    {{"from-options", StereoValuesSource::settings}, {"from-file", StereoValuesSource::file}}};
 inline constexpr CaseNames<SBSOutputFormat, 3> videoFormatNames{{{"mp4H264", SBSOutputFormat::mp4H264},
                                                                  {"mp4H265", SBSOutputFormat::mp4H265},
                                                                  {"movHEVC", SBSOutputFormat::movHEVC}}};

@@ -73,12 +73,20 @@ constexpr std::array options{
            }},
     Option{"--horizontal-fov", "DEGREES", "field of view to write, ",
            [](Options &o, Value v, Name n) { o.settings->horizontalFOV = parseInRange(v, fovRange, n); }, &fovRange},
-    Option{"--disparity-adjustment", "PERCENT", "disparity adjustment to write, ",
-           [](Options &o, Value v, Name n) { o.settings->disparityAdjustment = parseInRange(v, disparityRange, n); },
+    Option{"--disparity-adjustment", "PERCENT", "disparity adjustment to write: auto, or ",
+           [](Options &o, Value v, Name n) {
+               o.settings->automaticDisparity = v == "auto";
+               if (!o.settings->automaticDisparity)
+                   o.settings->disparityAdjustment = parseInRange(v, disparityRange, n);
+           },
            &disparityRange},
     Option{"--stereo-baseline", "MILLIMETRES", "distance of the lenses to write, ",
            [](Options &o, Value v, Name n) { o.settings->stereoBaseline = parseInRange(v, baselineRange, n); },
            &baselineRange},
+    Option{"--stereo-values", "WHENCE", "from-options (default), or from-file where the file has them",
+           [](Options &o, Value v, Name n) { o.settings->stereoValuesSource = parseCase(stereoValuesNames, v, n); }},
+    Option{"--input-layout", "LAYOUT", "automatic (default), side-by-side, half-side-by-side, over-under, ...",
+           [](Options &o, Value v, Name n) { o.settings->inputLayout = parseCase(inputLayoutNames, v, n); }},
     Option{"--sbs-output-format", "FORMAT", "of side-by-side video: mp4H264 (default), mp4H265, movHEVC",
            [](Options &o, Value v, Name n) { o.settings->sbsOutputFormat = parseCase(videoFormatNames, v, n); }},
     Option{"--sbs-photo-output-format", "FORMAT", "of side-by-side photos: jpg (default), png, tiff, heic",
@@ -101,6 +109,8 @@ constexpr std::array options{
            [](Options &o, Value, Name) { o.settings->copyAudio = false; }},
     Option{"--keep-timing", "", "show each frame at its own time, instead of at a constant rate",
            [](Options &o, Value, Name) { o.settings->keepTiming = true; }},
+    Option{"--no-check-stereo", "", "do not look at the picture for mistakes before a conversion to spatial media",
+           [](Options &o, Value, Name) { o.settings->checkStereo = false; }},
     Option{"--recursive", "", "take the folders below, too, and keep their tree in the output",
            [](Options &o, Value, Name) { o.settings->recursive = true; }},
     Option{"--skip-existing", "", "leave alone what an earlier run finished from the same source",

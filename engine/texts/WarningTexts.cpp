@@ -24,6 +24,26 @@ std::string_view keyOf(WarningKind kind) {
         return "warning.sound.ends.early.format";
     case WarningKind::sameOutputName:
         return "warning.same.output.name.format";
+    case WarningKind::layoutsDisagree:
+        return "warning.layouts.disagree.format";
+    case WarningKind::nameSuggestsLayout:
+        return "warning.name.suggests.layout.format";
+    case WarningKind::pictureSuggestsLayout:
+        return "warning.picture.suggests.layout.format";
+    case WarningKind::notRectilinear:
+        return "warning.not.rectilinear.format";
+    case WarningKind::notStereo:
+        return "warning.not.stereo";
+    case WarningKind::looksFlat:
+        return "warning.looks.flat";
+    case WarningKind::eyesNotLevel:
+        return "warning.eyes.not.level.format";
+    case WarningKind::eyesProbablySwapped:
+        return "warning.eyes.probably.swapped";
+    case WarningKind::tooFarBehind:
+        return "warning.too.far.behind.format";
+    case WarningKind::tooNear:
+        return "warning.too.near.format";
     case WarningKind::soundTracksLeft:
         return "note.sound.tracks.left.format";
     case WarningKind::subtitlesLeft:
@@ -40,6 +60,16 @@ std::string_view keyOf(WarningKind kind) {
         return "note.depth.map.left";
     case WarningKind::motionFilmLeft:
         return "note.motion.film.left";
+    case WarningKind::layoutUsed:
+        return "note.layout.used.format";
+    case WarningKind::eyesPutRight:
+        return "note.eyes.put.right.format";
+    case WarningKind::morePicturesLeft:
+        return "note.more.pictures.left.format";
+    case WarningKind::stereoValuesTaken:
+        return "note.stereo.values.taken.format";
+    case WarningKind::disparityChosen:
+        return "note.disparity.chosen.format";
     case WarningKind::triedAgain:
         return "note.tried.again.format";
     }

@@ -53,6 +53,10 @@ TEST(Options, DefaultsAreThoseOfTheSettings) {
     EXPECT_EQ(settings.resizeMode, fresh.resizeMode);
     EXPECT_EQ(settings.copyAudio, fresh.copyAudio);
     EXPECT_EQ(settings.keepTiming, fresh.keepTiming);
+    EXPECT_EQ(settings.automaticDisparity, fresh.automaticDisparity);
+    EXPECT_EQ(settings.stereoValuesSource, fresh.stereoValuesSource);
+    EXPECT_EQ(settings.inputLayout, fresh.inputLayout);
+    EXPECT_EQ(settings.checkStereo, fresh.checkStereo);
     EXPECT_EQ(settings.recursive, fresh.recursive);
     EXPECT_EQ(settings.skipExisting, fresh.skipExisting);
     EXPECT_EQ(settings.onExisting, fresh.onExisting);
@@ -76,6 +80,11 @@ TEST(Options, EveryFieldHasItsOption) {
                                         "-1.5",
                                         "--stereo-baseline",
                                         "64",
+                                        "--stereo-values",
+                                        "from-file",
+                                        "--input-layout",
+                                        "half-over-under",
+                                        "--no-check-stereo",
                                         "--half-width",
                                         "--swap-left-right",
                                         "--enable-resize",
@@ -105,6 +114,9 @@ TEST(Options, EveryFieldHasItsOption) {
     EXPECT_EQ(settings.horizontalFOV, 71.25);
     EXPECT_EQ(settings.disparityAdjustment, -1.5);
     EXPECT_EQ(settings.stereoBaseline, 64);
+    EXPECT_EQ(settings.stereoValuesSource, StereoValuesSource::file);
+    EXPECT_EQ(settings.inputLayout, InputLayout::halfOverUnder);
+    EXPECT_FALSE(settings.checkStereo);
     EXPECT_TRUE(settings.halfWidth);
     EXPECT_TRUE(settings.swapLeftRight);
     EXPECT_TRUE(settings.enableResize);

@@ -26,6 +26,10 @@ std::shared_ptr<ConversionSettings> unusualSettings() {
     settings->sbsPhotoOutputFormat = allSBSPhotoOutputFormats.back();
     settings->compressionQuality = 0.1;
     settings->halfWidth = settings->swapLeftRight = settings->enableResize = settings->keepTiming = true;
+    settings->automaticDisparity = true;
+    settings->stereoValuesSource = StereoValuesSource::file;
+    settings->inputLayout = InputLayout::twoFiles;
+    settings->checkStereo = false;
     settings->resizeWidth = 640;
     settings->resizeHeight = 480;
     settings->resizeMode = ResizeMode::stretch;
@@ -84,10 +88,12 @@ TEST(Coding, FactsArriveWhole) {
     const MediaFacts facts{.kind = MediaFacts::Kind::photo,
                            .isSpatial = true,
                            .values = {.horizontalFOV = 63.5, .stereoBaseline = std::nullopt, .disparity = -2},
+                           .layout = StereoLayout{EyeArrangement::overUnder, true, true, LayoutSource::container},
+                           .otherLayout = StereoLayout{EyeArrangement::secondUnread, false, false, LayoutSource::user},
+                           .projection = "rect",
                            .hasLeftEye = true,
                            .hasRightEye = false,
                            .heroEye = MediaFacts::Eye::right,
-                           .projection = "rect",
                            .isMultilayer = true};
     EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(facts))))), facts);
     EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(MediaFacts()))))), MediaFacts());

@@ -24,6 +24,24 @@ std::optional<MediaFacts::Eye> decodeEye(const Json &value) {
     return value.is_null() ? std::nullopt : std::optional(caseOf(value, MediaFacts::Eye::right));
 }
 
+Json encodeLayout(const std::optional<StereoLayout> &layout) {
+    if (!layout)
+        return nullptr;
+    return {{"arrangement", numberOf(layout->arrangement)},
+            {"isHalf", layout->isHalf},
+            {"rightEyeFirst", layout->rightEyeFirst},
+            {"source", numberOf(layout->source)}};
+}
+
+std::optional<StereoLayout> decodeLayout(const Json &content) {
+    if (content.is_null())
+        return std::nullopt;
+    return StereoLayout{.arrangement = caseOf(field(content, "arrangement"), lastEyeArrangement),
+                        .isHalf = boolean(field(content, "isHalf")),
+                        .rightEyeFirst = boolean(field(content, "rightEyeFirst")),
+                        .source = caseOf(field(content, "source"), lastLayoutSource)};
+}
+
 std::string decodeProjection(const Json &value) {
     if (string(value).size() > longestProjection)
         throw ProtocolError("no four-character code");
@@ -38,10 +56,12 @@ Json encodeFacts(const MediaFacts &facts) {
             {"horizontalFOV", encodeValue(facts.values.horizontalFOV)},
             {"stereoBaseline", encodeValue(facts.values.stereoBaseline)},
             {"disparity", encodeValue(facts.values.disparity)},
+            {"layout", encodeLayout(facts.layout)},
+            {"otherLayout", encodeLayout(facts.otherLayout)},
+            {"projection", facts.projection},
             {"hasLeftEye", facts.hasLeftEye},
             {"hasRightEye", facts.hasRightEye},
             {"heroEye", facts.heroEye ? Json(numberOf(*facts.heroEye)) : Json(nullptr)},
-            {"projection", facts.projection},
             {"isMultilayer", facts.isMultilayer}};
 }
 
@@ -51,10 +71,12 @@ MediaFacts decodeFacts(const Json &content) {
             .values = {.horizontalFOV = decodeValue(field(content, "horizontalFOV")),
                        .stereoBaseline = decodeValue(field(content, "stereoBaseline")),
                        .disparity = decodeValue(field(content, "disparity"))},
+            .layout = decodeLayout(field(content, "layout")),
+            .otherLayout = decodeLayout(field(content, "otherLayout")),
+            .projection = decodeProjection(field(content, "projection")),
             .hasLeftEye = boolean(field(content, "hasLeftEye")),
             .hasRightEye = boolean(field(content, "hasRightEye")),
             .heroEye = decodeEye(field(content, "heroEye")),
-            .projection = decodeProjection(field(content, "projection")),
             .isMultilayer = boolean(field(content, "isMultilayer"))};
 }
 

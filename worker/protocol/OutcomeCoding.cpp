@@ -18,23 +18,40 @@ std::string_view typesOf(WarningKind kind) {
     switch (kind) {
     case WarningKind::speedChanged:
     case WarningKind::soundAway:
+    case WarningKind::eyesNotLevel:
+    case WarningKind::tooFarBehind:
+    case WarningKind::tooNear:
+    case WarningKind::disparityChosen:
         return "f";
     case WarningKind::framesMissing:
         return "dd";
+    case WarningKind::layoutUsed:
+        return "ss";
+    case WarningKind::layoutsDisagree:
+        return "ssss";
     case WarningKind::withoutSound:
     case WarningKind::soundEndsEarly:
     case WarningKind::sameOutputName:
     case WarningKind::triedAgain:
+    case WarningKind::nameSuggestsLayout:
+    case WarningKind::pictureSuggestsLayout:
+    case WarningKind::notRectilinear:
+    case WarningKind::eyesPutRight:
+    case WarningKind::stereoValuesTaken:
         return "s";
     case WarningKind::soundTracksLeft:
     case WarningKind::subtitlesLeft:
     case WarningKind::chaptersLeft:
     case WarningKind::rotationLeft:
     case WarningKind::depthReduced:
+    case WarningKind::morePicturesLeft:
         return "d";
     case WarningKind::gainMapLeft:
     case WarningKind::depthMapLeft:
     case WarningKind::motionFilmLeft:
+    case WarningKind::notStereo:
+    case WarningKind::looksFlat:
+    case WarningKind::eyesProbablySwapped:
         return "";
     }
     return {};

@@ -12,6 +12,10 @@ Json encodeSettings(const ConversionSettings &settings) {
             {"horizontalFOV", settings.horizontalFOV},
             {"disparityAdjustment", settings.disparityAdjustment},
             {"stereoBaseline", settings.stereoBaseline},
+            {"automaticDisparity", settings.automaticDisparity},
+            {"stereoValuesSource", numberOf(settings.stereoValuesSource)},
+            {"inputLayout", numberOf(settings.inputLayout)},
+            {"checkStereo", settings.checkStereo},
             {"sbsOutputFormat", numberOf(settings.sbsOutputFormat)},
             {"sbsPhotoOutputFormat", numberOf(settings.sbsPhotoOutputFormat)},
             {"compressionQuality", settings.compressionQuality},
@@ -31,6 +35,10 @@ std::shared_ptr<ConversionSettings> decodeSettings(const Json &content) {
     settings->horizontalFOV = number(field(content, "horizontalFOV"));
     settings->disparityAdjustment = number(field(content, "disparityAdjustment"));
     settings->stereoBaseline = number(field(content, "stereoBaseline"));
+    settings->automaticDisparity = boolean(field(content, "automaticDisparity"));
+    settings->stereoValuesSource = caseOf(field(content, "stereoValuesSource"), allStereoValuesSources.back());
+    settings->inputLayout = caseOf(field(content, "inputLayout"), allInputLayouts.back());
+    settings->checkStereo = boolean(field(content, "checkStereo"));
     settings->sbsOutputFormat = caseOf(field(content, "sbsOutputFormat"), allSBSOutputFormats.back());
     settings->sbsPhotoOutputFormat = caseOf(field(content, "sbsPhotoOutputFormat"), allSBSPhotoOutputFormats.back());
     settings->compressionQuality = number(field(content, "compressionQuality"));
