@@ -22,6 +22,10 @@ struct StereoMovieFacts {
     bool anyBaseline = false;                           ///< one of the track's sample entries has a baseline
     bool encrypted = false;                             ///< one of the track's sample entries is protected (encv)
     bool multilayer = false;                            ///< a layered HEVC configuration (lhvC) is present
+    bool multiviewAvc = false;                          ///< a second view is coded as in H.264, annex H (mvcC)
+    std::string packing;                                ///< pkin: "side", "over", …; empty when missing
+    std::optional<std::uint8_t>
+        frameMode; ///< st3d: 0 one eye, 1 over-under, 2 side by side, 4 the same with right first
 };
 
 /// Reads the headers of a QuickTime or ISO base media file, no media data. For a damaged, different or unreadable file

@@ -128,6 +128,10 @@ private:
                 facts.horizontalFieldOfView = plainNumber(box);
             else if (box.type == fourCC("lhvC"))
                 facts.multilayer = true;
+            else if (box.type == fourCC("mvcC"))
+                facts.multiviewAvc = true;
+            else if (box.type == fourCC("st3d"))
+                facts.frameMode = fullBoxByte(box);
         }
     }
 
@@ -143,7 +147,9 @@ private:
             if (box.type == fourCC("eyes"))
                 eyes(box, facts);
             else if (box.type == fourCC("proj"))
-                projection(box, facts);
+                facts.projection = codeIn(box, fourCC("prji"));
+            else if (box.type == fourCC("pack"))
+                facts.packing = codeIn(box, fourCC("pkin"));
         }
     }
 
@@ -159,6 +165,8 @@ private:
                 camera(box, facts);
             else if (box.type == fourCC("cmfy"))
                 comfort(box, facts);
+            else if (box.type == fourCC("pack")) // where some descriptions have it
+                facts.packing = codeIn(box, fourCC("pkin"));
         }
     }
 
@@ -172,14 +180,16 @@ private:
             facts.disparityAdjustment = static_cast<std::int32_t>(fullBoxNumber(*adjustment));
     }
 
-    void projection(const Box &parent, StereoMovieFacts &facts) {
-        const auto information = child(parent, fourCC("prji"));
-        if (!information)
-            return;
-        const std::uint32_t kind = fullBoxNumber(*information);
-        facts.projection.clear();
+    /// The four characters in a full box of that type; empty when the parent has none.
+    std::string codeIn(const Box &parent, std::uint32_t type) {
+        const auto box = child(parent, type);
+        if (!box)
+            return {};
+        const std::uint32_t code = fullBoxNumber(*box);
+        std::string characters;
         for (int shift = 24; shift >= 0; shift -= 8)
-            facts.projection.push_back(static_cast<char>(kind >> shift));
+            characters.push_back(static_cast<char>(code >> shift));
+        return characters;
     }
 
     const Source &source_;

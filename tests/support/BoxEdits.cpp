@@ -20,6 +20,14 @@ void putNumber(Bytes &bytes, std::size_t place, std::uint32_t number) {
         bytes.at(place + index) = static_cast<std::uint8_t>(number >> (24 - 8 * index));
 }
 
+/// Makes the boxes that hold the sample descriptions larger.
+void enlargeDescriptions(Bytes &content, std::uint32_t size) {
+    for (const char *parent : {"moov", "trak", "mdia", "minf", "stbl", "stsd"}) {
+        const std::size_t place = placeOfBox(content, parent);
+        putNumber(content, place, numberAt(content, place) + size);
+    }
+}
+
 } // namespace
 
 void overwrite(const std::filesystem::path &file, std::size_t place, const Bytes &bytes) {
@@ -46,11 +54,19 @@ void addSampleEntry(const std::filesystem::path &file, const std::string &type) 
     Bytes entry(begin, begin + static_cast<std::ptrdiff_t>(size));
     std::copy(type.begin(), type.end(), entry.begin() + 4);
     putNumber(content, descriptions + 12, numberAt(content, descriptions + 12) + 1);
-    for (const char *parent : {"moov", "trak", "mdia", "minf", "stbl", "stsd"}) {
-        const std::size_t place = placeOfBox(content, parent);
-        putNumber(content, place, numberAt(content, place) + size);
-    }
+    enlargeDescriptions(content, size);
     content.insert(begin + static_cast<std::ptrdiff_t>(size), entry.begin(), entry.end());
+    writeFile(file, content);
+}
+
+void addToSampleEntry(const std::filesystem::path &file, const Bytes &boxes) {
+    Bytes content = readFile(file);
+    const auto size = static_cast<std::uint32_t>(boxes.size());
+    const std::size_t entry = placeOfBox(content, "stsd") + 16;
+    const std::uint32_t entrySize = numberAt(content, entry);
+    enlargeDescriptions(content, size);
+    putNumber(content, entry, entrySize + size);
+    content.insert(content.begin() + static_cast<std::ptrdiff_t>(entry + entrySize), boxes.begin(), boxes.end());
     writeFile(file, content);
 }
 

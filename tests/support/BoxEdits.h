@@ -16,6 +16,9 @@ std::size_t placeOfBox(const Bytes &bytes, const std::string &type);
 /// Puts a sample entry like the first, but of another type, behind it, in a movie whose header follows its data.
 void addSampleEntry(const std::filesystem::path &file, const std::string &type);
 
+/// Puts boxes at the end of the first sample entry of a movie whose header follows its data.
+void addToSampleEntry(const std::filesystem::path &file, const Bytes &boxes);
+
 /// Gives the first box of a type another type of four characters.
 void renameBox(const std::filesystem::path &file, const std::string &type, const std::string &other);
 

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/VideoPackings.h"
+
+#include "tests/media/bmff/BoxBuilder.h"
+#include "tests/support/BoxEdits.h"
+#include "tests/support/Clips.h"
+#include "tests/support/Paths.h"
+
+#include <gtest/gtest.h>
+
+namespace lumetwin::media {
+namespace {
+
+using Arrangement = StereoPacking::Arrangement;
+using Packing = std::optional<StereoPacking>;
+using test::TemporaryFolder;
+
+constexpr StereoPacking sideBySide{Arrangement::sideBySide, false, false};
+constexpr StereoPacking overUnder{Arrangement::overUnder, false, false};
+
+StereoPacking half(StereoPacking packing) {
+    packing.isHalf = true;
+    return packing;
+}
+
+StereoPacking rightFirst(StereoPacking packing) {
+    packing.rightEyeFirst = true;
+    return packing;
+}
+
+VideoPackings packingsOf(const std::filesystem::path &file) {
+    return readVideoPackings(InputFile(file));
+}
+
+/// A drawn clip with more options for its video stream.
+std::filesystem::path clip(const std::filesystem::path &file, int width, int height,
+                           const std::vector<std::string> &options) {
+    test::Clip drawing;
+    drawing.width = width;
+    drawing.height = height;
+    drawing.video.insert(drawing.video.end(), options.begin(), options.end());
+    return test::draw(file, drawing);
+}
+
+TEST(VideoPackings, areNoneInAnOrdinaryFilm) {
+    const TemporaryFolder folder;
+    for (const char *name : {"a.mp4", "a.mov", "a.mkv", "a.avi", "a.h264"})
+        EXPECT_EQ(packingsOf(clip(folder / name, 384, 96, {})), VideoPackings{}) << name;
+}
+
+TEST(VideoPackings, ofMatroskaAreItsStereoMode) {
+    const std::vector<std::pair<std::string, Packing>> modes{
+        {"mono", std::nullopt},
+        {"left_right", sideBySide},
+        {"right_left", rightFirst(sideBySide)},
+        {"top_bottom", overUnder},
+        {"bottom_top", rightFirst(overUnder)},
+        {"checkerboard_lr", StereoPacking{Arrangement::interleaved}},
+        {"row_interleaved_rl", StereoPacking{Arrangement::interleaved, true}},
+        {"col_interleaved_lr", StereoPacking{Arrangement::interleaved}},
+        {"anaglyph_cyan_red", std::nullopt},
+        {"block_lr", StereoPacking{Arrangement::secondUnread}},
+        {"block_rl", StereoPacking{Arrangement::secondUnread, true}}};
+    const TemporaryFolder folder;
+    for (const auto &[mode, expected] : modes) {
+        const auto file = clip(folder / "a.mkv", 192, 192, {"-metadata:s:v", "stereo_mode=" + mode});
+        EXPECT_EQ(packingsOf(file).container, expected) << mode;
+        EXPECT_FALSE(packingsOf(file).stream) << mode;
+    }
+}
+
+TEST(VideoPackings, ofAMovieAreItsStereoBoxes) {
+    using test::box;
+    using test::Bytes;
+    using test::fullBox;
+    using test::letters;
+    const auto frameMode = [](std::uint8_t mode) { return fullBox("st3d", {mode}); };
+    const auto usage = [](const char *kind, std::uint8_t eyes) {
+        return box("vexu",
+                   test::joined({box("eyes", fullBox("stri", {eyes})), box("pack", fullBox("pkin", letters(kind)))}));
+    };
+    const std::vector<std::pair<Bytes, Packing>> boxes{
+        {frameMode(0), std::nullopt},
+        {frameMode(1), overUnder},
+        {frameMode(2), sideBySide},
+        {frameMode(3), std::nullopt},
+        {frameMode(4), rightFirst(sideBySide)},
+        {usage("side", 3), sideBySide},
+        {usage("side", 11), rightFirst(sideBySide)},
+        {usage("over", 3), overUnder},
+        {usage("over", 11), rightFirst(overUnder)},
+        {usage("none", 3), std::nullopt},
+        {box("mvcC", Bytes(8, 1)), StereoPacking{Arrangement::secondUnread}}};
+    const TemporaryFolder folder;
+    for (const char *name : {"a.mp4", "a.mov"})
+        for (const auto &[added, expected] : boxes) {
+            const auto file = clip(folder / name, 192, 192, {});
+            test::addToSampleEntry(file, added);
+            EXPECT_EQ(packingsOf(file).container, expected) << name;
+        }
+}
+
+struct Shape {
+    int width;
+    int height;
+    std::string shown; ///< the shape in which the whole frame is shown
+    bool isHalf;
+};
+
+// The second of each was meant for both eyes: it lies.
+const std::vector<Shape> besideEachOther{
+    {384, 108, "32/9", false}, {384, 108, "64/9", false}, {192, 108, "16/9", false},
+    {192, 108, "32/9", true},  {288, 108, "32/9", false}, {180, 144, "32/9", true},
+    {160, 120, "8/3", true},   {320, 120, "16/3", false}, {192, 80, "24/5", true}};
+const std::vector<Shape> aboveEachOther{{192, 216, "8/9", false}, {192, 216, "4/9", false}, {192, 108, "16/9", false},
+                                        {192, 108, "8/9", true},  {144, 216, "8/9", false}, {192, 80, "6/5", true}};
+
+TEST(VideoPackings, knowHalfTheWidthByTheShapeOfThePixels) {
+    const TemporaryFolder folder;
+    for (const Shape &shape : besideEachOther)
+        for (const char *mode : {"left_right", "right_left"}) {
+            const auto file = clip(folder / "a.mkv", shape.width, shape.height,
+                                   {"-aspect", shape.shown, "-metadata:s:v", std::string("stereo_mode=") + mode});
+            const Packing container = packingsOf(file).container;
+            ASSERT_TRUE(container);
+            EXPECT_EQ(container->isHalf, shape.isHalf) << shape.width << " x " << shape.height << ": " << shape.shown;
+        }
+}
+
+TEST(VideoPackings, knowHalfTheHeightByTheShapeOfThePixels) {
+    const TemporaryFolder folder;
+    for (const Shape &shape : aboveEachOther) {
+        const auto file = clip(folder / "a.mkv", shape.width, shape.height,
+                               {"-aspect", shape.shown, "-metadata:s:v", "stereo_mode=top_bottom"});
+        const Packing container = packingsOf(file).container;
+        ASSERT_TRUE(container);
+        EXPECT_EQ(container->isHalf, shape.isHalf) << shape.width << " x " << shape.height << ": " << shape.shown;
+    }
+}
+
+TEST(VideoPackings, ofAStreamAreItsMessage) {
+    const std::vector<std::pair<std::string, Packing>> types{{"0", StereoPacking{Arrangement::interleaved}},
+                                                             {"1", StereoPacking{Arrangement::interleaved}},
+                                                             {"2", StereoPacking{Arrangement::interleaved}},
+                                                             {"3", sideBySide},
+                                                             {"4", overUnder},
+                                                             {"5", StereoPacking{Arrangement::alternating}},
+                                                             {"6", std::nullopt}};
+    const TemporaryFolder folder;
+    for (const char *name : {"a.mp4", "a.mov", "a.mkv", "a.avi", "a.h264"})
+        for (const auto &[type, expected] : types) {
+            const auto file = clip(folder / name, 384, 96, {"-x264-params", "frame-packing=" + type});
+            EXPECT_EQ(packingsOf(file).stream, expected) << name << " " << type;
+            EXPECT_FALSE(packingsOf(file).container) << name << " " << type;
+        }
+}
+
+TEST(VideoPackings, ofAStreamAreHalfByTheShapeOfThePixels) {
+    const TemporaryFolder folder;
+    for (const char *name : {"a.mp4", "a.mkv", "a.h264"}) {
+        const auto squeezed = clip(folder / name, 192, 108, {"-aspect", "32/9", "-x264-params", "frame-packing=3"});
+        EXPECT_EQ(packingsOf(squeezed).stream, half(sideBySide)) << name;
+    }
+}
+
+} // namespace
+} // namespace lumetwin::media
