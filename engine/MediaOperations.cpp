@@ -2,6 +2,7 @@
 #include "engine/MediaOperations.h"
 
 #include "engine/inspection/Inspection.h"
+#include "engine/inspection/LayoutInspection.h"
 #include "engine/photo/SBSImageToSpatial.h"
 #include "engine/photo/SpatialPhotoToSBS.h"
 #include "engine/video/SBSVideoToSpatial.h"
@@ -45,6 +46,7 @@ FileInspection MediaOperations::inspectFile(const std::filesystem::path &file) c
 
 MediaOperations MediaOperations::inProcess() {
     return {.look = lumetwin::lookAt,
+            .lookClosely = lumetwin::lookClosely,
             .measure = lumetwin::pictureSize,
             .convertSpatialVideoToSBS = lumetwin::convertSpatialVideoToSBS,
             .convertSBSVideoToSpatial = lumetwin::convertSBSVideoToSpatial,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "engine/ConversionInput.h"
 #include "engine/Outcome.h"
 #include "model/ConversionSettings.h"
 #include "model/MediaFacts.h"
@@ -33,11 +34,13 @@ enum class ConversionKind { spatialVideoToSBS, sbsVideoToSpatial, spatialPhotoTo
 /// tests replace them. May be called on any thread.
 struct MediaOperations {
     /// Writes the output, or returns early when cancelled. Throws when it fails.
-    using Converter = std::function<Outcome(const ConversionSettings &, const media::InputFile &,
+    using Converter = std::function<Outcome(const ConversionSettings &, const ConversionInput &,
                                             const media::OutputFile &, const ConversionControl &, SystemVersion)>;
 
     /// Reads the headers; see lookAt().
     std::function<MediaFacts(const media::InputFile &)> look;
+    /// Reads the headers and the layout of the eyes; see lookClosely().
+    std::function<MediaFacts(const ConversionInput &)> lookClosely;
     /// See pictureSize().
     std::function<PictureSize(const media::InputFile &)> measure;
     Converter convertSpatialVideoToSBS;

@@ -50,12 +50,16 @@ struct OtherContents {
     int chapters = 0;
 };
 
+/// Which of a movie's video streams is its video track. Cover pictures do not count.
+enum class VideoStream { first, second };
+
 /// An opened movie with its headers read. Its facts do not change while a frame reader reads from it.
 class MovieFile {
 public:
     /// Reads the headers, and the whole file if they do not list all frames. That stops early, with fewer frames, when
     /// `cancelled` returns true. Throws MediaError when the file is not a movie.
-    explicit MovieFile(const InputFile &file, const std::function<bool()> &cancelled = {});
+    explicit MovieFile(const InputFile &file, const std::function<bool()> &cancelled = {},
+                       VideoStream video = VideoStream::first);
     ~MovieFile();
 
     const InputFile &file() const;

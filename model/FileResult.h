@@ -46,7 +46,8 @@ constexpr std::string_view rawValue(FileState state) {
 /// The result of one file of a run.
 struct FileResult {
     std::filesystem::path input;
-    std::filesystem::path output; ///< the written file, or the file that is up to date; otherwise empty
+    std::filesystem::path rightEye; ///< the input of the right eye, where each eye has a file of its own
+    std::filesystem::path output;   ///< the written file, or the file that is up to date; otherwise empty
     FileState state = FileState::notReached;
     std::string reason; ///< why it was skipped or failed, in the user's language
     std::vector<Warning> warnings;

@@ -30,7 +30,8 @@ struct MediaFacts {
     std::optional<StereoLayout> layout;
     /// What another source says, where it says something else.
     std::optional<StereoLayout> otherLayout;
-    std::string projection; ///< four-character code such as "rect"; empty where absent
+    int furtherPictures = 0; ///< pictures of a photo file that are not its eyes
+    std::string projection;  ///< four-character code such as "rect"; empty where absent
 
     // Only for movies.
     bool hasLeftEye = false;

@@ -87,11 +87,15 @@ Json fileJson(const FileResult &result) {
     Json warnings = Json::array();
     for (const Warning &warning : result.warnings)
         warnings.push_back(warningJson(warning));
-    return {
-        {"input", absolutePath(result.input)}, {"output", absolutePath(result.output)},
-        {"state", rawValue(result.state)},     {"reason", result.reason.empty() ? Json(nullptr) : Json(result.reason)},
-        {"warnings", std::move(warnings)},     {"frames", framesJson(result)},
-        {"seconds", result.seconds},           {"bytes", result.wasConverted() ? Json(result.bytes) : Json(nullptr)}};
+    return {{"input", absolutePath(result.input)},
+            {"rightEye", absolutePath(result.rightEye)},
+            {"output", absolutePath(result.output)},
+            {"state", rawValue(result.state)},
+            {"reason", result.reason.empty() ? Json(nullptr) : Json(result.reason)},
+            {"warnings", std::move(warnings)},
+            {"frames", framesJson(result)},
+            {"seconds", result.seconds},
+            {"bytes", result.wasConverted() ? Json(result.bytes) : Json(nullptr)}};
 }
 
 } // namespace

@@ -10,7 +10,7 @@ namespace lumetwin::worker {
 namespace {
 
 MediaOperations::Converter converter(const std::shared_ptr<Workers> &workers, ConversionKind kind) {
-    return [workers, kind](const ConversionSettings &settings, const media::InputFile &input,
+    return [workers, kind](const ConversionSettings &settings, const ConversionInput &input,
                            const media::OutputFile &output, const ConversionControl &control, SystemVersion system) {
         return workers->convert(kind, settings, input, output, control, system);
     };
@@ -20,6 +20,7 @@ MediaOperations::Converter converter(const std::shared_ptr<Workers> &workers, Co
 
 MediaOperations confinedOperations(std::shared_ptr<Workers> workers) {
     return {.look = [workers](const media::InputFile &input) { return workers->look(input); },
+            .lookClosely = [workers](const ConversionInput &input) { return workers->lookClosely(input); },
             .measure = [workers](const media::InputFile &input) { return workers->measure(input); },
             .convertSpatialVideoToSBS = converter(workers, ConversionKind::spatialVideoToSBS),
             .convertSBSVideoToSpatial = converter(workers, ConversionKind::sbsVideoToSpatial),

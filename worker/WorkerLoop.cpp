@@ -19,10 +19,19 @@ void expectDescriptors(const std::vector<media::Descriptor> &descriptors, std::s
         throw ProtocolError("other descriptors than asked for");
 }
 
+/// Takes over the descriptors of the input: the file, and the file of the right eye where there is one.
+ConversionInput inputOf(std::vector<media::Descriptor> &descriptors, const std::filesystem::path &file,
+                        const std::optional<std::filesystem::path> &rightEye) {
+    ConversionInput input(media::InputFile(descriptors[0].release(), file));
+    if (rightEye)
+        input.rightEye.emplace(descriptors[1].release(), *rightEye);
+    return input;
+}
+
 } // namespace
 
 int WorkerLoop::run() {
-    constexpr std::size_t mostDescriptors = 2;
+    constexpr std::size_t mostDescriptors = 3;
     while (std::optional<Channel::Message> message = (giveSignsOfLife(), channel_.receive(mostDescriptors)))
         std::visit([&](const auto &request) { handle(request, std::move(message->descriptors)); },
                    decodeRequest(message->content));
@@ -42,26 +51,32 @@ void WorkerLoop::answer(const Answer &answer) {
 }
 
 void WorkerLoop::handle(const LookRequest &request, std::vector<media::Descriptor> descriptors) {
-    expectDescriptors(descriptors, 1);
+    expectDescriptors(descriptors, request.rightEye ? 2 : 1);
     setTextLocale(request.language);
-    const media::InputFile input(descriptors[0].release(), request.input);
+    const ConversionInput input = inputOf(descriptors, request.input, request.rightEye);
     try {
-        request.kind == LookRequest::Kind::look ? answer(operations_.look(input)) : answer(operations_.measure(input));
+        if (request.kind == LookRequest::Kind::look)
+            answer(operations_.look(input));
+        else if (request.kind == LookRequest::Kind::lookClosely)
+            answer(operations_.lookClosely(input));
+        else
+            answer(operations_.measure(input));
     } catch (...) {
         answer(Failure{std::current_exception()});
     }
 }
 
 void WorkerLoop::handle(const ConvertRequest &request, std::vector<media::Descriptor> descriptors) {
-    expectDescriptors(descriptors, 2);
+    expectDescriptors(descriptors, request.rightEye ? 3 : 2);
     if (conversion_.joinable())
         throw ProtocolError("a second conversion");
     setTextLocale(request.language);
     if (request.oneDecodingThread)
         media::decodeWithOneThread();
-    conversion_ = std::thread(
-        [this, request, input = media::InputFile(descriptors[0].release(), request.input),
-         output = media::OutputFile(descriptors[1].release(), request.output)] { convert(request, input, output); });
+    media::OutputFile output(descriptors[1].release(), request.output);
+    descriptors.erase(descriptors.begin() + 1);
+    conversion_ = std::thread([this, request, input = inputOf(descriptors, request.input, request.rightEye),
+                               output = std::move(output)] { convert(request, input, output); });
 }
 
 void WorkerLoop::handle(const CancelRequest &, std::vector<media::Descriptor> descriptors) {
@@ -69,8 +84,7 @@ void WorkerLoop::handle(const CancelRequest &, std::vector<media::Descriptor> de
     cancelRequested_ = true;
 }
 
-void WorkerLoop::convert(const ConvertRequest &request, const media::InputFile &input,
-                         const media::OutputFile &output) {
+void WorkerLoop::convert(const ConvertRequest &request, const ConversionInput &input, const media::OutputFile &output) {
     const ConversionControl control{.cancelRequested = &cancelRequested_,
                                     .onFrameProgress = [this](std::int64_t frame, std::int64_t frames) {
                                         answer(Progress{frame, frames});

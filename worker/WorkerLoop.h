@@ -24,7 +24,7 @@ private:
     void handle(const LookRequest &request, std::vector<media::Descriptor> descriptors);
     void handle(const ConvertRequest &request, std::vector<media::Descriptor> descriptors);
     void handle(const CancelRequest &request, std::vector<media::Descriptor> descriptors);
-    [[noreturn]] void convert(const ConvertRequest &request, const media::InputFile &input,
+    [[noreturn]] void convert(const ConvertRequest &request, const ConversionInput &input,
                               const media::OutputFile &output);
     void answer(const Answer &answer);
     /// During a conversion, reports about once per second that it makes progress, until a request arrives.

@@ -14,8 +14,9 @@ BatchFiles::BatchFiles(const ConversionSettings &settings, const std::vector<Lis
     for (const ListedFile &listed : files) {
         const Path folder =
             listed.folder.empty() ? *settings.outputFolderURL : *settings.outputFolderURL / listed.folder;
-        files_.push_back({listed.file, lastPathComponent(listed.file), folder / outputName(listed.file, settings),
-                          listed.listingError});
+        const Path &named = listed.named.empty() ? listed.file : listed.named;
+        files_.push_back({listed.file, listed.rightEye, lastPathComponent(listed.file),
+                          folder / outputName(named, settings), listed.listingError});
         indexesByOutput_.emplace(files_.back().output, files_.size() - 1);
     }
 }

@@ -25,6 +25,8 @@ public:
 
     std::size_t count() const { return files_.size(); }
     const Path &input(std::size_t index) const { return files_[index].input; }
+    /// The file of the right eye; empty when one file has both eyes.
+    const Path &rightEye(std::size_t index) const { return files_[index].rightEye; }
     const std::string &name(std::size_t index) const { return files_[index].name; }
     /// The output path according to the naming rules, whether or not that file exists.
     const Path &output(std::size_t index) const { return files_[index].output; }
@@ -41,6 +43,7 @@ public:
 private:
     struct File {
         Path input;
+        Path rightEye;
         std::string name;
         Path output;
         std::string listingError;

@@ -78,7 +78,7 @@ media::InputFile openInput(ConversionKind kind, const Path &file) {
 }
 
 Outcome convertFile(const MediaOperations &operations, ConversionKind kind, const ConversionSettings &settings,
-                    const media::InputFile &input, const Path &output, const ConversionControl &control,
+                    const ConversionInput &input, const Path &output, const ConversionControl &control,
                     SystemVersion system) {
     Destination destination(kind, placeOf(kind, output));
     Outcome outcome = operations.converter(kind)(settings, input, destination.file(), control, system);

@@ -15,7 +15,7 @@ media::InputFile openInput(ConversionKind kind, const std::filesystem::path &fil
 /// conversion ("mov", "heic"). A cancelled conversion leaves no file; a failed one leaves the partial file. Throws the
 /// conversion's errors.
 Outcome convertFile(const MediaOperations &operations, ConversionKind kind, const ConversionSettings &settings,
-                    const media::InputFile &input, const std::filesystem::path &output,
-                    const ConversionControl &control, SystemVersion system);
+                    const ConversionInput &input, const std::filesystem::path &output, const ConversionControl &control,
+                    SystemVersion system);
 
 } // namespace lumetwin

@@ -37,13 +37,13 @@ void addTree(const std::filesystem::path &folder, const std::filesystem::path &r
     for (const std::filesystem::directory_entry &entry : visibleEntries(folder))
         (isFolderToEnter(entry, except) ? folders : here).push_back(entry.path());
     for (ListedFile &listed : mediaFiles(here))
-        files.push_back({std::move(listed.file), relative, {}});
+        files.push_back({.file = std::move(listed.file), .folder = relative});
     std::ranges::sort(folders);
     for (const std::filesystem::path &child : folders) {
         try {
             addTree(child, relative / child.filename(), except, files);
         } catch (const std::filesystem::filesystem_error &error) {
-            files.push_back({child, relative, error.code().message()});
+            files.push_back({.file = child, .folder = relative, .listingError = error.code().message()});
         }
     }
 }
@@ -61,7 +61,7 @@ std::vector<ListedFile> mediaFiles(const std::vector<std::filesystem::path> &fil
     std::vector<ListedFile> kept;
     for (const std::filesystem::path &file : files)
         if (isMediaFile(file))
-            kept.push_back({file, {}, {}});
+            kept.push_back({.file = file, .folder = {}});
     std::ranges::stable_sort(kept, {}, nameOf);
     return kept;
 }

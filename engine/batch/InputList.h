@@ -11,7 +11,10 @@ namespace lumetwin {
 struct ListedFile {
     std::filesystem::path file;
     std::filesystem::path folder;
-    std::string listingError; ///< only for a folder that cannot be listed: the reason
+    /// Where each eye has a file of its own: the right eye's; `file` is the left eye's then.
+    std::filesystem::path rightEye = {};
+    std::filesystem::path named = {}; ///< the name that the result is made from, where it is not that of the file
+    std::string listingError = {};    ///< only for a folder that cannot be listed: the reason
 };
 
 /// The direct children of a folder, without hidden ones (whose names begin with a dot), in listing order. Throws

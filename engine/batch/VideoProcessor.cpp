@@ -2,6 +2,7 @@
 #include "engine/batch/VideoProcessor.h"
 
 #include "engine/batch/BatchFiles.h"
+#include "engine/batch/EyeFiles.h"
 #include "engine/batch/FileConversion.h"
 #include "engine/batch/InputList.h"
 #include "engine/batch/OutputGuard.h"
@@ -35,11 +36,19 @@ bool hasWarning(const std::vector<Warning> &warnings) {
     return std::ranges::any_of(warnings, [](const Warning &warning) { return !isNote(warning.kind); });
 }
 
-std::vector<Path> inputsOf(const BatchFiles &files) {
+/// Guards all inputs of the run, the files of right eyes too.
+OutputGuard guardOf(const BatchFiles &files) {
     std::vector<Path> inputs;
+    std::vector<std::size_t> indexes;
     for (std::size_t index = 0; index < files.count(); ++index)
-        inputs.push_back(files.input(index));
-    return inputs;
+        for (const Path &input : {files.input(index), files.rightEye(index)})
+            if (!input.empty()) {
+                inputs.push_back(input);
+                indexes.push_back(index);
+            }
+    return OutputGuard(inputs, [&files, indexes = std::move(indexes)](std::size_t input) {
+        return files.matchesDirection(indexes[input]);
+    });
 }
 
 void printLine(const std::string &line) {
@@ -124,7 +133,8 @@ VideoProcessor::Ending VideoProcessor::run() {
     }
     if (files.empty())
         return {false, text("error.no.media.files")};
-    const BatchFiles batch(*settings, files, [this](const Path &file) { return isSpatial(file); });
+    const BatchFiles batch(*settings, pairEyes(std::move(files), *settings),
+                           [this](const Path &file) { return isSpatial(file); });
     return convertFiles(batch);
 }
 
@@ -137,10 +147,12 @@ std::vector<ListedFile> VideoProcessor::listedFiles() const {
 }
 
 VideoProcessor::Ending VideoProcessor::convertFiles(const BatchFiles &files) {
-    const OutputGuard guard(inputsOf(files), [&](std::size_t index) { return files.matchesDirection(index); });
+    const OutputGuard guard = guardOf(files);
     results_.resize(files.count());
-    for (std::size_t index = 0; index < files.count(); ++index)
+    for (std::size_t index = 0; index < files.count(); ++index) {
         results_[index].input = files.input(index);
+        results_[index].rightEye = files.rightEye(index);
+    }
     const auto total = static_cast<std::int64_t>(files.count());
     for (std::size_t index = 0; index < files.count(); ++index) {
         if (!cancelRequested) {
@@ -206,7 +218,8 @@ std::optional<std::filesystem::path> VideoProcessor::earlierOutput(const BatchFi
     if (!settings->skipExisting || !files.inputsWithSameOutput(index).empty())
         return std::nullopt;
     for (const Path &place : existingOutputPaths(files.output(index), settings->onExisting))
-        if (isUpToDate(files.input(index), place))
+        if (isUpToDate(files.input(index), place) &&
+            (files.rightEye(index).empty() || isUpToDate(files.rightEye(index), place)))
             return place;
     return std::nullopt;
 }
@@ -230,8 +243,10 @@ void VideoProcessor::convert(const BatchFiles &files, std::size_t index, const O
     const Path output = chooseOutputPath(files.output(index), settings->onExisting).value();
     guard.check(result.input, output);
     prepareOutputPath(output, *settings->outputFolderURL);
-    Outcome outcome =
-        isPhotoFile(result.input) ? convertPhoto(result.input, output) : convertVideo(result.input, output);
+    ConversionInput input = opened(result.input);
+    if (!result.rightEye.empty())
+        input.rightEye = openInput(kindFor(result.rightEye), result.rightEye);
+    Outcome outcome = convertMedia(input, output);
     result.framesWritten = outcome.framesWritten;
     result.framesExpected = outcome.framesExpected;
     result.warnings = std::move(outcome.warnings);
@@ -256,13 +271,19 @@ void VideoProcessor::reportResult(FileResult &result) {
 }
 
 Outcome VideoProcessor::convertPhoto(const Path &input, const Path &output) {
-    return convertFile(input, output, controlFor(input, {}));
+    return convertMedia(opened(input), output);
 }
 
 Outcome VideoProcessor::convertVideo(const Path &input, const Path &output) {
-    if (settings->direction == ConversionDirection::sbsToSpatial && system_ < spatialVideoWriting)
+    return convertMedia(opened(input), output);
+}
+
+Outcome VideoProcessor::convertMedia(const ConversionInput &input, const Path &output) {
+    const ConversionKind kind = kindFor(input.path());
+    if (kind == ConversionKind::sbsVideoToSpatial && system_ < spatialVideoWriting)
         throw processorError(text("error.macos14.required"));
-    return convertFile(input, output, controlFor(input, onFrameProgress));
+    const ConversionControl control = controlFor(input.path(), isPhotoFile(input.path()) ? nullptr : onFrameProgress);
+    return lumetwin::convertFile(operations_, kind, *settings, input, output, control, system_);
 }
 
 ConversionControl VideoProcessor::controlFor(const Path &input,
@@ -272,10 +293,6 @@ ConversionControl VideoProcessor::controlFor(const Path &input,
             .onLog = [this, name = lastPathComponent(input)](const std::string &line) {
                 log("[VP] ⚠️ " + name + ": " + line);
             }};
-}
-
-Outcome VideoProcessor::convertFile(const Path &input, const Path &output, const ConversionControl &control) {
-    return lumetwin::convertFile(operations_, kindFor(input), *settings, opened(input), output, control, system_);
 }
 
 } // namespace lumetwin

@@ -94,8 +94,7 @@ private:
     ConversionKind kindFor(const std::filesystem::path &input) const;
     ConversionControl controlFor(const std::filesystem::path &input,
                                  std::function<void(std::int64_t, std::int64_t)> onProgressOfFrames);
-    Outcome convertFile(const std::filesystem::path &input, const std::filesystem::path &output,
-                        const ConversionControl &control);
+    Outcome convertMedia(const ConversionInput &input, const std::filesystem::path &output);
 
     SystemVersion system_;
     MediaOperations operations_;

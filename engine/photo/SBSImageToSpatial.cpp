@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/photo/SBSImageToSpatial.h"
 
+#include "engine/inspection/LayoutInspection.h"
 #include "engine/photo/PhotoNotes.h"
 #include "engine/photo/SpatialPhotoError.h"
 #include "engine/photo/SpatialPhotoMetadata.h"
 #include "engine/stereo/EyeExtraction.h"
+#include "engine/stereo/SourceLayout.h"
 #include "engine/texts/FileNames.h"
 #include "engine/texts/MediaErrorTexts.h"
 #include "engine/texts/ProcessorError.h"
@@ -12,10 +14,14 @@
 #include "media/EyePair.h"
 #include "media/Image.h"
 #include "media/Memory.h"
+#include "media/PhotoPackings.h"
 #include "media/SRGB.h"
 
+#include <algorithm>
 #include <future>
+#include <iterator>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 namespace lumetwin {
@@ -27,12 +33,12 @@ using media::Cancellation;
 constexpr int spatialDepth = 8; ///< bits per sample of the output
 
 /// Does something with the input; of what fails there, the error names the file.
-template <typename Action> auto reading(const media::InputFile &input, const Action &action) {
+template <typename Action> auto reading(const std::filesystem::path &input, const Action &action) {
     try {
         return action();
     } catch (const media::MediaError &error) {
         throw processorError(
-            withCause(words("error.photo.cannot.open.format", lastPathComponent(input.path())), causeOf(error)));
+            withCause(words("error.photo.cannot.open.format", lastPathComponent(input)), causeOf(error)));
     }
 }
 
@@ -53,12 +59,14 @@ media::Picture emptyEye(int width, int height, const media::Picture &source) {
 media::Picture fittedEye(const media::Picture &source, const media::Placement &placement, bool unscaled,
                          const EyeSize &size, const Cancellation &cancellation) {
     const int x = static_cast<int>(placement.source.x);
+    const int y = static_cast<int>(placement.source.y);
     const int width = static_cast<int>(size.width);
     const int height = static_cast<int>(size.height);
     const bool betweenChroma =
-        source.format.model == media::ColourModel::yuv && x % (1 << source.format.chromaShiftX) != 0;
+        source.format.model == media::ColourModel::yuv &&
+        (x % (1 << source.format.chromaShiftX) != 0 || y % (1 << source.format.chromaShiftY) != 0);
     if (unscaled && !betweenChroma)
-        return media::cropped(source, x, 0, width, height);
+        return media::cropped(source, x, y, width, height);
     media::Picture eye = emptyEye(width, height, source);
     if (!unscaled)
         media::Compositor::fillBlack(eye);
@@ -80,20 +88,66 @@ media::Picture opaqueEye(media::Picture eye, const std::vector<std::uint8_t> &pr
     }
 }
 
+/// The pictures from which the eyes are cut: one that has both, or one for each eye.
+struct Sources {
+    media::StillImage first;
+    std::optional<media::StillImage> second;
+
+    const media::StillImage &last() const { return second ? *second : first; }
+};
+
+void requireSameSize(const media::Picture &left, const media::Picture &right) {
+    if (left.width != right.width || left.height != right.height)
+        throw processorError(
+            words("error.eye.sizes.differ.format", left.width, left.height, right.width, right.height));
+}
+
+Sources readSources(const media::ImageFile &file, const StereoLayout &layout, const ConversionInput &input,
+                    const MediaFacts &facts, const Cancellation &cancellation) {
+    if (isInOnePicture(layout))
+        return {file.read(cancellation), std::nullopt};
+    if (layout.arrangement == EyeArrangement::twoStreams)
+        throw processorError(words("error.no.second.stream"));
+    Sources sources;
+    if (layout.arrangement == EyeArrangement::twoFiles) {
+        if (!input.rightEye)
+            throw processorError(words("error.no.second.file"));
+        sources.first = file.read(cancellation);
+        sources.second = media::ImageFile(*input.rightEye).read(cancellation);
+    } else {
+        if (!facts.layout || facts.layout->arrangement != EyeArrangement::twoPictures)
+            throw processorError(words("error.no.second.picture"));
+        const auto take = [&sources](media::Eye eye, media::StillImage image) {
+            if (eye == media::Eye::left)
+                sources.first = std::move(image);
+            else
+                sources.second = std::move(image);
+        };
+        media::readEyePictures(file, take, cancellation);
+    }
+    requireSameSize(sources.first.picture, sources.last().picture);
+    return sources;
+}
+
 /// Both eyes in sRGB. Each is prepared on its own thread.
-Eyes renderedEyes(const ConversionSettings &settings, media::StillImage source, const std::filesystem::path &input,
-                  const Cancellation &cancellation) {
-    const EyeSize size = eyeSize(settings, source.picture.width, source.picture.height);
-    if (!possible(size) || source.picture.width < 2)
+Eyes renderedEyes(const ConversionSettings &settings, const StereoLayout &layout, const Sources &sources,
+                  const std::filesystem::path &input, const Cancellation &cancellation) {
+    const media::Picture &picture = sources.first.picture;
+    const EyeCells cells = eyeCells(layout, picture.width, picture.height);
+    const EyeSize size = eyeSize(settings, cells);
+    if (!possible(size) || cells.shownWidth < 1 || cells.shownHeight < 1)
         throw processorError(withCause(words("error.photo.render.eyes.failed"), causeOfSize(size.width, size.height)));
-    const EyeExtraction extraction = eyeExtraction(settings, size, source.picture.width, source.picture.height);
-    const auto render = [&](const media::Placement &placement) {
+    const EyeExtraction extraction = eyeExtraction(settings, size, cells);
+    const auto render = [&](const media::StillImage &source, const media::Placement &placement) {
         return opaqueEye(fittedEye(source.picture, placement, extraction.unscaled, size, cancellation),
                          source.metadata.iccProfile, input, cancellation);
     };
-    auto right = std::async(std::launch::async, render, extraction.right);
-    media::Picture left = render(extraction.left);
-    return {std::move(left), right.get()};
+    auto right = std::async(std::launch::async, [&] { return render(sources.last(), extraction.right); });
+    media::Picture left = render(sources.first, extraction.left);
+    Eyes eyes{std::move(left), right.get()};
+    if (sources.second && settings.swapLeftRight != layout.rightEyeFirst)
+        std::swap(eyes.left, eyes.right);
+    return eyes;
 }
 
 void writePair(const ConversionSettings &settings, Eyes eyes, const media::ImageMetadata &metadata,
@@ -108,23 +162,30 @@ void writePair(const ConversionSettings &settings, Eyes eyes, const media::Image
     }
 }
 
-/// Returns notes about what is not kept.
-std::vector<Warning> convert(const ConversionSettings &settings, const media::InputFile &input,
+/// Returns warnings, and notes about what is not kept.
+std::vector<Warning> convert(const ConversionSettings &settings, const ConversionInput &input,
                              const media::OutputFile &output, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
-    const media::ImageFile file = reading(input, [&] { return media::ImageFile(input); });
-    media::StillImage source = reading(input, [&] { return file.read(cancellation); });
-    std::vector<Warning> notes = photoNotes(file, source.picture.format.depth, spatialDepth);
-    const media::ImageMetadata metadata{{}, source.metadata.exif, source.metadata.xmp};
-    Eyes eyes = renderedEyes(settings, std::move(source), input.path(), cancellation);
+    const media::ImageFile file = reading(input.path(), [&] { return media::ImageFile(input); });
+    const MediaFacts facts = lookClosely(input);
+    const StereoLayout layout = sourceLayout(settings.inputLayout, facts);
+    requireReadable(layout);
+    std::optional<Sources> sources =
+        reading(input.path(), [&] { return readSources(file, layout, input, facts, cancellation); });
+    std::vector<Warning> warnings = layoutWarnings(layout, facts);
+    std::ranges::move(photoNotes(file, sources->first.picture.format.depth, spatialDepth),
+                      std::back_inserter(warnings));
+    const media::ImageMetadata metadata{{}, sources->first.metadata.exif, sources->first.metadata.xmp};
+    Eyes eyes = renderedEyes(settings, layout, *sources, input.path(), cancellation);
+    sources.reset();
     cancellation.check();
     writePair(settings, std::move(eyes), metadata, output, cancellation);
-    return notes;
+    return warnings;
 }
 
 } // namespace
 
-Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const media::InputFile &input,
+Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const ConversionInput &input,
                                  const media::OutputFile &output, const ConversionControl &control, SystemVersion) {
     const Cancellation cancellation([&control] { return control.cancelled(); });
     try {

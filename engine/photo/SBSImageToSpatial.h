@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "engine/ConversionInput.h"
 #include "engine/Outcome.h"
 #include "media/InputFile.h"
 #include "media/OutputFile.h"
@@ -12,7 +13,7 @@ namespace lumetwin {
 
 /// Converts a side-by-side image into a spatial photo; the output's extension becomes "heic". Throws SpatialPhotoError,
 /// ProcessorError or MediaError.
-Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const media::InputFile &input,
+Outcome convertSBSImageToSpatial(const ConversionSettings &settings, const ConversionInput &input,
                                  const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion = SystemVersion::current());
 

@@ -150,7 +150,7 @@ void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKi
 
 } // namespace
 
-Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const media::InputFile &input,
+Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const ConversionInput &input,
                                  const media::OutputFile &output, const ConversionControl &control, SystemVersion) {
     const Cancellation cancellation([&control] { return control.cancelled(); });
     const media::ImageFile photo = openedPair(input);

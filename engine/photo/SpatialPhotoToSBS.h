@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "engine/ConversionInput.h"
 #include "engine/Outcome.h"
 #include "media/InputFile.h"
 #include "media/OutputFile.h"
@@ -12,7 +13,7 @@ namespace lumetwin {
 
 /// Converts a spatial photo into a side-by-side image. Throws SpatialPhotoError, ProcessorError
 /// or MediaError.
-Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const media::InputFile &input,
+Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const ConversionInput &input,
                                  const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion = SystemVersion::current());
 

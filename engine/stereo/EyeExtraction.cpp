@@ -9,27 +9,31 @@ namespace lumetwin {
 
 namespace {
 
-/// The target rectangle of a half of the given size on an eye's canvas.
-media::Rect eyeTarget(const ConversionSettings &settings, const EyeSize &eye, double halfWidth, double height) {
-    const auto eyeWidth = static_cast<double>(eye.width);
-    const auto eyeHeight = static_cast<double>(eye.height);
+/// The target rectangle of a cell on an eye's canvas.
+media::Rect eyeTarget(const ConversionSettings &settings, const EyeSize &eye, const EyeCells &cells) {
+    const auto shownWidth = static_cast<double>(cells.shownWidth);
+    const auto shownHeight = static_cast<double>(cells.shownHeight);
     if (!settings.enableResize)
-        return {0, 0, halfWidth, height};
-    return topDown(fittedEye(settings.resizeMode, halfWidth, height, eyeWidth, eyeHeight), eyeHeight);
+        return {0, 0, shownWidth, shownHeight};
+    const auto eyeHeight = static_cast<double>(eye.height);
+    return topDown(fittedEye(settings.resizeMode, shownWidth, shownHeight, static_cast<double>(eye.width), eyeHeight),
+                   eyeHeight);
 }
 
 } // namespace
 
-EyeExtraction eyeExtraction(const ConversionSettings &settings, const EyeSize &eye, std::int64_t sourceWidth,
-                            std::int64_t sourceHeight) {
-    const std::int64_t columns = sourceWidth / 2; // the last column of an odd width belongs to no eye
-    const auto halfWidth = static_cast<double>(columns);
-    const auto height = static_cast<double>(sourceHeight);
-    const media::Rect target = eyeTarget(settings, eye, halfWidth, height);
+EyeSize eyeSize(const ConversionSettings &settings, const EyeCells &cells) {
+    if (settings.enableResize)
+        return {settings.resizeWidth, settings.resizeHeight};
+    return {cells.shownWidth, cells.shownHeight};
+}
+
+EyeExtraction eyeExtraction(const ConversionSettings &settings, const EyeSize &eye, const EyeCells &cells) {
+    const media::Rect target = eyeTarget(settings, eye, cells);
     const media::Rect canvas{0, 0, static_cast<double>(eye.width), static_cast<double>(eye.height)};
-    const media::Placement first{{0, 0, halfWidth, height}, target, canvas};
-    const media::Placement second{{halfWidth, 0, halfWidth, height}, target, canvas};
-    EyeExtraction extraction{{first, second}, target == media::Rect{0, 0, halfWidth, height} && target == canvas};
+    const media::Rect unscaled{0, 0, cells.left.width, cells.left.height};
+    EyeExtraction extraction{{{cells.left, target, canvas}, {cells.right, target, canvas}},
+                             target == unscaled && target == canvas};
     if (settings.swapLeftRight)
         std::swap(extraction.left, extraction.right);
     return extraction;

@@ -1,60 +1,79 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/video/SBSVideoToSpatial.h"
 
-#include "engine/stereo/EyeExtraction.h"
+#include "engine/inspection/LayoutInspection.h"
+#include "engine/stereo/EyeCutter.h"
+#include "engine/stereo/SourceLayout.h"
+#include "engine/texts/ProcessorError.h"
 #include "engine/video/OutputSpace.h"
+#include "engine/video/PartnerStream.h"
 #include "engine/video/StereoEncoderSettings.h"
 #include "engine/video/VideoConversion.h"
-#include "media/Compositor.h"
+
+#include <optional>
 
 namespace lumetwin {
 
 namespace {
 
-/// Cuts the pictures of the two eyes out of frames.
-class EyeCutter {
+/// Gives the pictures of the two eyes of each frame.
+class EyeFrames {
 public:
-    EyeCutter(const EyeExtraction &extraction, const EyeSize &eye, const media::ColourTags &colour)
-        : extraction_(extraction), colour_(colour),
-          pool_(static_cast<int>(eye.width), static_cast<int>(eye.height), media::yuv420, colour) {}
+    EyeFrames(EyeCutter cutter, bool isSwapped) : cutter_(std::move(cutter)), isSwapped_(isSwapped) {}
 
-    media::Picture left(const media::Picture &frame) { return cut(frame, extraction_.left); }
-    media::Picture right(const media::Picture &frame) { return cut(frame, extraction_.right); }
+    /// Takes the second eye from a stream of its own.
+    void takeSecondFrom(const media::InputFile &file, media::VideoStream stream, const media::VideoTrack &first,
+                        const std::function<bool()> &cancelled) {
+        partner_.emplace(file, stream, first, cancelled);
+    }
+
+    /// nullopt when the second eye has no picture for this frame.
+    std::optional<media::EyePair<media::Picture>> eyes(const media::Frame &frame) {
+        const media::Picture &first = frame.pictures[0].picture;
+        if (!partner_)
+            return media::EyePair<media::Picture>{cutter_.left(first), cutter_.right(first)};
+        const std::optional<media::Picture> second = partner_->pictureFor(frame);
+        if (!second)
+            return std::nullopt;
+        media::EyePair<media::Picture> pair{cutter_.left(first), cutter_.right(*second)};
+        if (isSwapped_)
+            std::swap(pair.left, pair.right);
+        return pair;
+    }
 
 private:
-    /// Whether the eye can be a view into the memory of the frame.
-    bool isPartOf(const media::Picture &frame, const media::Placement &placement) const {
-        return extraction_.unscaled && frame.format == media::yuv420 && frame.colour == colour_ &&
-               static_cast<int>(placement.source.x) % 2 == 0 &&
-               placement.source.x + placement.source.width <= frame.width && placement.source.height <= frame.height;
-    }
-
-    media::Picture cut(const media::Picture &frame, const media::Placement &placement) {
-        if (isPartOf(frame, placement))
-            return media::cropped(frame, static_cast<int>(placement.source.x), 0,
-                                  static_cast<int>(placement.source.width), static_cast<int>(placement.source.height));
-        media::Picture canvas = pool_.take();
-        media::Compositor::fillBlack(canvas);
-        const media::Placement shown = withinPicture(placement, frame.width, frame.height);
-        if (shown.source.width > 0 && shown.source.height > 0)
-            compositor_.place(frame, shown, canvas);
-        return canvas;
-    }
-
-    EyeExtraction extraction_;
-    media::ColourTags colour_;
-    media::PicturePool pool_;
-    media::Compositor compositor_;
+    EyeCutter cutter_;
+    bool isSwapped_;
+    std::optional<PartnerStream> partner_;
 };
+
+void takeSecondEye(EyeFrames &frames, const StereoLayout &layout, const ConversionInput &input,
+                   const media::VideoTrack &first, const ConversionControl &control) {
+    const auto cancelled = [&control] { return control.cancelled(); };
+    if (layout.arrangement == EyeArrangement::twoPictures)
+        throw ProcessorError(words("error.no.second.picture"));
+    if (layout.arrangement == EyeArrangement::twoStreams)
+        return frames.takeSecondFrom(input, media::VideoStream::second, first, cancelled);
+    if (!input.rightEye)
+        throw ProcessorError(words("error.no.second.file"));
+    frames.takeSecondFrom(*input.rightEye, media::VideoStream::first, first, cancelled);
+}
 
 } // namespace
 
-Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media::InputFile &input,
+Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const ConversionInput &input,
                                  const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion system) {
+    const MediaFacts facts = lookClosely(input);
+    const StereoLayout layout = sourceLayout(settings.inputLayout, facts);
+    requireReadable(layout);
+
     VideoSource source(settings, input, control);
     const VideoInfo &info = source.info;
-    const EyeSize eye = eyeSize(settings, info.width, info.height);
+    for (Warning &warning : layoutWarnings(layout, facts))
+        source.warnings.add(warning.kind, std::move(warning.values));
+    const EyeCells cells = eyeCells(layout, info.width, info.height);
+    const EyeSize eye = eyeSize(settings, cells);
     media::FrameReader reader(source.movie, info.track, media::Views::base);
 
     // Larger ones would overflow the settings' arithmetic.
@@ -62,8 +81,13 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media
     media::StereoVideoEncoding encoding = stereoVideoEncoding(settings, eye, source.timing.rate, system);
     encoding.frameRate = source.frameRate();
     encoding.colour = info.track.colour;
-    encoding.pixelAspect = outputPixelAspect(settings, info);
+    encoding.pixelAspect = eyePixelAspect(layout, outputPixelAspect(settings, info));
     requireSpace(output, source.estimatedBytes(encoding.averageBitRate));
+
+    EyeFrames frames(EyeCutter(eyeExtraction(settings, eye, cells), eye, info.track.colour),
+                     settings.swapLeftRight != layout.rightEyeFirst);
+    if (!isInOnePicture(layout))
+        takeSecondEye(frames, layout, input, info.track, control);
 
     media::MovieWriter writer(output, media::Container::quickTime, source.movie.tags());
     writer.addVideo(encoding);
@@ -71,11 +95,12 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media
         writer.addAudio(source.audio->encoding);
     writer.start(source.timing.timeScale);
 
-    EyeCutter cutter(eyeExtraction(settings, eye, info.width, info.height), eye, info.track.colour);
     const auto writeFrame = [&](const media::Frame &frame, OutputClock &clock) {
-        const media::Picture &picture = frame.pictures[0].picture;
+        const std::optional<media::EyePair<media::Picture>> eyes = frames.eyes(frame);
+        if (!eyes)
+            return false;
         const OutputClock::Moment moment = clock.next(frame);
-        writer.append(cutter.left(picture), cutter.right(picture), moment.time, moment.duration);
+        writer.append(eyes->left, eyes->right, moment.time, moment.duration);
         return true;
     };
     return runVideoConversion(source, reader, writer, {"spatial.video", "spatial.audio"}, control, writeFrame);

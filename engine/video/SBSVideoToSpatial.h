@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "engine/ConversionInput.h"
 #include "engine/Outcome.h"
 #include "media/InputFile.h"
 #include "media/OutputFile.h"
@@ -12,7 +13,7 @@ namespace lumetwin {
 
 /// Converts a side-by-side video into a spatial movie. The output's extension becomes "mov". Returns when the file is
 /// written, or when the user cancelled. Throws ProcessorError or MediaError.
-Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const media::InputFile &input,
+Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const ConversionInput &input,
                                  const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion system = SystemVersion::current());
 

@@ -53,7 +53,7 @@ int pixels(std::int64_t size) {
 
 } // namespace
 
-Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const media::InputFile &input,
+Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const ConversionInput &input,
                                  const media::OutputFile &output, const ConversionControl &control,
                                  SystemVersion system) {
     VideoSource source(settings, input, control);

@@ -29,11 +29,12 @@ Cropping cropping(const AVCodecParameters &parameters) {
 
 namespace {
 
-const AVStream *firstStream(const AVFormatContext &input, AVMediaType type) {
+const AVStream *firstStream(const AVFormatContext &input, AVMediaType type, int leftOut = 0) {
     for (unsigned index = 0; index < input.nb_streams; ++index) {
         const AVStream *stream = input.streams[index];
         // A cover picture is not a video track.
-        if (stream->codecpar->codec_type == type && !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC))
+        if (stream->codecpar->codec_type == type && !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC) &&
+            leftOut-- == 0)
             return stream;
     }
     return nullptr;
@@ -93,8 +94,8 @@ void addTags(const AVDictionary *dictionary, MovieTags &tags) {
 }
 
 std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const InputFile &file,
-                                         const std::function<bool()> &cancelled) {
-    const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO);
+                                         const std::function<bool()> &cancelled, VideoStream video) {
+    const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO, video == VideoStream::second ? 1 : 0);
     if (!stream)
         return std::nullopt;
     const AVCodecParameters &parameters = *stream->codecpar;
@@ -161,12 +162,13 @@ MovieTags readTags(const AVFormatContext &input) {
 
 } // namespace
 
-MovieFile::State::State(const InputFile &movie, const std::function<bool()> &cancelled)
-    : file(movie), input(file), videoTrack(readVideoTrack(*input, file, cancelled)), audioTrack(readAudioTrack(*input)),
-      otherContents(readOtherContents(*input)), duration(readDuration(*input, videoTrack)), tags(readTags(*input)) {}
+MovieFile::State::State(const InputFile &movie, const std::function<bool()> &cancelled, VideoStream video)
+    : file(movie), input(file), videoTrack(readVideoTrack(*input, file, cancelled, video)),
+      audioTrack(readAudioTrack(*input)), otherContents(readOtherContents(*input)),
+      duration(readDuration(*input, videoTrack)), tags(readTags(*input)) {}
 
-MovieFile::MovieFile(const InputFile &file, const std::function<bool()> &cancelled)
-    : state_(std::make_unique<State>(file, cancelled)) {}
+MovieFile::MovieFile(const InputFile &file, const std::function<bool()> &cancelled, VideoStream video)
+    : state_(std::make_unique<State>(file, cancelled, video)) {}
 
 MovieFile::~MovieFile() = default;
 

@@ -7,7 +7,7 @@
 namespace lumetwin::media {
 
 struct MovieFile::State {
-    State(const InputFile &file, const std::function<bool()> &cancelled);
+    State(const InputFile &file, const std::function<bool()> &cancelled, VideoStream video);
 
     InputFile file;
     ffmpeg::Input input; ///< used only by the frame reader while there is one, because its thread changes this

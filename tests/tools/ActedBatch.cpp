@@ -77,6 +77,7 @@ MediaFacts look(const media::InputFile &file) {
 
 MediaOperations fakeOperations() {
     return {.look = look,
+            .lookClosely = {},
             .measure = {},
             .convertSpatialVideoToSBS = convert,
             .convertSBSVideoToSpatial = convert,

@@ -224,6 +224,7 @@ PictureSize measure(const media::InputFile &input) {
 
 MediaOperations misbehaviour() {
     return {.look = look,
+            .lookClosely = {},
             .measure = measure,
             .convertSpatialVideoToSBS = convert,
             .convertSBSVideoToSpatial = convert,

@@ -90,6 +90,7 @@ TEST(Coding, FactsArriveWhole) {
                            .values = {.horizontalFOV = 63.5, .stereoBaseline = std::nullopt, .disparity = -2},
                            .layout = StereoLayout{EyeArrangement::overUnder, true, true, LayoutSource::container},
                            .otherLayout = StereoLayout{EyeArrangement::secondUnread, false, false, LayoutSource::user},
+                           .furtherPictures = 3,
                            .projection = "rect",
                            .hasLeftEye = true,
                            .hasRightEye = false,

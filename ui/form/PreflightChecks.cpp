@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/form/PreflightChecks.h"
 
+#include "engine/batch/EyeFiles.h"
 #include "engine/batch/InputList.h"
 #include "engine/batch/OutputNaming.h"
 #include "engine/inspection/MediaKinds.h"
@@ -72,10 +73,12 @@ std::optional<Alert> oddResizeSizeError(const ConversionSettings &settings) {
 
 std::vector<std::string> existingOutputs(const std::vector<fs::path> &entries, const ConversionSettings &settings) {
     std::vector<std::string> names;
-    for (const fs::path &entry : entries) {
-        if (!isMediaFile(entry))
-            continue;
-        std::string name = outputName(entry, settings);
+    std::vector<ListedFile> files;
+    for (const fs::path &entry : entries)
+        if (isMediaFile(entry))
+            files.push_back({.file = entry, .folder = {}});
+    for (const ListedFile &listed : pairEyes(std::move(files), settings)) {
+        std::string name = outputName(listed.named.empty() ? listed.file : listed.named, settings);
         std::error_code ignored;
         if (fs::exists(*settings.outputFolderURL / name, ignored))
             names.push_back(std::move(name));

@@ -6,8 +6,9 @@
 #include "media/InputFile.h"
 #include "media/OutputFile.h"
 
-#include <array>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace lumetwin::worker {
 namespace {
@@ -21,6 +22,10 @@ template <typename Wanted> Wanted expected(Answer answer) {
     if (auto *wanted = std::get_if<Wanted>(&answer))
         return std::move(*wanted);
     throw WorkerFailure{Kind::invalidAnswer};
+}
+
+std::optional<std::filesystem::path> pathOf(const std::optional<media::InputFile> &file) {
+    return file ? std::optional(file->path()) : std::nullopt;
 }
 
 /// Runs a task and turns a WorkerFailure into an error that names the file.
@@ -38,36 +43,40 @@ Workers::Workers(std::filesystem::path program, Timeouts timeouts)
     : program_(std::move(program)), timeouts_(timeouts) {}
 
 MediaFacts Workers::look(const media::InputFile &input) {
-    return namingFile(input, [&] {
-        return expected<MediaFacts>(lookAnswer(
-            {.kind = LookRequest::Kind::look, .input = input.path(), .language = std::string(textLanguage())}, input));
-    });
+    return namingFile(input, [&] { return expected<MediaFacts>(lookAnswer(LookRequest::Kind::look, input)); });
+}
+
+MediaFacts Workers::lookClosely(const ConversionInput &input) {
+    return namingFile(input, [&] { return expected<MediaFacts>(lookAnswer(LookRequest::Kind::lookClosely, input)); });
 }
 
 PictureSize Workers::measure(const media::InputFile &input) {
-    return namingFile(input, [&] {
-        return expected<PictureSize>(lookAnswer(
-            {.kind = LookRequest::Kind::measure, .input = input.path(), .language = std::string(textLanguage())},
-            input));
-    });
+    return namingFile(input, [&] { return expected<PictureSize>(lookAnswer(LookRequest::Kind::measure, input)); });
 }
 
-Answer Workers::lookAnswer(const LookRequest &request, const media::InputFile &input) {
+Answer Workers::lookAnswer(LookRequest::Kind kind, const ConversionInput &input) {
+    const LookRequest request{.kind = kind,
+                              .input = input.path(),
+                              .language = std::string(textLanguage()),
+                              .rightEye = pathOf(input.rightEye)};
     const std::scoped_lock lock(inspectorMutex_);
     try {
-        return inspectorAnswer(request, input.descriptor());
+        return inspectorAnswer(request, input);
     } catch (const WorkerFailure &failure) {
         if (!failure.isCrash())
             throw;
-        return inspectorAnswer(request, input.descriptor()); // an earlier file may have caused the crash
+        return inspectorAnswer(request, input); // an earlier file may have caused the crash
     }
 }
 
-Answer Workers::inspectorAnswer(const LookRequest &request, int input) {
+Answer Workers::inspectorAnswer(const LookRequest &request, const ConversionInput &input) {
     if (!inspector_)
         inspector_ = started();
     try {
-        inspector_->send(request, std::array{input});
+        std::vector<int> descriptors{input.descriptor()};
+        if (input.rightEye)
+            descriptors.push_back(input.rightEye->descriptor());
+        inspector_->send(request, descriptors);
         return Conversation(*inspector_, {}, timeouts_).finalAnswer();
     } catch (const WorkerFailure &) {
         inspector_.reset();
@@ -75,17 +84,18 @@ Answer Workers::inspectorAnswer(const LookRequest &request, int input) {
     }
 }
 
-Outcome Workers::convert(ConversionKind kind, const ConversionSettings &settings, const media::InputFile &input,
+Outcome Workers::convert(ConversionKind kind, const ConversionSettings &settings, const ConversionInput &input,
                          const media::OutputFile &output, const ConversionControl &control, SystemVersion system) {
     ConvertRequest request{.kind = kind,
                            .settings = {std::shared_ptr<void>(), &settings}, // not owned; it outlives the call
                            .system = system,
                            .input = input.path(),
                            .output = output.path(),
-                           .language = std::string(textLanguage())};
+                           .language = std::string(textLanguage()),
+                           .rightEye = pathOf(input.rightEye)};
     return namingFile(input, [&] {
         try {
-            return tryToConvert(request, input.descriptor(), output.descriptor(), control);
+            return tryToConvert(request, input, output, control);
         } catch (const WorkerFailure &failure) {
             if (!failure.isCrash() || control.cancelled())
                 throw;
@@ -94,16 +104,20 @@ Outcome Workers::convert(ConversionKind kind, const ConversionSettings &settings
                 control.onLog("tried once more, with one decoding thread: " + what.english);
             output.truncate(0);
             request.oneDecodingThread = true;
-            Outcome outcome = tryToConvert(request, input.descriptor(), output.descriptor(), control);
+            Outcome outcome = tryToConvert(request, input, output, control);
             outcome.warnings.push_back({WarningKind::triedAgain, {what.shown}});
             return outcome;
         }
     });
 }
 
-Outcome Workers::tryToConvert(const ConvertRequest &request, int input, int output, const ConversionControl &control) {
+Outcome Workers::tryToConvert(const ConvertRequest &request, const ConversionInput &input,
+                              const media::OutputFile &output, const ConversionControl &control) {
     const Worker worker = takeSpare();
-    worker->send(request, std::array{input, output});
+    std::vector<int> descriptors{input.descriptor(), output.descriptor()};
+    if (input.rightEye)
+        descriptors.push_back(input.rightEye->descriptor());
+    worker->send(request, descriptors);
     startSpare();
     return expected<Outcome>(Conversation(*worker, control, timeouts_).finalAnswer());
 }

@@ -19,10 +19,11 @@ public:
     explicit Workers(std::filesystem::path program, Timeouts timeouts = {});
 
     MediaFacts look(const media::InputFile &input);
+    MediaFacts lookClosely(const ConversionInput &input);
     PictureSize measure(const media::InputFile &input);
 
     /// After a crash the conversion is repeated once, with one decoding thread.
-    Outcome convert(ConversionKind kind, const ConversionSettings &settings, const media::InputFile &input,
+    Outcome convert(ConversionKind kind, const ConversionSettings &settings, const ConversionInput &input,
                     const media::OutputFile &output, const ConversionControl &control, SystemVersion system);
 
     /// How workers are confined on this system. Throws ProcessorError.
@@ -32,9 +33,10 @@ private:
     using Worker = std::unique_ptr<WorkerProcess>;
 
     /// The answer of the inspecting worker. After a crash, a new worker is asked once more.
-    Answer lookAnswer(const LookRequest &request, const media::InputFile &input);
-    Answer inspectorAnswer(const LookRequest &request, int input);
-    Outcome tryToConvert(const ConvertRequest &request, int input, int output, const ConversionControl &control);
+    Answer lookAnswer(LookRequest::Kind kind, const ConversionInput &input);
+    Answer inspectorAnswer(const LookRequest &request, const ConversionInput &input);
+    Outcome tryToConvert(const ConvertRequest &request, const ConversionInput &input, const media::OutputFile &output,
+                         const ConversionControl &control);
     Worker started() const;
     Worker takeSpare();
     void startSpare();

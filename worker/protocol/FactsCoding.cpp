@@ -10,6 +10,7 @@ namespace {
 
 using Json = nlohmann::json;
 
+constexpr int mostPictures = 1 << 16;
 constexpr std::size_t longestProjection = 4; // bytes of a four-character code
 
 Json encodeValue(const std::optional<double> &value) {
@@ -58,6 +59,7 @@ Json encodeFacts(const MediaFacts &facts) {
             {"disparity", encodeValue(facts.values.disparity)},
             {"layout", encodeLayout(facts.layout)},
             {"otherLayout", encodeLayout(facts.otherLayout)},
+            {"furtherPictures", facts.furtherPictures},
             {"projection", facts.projection},
             {"hasLeftEye", facts.hasLeftEye},
             {"hasRightEye", facts.hasRightEye},
@@ -73,6 +75,7 @@ MediaFacts decodeFacts(const Json &content) {
                        .disparity = decodeValue(field(content, "disparity"))},
             .layout = decodeLayout(field(content, "layout")),
             .otherLayout = decodeLayout(field(content, "otherLayout")),
+            .furtherPictures = static_cast<int>(integer(field(content, "furtherPictures"), 0, mostPictures)),
             .projection = decodeProjection(field(content, "projection")),
             .hasLeftEye = boolean(field(content, "hasLeftEye")),
             .hasRightEye = boolean(field(content, "hasRightEye")),

@@ -11,11 +11,22 @@ using Json = nlohmann::json;
 
 constexpr int highestVersion = std::numeric_limits<int>::max();
 
+using Path = std::filesystem::path;
+
+Json encodePath(const std::optional<Path> &path) {
+    return path ? Json(path->string()) : Json(nullptr);
+}
+
+std::optional<Path> decodePath(const Json &value) {
+    return value.is_null() ? std::nullopt : std::optional<Path>(string(value));
+}
+
 Json encodeOne(const LookRequest &request) {
     return {{"request", "look"},
             {"kind", numberOf(request.kind)},
             {"input", request.input.string()},
-            {"language", request.language}};
+            {"language", request.language},
+            {"rightEye", encodePath(request.rightEye)}};
 }
 
 Json encodeOne(const ConvertRequest &request) {
@@ -26,7 +37,8 @@ Json encodeOne(const ConvertRequest &request) {
             {"input", request.input.string()},
             {"output", request.output.string()},
             {"language", request.language},
-            {"oneDecodingThread", request.oneDecodingThread}};
+            {"oneDecodingThread", request.oneDecodingThread},
+            {"rightEye", encodePath(request.rightEye)}};
 }
 
 Json encodeOne(const CancelRequest &) {
@@ -47,7 +59,8 @@ ConvertRequest convertRequest(const Json &content) {
             .input = string(field(content, "input")),
             .output = string(field(content, "output")),
             .language = string(field(content, "language")),
-            .oneDecodingThread = boolean(field(content, "oneDecodingThread"))};
+            .oneDecodingThread = boolean(field(content, "oneDecodingThread")),
+            .rightEye = decodePath(field(content, "rightEye"))};
 }
 
 } // namespace
@@ -61,7 +74,8 @@ Request decodeRequest(const Json &content) {
     if (type == "look")
         return LookRequest{.kind = caseOf(field(content, "kind"), LookRequest::Kind::measure),
                            .input = string(field(content, "input")),
-                           .language = string(field(content, "language"))};
+                           .language = string(field(content, "language")),
+                           .rightEye = decodePath(field(content, "rightEye"))};
     if (type == "convert")
         return convertRequest(content);
     if (type == "cancel")

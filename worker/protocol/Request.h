@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -17,16 +18,18 @@ namespace lumetwin::worker {
 // Requests to a worker. The descriptors are sent with the message, in the order of the paths. The paths are only used
 // in error messages.
 
-/// Asks for facts about a file. Descriptor: the file.
+/// Asks for facts about a file. Descriptors: the file; and the file of the right eye, where there is one.
 struct LookRequest {
-    enum class Kind { look, measure }; ///< of MediaOperations
+    enum class Kind { look, lookClosely, measure }; ///< of MediaOperations
 
     Kind kind = Kind::look;
     std::filesystem::path input;
     std::string language; ///< for texts that users read
+    std::optional<std::filesystem::path> rightEye = {};
 };
 
-/// Asks for a conversion. Descriptors: the input (read-only), the output.
+/// Asks for a conversion. Descriptors: the input (read-only), the output; and the file of the right eye, where there is
+/// one.
 struct ConvertRequest {
     ConversionKind kind = ConversionKind::spatialVideoToSBS;
     std::shared_ptr<const ConversionSettings> settings; ///< inputs and output folder are not sent
@@ -35,6 +38,7 @@ struct ConvertRequest {
     std::filesystem::path output;
     std::string language;
     bool oneDecodingThread = false; ///< set after a crash
+    std::optional<std::filesystem::path> rightEye = {};
 };
 
 /// Asks to stop the conversion.

@@ -68,6 +68,7 @@ MediaOperations BatchRun::operations() {
         return facts;
     };
     return {.look = look,
+            .lookClosely = {},
             .measure = {},
             .convertSpatialVideoToSBS = converter("videoToSBS"),
             .convertSBSVideoToSpatial = converter("videoToSpatial"),

@@ -188,6 +188,7 @@ TEST_F(ProcessAll, RunsWithoutCallbacks) {
                     facts.isSpatial = from.path().filename() == "v.mov";
                     return facts;
                 },
+            .lookClosely = {},
             .measure = {},
             .convertSpatialVideoToSBS = [](auto &&...) -> Outcome { throw std::runtime_error("no luck"); },
             .convertSBSVideoToSpatial = {},

@@ -202,7 +202,7 @@ TEST(SBSComposition, isUndoneByCuttingTheFrame) {
         const Picture right = noise(width, 36, yuv420, 2);
         const ConversionSettings settings;
         const Picture frame = composed(settings, left, right);
-        const EyeExtraction cut = eyeExtraction(settings, {width, 36}, frame.width, frame.height);
+        const EyeExtraction cut = eyeExtraction(settings, {width, 36}, eyeCells({}, frame.width, frame.height));
         Compositor compositor;
         Picture leftAgain = usedCanvas(width, 36);
         Picture rightAgain = usedCanvas(width, 36);

@@ -11,7 +11,7 @@ using media::Rect;
 EyeExtraction extract(const ConversionSettings &settings, std::int64_t width, std::int64_t height) {
     const EyeSize eye =
         settings.enableResize ? EyeSize{settings.resizeWidth, settings.resizeHeight} : EyeSize{width / 2, height};
-    return eyeExtraction(settings, eye, width, height);
+    return eyeExtraction(settings, eye, eyeCells({}, width, height));
 }
 
 void resizeTo(ConversionSettings &settings, std::int64_t width, std::int64_t height, ResizeMode mode) {
