@@ -86,6 +86,10 @@ struct ImageFile::Opened {
 
 ImageFile::ImageFile(const InputFile &file) : opened_(std::make_shared<const Opened>(file)) {}
 
+const InputFile &ImageFile::input() const {
+    return opened_->file;
+}
+
 const std::filesystem::path &ImageFile::path() const {
     return opened_->file.path();
 }

@@ -47,6 +47,7 @@ public:
     /// Throws MediaError when the file is not an image, or is a HEIF file with damaged headers.
     explicit ImageFile(const InputFile &file);
 
+    const InputFile &input() const;
     const std::filesystem::path &path() const;
     ImageKind kind() const;
     /// The number of images: pages of a TIFF, images of a HEIF file that are not hidden, auxiliary or thumbnails,

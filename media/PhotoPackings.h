@@ -18,7 +18,7 @@ struct PhotoPackings {
     /// The pictures of a Multi-Picture file (CIPA DC-007) with the type "disparity". Two or more of them are eyes, from
     /// left to right.
     int eyePictures = 0;
-    /// Further pictures of that file that are neither eyes nor thumbnails nor gain maps.
+    /// Pictures of that file for a panorama or for several angles. Thumbnails and gain maps count nowhere.
     int otherPictures = 0;
     std::optional<double> baseline;              ///< metres
     std::optional<double> convergence;           ///< degrees

@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <optional>
 
 namespace lumetwin::media::images {
@@ -195,7 +196,11 @@ bool blocksFit(const Decoder &decoder) {
 } // namespace
 
 StillImage readJpeg(const InputFile &file, const Cancellation &cancellation) {
-    const FileStream stream = streamOf(file);
+    return readJpeg(file, 0, std::numeric_limits<std::uint64_t>::max(), cancellation);
+}
+
+StillImage readJpeg(const InputFile &file, std::uint64_t begin, std::uint64_t end, const Cancellation &cancellation) {
+    const FileStream stream = streamOf(file, begin, end);
     Decoder decoder(file.path(), cancellation);
     readHeader(decoder, stream.get());
     StillImage image;

@@ -255,6 +255,43 @@ private:
                                                                     "http://ns.google.com/photos/dd/1.0/"};
 };
 
+constexpr std::array<std::pair<std::string_view, std::string_view>, 3> projections{
+    {{"equirectangular", "equi"}, {"cylindrical", "cyli"}, {"fisheye", "fish"}}};
+
+/// Both eyes in one picture; the left one is on the left or on top.
+std::optional<StereoPacking> packingOf(std::string_view stereoMode) {
+    if (stereoMode == "left-right")
+        return StereoPacking{StereoPacking::Arrangement::sideBySide, false, false};
+    if (stereoMode == "top-bottom")
+        return StereoPacking{StereoPacking::Arrangement::overUnder, false, false};
+    return std::nullopt;
+}
+
+/// Looks for properties of panoramas. Their names are their own, so that the prefix is not asked.
+class PanoramaWalker : public pugi::xml_tree_walker {
+public:
+    Panorama panorama;
+
+private:
+    bool for_each(pugi::xml_node &node) override {
+        lookAt(node.name(), node.child_value());
+        for (const pugi::xml_attribute attribute : node.attributes())
+            lookAt(attribute.name(), attribute.value());
+        return true;
+    }
+
+    void lookAt(std::string_view name, std::string_view value) {
+        const QualifiedName qualified(name);
+        if (qualified.local == "ProjectionType") {
+            for (const auto &[word, code] : projections)
+                if (value == word)
+                    panorama.projection = code;
+        } else if (qualified.local == "StereoMode") {
+            panorama.packing = packingOf(value);
+        }
+    }
+};
+
 } // namespace
 
 std::string correctedXmp(std::string packet, int width, int height) {
@@ -275,6 +312,15 @@ PhotoExtras xmpExtras(std::string_view packet) {
     ExtrasWalker walker;
     document.traverse(walker);
     return walker.extras;
+}
+
+Panorama xmpPanorama(std::string_view packet) {
+    pugi::xml_document document;
+    if (!parse(packet, document))
+        return {};
+    PanoramaWalker walker;
+    document.traverse(walker);
+    return walker.panorama;
 }
 
 } // namespace lumetwin::media::images

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "media/PhotoExtras.h"
+#include "media/StereoPacking.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,5 +20,14 @@ std::string correctedXmp(std::string packet, int width, int height);
 
 /// What an XMP packet says of a photo's extras; none where the packet is refused as above.
 PhotoExtras xmpExtras(std::string_view packet);
+
+/// What an XMP packet says of a panorama: GPano of photos, or GSpherical of films. Nothing where it is refused as
+/// above.
+struct Panorama {
+    std::string projection; ///< as in PhotoPackings
+    std::optional<StereoPacking> packing;
+};
+
+Panorama xmpPanorama(std::string_view packet);
 
 } // namespace lumetwin::media::images

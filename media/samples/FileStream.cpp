@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/samples/FileStream.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <optional>
 
 #include <unistd.h>
@@ -10,11 +12,20 @@ namespace lumetwin::media::images {
 
 namespace {
 
-/// The file of a stream, and its position.
+constexpr std::uint64_t noEnd = std::numeric_limits<std::uint64_t>::max();
+
+/// The file of a stream, the part of it that is read, and the position in that part.
 struct Cookie {
     std::optional<InputFile> input;
     std::optional<OutputFile> output;
     std::uint64_t position = 0;
+    std::uint64_t begin = 0;
+    std::uint64_t end = noEnd;
+
+    std::uint64_t inputSize() const {
+        const std::uint64_t last = std::min(end, input->size());
+        return last > begin ? last - begin : 0;
+    }
 };
 
 /// The position after moving by `offset`, as with lseek(); nullopt before the beginning.
@@ -23,7 +34,7 @@ std::optional<std::uint64_t> moved(const Cookie &cookie, off64_t offset, int whe
     if (whence == SEEK_CUR)
         from = cookie.position;
     else if (whence == SEEK_END)
-        from = cookie.input ? cookie.input->size() : cookie.output->size();
+        from = cookie.input ? cookie.inputSize() : cookie.output->size();
     const auto position = static_cast<off64_t>(from) + offset;
     return position < 0 ? std::nullopt : std::optional(static_cast<std::uint64_t>(position));
 }
@@ -40,10 +51,12 @@ template <typename Action> auto withErrno(const Action &action, decltype(action(
 
 ssize_t readStream(void *user, char *buffer, size_t size) {
     auto &cookie = *static_cast<Cookie *>(user);
-    const std::span bytes(reinterpret_cast<std::uint8_t *>(buffer), size);
     return withErrno(
         [&] {
-            const std::size_t count = cookie.input->readAt(cookie.position, bytes);
+            const std::uint64_t left = cookie.end - cookie.begin - std::min(cookie.position, cookie.end - cookie.begin);
+            const std::span bytes(reinterpret_cast<std::uint8_t *>(buffer),
+                                  static_cast<std::size_t>(std::min<std::uint64_t>(size, left)));
+            const std::size_t count = cookie.input->readAt(cookie.begin + cookie.position, bytes);
             cookie.position += count;
             return static_cast<ssize_t>(count);
         },
@@ -94,11 +107,15 @@ FileStream open(std::unique_ptr<Cookie> cookie, const char *mode, const std::fil
 } // namespace
 
 FileStream streamOf(const InputFile &file) {
-    return open(std::make_unique<Cookie>(Cookie{file, std::nullopt, 0}), "r", file.path());
+    return streamOf(file, 0, noEnd);
+}
+
+FileStream streamOf(const InputFile &file, std::uint64_t begin, std::uint64_t end) {
+    return open(std::make_unique<Cookie>(Cookie{file, std::nullopt, 0, begin, std::max(begin, end)}), "r", file.path());
 }
 
 FileStream streamOf(const OutputFile &file) {
-    return open(std::make_unique<Cookie>(Cookie{std::nullopt, file, 0}), "w", file.path());
+    return open(std::make_unique<Cookie>(Cookie{std::nullopt, file}), "w", file.path());
 }
 
 void closeWritten(FileStream stream, const OutputFile &file) {

@@ -5,6 +5,7 @@
 #include "media/MediaError.h"
 #include "media/OutputFile.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -20,6 +21,8 @@ using FileStream = std::unique_ptr<std::FILE, CloseStream>;
 
 /// These throw MediaError without memory.
 FileStream streamOf(const InputFile &file);
+/// A part of the file, up to its end or to `end`, whichever is first.
+FileStream streamOf(const InputFile &file, std::uint64_t begin, std::uint64_t end);
 FileStream streamOf(const OutputFile &file);
 /// Closes a stream after writing. Throws MediaError when some data could not be written.
 void closeWritten(FileStream stream, const OutputFile &file);

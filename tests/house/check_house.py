@@ -42,7 +42,7 @@ SUBJECTS = {
     "ffmpeg": ({"bmff", "hevc", "x265"}, r"libav\w+/|libsw\w+/"),
     "rubberband": (set(), r"rubberband/"),
     "jpeg": ({"bmff", "colour", "metadata", "samples"}, r"jpeglib\.h|jerror\.h"),
-    "png": ({"colour", "samples"}, r"png\w*\.h"),
+    "png": ({"bmff", "colour", "metadata", "samples"}, r"png\w*\.h"),
     "tiff": ({"colour", "metadata", "samples"}, r"tiff\w*\.h"),
     "heif": ({"bmff", "colour", "ffmpeg", "hevc", "metadata", "samples", "x265"}, r"libheif/|libav\w+/|libsw\w+/"),
 }
