@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/MediaOperations.h"
 
+#include "engine/ConversionInput.h"
 #include "engine/inspection/Inspection.h"
 #include "engine/inspection/LayoutInspection.h"
 #include "engine/photo/SBSImageToSpatial.h"

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
-#include "engine/ConversionInput.h"
 #include "engine/Outcome.h"
 #include "model/ConversionSettings.h"
 #include "model/MediaFacts.h"
@@ -20,6 +19,8 @@ namespace media {
 class InputFile;
 class OutputFile;
 } // namespace media
+
+struct ConversionInput;
 
 /// What a file that is opened for inspection tells.
 struct FileInspection {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "worker/ConfinedOperations.h"
 
+#include "engine/ConversionInput.h"
 #include "worker/parent/WorkerProgram.h"
 #include "worker/parent/Workers.h"
 

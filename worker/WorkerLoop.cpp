@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "worker/WorkerLoop.h"
 
+#include "engine/ConversionInput.h"
 #include "engine/texts/Texts.h"
 #include "media/DecodingThreads.h"
 #include "media/InputFile.h"

@@ -8,6 +8,7 @@
 //   note…     is written with a note
 //   plain…    is not spatial (a folder is not spatial either)
 // Any other file is written at once.
+#include "engine/ConversionInput.h"
 #include "engine/inspection/MediaKinds.h"
 #include "engine/texts/ProcessorError.h"
 #include "media/InputFile.h"

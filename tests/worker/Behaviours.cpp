@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/worker/Behaviours.h"
 
+#include "engine/ConversionInput.h"
 #include "engine/photo/SpatialPhotoError.h"
 #include "engine/texts/ProcessorError.h"
 #include "media/DecodingThreads.h"

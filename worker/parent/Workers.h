@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/ConversionInput.h"
 #include "engine/MediaOperations.h"
 #include "worker/parent/Conversation.h"
 

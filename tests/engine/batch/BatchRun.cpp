@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/engine/batch/BatchRun.h"
 
+#include "engine/ConversionInput.h"
 #include "engine/inspection/MediaKinds.h"
 #include "engine/texts/FileNames.h"
 #include "engine/texts/Texts.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/ConversionInput.h"
 #include "engine/texts/Texts.h"
 #include "media/InputFile.h"
 #include "tests/engine/batch/BatchRun.h"
