@@ -32,6 +32,10 @@ MediaFacts MediaOperations::lookAtFile(const std::filesystem::path &file) const 
     return look(media::InputFile(file));
 }
 
+MediaFacts MediaOperations::lookCloselyAtFile(const std::filesystem::path &file) const {
+    return lookClosely(media::InputFile(file));
+}
+
 FileInspection MediaOperations::inspectFile(const std::filesystem::path &file) const {
     const media::InputFile opened(file);
     FileInspection inspection{.facts = look(opened), .size = {}, .failure = {}};

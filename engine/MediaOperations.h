@@ -53,6 +53,7 @@ struct MediaOperations {
 
     /// The same with a path. These throw MediaError when the file cannot be opened.
     MediaFacts lookAtFile(const std::filesystem::path &file) const;
+    MediaFacts lookCloselyAtFile(const std::filesystem::path &file) const;
     /// The facts, and for a file that is not spatial also its size.
     FileInspection inspectFile(const std::filesystem::path &file) const;
 

@@ -2,6 +2,7 @@
 #include "tools/Commands.h"
 
 #include "engine/texts/FileNames.h"
+#include "engine/texts/LayoutTexts.h"
 #include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
 #include "tools/Json.h"
@@ -20,6 +21,15 @@ std::string_view eyeName(Eye eye) {
     return eye == Eye::left ? "left" : eye == Eye::right ? "right" : "none";
 }
 
+Json jsonLayout(const std::optional<StereoLayout> &layout) {
+    if (!layout)
+        return nullptr;
+    return {{"arrangement", rawValue(layout->arrangement)},
+            {"half", layout->isHalf},
+            {"rightEyeFirst", layout->rightEyeFirst},
+            {"source", rawValue(layout->source)}};
+}
+
 /// null when the file does not contain the value.
 template <typename Value> Json orNull(const std::optional<Value> &value) {
     return value ? Json(*value) : Json(nullptr);
@@ -32,12 +42,14 @@ Json jsonObject(const std::filesystem::path &file, const MediaFacts &facts) {
                 {"spatial", facts.isSpatial},
                 {"horizontalFOV", orNull(facts.values.horizontalFOV)},
                 {"stereoBaseline", orNull(facts.values.stereoBaseline)},
-                {"disparityAdjustment", orNull(facts.values.disparity)}};
+                {"disparityAdjustment", orNull(facts.values.disparity)},
+                {"layout", jsonLayout(facts.layout)},
+                {"otherLayout", jsonLayout(facts.otherLayout)},
+                {"projection", facts.projection.empty() ? Json(nullptr) : Json(facts.projection)}};
     if (isVideo) {
         object["leftEye"] = facts.hasLeftEye;
         object["rightEye"] = facts.hasRightEye;
         object["heroEye"] = facts.heroEye ? Json(eyeName(*facts.heroEye)) : Json(nullptr);
-        object["projection"] = facts.projection.empty() ? Json(nullptr) : Json(facts.projection);
         object["multilayer"] = facts.isMultilayer;
     }
     return object;
@@ -71,6 +83,10 @@ std::string heroEyeText(Eye eye) {
 void printText(Console &console, const std::filesystem::path &file, const MediaFacts &facts) {
     console.print(file.string() + ": " + kindText(facts));
     const auto printIndented = [&](const std::string &line) { console.print("  " + line); };
+    for (const std::optional<StereoLayout> &layout : {facts.layout, facts.otherLayout})
+        if (layout)
+            printIndented(formatted("batch.inspect.layout.format", layoutWords(*layout).shown,
+                                    sourceWords(layout->source).shown));
     if (facts.values.horizontalFOV)
         printIndented(formatted("batch.inspect.fov.format", *facts.values.horizontalFOV));
     if (facts.values.stereoBaseline)
@@ -92,7 +108,7 @@ int inspectCommand(const BatchOptions &options, Console &console, const MediaOpe
     Json objects = Json::array();
     for (const std::filesystem::path &file : options.inputs) {
         try {
-            const MediaFacts facts = operations.lookAtFile(file);
+            const MediaFacts facts = operations.lookCloselyAtFile(file);
             options.json ? objects.push_back(jsonObject(file, facts)) : printText(console, file, facts);
         } catch (const std::exception &error) {
             const std::string cause = errorCause(error);

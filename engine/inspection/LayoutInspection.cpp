@@ -90,15 +90,21 @@ void addVideo(MediaFacts &facts, const media::InputFile &file) {
         facts.projection = packings.projection;
 }
 
-/// The words of a name in lower case: letters and digits.
+/// The words of a name in lower case (letters and digits), and what two and three of them make together.
 std::vector<std::string> wordsOf(const std::filesystem::path &file) {
-    std::vector<std::string> found(1);
+    std::vector<std::string> words(1);
     for (const char letter : file.stem().string()) {
         const auto byte = static_cast<unsigned char>(letter);
         if (std::isalnum(byte) != 0)
-            found.back() += static_cast<char>(std::tolower(byte));
-        else if (!found.back().empty())
-            found.emplace_back();
+            words.back() += static_cast<char>(std::tolower(byte));
+        else if (!words.back().empty())
+            words.emplace_back();
+    }
+    std::vector<std::string> found = words;
+    for (std::size_t index = 1; index < words.size(); ++index) {
+        found.push_back(words[index - 1] + words[index]);
+        if (index > 1)
+            found.push_back(words[index - 2] + found.back());
     }
     return found;
 }
@@ -115,15 +121,14 @@ std::optional<StereoLayout> layoutOfName(const std::filesystem::path &file) {
     const auto layout = [](Arrangement arrangement, bool isHalf) {
         return StereoLayout{arrangement, isHalf, false, LayoutSource::fileName};
     };
-    const bool half = says({"half", "h"});
-    const bool stereo = half || says({"3d", "full"});
-    if (says({"hsbs", "halfsbs", "sbshalf"}) || (half && says({"sbs"})))
+    const bool is3D = says({"3d"});
+    if (says({"hsbs", "halfsbs", "sbshalf", "halfsidebyside"}))
         return layout(Arrangement::sideBySide, true);
-    if (says({"hou", "htab", "halfou", "halftab", "ouhalf", "tabhalf"}) || (half && says({"ou", "tab"})))
+    if (says({"hou", "htab", "halfou", "halftab", "ouhalf", "tabhalf", "halfoverunder", "halftopbottom"}))
         return layout(Arrangement::overUnder, true);
-    if (says({"fsbs", "fullsbs"}) || (stereo && says({"sbs"})))
+    if (says({"fsbs", "fullsbs", "sidebyside"}) || (is3D && says({"sbs"})))
         return layout(Arrangement::sideBySide, false);
-    if (says({"fou", "ftab", "fullou", "fulltab", "overunder", "topbottom"}) || (stereo && says({"ou", "tab"})))
+    if (says({"fou", "ftab", "fullou", "fulltab", "overunder", "topbottom"}) || (is3D && says({"ou", "tab"})))
         return layout(Arrangement::overUnder, false);
     return std::nullopt;
 }

@@ -150,9 +150,9 @@ Eyes renderedEyes(const ConversionSettings &settings, const StereoLayout &layout
     return eyes;
 }
 
-void writePair(const ConversionSettings &settings, Eyes eyes, const media::ImageMetadata &metadata,
+void writePair(const StereoMetadata &values, Eyes eyes, const media::ImageMetadata &metadata,
                const media::OutputFile &output, const Cancellation &cancellation) {
-    const media::SpatialPhotoFacts facts = spatialPhotoFacts(settings, eyes.left.width, eyes.left.height);
+    const media::SpatialPhotoFacts facts = spatialPhotoFacts(values, eyes.left.width, eyes.left.height);
     try {
         media::writeSpatialPhoto(output, std::move(eyes.left), std::move(eyes.right), facts, metadata, cancellation);
     } catch (const media::MediaError &error) {
@@ -173,13 +173,17 @@ std::vector<Warning> convert(const ConversionSettings &settings, const Conversio
     std::optional<Sources> sources =
         reading(input.path(), [&] { return readSources(file, layout, input, facts, cancellation); });
     std::vector<Warning> warnings = layoutWarnings(layout, facts);
+    if (const std::optional<Warning> note = stereoValuesNote(settings, facts))
+        warnings.push_back(*note);
+    if (facts.furtherPictures > 0)
+        warnings.push_back({WarningKind::morePicturesLeft, {std::int64_t{facts.furtherPictures}}});
     std::ranges::move(photoNotes(file, sources->first.picture.format.depth, spatialDepth),
                       std::back_inserter(warnings));
     const media::ImageMetadata metadata{{}, sources->first.metadata.exif, sources->first.metadata.xmp};
     Eyes eyes = renderedEyes(settings, layout, *sources, input.path(), cancellation);
     sources.reset();
     cancellation.check();
-    writePair(settings, std::move(eyes), metadata, output, cancellation);
+    writePair(stereoMetadata(settings, facts), std::move(eyes), metadata, output, cancellation);
     return warnings;
 }
 

@@ -30,15 +30,14 @@ std::int32_t micrometres(double millimetres) {
 
 } // namespace
 
-media::SpatialPhotoFacts spatialPhotoFacts(const ConversionSettings &settings, std::int64_t width,
-                                           std::int64_t height) {
+media::SpatialPhotoFacts spatialPhotoFacts(const StereoMetadata &values, std::int64_t width, std::int64_t height) {
     const auto w = static_cast<double>(width);
     const auto h = static_cast<double>(height);
     media::SpatialPhotoFacts facts;
-    facts.focalLength = (w / 2) / std::tan((settings.horizontalFOV / 180 * std::numbers::pi) * 0.5);
+    facts.focalLength = (w / 2) / std::tan((values.horizontalFOV / 180 * std::numbers::pi) * 0.5);
     facts.principalPoint = {2 * w, 2 * h};
-    facts.rightPosition = {micrometres(settings.stereoBaseline), 0, 0};
-    facts.disparityAdjustment = truncated(settings.disparityAdjustment * 100);
+    facts.rightPosition = {micrometres(values.stereoBaseline), 0, 0};
+    facts.disparityAdjustment = truncated(values.disparityAdjustment * 100);
     return facts;
 }
 

@@ -72,13 +72,16 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const Conve
     const VideoInfo &info = source.info;
     for (Warning &warning : layoutWarnings(layout, facts))
         source.warnings.add(warning.kind, std::move(warning.values));
+    if (std::optional<Warning> note = stereoValuesNote(settings, facts))
+        source.warnings.add(note->kind, std::move(note->values));
     const EyeCells cells = eyeCells(layout, info.width, info.height);
     const EyeSize eye = eyeSize(settings, cells);
     media::FrameReader reader(source.movie, info.track, media::Views::base);
 
     // Larger ones would overflow the settings' arithmetic.
     media::MovieWriter::requireSize(output.path(), eye.width, eye.height);
-    media::StereoVideoEncoding encoding = stereoVideoEncoding(settings, eye, source.timing.rate, system);
+    media::StereoVideoEncoding encoding =
+        stereoVideoEncoding(settings, eye, source.timing.rate, system, stereoMetadata(settings, facts));
     encoding.frameRate = source.frameRate();
     encoding.colour = info.track.colour;
     encoding.pixelAspect = eyePixelAspect(layout, outputPixelAspect(settings, info));

@@ -116,15 +116,16 @@ EncoderProperties pixelBufferAttributes(const EyeSize &eye) {
 }
 
 media::StereoVideoEncoding stereoVideoEncoding(const ConversionSettings &settings, const EyeSize &eye, double fps,
-                                               SystemVersion system) {
+                                               SystemVersion system, const std::optional<StereoMetadata> &values) {
+    const StereoMetadata stereo = values.value_or(StereoMetadata(settings));
     media::StereoVideoEncoding encoding;
     encoding.width = side(eye.width);
     encoding.height = side(eye.height);
     encoding.averageBitRate = spatialBitRate(eye, fps, settings.compressionQuality);
     encoding.frameRate = fps;
-    encoding.baseline = baselineInMicrometres(settings.stereoBaseline);
-    encoding.horizontalFieldOfView = fieldOfViewInThousandths(settings.horizontalFOV);
-    encoding.disparityAdjustment = disparityInTenThousandths(settings.disparityAdjustment);
+    encoding.baseline = baselineInMicrometres(stereo.stereoBaseline);
+    encoding.horizontalFieldOfView = fieldOfViewInThousandths(stereo.horizontalFOV);
+    encoding.disparityAdjustment = disparityInTenThousandths(stereo.disparityAdjustment);
     encoding.rectilinear = system >= projectionKind;
     return encoding;
 }

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/stereo/StereoMetadata.h"
 #include "media/MovieWriter.h"
 #include "model/ConversionSettings.h"
 #include "model/SystemVersion.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -56,9 +58,10 @@ std::uint32_t baselineInMicrometres(double millimetres);
 std::uint32_t fieldOfViewInThousandths(double degrees);
 std::int32_t disparityInTenThousandths(double percent);
 
-/// What the encoder is asked for. `fps` is the rate used for encoding (30 where the source has none).
+/// What the encoder is asked for. `fps` is the rate used for encoding (30 where the source has none). Without `values`
+/// the stereo values are those of the settings.
 media::StereoVideoEncoding stereoVideoEncoding(const ConversionSettings &settings, const EyeSize &eye, double fps,
-                                               SystemVersion system);
+                                               SystemVersion system, const std::optional<StereoMetadata> &values = {});
 
 /// The same as a table, for whoever asks for it: codec, size of one eye, and the compression properties with the stereo
 /// metadata.

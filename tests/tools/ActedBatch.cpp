@@ -78,7 +78,7 @@ MediaFacts look(const media::InputFile &file) {
 
 MediaOperations fakeOperations() {
     return {.look = look,
-            .lookClosely = {},
+            .lookClosely = look,
             .measure = {},
             .convertSpatialVideoToSBS = convert,
             .convertSBSVideoToSpatial = convert,

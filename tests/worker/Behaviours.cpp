@@ -225,7 +225,7 @@ PictureSize measure(const media::InputFile &input) {
 
 MediaOperations misbehaviour() {
     return {.look = look,
-            .lookClosely = {},
+            .lookClosely = look,
             .measure = measure,
             .convertSpatialVideoToSBS = convert,
             .convertSBSVideoToSpatial = convert,

@@ -212,6 +212,14 @@ void MainViewController::buildSpatialOptions() {
         made->setAccessibleName(caption->accessibleName());
         return made;
     };
+    inputLayoutPopup = withName(new QComboBox(view), "inputLayoutPopup");
+    for (const char *key : {"layout.choice.automatic", "layout.choice.side.by.side", "layout.choice.side.by.side.half",
+                            "layout.choice.over.under", "layout.choice.over.under.half", "layout.choice.two.pictures",
+                            "layout.choice.two.streams", "layout.choice.two.files"})
+        inputLayoutPopup->addItem(localizedText(key));
+    setCaption(caption(lblInputLayout, text("option.input.layout"), view, 'l'), inputLayoutPopup);
+    inputLayoutPopup->setToolTip(localizedText("option.input.layout.help"));
+    connect(inputLayoutPopup, &QComboBox::currentIndexChanged, this, &MainViewController::inputLayoutChanged);
     fovSlider = slider("fovSlider", fovRange, caption(lblFOV, text("option.fov"), view, 'h'));
     fovField = stereoField("fovField", fovRange, lblFOV, "option.fov.help.format");
     unit(lblFovUnit, "°", view);
@@ -321,11 +329,11 @@ void MainViewController::buildStartButton() {
 
 void MainViewController::setTabOrders() {
     const QList<QWidget *> order{
-        spatialToSBSButton, sbsToSpatialButton, inputDropView,   inputSelectBtn, checkSpatialBtn, outputDropView,
-        outputSelectBtn,    fovSlider,          fovField,        fovReset,       disparitySlider, disparityField,
-        disparityReset,     baselineSlider,     baselineField,   baselineReset,  formatPopup,     photoFormatPopup,
-        compressionSlider,  halfWidthCheck,     swapLRCheck,     copyAudioCheck, keepTimingCheck, enableResizeCheck,
-        resizeWidthField,   resizeHeightField,  resizeModePopup, startButton};
+        spatialToSBSButton, sbsToSpatialButton, inputDropView,     inputSelectBtn,  checkSpatialBtn, outputDropView,
+        outputSelectBtn,    inputLayoutPopup,   fovSlider,         fovField,        fovReset,        disparitySlider,
+        disparityField,     disparityReset,     baselineSlider,    baselineField,   baselineReset,   formatPopup,
+        photoFormatPopup,   compressionSlider,  halfWidthCheck,    swapLRCheck,     copyAudioCheck,  keepTimingCheck,
+        enableResizeCheck,  resizeWidthField,   resizeHeightField, resizeModePopup, startButton};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     for (QWidget *control : order) {

@@ -155,9 +155,11 @@ void MainViewController::layoutOptions() {
         view.place(unit, 614, top, 31, 28);
         view.place(reset, 646, top, 26, 28);
     };
-    stereo(10, lblFOV, fovSlider, fovField, lblFovUnit, fovReset);
-    stereo(50, lblDisparity, disparitySlider, disparityField, lblDispUnit, disparityReset);
-    stereo(90, lblBaseline, baselineSlider, baselineField, lblBaseUnit, baselineReset);
+    view.place(lblInputLayout, 14, 4, 190, 28);
+    view.place(inputLayoutPopup, 210, 4, 400, 28);
+    stereo(37, lblFOV, fovSlider, fovField, lblFovUnit, fovReset);
+    stereo(69, lblDisparity, disparitySlider, disparityField, lblDispUnit, disparityReset);
+    stereo(101, lblBaseline, baselineSlider, baselineField, lblBaseUnit, baselineReset);
     const auto option = [&](double top, QLabel *caption, QWidget *control) {
         view.place(caption, 14, top, 190, 28);
         view.place(control, 210, top, 250, 28);

@@ -143,6 +143,11 @@ void MainViewController::resizeDimChanged() {
     updateResizePreview();
 }
 
+void MainViewController::inputLayoutChanged(int index) {
+    if (index >= 0 && index < static_cast<int>(allInputLayouts.size()))
+        settings->inputLayout = allInputLayouts.at(static_cast<std::size_t>(index));
+}
+
 void MainViewController::resizeModeChanged(int index) {
     settings->resizeMode = resizeMode(index).value_or(ResizeMode::letterbox);
 }

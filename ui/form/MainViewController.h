@@ -68,6 +68,7 @@ public:
     void keepTimingChanged(bool checked);
     void enableResizeChanged(bool checked);
     void resizeDimChanged();
+    void inputLayoutChanged(int index);
     void resizeModeChanged(int index);
     /// Runs the checks, and then the batch if they allow it.
     void startConversion();
@@ -199,6 +200,8 @@ private:
     QFrame *startLine = nullptr; ///< line above the start button, shown while the form scrolls
     QScrollArea *scrollView = nullptr;
     QWidget *documentView = nullptr;
+    QComboBox *inputLayoutPopup = nullptr;
+    QLabel *lblInputLayout = nullptr;
     QLabel *lblFOV = nullptr;
     QLabel *lblDisparity = nullptr;
     QLabel *lblBaseline = nullptr;

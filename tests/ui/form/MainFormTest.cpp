@@ -44,6 +44,8 @@ TEST_F(MainForm, StartsWithTheDefaultsOfTheSettings) {
     EXPECT_EQ(find<QComboBox>("formatPopup").currentIndex(), 0);
     EXPECT_EQ(find<QComboBox>("photoFormatPopup").currentIndex(), 0);
     EXPECT_EQ(find<QComboBox>("resizeModePopup").currentIndex(), 2);
+    EXPECT_EQ(find<QComboBox>("inputLayoutPopup").currentIndex(), 0);
+    EXPECT_EQ(find<QComboBox>("inputLayoutPopup").count(), static_cast<int>(allInputLayouts.size()));
     EXPECT_TRUE(find<QCheckBox>("copyAudioCheck").isChecked());
     EXPECT_FALSE(find<QCheckBox>("keepTimingCheck").isChecked());
     for (const char *off : {"halfWidthCheck", "swapLRCheck", "enableResizeCheck"})
@@ -134,6 +136,8 @@ TEST_F(MainForm, ChecksAndMenusStoreTheirChoice) {
     find<QComboBox>("photoFormatPopup").setCurrentIndex(3);
     EXPECT_EQ(settings.sbsPhotoOutputFormat, SBSPhotoOutputFormat::heic);
     EXPECT_TRUE(slider("compressionSlider").isEnabled()) << "quality stays available for every format";
+    find<QComboBox>("inputLayoutPopup").setCurrentIndex(4);
+    EXPECT_EQ(settings.inputLayout, InputLayout::halfOverUnder);
     find<QComboBox>("resizeModePopup").setCurrentIndex(0);
     EXPECT_EQ(settings.resizeMode, ResizeMode::stretch);
     form.resizeModeChanged(7);
