@@ -59,12 +59,12 @@ protected:
 TEST_F(PhotoLayouts, overUnder) {
     settings.inputLayout = InputLayout::overUnder;
     convert(above(left, right), "in.png");
-    expectEyes(left, right, 38);
+    expectEyes(left, right, 34);
     convert(above(left, right), "in.jpg", {"-quality", "98"});
     expectEyes(left, right, 34);
     settings.swapLeftRight = true;
     convert(above(left, right), "in.png");
-    expectEyes(right, left, 38);
+    expectEyes(right, left, 34);
 }
 
 TEST_F(PhotoLayouts, anOddLastRowBelongsToNeitherEye) {
@@ -73,7 +73,7 @@ TEST_F(PhotoLayouts, anOddLastRowBelongsToNeitherEye) {
     const Raster both = above(left, right);
     std::copy(both.samples.begin(), both.samples.end(), odd.samples.begin());
     convert(odd, "in.png");
-    expectEyes(left, right, 38);
+    expectEyes(left, right, 34);
 }
 
 TEST_F(PhotoLayouts, halvesGetTheirTrueShape) {
@@ -137,7 +137,7 @@ TEST_F(PhotoLayouts, ofANameOnlyWarn) {
     const std::vector<Warning> warnings = convert(sideBySide(left, right), "in.half-sbs.png");
     ASSERT_EQ(warnings.size(), 1U);
     EXPECT_THAT(warningText(warnings[0]), HasSubstr("side by side, half width"));
-    expectEyes(left, right, 38);
+    expectEyes(left, right, 34);
     EXPECT_THAT(convert(sideBySide(left, right), "in.png"), IsEmpty());
 }
 
