@@ -13,8 +13,10 @@ JpegErrors &errorsOf(j_common_ptr codec) {
 
 [[noreturn]] void giveUp(j_common_ptr codec) {
     JpegErrors &errors = errorsOf(codec);
-    codec->err->format_message(codec, errors.message);
-    errors.code = codec->err->msg_code;
+    if (!errors.damaged) {
+        codec->err->format_message(codec, errors.message);
+        errors.code = codec->err->msg_code;
+    }
     std::longjmp(errors.jump, 1);
 }
 
@@ -38,8 +40,9 @@ void noteWarning(j_common_ptr codec, int level) {
     if (!isDamageWarning(codec->err->msg_code))
         return;
     JpegErrors &errors = errorsOf(codec);
-    if (!errors.damaged)
-        codec->err->format_message(codec, errors.message);
+    if (errors.damaged)
+        return; // the first damage is the cause of the others
+    codec->err->format_message(codec, errors.message);
     errors.code = codec->err->msg_code;
     errors.damaged = true;
 }

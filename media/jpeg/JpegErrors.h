@@ -21,7 +21,7 @@ struct JpegErrors {
     bool damaged = false; ///< a warning said that compressed data is missing or wrong
 
     JpegErrors();
-    /// The reason of the latest report.
+    /// The reason of the error, or of the first damage.
     MediaReason reason() const;
 };
 
