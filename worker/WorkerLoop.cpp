@@ -85,6 +85,10 @@ void WorkerLoop::handle(const CancelRequest &, std::vector<media::Descriptor> de
     cancelRequested_ = true;
 }
 
+void WorkerLoop::handle(const ForkRequest &, std::vector<media::Descriptor>) {
+    throw ProtocolError("a worker does not fork");
+}
+
 void WorkerLoop::convert(const ConvertRequest &request, const ConversionInput &input, const media::OutputFile &output) {
     const ConversionControl control{.cancelRequested = &cancelRequested_,
                                     .onFrameProgress = [this](std::int64_t frame, std::int64_t frames) {

@@ -24,6 +24,7 @@ private:
     void handle(const LookRequest &request, std::vector<media::Descriptor> descriptors);
     void handle(const ConvertRequest &request, std::vector<media::Descriptor> descriptors);
     void handle(const CancelRequest &request, std::vector<media::Descriptor> descriptors);
+    [[noreturn]] void handle(const ForkRequest &request, std::vector<media::Descriptor> descriptors);
     [[noreturn]] void convert(const ConvertRequest &request, const ConversionInput &input,
                               const media::OutputFile &output);
     void answer(const Answer &answer);

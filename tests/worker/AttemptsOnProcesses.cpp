@@ -84,6 +84,8 @@ std::vector<Attempt> attemptsToStartOne() {
         {"forks", [](Around) { return parentOnly(fork()); }},
         {"forks by the old call", [](Around) { return parentOnly(syscall(SYS_fork)); }},
         {"clones itself", [](Around) { return parentOnly(syscall(SYS_clone, SIGCHLD, 0, 0, 0, 0)); }},
+        {"clones itself beside itself",
+         [](Around) { return parentOnly(syscall(SYS_clone, CLONE_PARENT | SIGCHLD, 0, 0, 0, 0)); }, false},
         {"clones itself by a new call", cloneAnew, true, ENOSYS},
         {"makes a program file in memory", [](Around) -> long { return memfd_create("x", 0); }},
         {"maps new code", mapNewCode},

@@ -82,6 +82,7 @@ TEST(Coding, RequestsArriveWhole) {
             .input,
         "/in/a.heic");
     EXPECT_TRUE(std::holds_alternative<CancelRequest>(decodeRequest(sent(encode(CancelRequest{})))));
+    EXPECT_TRUE(std::holds_alternative<ForkRequest>(decodeRequest(sent(encode(ForkRequest{})))));
 }
 
 TEST(Coding, FactsArriveWhole) {

@@ -103,7 +103,8 @@ std::string statusLine(const fs::path &task, const std::string &name) {
 }
 
 TEST(Confinement, HoldsForEveryThread) {
-    worker::WorkerProcess process(TEST_WORKER);
+    worker::WorkerProcess original(TEST_WORKER);
+    worker::WorkerProcess process(original);
     Handed handed("waits");
     process.send(worker::ConvertRequest{.kind = ConversionKind::spatialVideoToSBS,
                                         .settings = std::make_shared<ConversionSettings>(),

@@ -6,7 +6,8 @@
 #include <cstdlib>
 
 int main() {
-    lumetwin::worker::WorkerProcess process(TEST_WORKER);
+    lumetwin::worker::WorkerProcess original(TEST_WORKER);
+    lumetwin::worker::WorkerProcess process(original);
     if (!process.next(std::chrono::minutes(1))) // it is ready
         return EXIT_FAILURE;
     std::printf("%d\n", process.number());

@@ -6,9 +6,13 @@
 #include "media/MediaError.h"
 #include "tests/worker/Handed.h"
 
+#include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
+#include <unistd.h>
+#include <vector>
 
 namespace lumetwin::test {
 namespace {
@@ -184,9 +188,38 @@ TEST(Worker, DoesNotOutliveWhoStartedIt) {
     EXPECT_FALSE(isRunning(worker));
 }
 
+/// The child processes of this process.
+std::vector<pid_t> children() {
+    std::vector<pid_t> found;
+    for (const auto &entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream status(entry.path() / "stat");
+        pid_t number = 0, parent = 0;
+        std::string name, state;
+        if (status >> number >> name >> state >> parent && parent == getpid())
+            found.push_back(number);
+    }
+    return found;
+}
+
+TEST(Worker, IsForkedFromANewProcessWhenTheFirstOneWasKilled) {
+    Handed handed("converts");
+    const auto inspector = static_cast<pid_t>(handed.workers.look(handed.input).values.horizontalFOV.value_or(0));
+    int killed = 0;
+    for (const pid_t process : children())
+        if (process != inspector && kill(process, SIGKILL) == 0)
+            ++killed;
+    EXPECT_GE(killed, 1);
+    for (int file = 0; file < 2; ++file)
+        EXPECT_TRUE(handed.convert().written);
+    EXPECT_EQ(handed.workers.look(handed.input).values.horizontalFOV, inspector) << "the others go on";
+}
+
 TEST(Worker, OutlivesTheThreadThatAskedForIt) {
-    std::unique_ptr<worker::WorkerProcess> process;
-    std::thread([&] { process = std::make_unique<worker::WorkerProcess>(TEST_WORKER); }).join();
+    std::unique_ptr<worker::WorkerProcess> original, process;
+    std::thread([&] {
+        original = std::make_unique<worker::WorkerProcess>(TEST_WORKER);
+        process = std::make_unique<worker::WorkerProcess>(*original);
+    }).join();
     EXPECT_TRUE(process->next(60s).has_value()) << "it is ready";
     std::this_thread::sleep_for(50ms);
     EXPECT_TRUE(isRunning(process->number()));

@@ -38,9 +38,9 @@ inline constexpr std::array blockedSystemCalls{
         {"flock", "inotify_init", "inotify_init1", "inotify_add_watch", "fanotify_init", "fanotify_mark"}},
     BlockedSystemCalls{"Network and local sockets. (The channel is already open and connected.)",
                        {"socket", "socketpair", "connect", "bind", "listen", "accept", "accept4", "socketcall"}},
-    BlockedSystemCalls{
-        "Starting programs and processes. (clone is handled in SystemCalls.cpp, because threads are allowed.)",
-        {"execve", "execveat", "fork", "vfork", "memfd_create", "memfd_secret", "userfaultfd"}},
+    BlockedSystemCalls{"Starting programs and processes. (clone and prctl are handled in SystemCalls.cpp, seccomp is "
+                       "blocked there later.)",
+                       {"execve", "execveat", "fork", "vfork", "memfd_create", "memfd_secret", "userfaultfd"}},
     BlockedSystemCalls{
         "Reading, changing, signalling or slowing down other processes.",
         {"ptrace",        "process_vm_readv", "process_vm_writev",  "process_madvise",   "process_mrelease",
@@ -58,10 +58,9 @@ inline constexpr std::array blockedSystemCalls{
     BlockedSystemCalls{
         "Parts of the kernel that had many security bugs and that conversions do not need. (prctl is handled in "
         "SystemCalls.cpp.)",
-        {"bpf",      "perf_event_open", "io_uring_setup", "io_uring_enter",   "io_uring_register",
-         "io_setup", "io_submit",       "io_cancel",      "io_destroy",       "io_getevents",
-         "add_key",  "request_key",     "keyctl",         "seccomp",          "modify_ldt",
-         "vm86",     "vm86old",         "ioctl",          "remap_file_pages", "lookup_dcookie"}},
+        {"bpf", "perf_event_open", "io_uring_setup", "io_uring_enter", "io_uring_register", "io_setup", "io_submit",
+         "io_cancel", "io_destroy", "io_getevents", "add_key", "request_key", "keyctl", "modify_ldt", "vm86", "vm86old",
+         "ioctl", "remap_file_pages", "lookup_dcookie"}},
     BlockedSystemCalls{"Mounts and namespaces.",
                        {"mount", "umount", "umount2", "pivot_root", "open_tree", "move_mount", "fsopen", "fsconfig",
                         "fsmount", "fspick", "mount_setattr", "unshare", "setns"}},

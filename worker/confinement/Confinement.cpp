@@ -12,18 +12,22 @@
 
 namespace lumetwin::worker {
 
-ConfinementReport confine(const ConfinementOptions &options) {
+ConfinementReport confineBeforeForking() {
     ConfinementReport report;
     report.memoryLimited = limitResources();
     dropCapabilities();
     // Landlock and seccomp need this flag in a process without root's privileges.
     if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0)
         throw std::system_error(errno, std::generic_category(), "no_new_privs");
-    if (options.landlock)
-        report.landlock = blockFileSystem();
     blockSystemCalls(); // last, because the steps above use blocked calls
-    report.systemCalls = true;
     return report;
+}
+
+void confineWorker(ConfinementReport &report, const ConfinementOptions &options) {
+    if (options.landlock)
+        report.landlock = blockFileSystem(); // for each worker, because it also separates processes from each other
+    blockSystemCallsOfForking();
+    report.systemCalls = true;
 }
 
 std::string describe(const ConfinementReport &report) {

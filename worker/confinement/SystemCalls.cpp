@@ -35,6 +35,17 @@ void check(int result, const char *what) {
         throw std::system_error(-result, std::generic_category(), what);
 }
 
+/// A filter that allows everything.
+Filter emptyFilter() {
+    Filter filter(seccomp_init(SCMP_ACT_ALLOW));
+    if (!filter)
+        throw std::system_error(ENOMEM, std::generic_category(), "seccomp_init");
+    // Without this flag, kernels before 5.16 slow the process down (a protection against speculative store bypass).
+    check(seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_SSB, 1), "SSB");
+    check(seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_NNP, 0), "NNP"); // it is set, and prctl is blocked later
+    return filter;
+}
+
 /// Blocks a call, or only calls whose arguments meet the conditions. The call returns EPERM.
 template <typename... Conditions> void block(Filter &filter, const char *name, Conditions... conditions) {
     const int number = seccomp_syscall_resolve_name(name);
@@ -55,15 +66,12 @@ void allowOnly(Filter &filter, const char *name, unsigned argument, std::initial
         block(filter, name, bitsOf(argument, pattern.mask, pattern.value));
 }
 
-void blockNewProcesses(Filter &filter) {
-    block(filter, "clone", bitsOf(0, CLONE_THREAD, 0));
+void blockNewSpaces(Filter &filter) {
     for (const std::uint32_t space :
          {CLONE_NEWNS, CLONE_NEWCGROUP, CLONE_NEWUTS, CLONE_NEWIPC, CLONE_NEWUSER, CLONE_NEWPID, CLONE_NEWNET})
         block(filter, "clone", bitsOf(0, space, space));
     // A filter cannot check its flags, because they are in memory. After ENOSYS the C library uses clone instead.
     check(seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0), "clone3");
-    // Signals to this process stay allowed, for abort().
-    block(filter, "tgkill", scmp_arg_cmp{0, SCMP_CMP_NE, static_cast<scmp_datum_t>(getpid()), 0});
 }
 
 /// Calls that are allowed for this process but not for others.
@@ -83,10 +91,10 @@ void blockNewCode(Filter &filter) {
 }
 
 void blockUses(Filter &filter) {
-    blockNewProcesses(filter);
+    blockNewSpaces(filter);
     blockOtherProcesses(filter);
     blockNewCode(filter);
-    allowOnly(filter, "prctl", 0, {PR_SET_NAME, PR_GET_NAME});
+    allowOnly(filter, "prctl", 0, {PR_SET_NAME, PR_GET_NAME, PR_SET_PDEATHSIG, PR_SET_SECCOMP});
     // Blocked are, for example, signals to other processes (F_SETOWN), leases and locks.
     allowOnly(filter, "fcntl", 1, {F_DUPFD, F_GETFD, F_SETFD, F_GETFL, F_SETFL, F_DUPFD_CLOEXEC});
 }
@@ -110,17 +118,24 @@ void blockNewerCalls() {
 
 void blockSystemCalls() {
     blockNewerCalls();
-    Filter filter(seccomp_init(SCMP_ACT_ALLOW));
-    if (!filter)
-        throw std::system_error(ENOMEM, std::generic_category(), "seccomp_init");
-    // Without this flag, kernels before 5.16 slow the process down (a protection against speculative store bypass).
-    check(seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_SSB, 1), "SSB");
+    Filter filter = emptyFilter();
     check(seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_OPTIMIZE, 2),
           "OPTIMIZE"); // a binary tree is faster than a list
     for (const BlockedSystemCalls &group : blockedSystemCalls)
         for (const char *name : group.names)
             block(filter, name);
     blockUses(filter);
+    check(seccomp_load(filter.get()), "seccomp");
+}
+
+void blockSystemCallsOfForking() {
+    Filter filter = emptyFilter();
+    block(filter, "clone", bitsOf(0, CLONE_THREAD, 0));
+    // Signals to this process stay allowed, for abort().
+    block(filter, "tgkill", scmp_arg_cmp{0, SCMP_CMP_NE, static_cast<scmp_datum_t>(getpid()), 0});
+    for (const std::uint32_t option : {PR_SET_PDEATHSIG, PR_SET_SECCOMP})
+        block(filter, "prctl", bitsOf(0, ~std::uint32_t{0}, option));
+    block(filter, "seccomp");
     check(seccomp_load(filter.get()), "seccomp");
 }
 

@@ -7,7 +7,12 @@ namespace lumetwin::worker {
 /// process, except calls of another architecture. Everything else stays allowed: an allow-list would break with the
 /// next version of the C library. Needs no_new_privs. Throws std::system_error.
 ///
-/// Still possible: asking for the size and times of a file whose name is known (stat).
+/// Still possible: asking for the size and times of a file whose name is known (stat). Forking and what forked
+/// processes need for blockSystemCallsOfForking() stay allowed.
 void blockSystemCalls();
+
+/// After blockSystemCalls(): blocks new processes, signals to other processes, and new filters. Takes a fraction of the
+/// time. Needs no_new_privs. Throws std::system_error.
+void blockSystemCallsOfForking();
 
 } // namespace lumetwin::worker

@@ -11,7 +11,7 @@ namespace lumetwin::worker {
 // the *thread* that started it ends (PR_SET_PDEATHSIG).
 
 /// Starts a program. The descriptor becomes its descriptor 3, its standard streams are /dev/null, and its environment
-/// has only the variables for finding libraries. Its argument is the id of this process. Throws std::system_error.
+/// has only the variables that it needs itself. Its argument is the id of this process. Throws std::system_error.
 pid_t startProcess(const std::filesystem::path &program, int descriptor);
 
 /// Kills a process and returns at once; its exit status is collected later.

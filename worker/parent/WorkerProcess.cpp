@@ -4,10 +4,12 @@
 #include "worker/parent/ProcessStart.h"
 #include "worker/protocol/ProtocolError.h"
 
+#include <array>
 #include <cerrno>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace lumetwin::worker {
 namespace {
@@ -20,12 +22,37 @@ WorkerFailure failureOf(int status) {
     return {Kind::exited, WEXITSTATUS(status)};
 }
 
+/// The answer of a process that was asked to fork. Throws WorkerFailure.
+pid_t forked(WorkerProcess &original) {
+    constexpr std::chrono::minutes atMost{2};
+    const std::optional<Answer> answer = original.next(atMost);
+    if (!answer)
+        throw WorkerFailure{Kind::timeout, static_cast<int>(std::chrono::seconds(atMost).count())};
+    const auto *forked = std::get_if<Forked>(&*answer);
+    if (!forked)
+        throw WorkerFailure{Kind::invalidAnswer};
+    if (forked->process <= 0)
+        throw WorkerFailure{Kind::noStart, -forked->process};
+    return forked->process;
+}
+
 } // namespace
 
 WorkerProcess::WorkerProcess(const std::filesystem::path &program) {
     try {
         auto [ours, theirs] = Channel::makePair();
         process_ = startProcess(program, theirs.get());
+        channel_.emplace(std::move(ours));
+    } catch (const std::system_error &error) {
+        throw WorkerFailure{Kind::noStart, error.code().value()};
+    }
+}
+
+WorkerProcess::WorkerProcess(WorkerProcess &original) {
+    try {
+        auto [ours, theirs] = Channel::makePair();
+        original.send(ForkRequest{}, std::array{theirs.get()});
+        process_ = forked(original);
         channel_.emplace(std::move(ours));
     } catch (const std::system_error &error) {
         throw WorkerFailure{Kind::noStart, error.code().value()};

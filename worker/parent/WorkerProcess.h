@@ -16,11 +16,14 @@
 
 namespace lumetwin::worker {
 
-/// A running worker process, as the program that started it sees it. The destructor ends the process.
+/// A running process of lumetwin-worker, as the program that started it sees it. The destructor ends the process.
 class WorkerProcess {
 public:
-    /// Starts the process and does not wait until it is ready. Throws WorkerFailure.
+    /// Executes lumetwin-worker: a process that only forks workers. Does not wait. Throws WorkerFailure.
     explicit WorkerProcess(const std::filesystem::path &program);
+    /// Lets that process fork a worker and does not wait until it is ready. Throws WorkerFailure; original cannot be
+    /// used after that.
+    explicit WorkerProcess(WorkerProcess &original);
     ~WorkerProcess();
     WorkerProcess(const WorkerProcess &) = delete;
     WorkerProcess &operator=(const WorkerProcess &) = delete;

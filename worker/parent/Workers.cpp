@@ -132,22 +132,35 @@ ConfinementReport Workers::confinement() {
     }
 }
 
-Workers::Worker Workers::started() const {
+Workers::Worker Workers::started() {
     if (program_.empty())
         throw ProcessorError(lumetwin::words("error.worker.missing"));
-    return std::make_unique<WorkerProcess>(program_);
+    const std::scoped_lock lock(originalMutex_);
+    if (original_) {
+        try {
+            return std::make_unique<WorkerProcess>(*original_);
+        } catch (const WorkerFailure &) { // for example, killed because memory ran out
+            original_.reset();
+        }
+    }
+    original_ = std::make_unique<WorkerProcess>(program_);
+    return std::make_unique<WorkerProcess>(*original_);
 }
 
 Workers::Worker Workers::takeSpare() {
     const std::scoped_lock lock(spareMutex_);
-    return spare_.valid() ? spare_.get() : started();
+    return spare_ ? std::move(spare_) : started();
 }
 
-/// Starts the next worker early and does not wait for it. An error is thrown by takeSpare().
+/// Starts the next worker early. If that fails, takeSpare() tries it again.
 void Workers::startSpare() {
     const std::scoped_lock lock(spareMutex_);
-    if (!spare_.valid())
-        spare_ = std::async(std::launch::async, [this] { return started(); });
+    try {
+        if (!spare_)
+            spare_ = started();
+    } catch (const WorkerFailure &) {
+        return;
+    }
 }
 
 } // namespace lumetwin::worker

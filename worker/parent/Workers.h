@@ -6,14 +6,14 @@
 #include "worker/parent/Conversation.h"
 
 #include <filesystem>
-#include <future>
 #include <memory>
 #include <mutex>
 
 namespace lumetwin::worker {
 
-/// The worker processes of a program. One long-lived worker inspects files. Each conversion has its own worker, and the
-/// next worker is started during the conversion. Can be used by several threads. The functions throw the errors of
+/// The worker processes of a program. All are forked from one process, which is started at the first request. One
+/// long-lived worker inspects files. Each conversion has its own worker, and the next worker is started during the
+/// conversion. Can be used by several threads. The functions throw the errors of
 /// MediaOperations::inProcess(); if a worker itself fails, a ProcessorError that names the file.
 class Workers {
 public:
@@ -38,16 +38,18 @@ private:
     Answer inspectorAnswer(const LookRequest &request, const ConversionInput &input);
     Outcome tryToConvert(const ConvertRequest &request, const ConversionInput &input, const media::OutputFile &output,
                          const ConversionControl &control);
-    Worker started() const;
+    Worker started();
     Worker takeSpare();
     void startSpare();
 
     const std::filesystem::path program_;
     const Timeouts timeouts_;
+    std::mutex originalMutex_;
+    Worker original_; // guarded by originalMutex_; forks the others
     std::mutex inspectorMutex_;
     Worker inspector_; // guarded by inspectorMutex_
     std::mutex spareMutex_;
-    std::future<Worker> spare_; // guarded by spareMutex_
+    Worker spare_; // guarded by spareMutex_
 };
 
 } // namespace lumetwin::worker

@@ -13,6 +13,10 @@ using Json = nlohmann::json;
 
 constexpr std::int64_t newestLandlock = 1000;
 
+Json encodeOne(const Forked &forked) {
+    return {{"answer", "forked"}, {"process", forked.process}};
+}
+
 Json encodeOne(const Ready &ready) {
     return {{"answer", "ready"},
             {"version", ready.version},
@@ -45,6 +49,11 @@ Json encodeOne(const Failure &failure) {
     return {{"answer", "failure"}, {"error", encodeError(failure.error)}};
 }
 
+Forked forked(const Json &content) {
+    constexpr std::int64_t highest = std::numeric_limits<int>::max();
+    return {static_cast<int>(integer(field(content, "process"), -highest, highest))};
+}
+
 Ready ready(const Json &content) {
     return {.version = string(field(content, "version")),
             .confinement = {.landlock = static_cast<int>(integer(field(content, "landlock"), 0, newestLandlock)),
@@ -60,6 +69,8 @@ Json encode(const Answer &answer) {
 
 Answer decodeAnswer(const Json &content) {
     const std::string &type = string(field(content, "answer"));
+    if (type == "forked")
+        return forked(content);
     if (type == "ready")
         return ready(content);
     if (type == "progress")

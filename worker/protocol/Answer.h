@@ -17,7 +17,12 @@ namespace lumetwin::worker {
 
 // Answers of a worker.
 
-/// The first message: the worker is confined and waits for a request.
+/// The answer to a ForkRequest.
+struct Forked {
+    int process = 0; ///< its number, or the system's error number (errno) below 0
+};
+
+/// The first message of a worker: it is confined and waits for a request.
 struct Ready {
     std::string version; ///< of the program; it must be the same on both sides
     ConfinementReport confinement;
@@ -37,7 +42,7 @@ struct Failure {
     std::exception_ptr error;
 };
 
-using Answer = std::variant<Ready, Progress, SignOfLife, MediaFacts, PictureSize, Outcome, Failure>;
+using Answer = std::variant<Forked, Ready, Progress, SignOfLife, MediaFacts, PictureSize, Outcome, Failure>;
 
 nlohmann::json encode(const Answer &answer);
 /// Throws ProtocolError.

@@ -45,6 +45,10 @@ Json encodeOne(const CancelRequest &) {
     return {{"request", "cancel"}};
 }
 
+Json encodeOne(const ForkRequest &) {
+    return {{"request", "fork"}};
+}
+
 SystemVersion systemVersion(const Json &value) {
     if (array(value).size() != 3)
         throw ProtocolError("no version");
@@ -80,6 +84,8 @@ Request decodeRequest(const Json &content) {
         return convertRequest(content);
     if (type == "cancel")
         return CancelRequest{};
+    if (type == "fork")
+        return ForkRequest{};
     throw ProtocolError("an unknown request");
 }
 

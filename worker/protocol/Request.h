@@ -44,7 +44,10 @@ struct ConvertRequest {
 /// Asks to stop the conversion.
 struct CancelRequest {};
 
-using Request = std::variant<LookRequest, ConvertRequest, CancelRequest>;
+/// Asks the program's first process for a worker. Descriptor: the worker's end of its channel.
+struct ForkRequest {};
+
+using Request = std::variant<LookRequest, ConvertRequest, CancelRequest, ForkRequest>;
 
 nlohmann::json encode(const Request &request);
 /// Throws ProtocolError.
