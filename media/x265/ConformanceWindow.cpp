@@ -2,51 +2,13 @@
 #include "media/x265/ConformanceWindow.h"
 
 #include "media/hevc/BitReader.h"
+#include "media/hevc/BitWriter.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace lumetwin::media::x265 {
 
 namespace {
-
-std::vector<std::uint8_t> withEmulationPrevention(const std::vector<std::uint8_t> &bytes) {
-    std::vector<std::uint8_t> unit;
-    int zeros = 0;
-    for (const std::uint8_t byte : bytes) {
-        if (zeros >= 2 && byte <= 3) {
-            unit.push_back(3);
-            zeros = 0;
-        }
-        zeros = byte == 0 ? zeros + 1 : 0;
-        unit.push_back(byte);
-    }
-    return unit;
-}
-
-class BitWriter {
-public:
-    void bit(std::uint32_t value) {
-        if (count_ % 8 == 0)
-            bytes_.push_back(0);
-        bytes_.back() = static_cast<std::uint8_t>(bytes_.back() | (value & 1u) << (7 - count_ % 8));
-        ++count_;
-    }
-
-    void number(std::uint32_t value) {
-        const int width = std::bit_width(value + 1);
-        for (int zeros = 1; zeros < width; ++zeros)
-            bit(0);
-        for (int place = width - 1; place >= 0; --place)
-            bit((value + 1) >> place);
-    }
-
-    std::vector<std::uint8_t> take() { return std::move(bytes_); }
-
-private:
-    std::vector<std::uint8_t> bytes_;
-    std::size_t count_ = 0;
-};
 
 constexpr int headerBits = 16;
 constexpr int profileBits = 88; // general profile, tier and constraints, without the level
@@ -131,7 +93,7 @@ std::optional<std::vector<std::uint8_t>> withConformanceWindow(hevc::NalBytes un
     if (reader.bits(1))
         for (int side = 0; side < 4; ++side)
             reader.number();
-    BitWriter writer;
+    hevc::BitWriter writer;
     hevc::BitReader start(unit);
     while (start.position() < place->position)
         writer.bit(start.bits(1));
@@ -151,7 +113,7 @@ std::optional<std::vector<std::uint8_t>> withConformanceWindow(hevc::NalBytes un
     }
     if (!reader.good())
         return std::nullopt;
-    return withEmulationPrevention(writer.take());
+    return hevc::withEmulationPrevention(writer.take());
 }
 
 } // namespace lumetwin::media::x265

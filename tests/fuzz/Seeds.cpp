@@ -20,6 +20,12 @@ Bytes track(std::string_view handler, const std::vector<Bytes> &entries) {
                                            box("minf", box("stbl", table))})));
 }
 
+Bytes packedEntry() {
+    const Bytes eyes = box("eyes", joined({fullBox("stri", {11}), box("pack", fullBox("pkin", letters("over")))}));
+    const Bytes usage = box("vexu", joined({eyes, box("pack", fullBox("pkin", letters("side")))}));
+    return visualEntry("avc1", joined({box("mvcC", Bytes(8, 1)), usage, fullBox("st3d", {2}), u32(0)}));
+}
+
 Bytes stereoEntry() {
     const Bytes eyes =
         box("eyes", joined({fullBox("stri", {3}), fullBox("hero", {1}), box("cams", fullBox("blin", u32(19240))),
@@ -36,7 +42,27 @@ std::vector<Bytes> movies() {
             joined({type, longBox("moov", track("vide", {visualEntry("avc1", {}), stereoEntry()})), u32(0),
                     letters("mdat")}),
             joined({type, box("moov", joined({stereo, box("mvex", fullBox("trex", Bytes(20, 0)))})),
-                    box("moof", Bytes(16, 0))})};
+                    box("moof", Bytes(16, 0))}),
+            joined({type, box("moov", track("vide", {packedEntry()}))})};
+}
+
+/// A coding, the size of a configuration record, the record, and a sample with a frame packing message.
+std::vector<Bytes> packedStreams() {
+    const Bytes avcMessage{6, 45, 7, 0x81, 0x81, 0, 0, 3, 0, 1, 0x20, 0x80};
+    const Bytes hevcMessage{39 << 1, 1, 45, 6, 0x81, 0x81, 0, 0, 3, 0, 3, 0x80};
+    const Bytes avcSlice{0x65, 0x88, 1, 2};
+    const Bytes hevcSlice{19 << 1, 1, 0x88, 1};
+    const Bytes startCode{0, 0, 0, 1};
+    const auto unit = [](const Bytes &bytes, int size) { return joined({number(bytes.size(), size), bytes}); };
+    const Bytes avcRecord = joined({{1, 100, 0, 30, 0xFF, 0xE1}, unit({15, 118, 0, 30}, 2), {1}, unit({8, 1}, 2)});
+    const Bytes hevcRecord = joined({{1}, Bytes(20, 0), {0xFD, 1, 39, 0, 1}, unit(hevcMessage, 2)});
+    const auto stream = [](std::uint8_t coding, const Bytes &record, const Bytes &sample) {
+        return joined({{coding, static_cast<std::uint8_t>(record.size())}, record, sample});
+    };
+    return {stream(0, {}, joined({startCode, avcMessage, startCode, avcSlice, startCode, {20, 0x40, 0, 1}})),
+            stream(1, {}, joined({startCode, hevcMessage, startCode, hevcSlice})),
+            stream(0, avcRecord, joined({unit(avcMessage, 4), unit(avcSlice, 4)})),
+            stream(1, hevcRecord, joined({unit(hevcMessage, 2), unit(hevcSlice, 2)}))};
 }
 
 HeifBuilder describedPair() {
@@ -151,6 +177,7 @@ int main(int count, char **arguments) {
     write(folder / "movie_facts", movies());
     write(folder / "heif_file", {stereoGrids().file(), describedPair().file(), wideTables()});
     write(folder / "jpeg_extras", {jpegWithExtras()});
+    write(folder / "frame_packing", packedStreams());
     write(folder / "exif", {exifBlock()});
     write(folder / "xmp", {xmpPacket(), packetWithExtras()});
     return 0;

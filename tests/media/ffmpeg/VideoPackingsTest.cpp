@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/VideoPackings.h"
 
+#include "media/hevc/FramePackingUnit.h"
 #include "tests/media/bmff/BoxBuilder.h"
 #include "tests/support/BoxEdits.h"
 #include "tests/support/Clips.h"
@@ -161,6 +162,123 @@ TEST(VideoPackings, ofAStreamAreHalfByTheShapeOfThePixels) {
         const auto squeezed = clip(folder / name, 192, 108, {"-aspect", "32/9", "-x264-params", "frame-packing=3"});
         EXPECT_EQ(packingsOf(squeezed).stream, half(sideBySide)) << name;
     }
+}
+
+/// A raw stream whose first picture has a message of its own before it.
+std::filesystem::path withMessage(const std::filesystem::path &stream, const StereoPacking &packing,
+                                  hevc::Coding coding) {
+    test::Bytes bytes = test::readFile(stream);
+    test::Bytes unit;
+    hevc::appendAnnexB(unit, hevc::framePackingUnit(packing, coding));
+    const auto place = static_cast<std::ptrdiff_t>(hevc::beforeFirstSlice(bytes, coding));
+    bytes.insert(bytes.begin() + place, unit.begin(), unit.end());
+    test::writeFile(stream, bytes);
+    return stream;
+}
+
+TEST(VideoPackings, ofAStreamAreFoundInEveryContainer) {
+    const TemporaryFolder folder;
+    for (const StereoPacking &packing :
+         {sideBySide, rightFirst(sideBySide), overUnder, rightFirst(overUnder), half(sideBySide), half(overUnder)})
+        for (const bool isHevc : {false, true}) {
+            const char *raw = isHevc ? "a.hevc" : "a.h264";
+            test::Clip drawing;
+            drawing.width = drawing.height = 128;
+            drawing.video = {"-c:v", isHevc ? "libx265" : "libx264"};
+            const auto stream = withMessage(test::draw(folder / raw, drawing), packing,
+                                            isHevc ? hevc::Coding::hevc : hevc::Coding::avc);
+            StereoPacking expected = packing;
+            expected.isHalf = packing.isHalf && isHevc; // H.264 cannot say it
+            EXPECT_EQ(packingsOf(stream).stream, expected) << raw;
+            const auto timed = test::remuxed(stream, folder / "a.mp4");
+            EXPECT_EQ(packingsOf(timed).stream, expected) << raw;
+            for (const char *name : {"b.mov", "b.mkv", "b.avi"})
+                EXPECT_EQ(packingsOf(test::remuxed(timed, folder / name)).stream, expected) << raw << ", " << name;
+        }
+}
+
+TEST(VideoPackings, ofContainerAndStreamMayDisagree) {
+    const TemporaryFolder folder;
+    const auto file = clip(folder / "a.mkv", 192, 192,
+                           {"-x264-params", "frame-packing=4", "-metadata:s:v", "stereo_mode=right_left"});
+    EXPECT_EQ(packingsOf(file).container, rightFirst(sideBySide));
+    EXPECT_EQ(packingsOf(file).stream, overUnder);
+}
+
+TEST(VideoPackings, nameASecondStreamLikeTheFirst) {
+    const TemporaryFolder folder;
+    const auto left = clip(folder / "left.mp4", 192, 96, {});
+    const auto small = clip(folder / "small.mp4", 96, 96, {});
+    test::Clip longer;
+    longer.frames = 30;
+    longer.width = 192;
+    const auto late = test::draw(folder / "late.mp4", longer);
+    const auto other = clip(folder / "other.mp4", 192, 96, {"-c:v", "libx265"});
+    const auto joined = [&](const std::filesystem::path &second, const std::string &name) {
+        test::ffmpeg({"-i", left.string(), "-i", second.string(), "-map", "0:v", "-map", "1:v", "-c", "copy",
+                      (folder / name).string()});
+        return packingsOf(folder / name).secondStream;
+    };
+    for (const char *name : {"two.mp4", "two.mov", "two.mkv", "two.avi"})
+        EXPECT_EQ(joined(left, name), 1) << name;
+    for (const char *name : {"two.mp4", "two.mkv"}) {
+        EXPECT_EQ(joined(small, name), std::nullopt) << name;
+        EXPECT_EQ(joined(other, name), std::nullopt) << name;
+    }
+    EXPECT_EQ(joined(late, "two.mp4"), std::nullopt);
+}
+
+TEST(VideoPackings, doNotTakeACoverForASecondStream) {
+    const TemporaryFolder folder;
+    test::Clip drawing;
+    drawing.frames = 1;
+    drawing.video = {"-c:v", "mjpeg"};
+    const std::string film = test::draw(folder / "film.mkv", drawing).string();
+    const std::vector<std::string> both{"-i", film, "-i", film, "-map", "0:v", "-map", "1:v", "-c", "copy"};
+    const auto written = [&](const char *name, const std::vector<std::string> &options) {
+        std::vector<std::string> arguments = both;
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        arguments.push_back((folder / name).string());
+        test::ffmpeg(arguments);
+        return packingsOf(folder / name).secondStream;
+    };
+    EXPECT_EQ(written("streams.mp4", {}), 1);
+    EXPECT_EQ(written("cover.mp4", {"-disposition:v:1", "attached_pic"}), std::nullopt);
+}
+
+TEST(VideoPackings, nameTheProjection) {
+    using test::box;
+    using test::fullBox;
+    using test::letters;
+    const auto usage = [](const char *kind) { return box("vexu", box("proj", fullBox("prji", letters(kind)))); };
+    const test::Bytes spherical =
+        box("sv3d", test::joined({fullBox("svhd", letters("a\0")),
+                                  box("proj", test::joined({fullBox("prhd", test::Bytes(12, 0)),
+                                                            fullBox("equi", test::Bytes(16, 0))}))}));
+    const TemporaryFolder folder;
+    for (const auto &[added, expected] : std::vector<std::pair<test::Bytes, std::string>>{{usage("rect"), "rect"},
+                                                                                          {usage("equi"), "equi"},
+                                                                                          {usage("hequ"), "hequ"},
+                                                                                          {usage("fish"), "fish"},
+                                                                                          {spherical, "equi"}}) {
+        const auto file = clip(folder / "a.mp4", 192, 192, {});
+        test::addToSampleEntry(file, added);
+        EXPECT_EQ(packingsOf(file).projection, expected);
+    }
+}
+
+TEST(VideoPackings, ofDamagedFilesAreNone) {
+    const TemporaryFolder folder;
+    const auto file = clip(folder / "a.mkv", 192, 192, {"-metadata:s:v", "stereo_mode=left_right"});
+    const test::Bytes whole = test::readFile(file);
+    for (std::size_t size = 0; size < whole.size(); size += whole.size() / 40) {
+        test::writeFile(folder / "cut.mkv",
+                        test::Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+        const VideoPackings found = packingsOf(folder / "cut.mkv");
+        EXPECT_TRUE(!found.container || found.container == sideBySide) << size;
+    }
+    test::writeFile(folder / "text.mp4", std::string("no film"));
+    EXPECT_EQ(packingsOf(folder / "text.mp4"), VideoPackings{});
 }
 
 } // namespace
