@@ -6,11 +6,13 @@
 #include "media/MovieTags.h"
 #include "media/OutputFile.h"
 #include "media/Picture.h"
+#include "media/StereoPacking.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace lumetwin::media {
 
@@ -27,6 +29,10 @@ struct VideoEncoding {
     double frameRate = 30;           ///< for the encoder's rate control
     ColourTags colour;
     PixelAspect pixelAspect;
+    /// Announced by the stream (frame packing SEI in each random access picture) and by the file (`st3d`), if the
+    /// frames have both eyes, beside or above each other. Only HEVC can say that they are half: the shape of the pixels
+    /// would change how ordinary players show the frame.
+    std::optional<StereoPacking> packing;
 };
 
 /// A multiview HEVC track with two views, the left one in layer 0 and the right one in layer 1, with its stereo values

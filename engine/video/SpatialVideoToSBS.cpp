@@ -73,6 +73,8 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const Conve
     encoding.frameRate = source.frameRate();
     encoding.colour = info.track.colour;
     encoding.pixelAspect = outputPixelAspect(settings, info);
+    encoding.packing =
+        media::StereoPacking{media::StereoPacking::Arrangement::sideBySide, settings.swapLeftRight, settings.halfWidth};
     requireSpace(output, source.estimatedBytes(encoding.averageBitRate));
 
     media::MovieWriter writer(output, containerOf(settings.sbsOutputFormat), source.movie.tags());

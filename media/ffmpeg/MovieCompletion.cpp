@@ -3,6 +3,7 @@
 
 #include "media/MediaError.h"
 #include "media/ffmpeg/MovieHeader.h"
+#include "media/ffmpeg/PackingMarks.h"
 #include "media/ffmpeg/StereoEntry.h"
 
 #include <algorithm>
@@ -31,6 +32,8 @@ void MovieCompletion::apply(const OutputFile &file) const {
             throw MediaError(file.path(), MediaOperation::write, 0, MediaReason::stereoTrackNotFound);
         if (stereo_ && shown_)
             addApertures(header, shown_->width, shown_->height);
+        if (packing_)
+            markTrack(header, *packing_);
         addMetadata(header, metadataItems(tags_));
     });
 }

@@ -14,6 +14,7 @@ public:
 
     /// The size of the video track with square pixels.
     void showPictures(int width, int height, PixelAspect aspect);
+    void describePacking(const std::optional<StereoPacking> &packing) { packing_ = packing; }
     void describeStereo(const StereoVideoEncoding &encoding) { stereo_ = encoding; }
     const MovieTags &tags() const { return tags_; }
 
@@ -29,6 +30,7 @@ private:
     MovieTags tags_;
     std::optional<Size> shown_;
     std::optional<StereoVideoEncoding> stereo_;
+    std::optional<StereoPacking> packing_;
 };
 
 } // namespace lumetwin::media::ffmpeg

@@ -209,6 +209,7 @@ void MovieWriter::addAudio(const AudioEncoding &encoding) {
 
 void MovieWriter::addVideo(const VideoEncoding &encoding) {
     state_->addVideo(encoding);
+    state_->completion.describePacking(encoding.packing);
 }
 
 void MovieWriter::addVideo(const StereoVideoEncoding &encoding) {

@@ -4,6 +4,7 @@
 #include "media/DecodingTimes.h"
 #include "media/Padding.h"
 #include "media/ffmpeg/Aperture.h"
+#include "media/ffmpeg/PackingMarks.h"
 #include "media/ffmpeg/Pictures.h"
 
 extern "C" {
@@ -88,6 +89,8 @@ public:
 private:
     int smallestSide() const { return encoding_.codec == VideoCodec::hevc ? smallestHevcSide : 2; }
 
+    hevc::Coding coding() const { return encoding_.codec == VideoCodec::hevc ? hevc::Coding::hevc : hevc::Coding::avc; }
+
     /// The reordering delay in pictures. x265 does not report it; with one level of B-frames used as references it is
     /// two.
     int reordering() const { return encoding_.codec == VideoCodec::hevc ? 2 : codec_->has_b_frames; }
@@ -108,6 +111,8 @@ private:
             const DecodingTimes::Moment decoded = decodingTimes().next();
             packet_->dts = decoded.time;
             packet_->duration = decoded.duration;
+            if (encoding_.packing && packet_->flags & AV_PKT_FLAG_KEY)
+                markPacket(*packet_, *encoding_.packing, coding());
             sink(*packet_);
             av_packet_unref(packet_.get());
         }
