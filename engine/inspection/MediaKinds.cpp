@@ -4,8 +4,17 @@
 #include "engine/texts/FileNames.h"
 
 #include <algorithm>
+#include <span>
 
 namespace lumetwin {
+
+namespace {
+
+bool isOneOf(std::span<const std::string_view> extensions, const std::filesystem::path &file) {
+    return std::ranges::find(extensions, lowerCasedExtension(file)) != extensions.end();
+}
+
+} // namespace
 
 std::string lowerCasedExtension(const std::filesystem::path &file) {
     std::string extension = std::filesystem::path(lastPathComponent(file)).extension().string();
@@ -18,11 +27,11 @@ std::string lowerCasedExtension(const std::filesystem::path &file) {
 }
 
 bool isVideoFile(const std::filesystem::path &file) {
-    return std::ranges::find(videoExtensions, lowerCasedExtension(file)) != videoExtensions.end();
+    return isOneOf(videoExtensions, file) || isOneOf(furtherVideoExtensions, file);
 }
 
 bool isPhotoFile(const std::filesystem::path &file) {
-    return std::ranges::find(photoExtensions, lowerCasedExtension(file)) != photoExtensions.end();
+    return isOneOf(photoExtensions, file);
 }
 
 bool isMediaFile(const std::filesystem::path &file) {

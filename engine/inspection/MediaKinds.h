@@ -9,6 +9,8 @@
 namespace lumetwin {
 
 inline constexpr std::array<std::string_view, 6> videoExtensions{"mov", "mp4", "m4v", "hevc", "avi", "mkv"};
+/// Of other videos that are taken as well.
+inline constexpr std::array<std::string_view, 2> furtherVideoExtensions{"webm", "3gp"};
 inline constexpr std::array<std::string_view, 7> photoExtensions{"heic", "heif", "jpg", "jpeg", "png", "tiff", "tif"};
 
 /// The file's extension without its dot, in lower case (ASCII).

@@ -33,6 +33,8 @@ TEST(ManPage, NamesEveryOptionAndExtension) {
     }
     for (const auto extension : videoExtensions)
         EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
+    for (const auto extension : furtherVideoExtensions)
+        EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
     for (const auto extension : photoExtensions)
         EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
 }

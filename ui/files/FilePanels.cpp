@@ -75,7 +75,8 @@ QStringList mediaFilters() {
             }
         return toQString(text(key)) + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) + QLatin1Char(')');
     };
-    return {filter("filter.media", {videoExtensions, photoExtensions}), filter("filter.videos", {videoExtensions}),
+    return {filter("filter.media", {videoExtensions, furtherVideoExtensions, photoExtensions}),
+            filter("filter.videos", {videoExtensions, furtherVideoExtensions}),
             filter("filter.photos", {photoExtensions}), toQString(text("filter.all")) + QStringLiteral(" (*)")};
 }
 

@@ -25,6 +25,10 @@ TEST(MediaKinds, EveryKnownExtensionHasOneKind) {
         EXPECT_TRUE(isVideoFile("x." + std::string(extension)));
         EXPECT_FALSE(isPhotoFile("x." + std::string(extension)));
     }
+    for (const auto extension : furtherVideoExtensions) {
+        EXPECT_TRUE(isVideoFile("x." + std::string(extension)));
+        EXPECT_FALSE(isPhotoFile("x." + std::string(extension)));
+    }
     for (const auto extension : photoExtensions) {
         EXPECT_TRUE(isPhotoFile("x." + std::string(extension)));
         EXPECT_FALSE(isVideoFile("x." + std::string(extension)));

@@ -70,6 +70,17 @@ TEST(VideoPackings, ofMatroskaAreItsStereoMode) {
     }
 }
 
+TEST(VideoPackings, ofWebmAreItsStereoMode) {
+    const TemporaryFolder folder;
+    for (const auto &[mode, expected] : std::vector<std::pair<std::string, StereoPacking>>{
+             {"left_right", sideBySide}, {"right_left", rightFirst(sideBySide)}, {"top_bottom", overUnder}}) {
+        test::Clip drawing;
+        drawing.everyEncoder = true;
+        drawing.video = {"-c:v", "libvpx", "-metadata:s:v", "stereo_mode=" + mode};
+        EXPECT_EQ(packingsOf(test::draw(folder / "a.webm", drawing)).container, expected) << mode;
+    }
+}
+
 TEST(VideoPackings, ofAMovieAreItsStereoBoxes) {
     using test::box;
     using test::Bytes;
