@@ -12,7 +12,7 @@ namespace lumetwin::media::images {
 
 namespace {
 
-constexpr std::size_t valueLimit = 16u << 20; // bytes of all values together
+constexpr std::size_t valueLimit = 16u << 20; // bytes of all values together, of a large file
 constexpr std::uint32_t fieldLimit = 1000;    // of one directory
 constexpr std::uint32_t noteLimit = 1u << 20; // a maker's note at a larger offset is moved
 
@@ -47,7 +47,9 @@ constexpr std::uint16_t subjectLocation = 0xA214;
 /// Reads directories and limits the total amount of data.
 class Parser {
 public:
-    Parser(const ExifBlock::Source &source, bool bigEndian) : source_(source), bigEndian_(bigEndian) {}
+    /// The values of an intact block do not overlap, so together they are at most as large as the block.
+    Parser(const ExifBlock::Source &source, std::uint64_t size, bool bigEndian)
+        : source_(source), limit_(std::min<std::uint64_t>(size, valueLimit)), bigEndian_(bigEndian) {}
 
     std::uint32_t number(const std::uint8_t *bytes, std::size_t size) const {
         return exif::readNumber(bytes, size, bigEndian_);
@@ -76,19 +78,20 @@ private:
         field.type = static_cast<std::uint16_t>(number(entry.data() + 2, 2));
         field.count = number(entry.data() + 4, 4);
         const std::uint64_t size = std::uint64_t{field.count} * exif::itemSize(field.type);
-        if (size == 0 || size > valueLimit - taken_)
+        if (size == 0 || size > limit_ - taken_)
             return false;
         field.value.resize(static_cast<std::size_t>(size));
         field.place = size <= 4 ? static_cast<std::uint32_t>(offset + 8) : number(entry.data() + 8, 4);
         if (!source_(field.place, field.value))
             return false;
-        taken_ += static_cast<std::size_t>(size);
+        taken_ += size;
         return true;
     }
 
     const ExifBlock::Source &source_;
+    std::uint64_t limit_;
     bool bigEndian_;
-    std::size_t taken_ = 0;
+    std::uint64_t taken_ = 0;
 };
 
 const ExifBlock::Field *find(const ExifBlock::Directory &directory, std::uint16_t tag) {
@@ -127,21 +130,22 @@ bool isRelocatable(const std::vector<std::uint8_t> &note) {
 } // namespace
 
 ExifBlock ExifBlock::parse(std::span<const std::uint8_t> block) {
-    return parse([block](std::uint64_t offset, std::span<std::uint8_t> bytes) {
+    const Source source = [block](std::uint64_t offset, std::span<std::uint8_t> bytes) {
         if (offset > block.size() || bytes.size() > block.size() - offset)
             return false;
         std::memcpy(bytes.data(), block.data() + offset, bytes.size());
         return true;
-    });
+    };
+    return parse(source, block.size());
 }
 
-ExifBlock ExifBlock::parse(const Source &source) {
+ExifBlock ExifBlock::parse(const Source &source, std::uint64_t size) {
     ExifBlock block;
     std::array<std::uint8_t, 8> header{};
     if (!source(0, header))
         return block;
     block.bigEndian_ = header[0] == 'M';
-    Parser parser(source, block.bigEndian_);
+    Parser parser(source, size, block.bigEndian_);
     if (header[0] != header[1] || (header[0] != 'M' && header[0] != 'I') || parser.number(header.data() + 2, 2) != 42)
         return block;
     const auto follow = [&](const Directory &directory, std::uint16_t tag) {

@@ -26,9 +26,10 @@ public:
     /// Reads bytes from the offset. Returns false when they do not exist.
     using Source = std::function<bool(std::uint64_t offset, std::span<std::uint8_t> bytes)>;
 
-    /// Parses a block. Damaged parts are left out without an exception.
+    /// Parses a block. Damaged parts are left out without an exception, and so are values beyond the size of the
+    /// block: a small block cannot become a large one.
     static ExifBlock parse(std::span<const std::uint8_t> block);
-    static ExifBlock parse(const Source &source);
+    static ExifBlock parse(const Source &source, std::uint64_t size);
 
     bool empty() const;
     bool hasPhotograph() const { return !photograph_.empty(); }

@@ -58,7 +58,8 @@ void append(const OutputFile &file, std::uint16_t tag,
 
 std::vector<std::uint8_t> exifOfTiffFile(const InputFile &file) {
     const ExifBlock block = ExifBlock::parse(
-        [&file](std::uint64_t offset, std::span<std::uint8_t> bytes) { return readAll(file, offset, bytes); });
+        [&file](std::uint64_t offset, std::span<std::uint8_t> bytes) { return readAll(file, offset, bytes); },
+        file.size());
     return block.empty() ? std::vector<std::uint8_t>{} : block.bytes();
 }
 

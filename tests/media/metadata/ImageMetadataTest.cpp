@@ -157,6 +157,34 @@ TEST_F(ImageMetadata, makersNoteStaysAtItsPlace) {
     EXPECT_FALSE(media::images::ExifBlock::parse(written).empty());
 }
 
+TEST_F(ImageMetadata, smallExifWhoseValuesShareBytesDoesNotGrow) {
+    // A directory of 1,000 fields that all use the same 16 KiB.
+    constexpr std::uint32_t fields = 1000, photograph = 8 + 2 + 12 + 4, values = photograph + 2 + 12 * fields;
+    constexpr std::uint32_t valueSize = 16 << 10;
+    std::vector<std::uint8_t> block(values + valueSize, 'x');
+    const auto put = [&block](std::size_t at, std::uint32_t number, int size) {
+        for (int byte = 0; byte < size; ++byte)
+            block[at + static_cast<std::size_t>(byte)] = static_cast<std::uint8_t>(number >> 8 * byte);
+    };
+    const auto putField = [&](std::size_t at, std::uint32_t tag, std::uint32_t type, std::uint32_t count,
+                              std::uint32_t value) {
+        put(at, tag, 2);
+        put(at + 2, type, 2);
+        put(at + 4, count, 4);
+        put(at + 8, value, 4);
+    };
+    put(0, 0x002A4949, 4);
+    put(4, 8, 4);
+    put(8, 1, 2);
+    putField(10, 0x8769, 4, 1, photograph);
+    put(photograph, fields, 2);
+    for (std::uint32_t field = 0; field < fields; ++field)
+        putField(photograph + 2 + 12 * field, 0x9000 + field, 7, valueSize, values);
+    const std::vector<std::uint8_t> written = media::images::ExifBlock::parse(block).bytes();
+    EXPECT_GT(written.size(), valueSize) << "what fits is kept";
+    EXPECT_LE(written.size(), 2 * block.size());
+}
+
 TEST_F(ImageMetadata, damagedExifIsLeftOut) {
     for (const std::vector<std::uint8_t> &block :
          {std::vector<std::uint8_t>{},
