@@ -15,8 +15,10 @@ namespace lumetwin::test {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 class ConfinedBatch : public testing::Test {
 protected:
@@ -31,10 +33,12 @@ protected:
         writeFile(settings->inputFiles->back(), std::string("input"));
     }
 
-    const std::vector<FileResult> &run() {
-        processor.onLog = [](const std::string &) {};
-        processor.processAll();
-        return processor.results();
+    const std::vector<FileResult> &run() { return run(processor); }
+
+    const std::vector<FileResult> &run(VideoProcessor &batch) {
+        batch.onLog = [this](const std::string &line) { log.push_back(line); };
+        batch.processAll();
+        return batch.results();
     }
 
     std::set<std::string> written() const {
@@ -44,6 +48,7 @@ protected:
         return names;
     }
 
+    std::vector<std::string> log;
     TemporaryFolder folder;
     std::shared_ptr<ConversionSettings> settings = std::make_shared<ConversionSettings>();
     VideoProcessor processor{settings, SystemVersion::current(),
@@ -69,6 +74,24 @@ TEST_F(ConfinedBatch, GoesOnAfterEachKindOfFailure) {
                                      HasSubstr("ermi"), // "Operation not permitted", by a person "permission"
                                      HasSubstr("rubbish.mov failed: its answer cannot be understood")));
     EXPECT_THAT(written(), ElementsAre("converts_sbs.mp4"));
+}
+
+TEST_F(ConfinedBatch, LogsOnceThatTheConfinementIsNotFull) {
+    const auto operations = worker::confinedOperations(std::make_shared<worker::Workers>(TEST_WORKER_WITHOUT_LANDLOCK));
+    add("converts");
+    for (int batch = 0; batch < 2; ++batch) {
+        VideoProcessor without{settings, SystemVersion::current(), operations};
+        run(without);
+    }
+    EXPECT_THAT(log, Contains(HasSubstr("confined only by: system calls, no Landlock")).Times(1));
+}
+
+TEST_F(ConfinedBatch, DoesNotLogThatTheConfinementIsFull) {
+    if (!worker::Workers(TEST_WORKER).confinement().isFull())
+        GTEST_SKIP() << "this system has no full confinement";
+    add("converts");
+    run();
+    EXPECT_THAT(log, Not(Contains(HasSubstr("confined"))));
 }
 
 TEST_F(ConfinedBatch, LeavesNothingOfWhatIsStopped) {

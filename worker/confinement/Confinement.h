@@ -11,6 +11,7 @@ struct ConfinementReport {
     bool systemCalls = false;   ///< the list of blocked system calls is active
     bool memoryLimited = false; ///< false with sanitizers, which reserve too much memory
 
+    bool isFull() const { return landlock > 0 && systemCalls && memoryLimited; }
     bool operator==(const ConfinementReport &) const = default;
 };
 

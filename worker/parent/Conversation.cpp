@@ -61,6 +61,8 @@ bool Conversation::isFinal(const Answer &answer) {
     if (const auto *ready = std::get_if<Ready>(&answer)) {
         if (ready->version != LUMETWIN_VERSION)
             throw WorkerFailure{WorkerFailure::Kind::invalidAnswer};
+        if (onReady)
+            onReady(ready->confinement);
         return false;
     }
     if (const auto *progress = std::get_if<Progress>(&answer)) {

@@ -5,6 +5,7 @@
 #include "worker/parent/WorkerProcess.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 namespace lumetwin::worker {
@@ -25,6 +26,9 @@ public:
     /// Returns MediaFacts, PictureSize, Outcome or Failure. When the user stops the conversion and the worker does not
     /// stop in time, returns an Outcome that says that nothing was written. Throws WorkerFailure.
     Answer finalAnswer();
+
+    /// Called when the worker is ready, unless it is empty.
+    std::function<void(const ConfinementReport &)> onReady;
 
 private:
     using Clock = std::chrono::steady_clock;

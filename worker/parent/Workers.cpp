@@ -119,7 +119,14 @@ Outcome Workers::tryToConvert(const ConvertRequest &request, const ConversionInp
         descriptors.push_back(input.rightEye->descriptor());
     worker->send(request, descriptors);
     startSpare();
-    return expected<Outcome>(Conversation(*worker, control, timeouts_).finalAnswer());
+    Conversation conversation(*worker, control, timeouts_);
+    conversation.onReady = [&](const ConfinementReport &report) { logConfinement(report, control); };
+    return expected<Outcome>(conversation.finalAnswer());
+}
+
+void Workers::logConfinement(const ConfinementReport &report, const ConversionControl &control) {
+    if (!report.isFull() && control.onLog && !isConfinementLogged_.exchange(true))
+        control.onLog("files are worked on in a process that is confined only by: " + describe(report));
 }
 
 ConfinementReport Workers::confinement() {

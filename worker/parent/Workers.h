@@ -5,6 +5,7 @@
 #include "engine/MediaOperations.h"
 #include "worker/parent/Conversation.h"
 
+#include <atomic>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -38,12 +39,15 @@ private:
     Answer inspectorAnswer(const LookRequest &request, const ConversionInput &input);
     Outcome tryToConvert(const ConvertRequest &request, const ConversionInput &input, const media::OutputFile &output,
                          const ConversionControl &control);
+    /// Logs once how workers are confined, if that is less than everything.
+    void logConfinement(const ConfinementReport &report, const ConversionControl &control);
     Worker started();
     Worker takeSpare();
     void startSpare();
 
     const std::filesystem::path program_;
     const Timeouts timeouts_;
+    std::atomic<bool> isConfinementLogged_ = false;
     std::mutex originalMutex_;
     Worker original_; // guarded by originalMutex_; forks the others
     std::mutex inspectorMutex_;
