@@ -24,6 +24,7 @@ struct MediaFacts {
     enum class Eye { none, left, right };
 
     Kind kind = Kind::video; ///< by the file's extension; any file that is not a photo counts as a video
+    bool isReadable = false; ///< the headers are those of a photo, or of a movie with a video track
     bool isSpatial = false;  ///< a photo with a stereo pair, or a video with a camera baseline
     StereoValues values;
     /// How the file has its eyes, according to the first of its tags that says so. Of a name it is only a guess.

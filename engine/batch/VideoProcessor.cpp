@@ -218,8 +218,8 @@ std::optional<std::filesystem::path> VideoProcessor::earlierOutput(const BatchFi
     if (!settings->skipExisting || !files.inputsWithSameOutput(index).empty())
         return std::nullopt;
     for (const Path &place : existingOutputPaths(files.output(index), settings->onExisting))
-        if (isUpToDate(files.input(index), place) &&
-            (files.rightEye(index).empty() || isUpToDate(files.rightEye(index), place)))
+        if (isUpToDate(files.input(index), place, operations_) &&
+            (files.rightEye(index).empty() || isUpToDate(files.rightEye(index), place, operations_)))
             return place;
     return std::nullopt;
 }

@@ -41,7 +41,9 @@ double baseline(std::int32_t cameraPosition) {
 MediaFacts photoFacts(const media::InputFile &file) {
     MediaFacts facts;
     facts.kind = Kind::photo;
-    if (media::imageKind(file) != media::ImageKind::heif)
+    const std::optional<media::ImageKind> kind = media::imageKind(file);
+    facts.isReadable = kind.has_value();
+    if (kind != media::ImageKind::heif)
         return facts;
     const media::StereoPhotoFacts stereo = media::stereoPhotoFacts(media::ImageFile(file));
     facts.isSpatial = stereo.hasStereoGroup;
@@ -63,6 +65,7 @@ std::optional<Eye> heroEye(const std::optional<std::uint8_t> &value) {
 MediaFacts videoFacts(const media::InputFile &file) {
     const media::StereoMovieFacts stereo = media::readStereoMovieFacts(file);
     MediaFacts facts;
+    facts.isReadable = stereo.hasSampleDescription;
     facts.isSpatial = stereo.hasVideoTrack && stereo.hasSampleDescription && stereo.anyBaseline;
     facts.values = {scaled(stereo.horizontalFieldOfView, 1000.0), scaled(stereo.baseline, 1000.0),
                     scaled(stereo.disparityAdjustment, 100.0)};

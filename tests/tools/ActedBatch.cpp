@@ -9,6 +9,7 @@
 //   plain…    is not spatial (a folder is not spatial either)
 // Any other file is written at once.
 #include "engine/ConversionInput.h"
+#include "engine/inspection/Inspection.h"
 #include "engine/inspection/MediaKinds.h"
 #include "engine/texts/ProcessorError.h"
 #include "media/InputFile.h"
@@ -72,6 +73,7 @@ Outcome convert(const ConversionSettings &, const media::InputFile &file, const 
 MediaFacts look(const media::InputFile &file) {
     MediaFacts facts;
     facts.kind = isPhotoFile(file.path()) ? MediaFacts::Kind::photo : MediaFacts::Kind::video;
+    facts.isReadable = lookAt(file).isReadable;
     facts.isSpatial = !nameBeginsWith(file.path(), "plain");
     return facts;
 }

@@ -87,6 +87,7 @@ TEST(Coding, RequestsArriveWhole) {
 
 TEST(Coding, FactsArriveWhole) {
     const MediaFacts facts{.kind = MediaFacts::Kind::photo,
+                           .isReadable = true,
                            .isSpatial = true,
                            .values = {.horizontalFOV = 63.5, .stereoBaseline = std::nullopt, .disparity = -2},
                            .layout = StereoLayout{EyeArrangement::overUnder, true, true, LayoutSource::container},

@@ -53,6 +53,7 @@ std::string decodeProjection(const Json &value) {
 
 Json encodeFacts(const MediaFacts &facts) {
     return {{"kind", numberOf(facts.kind)},
+            {"isReadable", facts.isReadable},
             {"isSpatial", facts.isSpatial},
             {"horizontalFOV", encodeValue(facts.values.horizontalFOV)},
             {"stereoBaseline", encodeValue(facts.values.stereoBaseline)},
@@ -69,6 +70,7 @@ Json encodeFacts(const MediaFacts &facts) {
 
 MediaFacts decodeFacts(const Json &content) {
     return {.kind = caseOf(field(content, "kind"), MediaFacts::Kind::photo),
+            .isReadable = boolean(field(content, "isReadable")),
             .isSpatial = boolean(field(content, "isSpatial")),
             .values = {.horizontalFOV = decodeValue(field(content, "horizontalFOV")),
                        .stereoBaseline = decodeValue(field(content, "stereoBaseline")),

@@ -2,6 +2,7 @@
 #include "tests/engine/batch/BatchRun.h"
 
 #include "engine/ConversionInput.h"
+#include "engine/inspection/Inspection.h"
 #include "engine/inspection/MediaKinds.h"
 #include "engine/texts/FileNames.h"
 #include "engine/texts/Texts.h"
@@ -65,6 +66,7 @@ MediaOperations BatchRun::operations() {
     const auto look = [this](const media::InputFile &file) {
         MediaFacts facts;
         facts.kind = isPhotoFile(file.path()) ? MediaFacts::Kind::photo : MediaFacts::Kind::video;
+        facts.isReadable = lookAt(file).isReadable;
         facts.isSpatial = spatialNames.count(file.path().filename().string()) > 0;
         return facts;
     };

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/batch/UpToDate.h"
 
+#include "media/InputFile.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <stdexcept>
 
 namespace lumetwin {
 namespace {
@@ -31,6 +33,10 @@ protected:
     void replaceContent(const Path &file, const std::string &content) {
         test::writeFile(file, content);
         age(file, -10);
+    }
+
+    bool isUpToDate(const Path &input, const Path &output) const {
+        return lumetwin::isUpToDate(input, output, MediaOperations::inProcess());
     }
 
     test::TemporaryFolder folder;
@@ -66,6 +72,19 @@ TEST_F(UpToDate, MovieWithoutItsEnd) {
     test::writeFile(movie, bytes);
     age(movie, -10);
     EXPECT_FALSE(isUpToDate(source, movie));
+}
+
+TEST_F(UpToDate, IsAskedOfTheOperations) {
+    MediaOperations operations;
+    operations.look = [](const media::InputFile &) -> MediaFacts { throw std::runtime_error("a crash"); };
+    EXPECT_FALSE(lumetwin::isUpToDate(source, movie, operations));
+    operations.look = [](const media::InputFile &) {
+        MediaFacts facts;
+        facts.isReadable = true;
+        return facts;
+    };
+    replaceContent(movie, "what only the operations can read");
+    EXPECT_TRUE(lumetwin::isUpToDate(source, movie, operations));
 }
 
 TEST_F(UpToDate, NotThereOrNoFile) {
