@@ -116,7 +116,7 @@ media::PixelAspect eyePixelAspect(const StereoLayout &layout, const media::Pixel
     if (!layout.isHalf)
         return source;
     // A half layout is often told by pixels that are twice as wide (or high) as they should be.
-    constexpr double nearlyTwo = 1.8;
+    constexpr double nearlyTwo = 1.6; // pixels of discs are up to 1.46 : 1
     const double ratio = static_cast<double>(source.width) / source.height;
     media::PixelAspect eye = source;
     if (layout.arrangement == Arrangement::sideBySide && ratio >= nearlyTwo)

@@ -132,7 +132,7 @@ Packet firstPacket(AVFormatContext &input, int index) {
     return nullptr;
 }
 
-Packing streamPacking(AVFormatContext &input, const AVStream &stream) {
+std::optional<hevc::FramePacking> streamPacking(AVFormatContext &input, const AVStream &stream) {
     const AVCodecParameters &codec = *stream.codecpar;
     if (codec.codec_id != AV_CODEC_ID_H264 && codec.codec_id != AV_CODEC_ID_HEVC)
         return std::nullopt;
@@ -141,14 +141,11 @@ Packing streamPacking(AVFormatContext &input, const AVStream &stream) {
     const bool readable = packet && !ffmpeg::isEncrypted(*packet);
     const hevc::NalBytes sample =
         readable ? hevc::NalBytes{packet->data, static_cast<std::size_t>(packet->size)} : hevc::NalBytes{};
-    const auto found = hevc::packingOfStream(
-        codec.codec_id == AV_CODEC_ID_H264 ? hevc::Coding::avc : hevc::Coding::hevc, configuration, sample);
-    if (!found)
-        return std::nullopt;
-    StereoPacking packing = found->packing;
-    if (!found->aspectIsOfWholeEyes)
-        packing.isHalf = isSqueezed(packing.arrangement, stream);
-    return packing;
+    auto found = hevc::packingOfStream(codec.codec_id == AV_CODEC_ID_H264 ? hevc::Coding::avc : hevc::Coding::hevc,
+                                       configuration, sample);
+    if (found && !found->aspectIsOfWholeEyes)
+        found->packing.isHalf = isSqueezed(found->packing.arrangement, stream);
+    return found;
 }
 
 /// The enhancement layer of a film with a wider range is a second stream, but no second eye.
@@ -218,7 +215,13 @@ VideoPackings read(const InputFile &file) {
         if (!facts.projection.empty())
             packings.projection = facts.projection;
     }
-    packings.stream = streamPacking(*input, *stream);
+    if (const auto found = streamPacking(*input, *stream)) {
+        packings.stream = found->packing;
+        // Then the shape of the pixels is no sign of full eyes.
+        if (found->aspectIsOfWholeEyes && packings.container &&
+            packings.container->arrangement == found->packing.arrangement)
+            packings.container->isHalf = true;
+    }
     return packings;
 }
 

@@ -91,6 +91,43 @@ TEST(Layouts, ofTheVideoStreamAreFollowed) {
     expectViews(folder / "out.mov", 192, 96);
 }
 
+TEST(Layouts, ofOurOwnFilmsAreFollowed) {
+    const TemporaryFolder folder;
+    const auto spatial = test::drawStereo(folder / "spatial.mov", {192, 96, 6});
+    for (const SBSOutputFormat format : {SBSOutputFormat::mp4H264, SBSOutputFormat::mp4H265, SBSOutputFormat::movHEVC})
+        for (const bool swapped : {false, true}) {
+            ConversionSettings settings;
+            settings.sbsOutputFormat = format;
+            settings.swapLeftRight = swapped;
+            const auto sbs = folder / (format == SBSOutputFormat::movHEVC ? "sbs.mov" : "sbs.mp4");
+            test::toSBS(settings, spatial, sbs);
+            test::expectHalves(sbs, 384, 96, swapped ? test::rightLuma : test::leftLuma,
+                               swapped ? test::leftLuma : test::rightLuma);
+            EXPECT_FALSE(lookAt(media::InputFile(sbs)).isSpatial);
+            EXPECT_THAT(toSpatial({}, sbs, folder / "back.mov").warnings, IsEmpty());
+            expectViews(folder / "back.mov", 192, 96);
+        }
+}
+
+TEST(Layouts, ofOurOwnHalfFilmsAreFollowedWhereTheStreamCanSayIt) {
+    const TemporaryFolder folder;
+    const auto spatial = test::drawStereo(folder / "spatial.mov", {192, 96, 6});
+    ConversionSettings settings;
+    settings.halfWidth = true;
+    settings.compressionQuality = 1;
+    for (const bool swapped : {false, true}) {
+        settings.swapLeftRight = swapped;
+        settings.sbsOutputFormat = SBSOutputFormat::mp4H265;
+        test::toSBS(settings, spatial, folder / "sbs.mp4");
+        toSpatial({}, folder / "sbs.mp4", folder / "back.mov");
+        expectViews(folder / "back.mov", 192, 96);
+        settings.sbsOutputFormat = SBSOutputFormat::mp4H264;
+        test::toSBS(settings, spatial, folder / "sbs.mp4");
+        toSpatial({}, folder / "sbs.mp4", folder / "back.mov");
+        expectViews(folder / "back.mov", 96, 96);
+    }
+}
+
 TEST(Layouts, ofANameOnlyWarn) {
     const TemporaryFolder folder;
     const auto input = drawn(folder / "film.half-ou.mp4", "null");

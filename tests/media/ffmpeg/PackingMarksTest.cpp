@@ -80,9 +80,7 @@ TEST(PackingMarks, areReadBack) {
         StereoPacking stream = marked.packing;
         stream.isHalf = stream.isHalf && marked.codec == VideoCodec::hevc;
         EXPECT_EQ(found.stream, stream);
-        StereoPacking container = marked.packing;
-        container.isHalf = false;
-        EXPECT_EQ(found.container, marked.packing.rightEyeFirst ? std::nullopt : std::optional(container));
+        EXPECT_EQ(found.container, marked.packing.rightEyeFirst ? std::nullopt : std::optional(stream));
         EXPECT_EQ(test::decodeLuma(folder / "out.mov").frames.size(), 5u);
     }
 }
