@@ -155,14 +155,14 @@ void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTake
 }
 
 void writeImage(const OutputFile &file, ImageKind kind, StillImage image, double quality,
-                const Cancellation &cancellation) {
+                const Cancellation &cancellation, const std::optional<StereoPacking> &packing) {
     // The embedded profile depends on the meaning of the samples before they are converted.
     image.metadata = images::correctedMetadata(image.picture, std::move(image.metadata));
     if (kind != ImageKind::jpeg) // the JPEG writer converts strip by strip
         image.picture = images::pictureFor(kind, std::move(image.picture), cancellation);
     switch (kind) {
     case ImageKind::jpeg:
-        images::writeJpeg(file, image, quality, cancellation);
+        images::writeJpeg(file, image, quality, packing, cancellation);
         break;
     case ImageKind::png:
         images::writePng(file, image, cancellation);

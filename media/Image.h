@@ -6,6 +6,7 @@
 #include "media/OutputFile.h"
 #include "media/PhotoExtras.h"
 #include "media/Picture.h"
+#include "media/StereoPacking.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -73,10 +74,11 @@ private:
 
 /// Writes an image. Quality is 0.0 to 1.0 and only used for JPEG and HEIC. Samples that the format does not support are
 /// converted: Y'CbCr to the matrix and range of JFIF for JPEG, to RGB for PNG and TIFF, everything to 8-bit 4:2:0 for
-/// HEIC. Orientation, dimensions and thumbnails in the metadata are corrected. Throws MediaError, and Cancelled when
-/// cancelled.
+/// HEIC. Orientation, dimensions and thumbnails in the metadata are corrected. A picture that holds both eyes side by
+/// side or over each other is marked as such in JPEG (the block of .jps files), with the packing. Throws MediaError,
+/// and Cancelled when cancelled.
 void writeImage(const OutputFile &file, ImageKind kind, StillImage image, double quality,
-                const Cancellation &cancellation = {});
+                const Cancellation &cancellation = {}, const std::optional<StereoPacking> &packing = {});
 
 /// The colour tags of JPEG samples by definition (JFIF 1.02): full range, matrix of ITU-R BT.601.
 inline constexpr ColourTags jpegColour{1, 13, 6, ColourRange::full, ChromaLocation::centre};

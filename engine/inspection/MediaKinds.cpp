@@ -31,7 +31,7 @@ bool isVideoFile(const std::filesystem::path &file) {
 }
 
 bool isPhotoFile(const std::filesystem::path &file) {
-    return isOneOf(photoExtensions, file);
+    return isOneOf(photoExtensions, file) || isOneOf(furtherPhotoExtensions, file);
 }
 
 bool isMediaFile(const std::filesystem::path &file) {

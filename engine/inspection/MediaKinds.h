@@ -12,6 +12,8 @@ inline constexpr std::array<std::string_view, 6> videoExtensions{"mov", "mp4", "
 /// Of other videos that are taken as well.
 inline constexpr std::array<std::string_view, 2> furtherVideoExtensions{"webm", "3gp"};
 inline constexpr std::array<std::string_view, 7> photoExtensions{"heic", "heif", "jpg", "jpeg", "png", "tiff", "tif"};
+/// Photos of stereo cameras and viewers: JPEG and PNG files under other names.
+inline constexpr std::array<std::string_view, 3> furtherPhotoExtensions{"mpo", "jps", "pns"};
 
 /// The file's extension without its dot, in lower case (ASCII).
 std::string lowerCasedExtension(const std::filesystem::path &file);

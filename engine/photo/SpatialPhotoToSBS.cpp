@@ -135,12 +135,18 @@ StillImage composedImage(const ConversionSettings &settings, const media::ImageF
     return {composer.finish(), std::move(metadata)};
 }
 
+/// How the eyes lie in the composed picture.
+media::StereoPacking packingOf(const ConversionSettings &settings) {
+    return {media::StereoPacking::Arrangement::sideBySide, settings.swapLeftRight, settings.halfWidth};
+}
+
 void writeSBSImage(const ConversionSettings &settings, StillImage image, ImageKind kind,
                    const media::OutputFile &output, const Cancellation &cancellation) {
     const media::LargeBlockScope memory;
     const Words failed = words("error.photo.write.failed.format", lastPathComponent(output.path()));
     try {
-        media::writeImage(output, kind, std::move(image), settings.compressionQuality, cancellation);
+        media::writeImage(output, kind, std::move(image), settings.compressionQuality, cancellation,
+                          packingOf(settings));
     } catch (const media::MediaError &error) {
         throw processorError(withCause(failed, causeOf(error)));
     } catch (const std::invalid_argument &) { // larger than the format allows

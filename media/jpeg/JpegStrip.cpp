@@ -3,6 +3,7 @@
 
 #include "media/MediaError.h"
 #include "media/jpeg/JpegErrors.h"
+#include "media/jpeg/StereoSegments.h"
 #include "media/samples/Rows.h"
 
 #include <algorithm>
@@ -61,6 +62,13 @@ void writeMetadata(Encoder &encoder, const ImageMetadata &metadata) {
     if (!profile.empty())
         encoder.run(
             [&] { jpeg_write_icc_profile(&encoder.codec, profile.data(), static_cast<unsigned>(profile.size())); });
+}
+
+void writePacking(Encoder &encoder, const StereoPacking &packing) {
+    const std::vector<std::uint8_t> content = jpsContent(packing);
+    encoder.run([&] {
+        jpeg_write_marker(&encoder.codec, JPEG_APP0 + 3, content.data(), static_cast<unsigned>(content.size()));
+    });
 }
 
 J_COLOR_SPACE spaceOf(ColourModel model) {
@@ -177,6 +185,8 @@ JpegBytes codedStrip(const JpegStrip &strip, int quality, const std::filesystem:
     encoder.run([&] { jpeg_start_compress(&encoder.codec, TRUE); });
     if (strip.metadata)
         writeMetadata(encoder, *strip.metadata);
+    if (strip.packing)
+        writePacking(encoder, *strip.packing);
     if (planes)
         writePlanes(encoder, strip.picture);
     else

@@ -32,6 +32,7 @@ JpegSize jpegUnit(const PictureFormat &format, int quality);
 struct JpegStrip {
     Picture picture;                         ///< in a format of JPEG files
     const ImageMetadata *metadata = nullptr; ///< written before the samples
+    std::optional<StereoPacking> packing;    ///< the same
     unsigned restartInterval = 0;            ///< units from one restart marker to the next; 0 for none
 };
 

@@ -58,16 +58,17 @@ Picture fittedStrip(const Picture &picture, int first, int rows, const Cancellat
 
 /// Encodes the strips as separate files, on one thread per processor.
 std::vector<JpegBytes> codedStrips(const StillImage &image, const Strips &strips, int quality,
-                                   const std::filesystem::path &file, const Cancellation &cancellation) {
+                                   const std::optional<StereoPacking> &packing, const std::filesystem::path &file,
+                                   const Cancellation &cancellation) {
     std::vector<JpegBytes> coded(static_cast<std::size_t>(strips.count));
     std::atomic<int> next = 0;
     const auto work = [&] {
         for (int index = next++; index < strips.count; index = next++) {
             cancellation.check();
-            coded[static_cast<std::size_t>(index)] =
-                codedStrip({fittedStrip(image.picture, index * strips.rows, strips.rows, cancellation),
-                            index == 0 ? &image.metadata : nullptr, strips.interval},
-                           quality, file);
+            coded[static_cast<std::size_t>(index)] = codedStrip(
+                {fittedStrip(image.picture, index * strips.rows, strips.rows, cancellation),
+                 index == 0 ? &image.metadata : nullptr, index == 0 ? packing : std::nullopt, strips.interval},
+                quality, file);
         }
     };
     std::vector<std::future<void>> others;
@@ -131,14 +132,15 @@ int jpegQuality(double quality) {
     return 100;
 }
 
-void writeJpeg(const OutputFile &file, const StillImage &image, double quality, const Cancellation &cancellation) {
+void writeJpeg(const OutputFile &file, const StillImage &image, double quality,
+               const std::optional<StereoPacking> &packing, const Cancellation &cancellation) {
     const Picture &picture = image.picture;
     if (picture.width > JPEG_MAX_DIMENSION || picture.height > JPEG_MAX_DIMENSION)
         throw MediaError(file.path(), MediaOperation::write, 0, MediaReason::beyondFormat,
                          std::to_string(picture.width) + " x " + std::to_string(picture.height));
     const int libraryQuality = jpegQuality(quality);
     const Strips strips = stripsOf(picture, libraryQuality);
-    writeJoined(codedStrips(image, strips, libraryQuality, file.path(), cancellation), picture.height, file);
+    writeJoined(codedStrips(image, strips, libraryQuality, packing, file.path(), cancellation), picture.height, file);
 }
 
 } // namespace lumetwin::media::images

@@ -68,8 +68,9 @@ template <typename Write> void writeFinished(const std::filesystem::path &file, 
 }
 
 inline void writeImage(const std::filesystem::path &file, ImageKind kind, StillImage image, double quality,
-                       const Cancellation &cancellation = {}) {
-    writeFinished(file, [&](const OutputFile &to) { writeImage(to, kind, std::move(image), quality, cancellation); });
+                       const Cancellation &cancellation = {}, const std::optional<StereoPacking> &packing = {}) {
+    writeFinished(
+        file, [&](const OutputFile &to) { writeImage(to, kind, std::move(image), quality, cancellation, packing); });
 }
 
 inline void writeSpatialPhoto(const std::filesystem::path &file, Picture left, Picture right,

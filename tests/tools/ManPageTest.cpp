@@ -37,6 +37,8 @@ TEST(ManPage, NamesEveryOptionAndExtension) {
         EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
     for (const auto extension : photoExtensions)
         EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
+    for (const auto extension : furtherPhotoExtensions)
+        EXPECT_THAT(text, testing::HasSubstr("." + std::string(extension)));
 }
 
 /// The names of all members, including those of inner objects.

@@ -75,9 +75,10 @@ QStringList mediaFilters() {
             }
         return toQString(text(key)) + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) + QLatin1Char(')');
     };
-    return {filter("filter.media", {videoExtensions, furtherVideoExtensions, photoExtensions}),
+    return {filter("filter.media", {videoExtensions, furtherVideoExtensions, photoExtensions, furtherPhotoExtensions}),
             filter("filter.videos", {videoExtensions, furtherVideoExtensions}),
-            filter("filter.photos", {photoExtensions}), toQString(text("filter.all")) + QStringLiteral(" (*)")};
+            filter("filter.photos", {photoExtensions, furtherPhotoExtensions}),
+            toQString(text("filter.all")) + QStringLiteral(" (*)")};
 }
 
 void DialogPanels::chooseInput(QWidget *parent, ChosenCallback chosen) {

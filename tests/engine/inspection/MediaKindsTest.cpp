@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace lumetwin {
 namespace {
 
@@ -29,10 +31,13 @@ TEST(MediaKinds, EveryKnownExtensionHasOneKind) {
         EXPECT_TRUE(isVideoFile("x." + std::string(extension)));
         EXPECT_FALSE(isPhotoFile("x." + std::string(extension)));
     }
-    for (const auto extension : photoExtensions) {
-        EXPECT_TRUE(isPhotoFile("x." + std::string(extension)));
-        EXPECT_FALSE(isVideoFile("x." + std::string(extension)));
-    }
+    const auto expectPhoto = [](std::string_view extension) {
+        EXPECT_TRUE(isPhotoFile("x." + std::string(extension))) << extension;
+        EXPECT_FALSE(isVideoFile("x." + std::string(extension))) << extension;
+    };
+    std::ranges::for_each(photoExtensions, expectPhoto);
+    std::ranges::for_each(furtherPhotoExtensions, expectPhoto);
+    EXPECT_TRUE(isMediaFile("DSCF0001.MPO"));
     for (const char *other : {"x", "x.txt", "x.movie", "x.webp", "x.mo", "mov", ".mov"})
         EXPECT_FALSE(isMediaFile(other)) << other;
 }

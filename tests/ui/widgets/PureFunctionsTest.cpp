@@ -297,7 +297,7 @@ TEST(WritableFolder, IsTestedWithAFileThatIsRemovedAgain) {
 TEST(MediaFilters, OfferEveryExtensionInBothCases) {
     const QStringList filters = mediaFilters();
     ASSERT_EQ(filters.size(), 4);
-    for (const char *pattern : {"*.mov ", "*.MOV ", "*.webm ", "*.3GP ", "*.heic ", "*.TIF)"})
+    for (const char *pattern : {"*.mov ", "*.MOV ", "*.webm ", "*.3GP ", "*.heic ", "*.TIF ", "*.mpo ", "*.PNS)"})
         EXPECT_TRUE(filters.first().contains(QLatin1String(pattern))) << pattern;
     EXPECT_TRUE(filters.last().endsWith(QStringLiteral("(*)")));
 }
