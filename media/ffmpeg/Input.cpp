@@ -16,7 +16,7 @@ int refuse(AVFormatContext *, AVIOContext **, const char *, int, AVDictionary **
 
 } // namespace
 
-Input::Input(const InputFile &file) : io_(std::make_unique<FileIO>(file)) {
+Input::Input(const InputFile &file, Opening opening) : io_(std::make_unique<FileIO>(file)) {
     if (file.size() == 0)
         throw MediaError(file.path(), MediaOperation::open, AVERROR_INVALIDDATA, MediaReason::emptyFile);
     AVFormatContext *context = avformat_alloc_context();
@@ -27,7 +27,8 @@ Input::Input(const InputFile &file) : io_(std::make_unique<FileIO>(file)) {
     // The name identifies the type of raw streams. FFmpeg frees the context when this fails.
     check(avformat_open_input(&context, file.path().c_str(), nullptr, nullptr), file.path(), MediaOperation::open);
     context_.reset(context);
-    check(avformat_find_stream_info(context, nullptr), file.path(), MediaOperation::open);
+    if (opening == Opening::streams)
+        check(avformat_find_stream_info(context, nullptr), file.path(), MediaOperation::open);
 }
 
 } // namespace lumetwin::media::ffmpeg

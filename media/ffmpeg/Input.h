@@ -7,11 +7,15 @@
 
 namespace lumetwin::media::ffmpeg {
 
+/// How much is read when a file is opened: the container's headers, or also the first packets of streams whose headers
+/// leave something open, such as the shape of pixels. Some of these are decoded.
+enum class Opening { headers, streams };
+
 /// A demuxer that reads only an opened file, with its own position.
 class Input {
 public:
-    /// Reads the headers. Throws MediaError ("Cannot open …").
-    explicit Input(const InputFile &file);
+    /// Throws MediaError ("Cannot open …").
+    explicit Input(const InputFile &file, Opening opening = Opening::streams);
 
     AVFormatContext *get() const { return context_.get(); }
     AVFormatContext *operator->() const { return context_.get(); }

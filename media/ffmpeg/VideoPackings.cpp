@@ -13,6 +13,7 @@ extern "C" {
 
 #include <cmath>
 #include <string_view>
+#include <vector>
 
 namespace lumetwin::media {
 
@@ -69,10 +70,6 @@ bool isSqueezed(Arrangement arrangement, const AVStream &stream) {
     return arrangement == Arrangement::overUnder && isNearTwo(1 / aspect) && isPlausible(arrangement, frame * 2);
 }
 
-Packing packed(Arrangement arrangement, bool rightEyeFirst, const AVStream &stream) {
-    return StereoPacking{arrangement, rightEyeFirst, isSqueezed(arrangement, stream)};
-}
-
 /// StereoMode (RFC 9559, 5.1.4.1.28.3) as FFmpeg has it. In H.264, both eyes in one block are two views of one stream.
 Packing matroskaPacking(const AVStream &stream) {
     const auto *stereo = sideData<AVStereo3D>(stream, AV_PKT_DATA_STEREO3D);
@@ -81,9 +78,9 @@ Packing matroskaPacking(const AVStream &stream) {
     const bool inverted = stereo->flags & AV_STEREO3D_FLAG_INVERT;
     switch (stereo->type) {
     case AV_STEREO3D_SIDEBYSIDE:
-        return packed(Arrangement::sideBySide, inverted, stream);
+        return StereoPacking{Arrangement::sideBySide, inverted, false};
     case AV_STEREO3D_TOPBOTTOM:
-        return packed(Arrangement::overUnder, inverted, stream);
+        return StereoPacking{Arrangement::overUnder, inverted, false};
     case AV_STEREO3D_FRAMESEQUENCE:
         return StereoPacking{stream.codecpar->codec_id == AV_CODEC_ID_H264 ? Arrangement::secondUnread
                                                                            : Arrangement::alternating,
@@ -98,20 +95,20 @@ Packing matroskaPacking(const AVStream &stream) {
 }
 
 /// `vexu` and `st3d` of a movie; the first is the newer one and says more.
-Packing moviePacking(const StereoMovieFacts &facts, const AVStream &stream) {
+Packing moviePacking(const StereoMovieFacts &facts) {
     constexpr std::uint8_t reversed = 8; // bit of stri
     if (facts.multiviewAvc)
         return StereoPacking{Arrangement::secondUnread, false, false};
     if (facts.packing == "side" || facts.packing == "over")
-        return packed(facts.packing == "side" ? Arrangement::sideBySide : Arrangement::overUnder,
-                      facts.eyes.value_or(0) & reversed, stream);
+        return StereoPacking{facts.packing == "side" ? Arrangement::sideBySide : Arrangement::overUnder,
+                             (facts.eyes.value_or(0) & reversed) != 0, false};
     switch (facts.frameMode.value_or(0)) {
     case 1:
-        return packed(Arrangement::overUnder, false, stream);
+        return StereoPacking{Arrangement::overUnder, false, false};
     case 2:
-        return packed(Arrangement::sideBySide, false, stream);
+        return StereoPacking{Arrangement::sideBySide, false, false};
     case 4:
-        return packed(Arrangement::sideBySide, true, stream);
+        return StereoPacking{Arrangement::sideBySide, true, false};
     default:
         return std::nullopt;
     }
@@ -141,11 +138,8 @@ std::optional<hevc::FramePacking> streamPacking(AVFormatContext &input, const AV
     const bool readable = packet && !ffmpeg::isEncrypted(*packet);
     const hevc::NalBytes sample =
         readable ? hevc::NalBytes{packet->data, static_cast<std::size_t>(packet->size)} : hevc::NalBytes{};
-    auto found = hevc::packingOfStream(codec.codec_id == AV_CODEC_ID_H264 ? hevc::Coding::avc : hevc::Coding::hevc,
-                                       configuration, sample);
-    if (found && !found->aspectIsOfWholeEyes)
-        found->packing.isHalf = isSqueezed(found->packing.arrangement, stream);
-    return found;
+    return hevc::packingOfStream(codec.codec_id == AV_CODEC_ID_H264 ? hevc::Coding::avc : hevc::Coding::hevc,
+                                 configuration, sample);
 }
 
 /// The enhancement layer of a film with a wider range is a second stream, but no second eye.
@@ -191,37 +185,68 @@ std::string projectionOf(const AVStream &stream) {
     }
 }
 
-VideoPackings read(const InputFile &file) {
-    ffmpeg::Input input(file);
-    VideoPackings packings;
-    const AVStream *stream = nullptr;
-    for (unsigned index = 0; index < input->nb_streams; ++index) {
-        const AVStream &candidate = *input->streams[index];
-        if (!isPicture(candidate))
-            continue;
-        if (!stream)
-            stream = &candidate;
-        else if (!packings.secondStream && isEqual(*stream, candidate) && !isEnhancement(candidate))
-            packings.secondStream = candidate.index;
+const AVStream *firstPictures(const AVFormatContext &input) {
+    for (unsigned index = 0; index < input.nb_streams; ++index)
+        if (isPicture(*input.streams[index]))
+            return input.streams[index];
+    return nullptr;
+}
+
+std::optional<int> streamLike(const AVFormatContext &input, const AVStream &first) {
+    for (unsigned index = 0; index < input.nb_streams; ++index) {
+        const AVStream &stream = *input.streams[index];
+        if (&stream != &first && isPicture(stream) && isEqual(first, stream) && !isEnhancement(stream))
+            return stream.index;
     }
+    return std::nullopt;
+}
+
+/// Adds what the shape of the pixels says. The container's headers may leave it to the stream, which is then read, too.
+void addShape(const InputFile &file, const AVStream &stream, const std::vector<StereoPacking *> &packings) {
+    std::optional<ffmpeg::Input> whole;
+    if (!packings.empty() && stream.sample_aspect_ratio.num == 0)
+        whole.emplace(file);
+    const AVStream *shown = whole ? firstPictures(**whole) : &stream;
+    for (StereoPacking *packing : packings)
+        packing->isHalf = shown && isSqueezed(packing->arrangement, *shown);
+}
+
+void addStream(AVFormatContext &input, const InputFile &file, const AVStream &stream, VideoPackings &packings) {
+    const auto found = streamPacking(input, stream);
+    // Then the shape of the pixels is no sign of full eyes.
+    const bool isSaid = found && found->aspectIsOfWholeEyes;
+    std::vector<StereoPacking *> open;
+    if (found)
+        packings.stream = found->packing;
+    if (packings.stream && !isSaid)
+        open.push_back(&*packings.stream);
+    if (packings.container && isSaid && packings.container->arrangement == found->packing.arrangement)
+        packings.container->isHalf = true;
+    else if (packings.container)
+        open.push_back(&*packings.container);
+    addShape(file, stream, open);
+}
+
+VideoPackings read(const InputFile &file) {
+    std::optional<ffmpeg::Input> input(std::in_place, file, ffmpeg::Opening::headers);
+    // The headers of raw streams are their first pictures.
+    if (const AVStream *first = firstPictures(**input); !first || first->codecpar->width == 0)
+        input.emplace(file);
+    VideoPackings packings;
+    const AVStream *stream = firstPictures(**input);
     if (!stream)
         return packings;
+    packings.secondStream = streamLike(**input, *stream);
     packings.projection = projectionOf(*stream);
-    if (isOf(*input, "matroska"))
+    if (isOf(**input, "matroska"))
         packings.container = matroskaPacking(*stream);
-    if (isOf(*input, "mov")) {
+    if (isOf(**input, "mov")) {
         const StereoMovieFacts facts = readStereoMovieFacts(file);
-        packings.container = moviePacking(facts, *stream);
+        packings.container = moviePacking(facts);
         if (!facts.projection.empty())
             packings.projection = facts.projection;
     }
-    if (const auto found = streamPacking(*input, *stream)) {
-        packings.stream = found->packing;
-        // Then the shape of the pixels is no sign of full eyes.
-        if (found->aspectIsOfWholeEyes && packings.container &&
-            packings.container->arrangement == found->packing.arrangement)
-            packings.container->isHalf = true;
-    }
+    addStream(**input, file, *stream, packings);
     return packings;
 }
 
