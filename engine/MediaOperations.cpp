@@ -4,8 +4,10 @@
 #include "engine/ConversionInput.h"
 #include "engine/inspection/Inspection.h"
 #include "engine/inspection/LayoutInspection.h"
+#include "engine/inspection/StereoCheck.h"
 #include "engine/photo/SBSImageToSpatial.h"
 #include "engine/photo/SpatialPhotoToSBS.h"
+#include "engine/stereo/SourceLayout.h"
 #include "engine/video/SBSVideoToSpatial.h"
 #include "engine/video/SpatialVideoToSBS.h"
 #include "media/InputFile.h"
@@ -32,8 +34,18 @@ MediaFacts MediaOperations::lookAtFile(const std::filesystem::path &file) const 
     return look(media::InputFile(file));
 }
 
-MediaFacts MediaOperations::lookCloselyAtFile(const std::filesystem::path &file) const {
-    return lookClosely(media::InputFile(file));
+CloseInspection MediaOperations::inspectClosely(const std::filesystem::path &file) const {
+    const ConversionInput input{media::InputFile(file)};
+    CloseInspection inspection{.facts = lookClosely(input), .layout = {}, .findings = {}};
+    if (inspection.facts.isSpatial)
+        return inspection;
+    inspection.layout = sourceLayout(InputLayout::automatic, inspection.facts);
+    try {
+        inspection.findings = examine(input, inspection.layout);
+    } catch (const std::exception &) {
+        return inspection; // no picture, no findings
+    }
+    return inspection;
 }
 
 FileInspection MediaOperations::inspectFile(const std::filesystem::path &file) const {
@@ -52,6 +64,7 @@ FileInspection MediaOperations::inspectFile(const std::filesystem::path &file) c
 MediaOperations MediaOperations::inProcess() {
     return {.look = lumetwin::lookAt,
             .lookClosely = lumetwin::lookClosely,
+            .examine = lumetwin::examine,
             .measure = lumetwin::pictureSize,
             .convertSpatialVideoToSBS = lumetwin::convertSpatialVideoToSBS,
             .convertSBSVideoToSpatial = lumetwin::convertSBSVideoToSpatial,

@@ -6,6 +6,7 @@
 #include "model/ConversionSettings.h"
 #include "model/MediaFacts.h"
 #include "model/PictureSize.h"
+#include "model/StereoFindings.h"
 #include "model/SystemVersion.h"
 
 #include <exception>
@@ -21,6 +22,13 @@ class OutputFile;
 } // namespace media
 
 struct ConversionInput;
+
+/// What a close look at a file tells.
+struct CloseInspection {
+    MediaFacts facts;
+    StereoLayout layout;     ///< in which a conversion would read a file that is not spatial
+    StereoFindings findings; ///< about the picture of a file that is not spatial
+};
 
 /// What a file that is opened for inspection tells.
 struct FileInspection {
@@ -42,6 +50,8 @@ struct MediaOperations {
     std::function<MediaFacts(const media::InputFile &)> look;
     /// Reads the headers and the layout of the eyes; see lookClosely().
     std::function<MediaFacts(const ConversionInput &)> lookClosely;
+    /// Examines the picture of a file whose eyes lie in this layout; see lumetwin::examine().
+    std::function<StereoFindings(const ConversionInput &, const StereoLayout &)> examine;
     /// See pictureSize().
     std::function<PictureSize(const media::InputFile &)> measure;
     Converter convertSpatialVideoToSBS;
@@ -53,7 +63,8 @@ struct MediaOperations {
 
     /// The same with a path. These throw MediaError when the file cannot be opened.
     MediaFacts lookAtFile(const std::filesystem::path &file) const;
-    MediaFacts lookCloselyAtFile(const std::filesystem::path &file) const;
+    /// A close look at the headers, and at the picture of a file that is not spatial.
+    CloseInspection inspectClosely(const std::filesystem::path &file) const;
     /// The facts, and for a file that is not spatial also its size.
     FileInspection inspectFile(const std::filesystem::path &file) const;
 

@@ -48,6 +48,7 @@ public:
     bool checkStereo = true;   ///< look at the picture before a conversion to spatial media, and warn
     bool recursive = false;    ///< also convert the subfolders of the input folder, and keep their tree
     bool skipExisting = false; ///< skip inputs whose output an earlier run has finished
+    bool dryRun = false;       ///< do everything up to the conversion of each file, and write nothing
     OnExisting onExisting = OnExisting::replace;
 };
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/StereoFindings.h"
 #include "model/Warning.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,7 @@ namespace lumetwin {
 enum class FileState {
     converted,
     convertedWithWarnings, ///< at least one warning that is not a note
+    wouldBeConverted,      ///< in a dry run
     skipped,               ///< it does not match the direction, or its output exists and is kept
     upToDate,              ///< an earlier run has finished it
     failed,
@@ -29,6 +32,8 @@ constexpr std::string_view rawValue(FileState state) {
         return "converted";
     case FileState::convertedWithWarnings:
         return "convertedWithWarnings";
+    case FileState::wouldBeConverted:
+        return "wouldBeConverted";
     case FileState::skipped:
         return "skipped";
     case FileState::upToDate:
@@ -51,10 +56,11 @@ struct FileResult {
     FileState state = FileState::notReached;
     std::string reason; ///< why it was skipped or failed, in the user's language
     std::vector<Warning> warnings;
-    std::int64_t framesWritten = 0;  ///< only for videos
-    std::int64_t framesExpected = 0; ///< only for videos; 0 when unknown
-    double seconds = 0;              ///< duration of the conversion
-    std::uintmax_t bytes = 0;        ///< of the written file
+    std::optional<DisparityFigures> disparity; ///< what its picture was found to have before the conversion
+    std::int64_t framesWritten = 0;            ///< only for videos
+    std::int64_t framesExpected = 0;           ///< only for videos; 0 when unknown
+    double seconds = 0;                        ///< duration of the conversion
+    std::uintmax_t bytes = 0;                  ///< of the written file
 
     bool wasConverted() const { return state == FileState::converted || state == FileState::convertedWithWarnings; }
 };

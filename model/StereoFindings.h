@@ -26,6 +26,7 @@ struct StereoFindings {
     bool isLevel = true;          ///< false: one eye is higher than the other, or turned
     bool probablySwapped = false; ///< the left eye seems to be the right one
     std::optional<DisparityFigures> disparity;
+    double unevenness = 0; ///< largest vertical offset within the picture, in percent of the width of an eye
 
     bool operator==(const StereoFindings &) const = default;
 };

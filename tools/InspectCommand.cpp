@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/Commands.h"
 
+#include "engine/stereo/StereoWarnings.h"
 #include "engine/texts/FileNames.h"
 #include "engine/texts/LayoutTexts.h"
 #include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
+#include "engine/texts/WarningTexts.h"
+#include "tools/DisparityJson.h"
 #include "tools/Json.h"
 
 #include <cstdio>
@@ -35,7 +38,24 @@ template <typename Value> Json orNull(const std::optional<Value> &value) {
     return value ? Json(*value) : Json(nullptr);
 }
 
-Json jsonObject(const std::filesystem::path &file, const MediaFacts &facts) {
+/// What the picture looks like; null when it was not examined.
+Json jsonPicture(const CloseInspection &found) {
+    const StereoFindings &findings = found.findings;
+    if (!findings.wasExamined)
+        return nullptr;
+    Json warnings = Json::array();
+    for (const Warning &warning : stereoWarnings(findings, found.layout))
+        warnings.push_back(rawValue(warning.kind));
+    return {{"seen", findings.seen ? Json(rawValue(*findings.seen)) : Json(nullptr)},
+            {"flat", findings.looksFlat},
+            {"level", findings.isLevel},
+            {"probablySwapped", findings.probablySwapped},
+            {"disparity", disparityJson(findings.disparity)},
+            {"warnings", std::move(warnings)}};
+}
+
+Json jsonObject(const std::filesystem::path &file, const CloseInspection &found) {
+    const MediaFacts &facts = found.facts;
     const bool isVideo = facts.kind == Kind::video;
     Json object{{"file", file.string()},
                 {"kind", isVideo ? "video" : "photo"},
@@ -45,7 +65,8 @@ Json jsonObject(const std::filesystem::path &file, const MediaFacts &facts) {
                 {"disparityAdjustment", orNull(facts.values.disparity)},
                 {"layout", jsonLayout(facts.layout)},
                 {"otherLayout", jsonLayout(facts.otherLayout)},
-                {"projection", facts.projection.empty() ? Json(nullptr) : Json(facts.projection)}};
+                {"projection", facts.projection.empty() ? Json(nullptr) : Json(facts.projection)},
+                {"picture", jsonPicture(found)}};
     if (isVideo) {
         object["leftEye"] = facts.hasLeftEye;
         object["rightEye"] = facts.hasRightEye;
@@ -80,7 +101,8 @@ std::string heroEyeText(Eye eye) {
     return text(eye == Eye::left ? "batch.inspect.eye.left" : "batch.inspect.eye.right");
 }
 
-void printText(Console &console, const std::filesystem::path &file, const MediaFacts &facts) {
+void printText(Console &console, const std::filesystem::path &file, const CloseInspection &found) {
+    const MediaFacts &facts = found.facts;
     console.print(file.string() + ": " + kindText(facts));
     const auto printIndented = [&](const std::string &line) { console.print("  " + line); };
     for (const std::optional<StereoLayout> &layout : {facts.layout, facts.otherLayout})
@@ -99,6 +121,11 @@ void printText(Console &console, const std::filesystem::path &file, const MediaF
         printIndented(formatted("batch.inspect.hero.format", heroEyeText(*facts.heroEye)));
     if (!facts.projection.empty())
         printIndented(formatted("batch.inspect.projection.format", facts.projection));
+    if (const auto &disparity = found.findings.disparity)
+        printIndented(formatted("batch.inspect.parallax.format", disparity->nearest, disparity->middle,
+                                disparity->farthest, disparity->vertical));
+    for (const Warning &warning : stereoWarnings(found.findings, found.layout))
+        printIndented(formatted("batch.warning.format", warningText(warning)));
 }
 
 } // namespace
@@ -108,8 +135,8 @@ int inspectCommand(const BatchOptions &options, Console &console, const MediaOpe
     Json objects = Json::array();
     for (const std::filesystem::path &file : options.inputs) {
         try {
-            const MediaFacts facts = operations.lookCloselyAtFile(file);
-            options.json ? objects.push_back(jsonObject(file, facts)) : printText(console, file, facts);
+            const CloseInspection found = operations.inspectClosely(file);
+            options.json ? objects.push_back(jsonObject(file, found)) : printText(console, file, found);
         } catch (const std::exception &error) {
             const std::string cause = errorCause(error);
             status = someFailed;

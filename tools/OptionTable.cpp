@@ -111,6 +111,8 @@ constexpr std::array options{
            [](Options &o, Value, Name) { o.settings->keepTiming = true; }},
     Option{"--no-check-stereo", "", "do not look at the picture for mistakes before a conversion to spatial media",
            [](Options &o, Value, Name) { o.settings->checkStereo = false; }},
+    Option{"--dry-run", "", "do everything up to the conversions, with all warnings, and write nothing",
+           [](Options &o, Value, Name) { o.settings->dryRun = true; }},
     Option{"--recursive", "", "take the folders below, too, and keep their tree in the output",
            [](Options &o, Value, Name) { o.settings->recursive = true; }},
     Option{"--skip-existing", "", "leave alone what an earlier run finished from the same source",

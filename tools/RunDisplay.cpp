@@ -88,7 +88,7 @@ void RunDisplay::updateFrame(std::int64_t current, std::int64_t total) {
 
 void RunDisplay::showResult(const FileResult &result) {
     const std::scoped_lock lock(mutex_);
-    if (result.wasConverted())
+    if (result.wasConverted() || result.state == FileState::wouldBeConverted)
         showConverted(result);
     else
         for (const std::string &line : logged_)
@@ -97,7 +97,9 @@ void RunDisplay::showResult(const FileResult &result) {
 }
 
 void RunDisplay::showConverted(const FileResult &result) {
-    console_.print(lastPathComponent(result.input) + " → " + lastPathComponent(result.output));
+    const std::string name = lastPathComponent(result.input);
+    console_.print(result.wasConverted() ? name + " → " + lastPathComponent(result.output)
+                                         : formatted("batch.would.be.converted.format", name));
     for (const Warning &warning : result.warnings)
         console_.print("  " + warningLine(warning));
 }

@@ -4,6 +4,7 @@
 #include "engine/inspection/MediaKinds.h"
 #include "engine/texts/WarningTexts.h"
 #include "tools/CaseNames.h"
+#include "tools/DisparityJson.h"
 #include "tools/Json.h"
 #include "tools/RunTotals.h"
 
@@ -48,6 +49,7 @@ Json settingsJson(const ConversionSettings &settings) {
             {"resizeMode", caseName(settings.resizeMode, resizeModeNames)},
             {"copyAudio", settings.copyAudio},
             {"keepTiming", settings.keepTiming},
+            {"dryRun", settings.dryRun},
             {"recursive", settings.recursive},
             {"skipExisting", settings.skipExisting},
             {"onExisting", caseName(settings.onExisting, onExistingNames)}};
@@ -56,6 +58,7 @@ Json settingsJson(const ConversionSettings &settings) {
 Json totalsOf(const RunTotals &totals, std::size_t files) {
     return {{"files", files},
             {"converted", totals.converted},
+            {"wouldBeConverted", totals.wouldBeConverted},
             {"convertedWithWarnings", totals.withWarnings},
             {"skipped", totals.skipped},
             {"upToDate", totals.upToDate},
@@ -93,6 +96,7 @@ Json fileJson(const FileResult &result) {
             {"state", rawValue(result.state)},
             {"reason", result.reason.empty() ? Json(nullptr) : Json(result.reason)},
             {"warnings", std::move(warnings)},
+            {"disparity", disparityJson(result.disparity)},
             {"frames", framesJson(result)},
             {"seconds", result.seconds},
             {"bytes", result.wasConverted() ? Json(result.bytes) : Json(nullptr)}};

@@ -6,16 +6,26 @@
 
 #include <fmt/ranges.h>
 
+#include <algorithm>
+
 namespace lumetwin::batch {
 namespace {
 
-void count(RunTotals &totals, FileState state) {
-    switch (state) {
+bool hasWarning(const FileResult &result) {
+    return std::ranges::any_of(result.warnings, [](const Warning &warning) { return !isNote(warning.kind); });
+}
+
+void count(RunTotals &totals, const FileResult &result) {
+    switch (result.state) {
     case FileState::convertedWithWarnings:
         ++totals.withWarnings;
         [[fallthrough]];
     case FileState::converted:
         ++totals.converted;
+        break;
+    case FileState::wouldBeConverted:
+        ++totals.wouldBeConverted;
+        totals.withWarnings += hasWarning(result) ? 1 : 0;
         break;
     case FileState::skipped:
         ++totals.skipped;
@@ -40,13 +50,16 @@ void count(RunTotals &totals, FileState state) {
 RunTotals totalsOf(const std::vector<FileResult> &results) {
     RunTotals totals;
     for (const FileResult &result : results)
-        count(totals, result.state);
+        count(totals, result);
     return totals;
 }
 
 std::string summaryLine(const RunTotals &totals, double seconds) {
     std::vector<std::string> parts;
-    if (totals.withWarnings > 0)
+    if (totals.wouldBeConverted > 0)
+        parts.push_back(
+            formatted("batch.summary.would.be.converted.format", totals.wouldBeConverted, totals.withWarnings));
+    else if (totals.withWarnings > 0)
         parts.push_back(formatted("batch.summary.converted.warnings.format", totals.converted, totals.withWarnings));
     else
         parts.push_back(formatted("batch.summary.converted.format", totals.converted));

@@ -11,8 +11,9 @@ namespace lumetwin::batch {
 
 /// The number of files of a run for each result.
 struct RunTotals {
-    std::int64_t converted = 0;    ///< with and without warnings
-    std::int64_t withWarnings = 0; ///< of the converted ones
+    std::int64_t converted = 0;        ///< with and without warnings
+    std::int64_t withWarnings = 0;     ///< of those that were or would be converted
+    std::int64_t wouldBeConverted = 0; ///< in a dry run, with and without warnings
     std::int64_t skipped = 0;
     std::int64_t upToDate = 0;
     std::int64_t failed = 0;

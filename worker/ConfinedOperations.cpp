@@ -22,6 +22,8 @@ MediaOperations::Converter converter(const std::shared_ptr<Workers> &workers, Co
 MediaOperations confinedOperations(std::shared_ptr<Workers> workers) {
     return {.look = [workers](const media::InputFile &input) { return workers->look(input); },
             .lookClosely = [workers](const ConversionInput &input) { return workers->lookClosely(input); },
+            .examine = [workers](const ConversionInput &input,
+                                 const StereoLayout &layout) { return workers->examine(input, layout); },
             .measure = [workers](const media::InputFile &input) { return workers->measure(input); },
             .convertSpatialVideoToSBS = converter(workers, ConversionKind::spatialVideoToSBS),
             .convertSBSVideoToSpatial = converter(workers, ConversionKind::sbsVideoToSpatial),

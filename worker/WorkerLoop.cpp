@@ -60,6 +60,8 @@ void WorkerLoop::handle(const LookRequest &request, std::vector<media::Descripto
             answer(operations_.look(input));
         else if (request.kind == LookRequest::Kind::lookClosely)
             answer(operations_.lookClosely(input));
+        else if (request.kind == LookRequest::Kind::examine)
+            answer(operations_.examine(input, request.layout.value()));
         else
             answer(operations_.measure(input));
     } catch (...) {
@@ -76,8 +78,10 @@ void WorkerLoop::handle(const ConvertRequest &request, std::vector<media::Descri
         media::decodeWithOneThread();
     media::OutputFile output(descriptors[1].release(), request.output);
     descriptors.erase(descriptors.begin() + 1);
-    conversion_ = std::thread([this, request, input = inputOf(descriptors, request.input, request.rightEye),
-                               output = std::move(output)] { convert(request, input, output); });
+    ConversionInput input = inputOf(descriptors, request.input, request.rightEye);
+    input.disparityAdjustment = request.disparityAdjustment;
+    conversion_ = std::thread(
+        [this, request, input = std::move(input), output = std::move(output)] { convert(request, input, output); });
 }
 
 void WorkerLoop::handle(const CancelRequest &, std::vector<media::Descriptor> descriptors) {

@@ -51,7 +51,8 @@ Json evidenceOf(const media::InputFile &file, const StereoLayout &layout) {
     if (isPhotoFile(file.path()))
         take(media::readPreview(file, 1024, 640));
     else
-        media::sampleFrames(file, std::array{0.1, 0.3, 0.5, 0.7, 0.9}, take);
+        media::sampleFrames(file, std::array{0.1, 0.3, 0.5, 0.7, 0.9},
+                            [&](const media::SampledFrame &frame) { return take(frame.picture); });
     return looks;
 }
 

@@ -7,6 +7,7 @@
 #include "engine/batch/InputList.h"
 #include "engine/batch/OutputGuard.h"
 #include "engine/batch/OutputPlace.h"
+#include "engine/batch/PictureCheck.h"
 #include "engine/batch/UpToDate.h"
 #include "engine/inspection/Inspection.h"
 #include "engine/inspection/MediaKinds.h"
@@ -19,6 +20,7 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <iterator>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -242,29 +244,55 @@ void VideoProcessor::fail(FileResult &result, const std::string &logged, const s
 void VideoProcessor::convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result) {
     const Path output = chooseOutputPath(files.output(index), settings->onExisting).value();
     guard.check(result.input, output);
-    prepareOutputPath(output, *settings->outputFolderURL);
+    if (!settings->dryRun)
+        prepareOutputPath(output, *settings->outputFolderURL);
     ConversionInput input = opened(result.input);
     if (!result.rightEye.empty())
         input.rightEye = openInput(kindFor(result.rightEye), result.rightEye);
+    checkPicture(input, result);
+    if (settings->dryRun) {
+        std::ranges::move(expectedWarnings(operations_, *settings, input), std::back_inserter(result.warnings));
+        addRivals(files, index, result);
+        result.state = FileState::wouldBeConverted;
+        return logWarnings(result);
+    }
     Outcome outcome = convertMedia(input, output);
     result.framesWritten = outcome.framesWritten;
     result.framesExpected = outcome.framesExpected;
-    result.warnings = std::move(outcome.warnings);
+    std::ranges::move(outcome.warnings, std::back_inserter(result.warnings));
     if (!outcome.written) {
         result.state = FileState::cancelled;
         return;
     }
-    if (settings->onExisting == OnExisting::replace)
-        for (const std::size_t rival : files.inputsWithSameOutput(index))
-            result.warnings.push_back({WarningKind::sameOutputName, {files.name(rival)}});
+    addRivals(files, index, result);
     result.output = output;
     std::error_code ignored;
     result.bytes = std::filesystem::file_size(output, ignored);
     reportResult(result);
 }
 
+void VideoProcessor::checkPicture(ConversionInput &input, FileResult &result) {
+    PictureCheck check = lumetwin::checkPicture(operations_, *settings, input);
+    input.disparityAdjustment = check.adjustment;
+    result.disparity = check.disparity;
+    result.warnings = std::move(check.warnings);
+    if (!check.failure.empty())
+        log("[VP] ℹ️ " + lastPathComponent(result.input) + ": its picture was not examined: " + check.failure);
+}
+
+void VideoProcessor::addRivals(const BatchFiles &files, std::size_t index, FileResult &result) const {
+    if (settings->onExisting != OnExisting::replace)
+        return;
+    for (const std::size_t rival : files.inputsWithSameOutput(index))
+        result.warnings.push_back({WarningKind::sameOutputName, {files.name(rival)}});
+}
+
 void VideoProcessor::reportResult(FileResult &result) {
     result.state = hasWarning(result.warnings) ? FileState::convertedWithWarnings : FileState::converted;
+    logWarnings(result);
+}
+
+void VideoProcessor::logWarnings(const FileResult &result) {
     const std::string name = lastPathComponent(result.input);
     for (const Warning &warning : result.warnings)
         log("[VP] " + std::string(isNote(warning.kind) ? "ℹ️ " : "⚠️ ") + name + ": " + warningText(warning));

@@ -84,7 +84,12 @@ private:
     void skip(FileResult &result, FileState state, const std::string &reason, const std::string &logged);
     void convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result);
     void fail(FileResult &result, const std::string &logged, const std::string &message);
+    /// Examines the picture before the conversion, and chooses the disparity adjustment if that is asked for.
+    void checkPicture(ConversionInput &input, FileResult &result);
+    /// Warns of other inputs whose output has the same name.
+    void addRivals(const BatchFiles &files, std::size_t index, FileResult &result) const;
     void reportResult(FileResult &result);
+    void logWarnings(const FileResult &result);
     void log(const std::string &line);
     /// The current input, opened once for inspection and conversion. Throws the conversion's error when it cannot be
     /// opened.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/stereo/StereoLook.h"
 
+#include "engine/stereo/SourceLayout.h"
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -27,16 +29,10 @@ Size planeSize(double width, double height, const StereoLayout &layout) {
 }
 
 media::EyePair<LumaPlane> planesOf(const media::Picture &frame, const StereoLayout &layout) {
-    const bool beside = layout.arrangement == EyeArrangement::sideBySide;
-    const double width = beside ? frame.width / 2 : frame.width;    // NOLINT(bugprone-integer-division): whole columns
-    const double height = beside ? frame.height : frame.height / 2; // NOLINT(bugprone-integer-division)
-    const Size size = planeSize(width, height, layout);
-    media::EyePair<LumaPlane> planes{
-        reducedLuma(frame, {0, 0, width, height}, size.width, size.height),
-        reducedLuma(frame, {beside ? width : 0, beside ? 0 : height, width, height}, size.width, size.height)};
-    if (layout.rightEyeFirst)
-        std::swap(planes.left, planes.right);
-    return planes;
+    const EyeCells cells = eyeCells(layout, frame.width, frame.height);
+    const Size size = planeSize(cells.left.width, cells.left.height, layout);
+    return {reducedLuma(frame, cells.left, size.width, size.height),
+            reducedLuma(frame, cells.right, size.width, size.height)};
 }
 
 void lookAtPlanes(const media::EyePair<LumaPlane> &planes, StereoLook &look) {
@@ -99,7 +95,7 @@ std::optional<EyeArrangement> otherArrangement(std::span<const StereoLook> looks
 
 StereoLook lookAtFrame(const media::Picture &frame, const StereoLayout &layout) {
     StereoLook look{.arrangement = layout.arrangement, .evidence = {}, .order = {}, .other = {}};
-    if (layout.arrangement != EyeArrangement::sideBySide && layout.arrangement != EyeArrangement::overUnder)
+    if (!isInOnePicture(layout))
         return look;
     lookAtPlanes(planesOf(frame, layout), look);
     if (look.evidence.isStereo())
@@ -111,14 +107,15 @@ StereoLook lookAtFrame(const media::Picture &frame, const StereoLayout &layout) 
     return look;
 }
 
-StereoLook lookAtEyes(const media::EyePair<media::Picture> &eyes, EyeArrangement arrangement) {
+LumaPlane eyePlane(const media::Picture &eye) {
+    const Size size = planeSize(eye.width, eye.height, {.arrangement = EyeArrangement::twoPictures});
+    return reducedLuma(eye, {0, 0, static_cast<double>(eye.width), static_cast<double>(eye.height)}, size.width,
+                       size.height);
+}
+
+StereoLook lookAtEyes(const media::EyePair<LumaPlane> &eyes, EyeArrangement arrangement) {
     StereoLook look{.arrangement = arrangement, .evidence = {}, .order = {}, .other = {}};
-    const Size size = planeSize(eyes.left.width, eyes.left.height, {.arrangement = arrangement});
-    const auto plane = [&](const media::Picture &eye) {
-        const media::Rect whole{0, 0, static_cast<double>(eye.width), static_cast<double>(eye.height)};
-        return reducedLuma(eye, whole, size.width, size.height);
-    };
-    lookAtPlanes({plane(eyes.left), plane(eyes.right)}, look);
+    lookAtPlanes(eyes, look);
     return look;
 }
 
@@ -141,6 +138,9 @@ StereoFindings findings(std::span<const StereoLook> looks) {
         return found;
     found.seen = stereo.front().arrangement;
     found.disparity = medianFigures(stereo);
+    constexpr double whole = 100;
+    found.unevenness =
+        std::min(whole, median(stereo, [](const StereoEvidence &evidence) { return evidence.unevenness; }));
     const auto level = those(stereo, [](const StereoLook &look) { return look.evidence.isLevel(); });
     found.isLevel = isAligned && isMost(level.size(), stereo.size());
     found.looksFlat =

@@ -26,8 +26,11 @@ struct StereoLook {
 /// eyes are not there, looks for them in the other one of these two arrangements.
 StereoLook lookAtFrame(const media::Picture &frame, const StereoLayout &layout);
 
-/// Looks at the pictures of two eyes, of one size. The arrangement is only handed on to the findings.
-StereoLook lookAtEyes(const media::EyePair<media::Picture> &eyes, EyeArrangement arrangement);
+/// The plane of an eye that has a picture of its own.
+LumaPlane eyePlane(const media::Picture &eye);
+
+/// Looks at two eyes whose pictures have one size. The arrangement is only handed on to the findings.
+StereoLook lookAtEyes(const media::EyePair<LumaPlane> &eyes, EyeArrangement arrangement);
 
 /// What the looks say together: of one for a photo, of several for a film.
 StereoFindings findings(std::span<const StereoLook> looks);

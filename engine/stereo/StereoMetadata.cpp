@@ -31,11 +31,12 @@ struct Taken {
 
 } // namespace
 
-StereoMetadata stereoMetadata(const ConversionSettings &settings, const MediaFacts &facts) {
+StereoMetadata stereoMetadata(const ConversionSettings &settings, const MediaFacts &facts,
+                              const std::optional<double> &chosenAdjustment) {
     const Taken file(settings, facts.values);
     StereoMetadata values(settings);
     values.horizontalFOV = file.horizontalFOV.value_or(values.horizontalFOV);
-    values.disparityAdjustment = file.disparity.value_or(values.disparityAdjustment);
+    values.disparityAdjustment = chosenAdjustment.value_or(file.disparity.value_or(values.disparityAdjustment));
     values.stereoBaseline = file.baseline.value_or(values.stereoBaseline);
     return values;
 }

@@ -21,8 +21,10 @@ struct StereoMetadata {
 };
 
 /// The values for one file: those of the settings. With StereoValuesSource::file, a setting that has its default gives
-/// way to the value of the file, if the file has one and the setting could have it too.
-StereoMetadata stereoMetadata(const ConversionSettings &settings, const MediaFacts &facts);
+/// way to the value of the file, if the file has one and the setting could have it too. A disparity adjustment that was
+/// chosen from the picture replaces both.
+StereoMetadata stereoMetadata(const ConversionSettings &settings, const MediaFacts &facts,
+                              const std::optional<double> &chosenAdjustment = {});
 
 /// Names the values that stereoMetadata() takes from the file; nullopt where there are none.
 std::optional<Warning> stereoValuesNote(const ConversionSettings &settings, const MediaFacts &facts);

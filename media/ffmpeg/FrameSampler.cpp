@@ -18,14 +18,15 @@ constexpr std::int64_t largestFrame = std::int64_t{1} << 27; ///< pixels, as for
 constexpr int mostPackets = 2000; ///< read after a position before a random access picture is found
 constexpr int mostAttempts = 3;   ///< random access pictures that are tried when one cannot be decoded
 
-/// The first video track that is not a cover picture; the others are not demuxed. Throws MediaError.
-AVStream &onlyVideoStream(const InputFile &file, AVFormatContext &input) {
+/// The wanted video track, not counting cover pictures; the others are not demuxed. Throws MediaError.
+AVStream &onlyVideoStream(const InputFile &file, AVFormatContext &input, VideoStream wanted) {
     AVStream *found = nullptr;
+    int before = wanted == VideoStream::second ? 1 : 0;
     for (unsigned index = 0; index < input.nb_streams; ++index) {
         AVStream *stream = input.streams[index];
         const bool isVideo =
             stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO && !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC);
-        if (isVideo && !found)
+        if (isVideo && !found && before-- == 0)
             found = stream;
         else
             stream->discard = AVDISCARD_ALL;
@@ -37,8 +38,8 @@ AVStream &onlyVideoStream(const InputFile &file, AVFormatContext &input) {
 
 class Sampler {
 public:
-    explicit Sampler(const InputFile &file)
-        : file_(file), input_(file), stream_(onlyVideoStream(file, *input_)),
+    Sampler(const InputFile &file, VideoStream video)
+        : file_(file), input_(file), stream_(onlyVideoStream(file, *input_, video)),
           codec_(ffmpeg::makeDecoder(file.path(), stream_)) {
         if (readStereoMovieFacts(file).encrypted)
             throw MediaError(file.path(), MediaOperation::decode, AVERROR(EACCES), MediaReason::encryptedMovie);
@@ -50,7 +51,7 @@ public:
     }
 
     /// The picture at a position; nothing when there is none, or it is the one that was returned last.
-    Picture pictureAt(double position) {
+    SampledFrame frameAt(double position) {
         if (!seek(position))
             return {};
         for (int attempt = 0; attempt < mostAttempts && nextKeyPacket(); ++attempt) {
@@ -59,13 +60,17 @@ public:
             if (ffmpeg::FramePointer frame = decoded()) {
                 lastPosition_ = packet_->pos;
                 lastTime_ = packet_->pts;
-                return withoutBorder(importer_.import(std::move(frame)));
+                return {withoutBorder(importer_.import(std::move(frame))), secondsOf(*packet_)};
             }
         }
         return {};
     }
 
 private:
+    double secondsOf(const AVPacket &packet) const {
+        return packet.pts == AV_NOPTS_VALUE ? 0 : static_cast<double>(packet.pts) * av_q2d(stream_.time_base);
+    }
+
     bool seek(double position) {
         avcodec_flush_buffers(codec_.get());
         const bool byBytes = ffmpeg::isWithoutTimes(*input_) || input_->duration <= 0;
@@ -126,11 +131,11 @@ private:
 } // namespace
 
 void sampleFrames(const InputFile &file, std::span<const double> positions,
-                  const std::function<bool(Picture picture)> &take) {
-    Sampler sampler(file);
+                  const std::function<bool(SampledFrame frame)> &take, VideoStream video) {
+    Sampler sampler(file, video);
     for (const double position : positions) {
-        Picture picture = sampler.pictureAt(position);
-        if (picture && !take(std::move(picture)))
+        SampledFrame frame = sampler.frameAt(position);
+        if (frame.picture && !take(std::move(frame)))
             return;
     }
 }

@@ -81,6 +81,7 @@ MediaFacts look(const media::InputFile &file) {
 MediaOperations fakeOperations() {
     return {.look = look,
             .lookClosely = look,
+            .examine = [](const ConversionInput &, const StereoLayout &) { return StereoFindings(); },
             .measure = {},
             .convertSpatialVideoToSBS = convert,
             .convertSBSVideoToSpatial = convert,

@@ -216,6 +216,19 @@ MediaFacts look(const media::InputFile &input) {
     return facts;
 }
 
+/// Returns parts of the layout in the findings.
+StereoFindings examine(const ConversionInput &input, const StereoLayout &layout) {
+    if (input.path().stem() == "fails in media")
+        throw media::MediaError(input.path(), media::MediaOperation::decode, -7, media::MediaReason::endsEarly);
+    StereoFindings findings;
+    findings.wasExamined = true;
+    findings.seen = layout.arrangement;
+    findings.looksFlat = layout.isHalf;
+    findings.probablySwapped = layout.rightEyeFirst;
+    findings.disparity = DisparityFigures{.nearest = -1, .middle = 0.5, .farthest = 2, .vertical = 0};
+    return findings;
+}
+
 PictureSize measure(const media::InputFile &input) {
     std::array<std::uint8_t, 8> bytes{};
     return {static_cast<std::int64_t>(input.readAt(0, bytes)), 1};
@@ -226,6 +239,7 @@ PictureSize measure(const media::InputFile &input) {
 MediaOperations misbehaviour() {
     return {.look = look,
             .lookClosely = look,
+            .examine = examine,
             .measure = measure,
             .convertSpatialVideoToSBS = convert,
             .convertSBSVideoToSpatial = convert,

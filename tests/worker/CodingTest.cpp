@@ -68,7 +68,8 @@ TEST(Coding, RequestsArriveWhole) {
                                  .input = "/in/a.heic",
                                  .output = "/out/a.jpg",
                                  .language = "ja",
-                                 .oneDecodingThread = true};
+                                 .oneDecodingThread = true,
+                                 .disparityAdjustment = -1.5};
     const auto arrived = std::get<ConvertRequest>(decodeRequest(sent(encode(request))));
     EXPECT_EQ(arrived.kind, request.kind);
     EXPECT_EQ(encodeSettings(*arrived.settings), encodeSettings(*request.settings));
@@ -77,6 +78,7 @@ TEST(Coding, RequestsArriveWhole) {
     EXPECT_EQ(arrived.output, request.output);
     EXPECT_EQ(arrived.language, "ja");
     EXPECT_TRUE(arrived.oneDecodingThread);
+    EXPECT_EQ(arrived.disparityAdjustment, -1.5);
     EXPECT_EQ(
         std::get<LookRequest>(decodeRequest(sent(encode(LookRequest{LookRequest::Kind::measure, "/in/a.heic", "en"}))))
             .input,
@@ -102,6 +104,60 @@ TEST(Coding, FactsArriveWhole) {
     EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(MediaFacts()))))), MediaFacts());
     EXPECT_EQ(std::get<PictureSize>(decodeAnswer(sent(encode(Answer(PictureSize{7680, 2160}))))),
               (PictureSize{7680, 2160}));
+}
+
+StereoFindings unusualFindings() {
+    return {.wasExamined = true,
+            .seen = EyeArrangement::twoFiles,
+            .looksFlat = true,
+            .isLevel = false,
+            .probablySwapped = true,
+            .disparity = DisparityFigures{.nearest = -3, .middle = 0.5, .farthest = 2.25, .vertical = -0.125},
+            .unevenness = 0.75};
+}
+
+TEST(Coding, FindingsArriveWhole) {
+    for (const StereoFindings &findings : {unusualFindings(), StereoFindings()})
+        EXPECT_EQ(std::get<StereoFindings>(decodeAnswer(sent(encode(Answer(findings))))), findings);
+}
+
+TEST(Coding, EveryFindingIsNeeded) {
+    const nlohmann::json content = encode(Answer(unusualFindings()));
+    const auto expectRefused = [&](const nlohmann::json::json_pointer &place) {
+        nlohmann::json wrong = content;
+        wrong[place] = "text";
+        EXPECT_THROW(decodeAnswer(wrong), ProtocolError) << place;
+        wrong[place.parent_pointer()].erase(place.back());
+        EXPECT_THROW(decodeAnswer(wrong), ProtocolError) << place;
+    };
+    using Place = nlohmann::json::json_pointer;
+    for (const auto &[name, value] : content["findings"].items())
+        expectRefused(Place("/findings") / name);
+    for (const auto &[name, value] : content["findings"]["disparity"].items())
+        expectRefused(Place("/findings/disparity") / name);
+}
+
+TEST(Coding, FindingsThatCannotBeAreRefused) {
+    nlohmann::json content = encode(Answer(unusualFindings()));
+    content["findings"]["disparity"]["farthest"] = 100.5;
+    EXPECT_THROW(decodeAnswer(content), ProtocolError);
+    content = encode(Answer(unusualFindings()));
+    content["findings"]["seen"] = 99;
+    EXPECT_THROW(decodeAnswer(content), ProtocolError);
+}
+
+TEST(Coding, RequestsToExamineHaveALayout) {
+    const StereoLayout layout{EyeArrangement::overUnder, true, true, LayoutSource::stream};
+    const LookRequest request{
+        .kind = LookRequest::Kind::examine, .input = "/in/a.jpg", .language = "ja", .layout = layout};
+    const auto arrived = std::get<LookRequest>(decodeRequest(sent(encode(request))));
+    EXPECT_EQ(arrived.kind, LookRequest::Kind::examine);
+    EXPECT_EQ(arrived.layout, layout);
+    nlohmann::json without = encode(request);
+    without["layout"] = nullptr;
+    EXPECT_THROW(decodeRequest(without), ProtocolError);
+    without["kind"] = static_cast<int>(LookRequest::Kind::look);
+    EXPECT_NO_THROW(decodeRequest(without));
 }
 
 TEST(Coding, NumbersThatAreNoneAreAbsent) {

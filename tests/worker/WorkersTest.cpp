@@ -122,6 +122,18 @@ TEST(Worker, LooksAtOneFileAfterAnother) {
     EXPECT_EQ(handed.workers.measure(handed.input), (PictureSize{5, 1})) << "the bytes of the input";
 }
 
+TEST(Worker, ExaminesThePicture) {
+    Handed handed("converts");
+    const StereoLayout layout{EyeArrangement::overUnder, true, true, LayoutSource::user};
+    const StereoFindings found = handed.workers.examine(handed.input, layout);
+    EXPECT_EQ(found.seen, EyeArrangement::overUnder);
+    EXPECT_TRUE(found.looksFlat) << "half";
+    EXPECT_TRUE(found.probablySwapped) << "right eye first";
+    EXPECT_DOUBLE_EQ(found.disparity.value().farthest, 2);
+    Handed damaged("fails in media");
+    EXPECT_THROW(damaged.workers.examine(damaged.input, layout), media::MediaError);
+}
+
 TEST(Worker, ThatFallsOverAtALookIsReplaced) {
     Handed bad("falls over at a look");
     EXPECT_THROW(bad.workers.look(bad.input), ProcessorError);

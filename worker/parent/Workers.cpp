@@ -50,15 +50,22 @@ MediaFacts Workers::lookClosely(const ConversionInput &input) {
     return namingFile(input, [&] { return expected<MediaFacts>(lookAnswer(LookRequest::Kind::lookClosely, input)); });
 }
 
+StereoFindings Workers::examine(const ConversionInput &input, const StereoLayout &layout) {
+    return namingFile(input,
+                      [&] { return expected<StereoFindings>(lookAnswer(LookRequest::Kind::examine, input, layout)); });
+}
+
 PictureSize Workers::measure(const media::InputFile &input) {
     return namingFile(input, [&] { return expected<PictureSize>(lookAnswer(LookRequest::Kind::measure, input)); });
 }
 
-Answer Workers::lookAnswer(LookRequest::Kind kind, const ConversionInput &input) {
+Answer Workers::lookAnswer(LookRequest::Kind kind, const ConversionInput &input,
+                           const std::optional<StereoLayout> &layout) {
     const LookRequest request{.kind = kind,
                               .input = input.path(),
                               .language = std::string(textLanguage()),
-                              .rightEye = pathOf(input.rightEye)};
+                              .rightEye = pathOf(input.rightEye),
+                              .layout = layout};
     const std::scoped_lock lock(inspectorMutex_);
     try {
         return inspectorAnswer(request, input);
@@ -92,7 +99,8 @@ Outcome Workers::convert(ConversionKind kind, const ConversionSettings &settings
                            .input = input.path(),
                            .output = output.path(),
                            .language = std::string(textLanguage()),
-                           .rightEye = pathOf(input.rightEye)};
+                           .rightEye = pathOf(input.rightEye),
+                           .disparityAdjustment = input.disparityAdjustment};
     return namingFile(input, [&] {
         try {
             return tryToConvert(request, input, output, control);

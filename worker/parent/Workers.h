@@ -22,6 +22,7 @@ public:
 
     MediaFacts look(const media::InputFile &input);
     MediaFacts lookClosely(const ConversionInput &input);
+    StereoFindings examine(const ConversionInput &input, const StereoLayout &layout);
     PictureSize measure(const media::InputFile &input);
 
     /// After a crash the conversion is repeated once, with one decoding thread.
@@ -35,7 +36,8 @@ private:
     using Worker = std::unique_ptr<WorkerProcess>;
 
     /// The answer of the inspecting worker. After a crash, a new worker is asked once more.
-    Answer lookAnswer(LookRequest::Kind kind, const ConversionInput &input);
+    Answer lookAnswer(LookRequest::Kind kind, const ConversionInput &input,
+                      const std::optional<StereoLayout> &layout = {});
     Answer inspectorAnswer(const LookRequest &request, const ConversionInput &input);
     Outcome tryToConvert(const ConvertRequest &request, const ConversionInput &input, const media::OutputFile &output,
                          const ConversionControl &control);

@@ -37,6 +37,10 @@ Json encodeOne(const MediaFacts &facts) {
     return {{"answer", "facts"}, {"facts", encodeFacts(facts)}};
 }
 
+Json encodeOne(const StereoFindings &findings) {
+    return {{"answer", "findings"}, {"findings", encodeFindings(findings)}};
+}
+
 Json encodeOne(const PictureSize &size) {
     return {{"answer", "size"}, {"size", encodeSize(size)}};
 }
@@ -79,6 +83,8 @@ Answer decodeAnswer(const Json &content) {
         return SignOfLife{};
     if (type == "facts")
         return decodeFacts(field(content, "facts"));
+    if (type == "findings")
+        return decodeFindings(field(content, "findings"));
     if (type == "size")
         return decodeSize(field(content, "size"));
     if (type == "outcome")

@@ -4,6 +4,7 @@
 #include "engine/Outcome.h"
 #include "model/MediaFacts.h"
 #include "model/PictureSize.h"
+#include "model/StereoFindings.h"
 #include "worker/confinement/Confinement.h"
 
 #include <nlohmann/json.hpp>
@@ -42,7 +43,8 @@ struct Failure {
     std::exception_ptr error;
 };
 
-using Answer = std::variant<Forked, Ready, Progress, SignOfLife, MediaFacts, PictureSize, Outcome, Failure>;
+using Answer =
+    std::variant<Forked, Ready, Progress, SignOfLife, MediaFacts, StereoFindings, PictureSize, Outcome, Failure>;
 
 nlohmann::json encode(const Answer &answer);
 /// Throws ProtocolError.

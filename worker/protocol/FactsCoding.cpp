@@ -13,16 +13,49 @@ using Json = nlohmann::json;
 constexpr int mostPictures = 1 << 16;
 constexpr std::size_t longestProjection = 4; // bytes of a four-character code
 
+std::optional<MediaFacts::Eye> decodeEye(const Json &value) {
+    return value.is_null() ? std::nullopt : std::optional(caseOf(value, MediaFacts::Eye::right));
+}
+
+std::string decodeProjection(const Json &value) {
+    if (string(value).size() > longestProjection)
+        throw ProtocolError("no four-character code");
+    return string(value);
+}
+
+Json encodeFigures(const std::optional<DisparityFigures> &figures) {
+    if (!figures)
+        return nullptr;
+    return {{"nearest", figures->nearest},
+            {"middle", figures->middle},
+            {"farthest", figures->farthest},
+            {"vertical", figures->vertical}};
+}
+
+double percentage(const Json &value) {
+    const double percent = number(value);
+    if (std::abs(percent) > 100)
+        throw ProtocolError("no percentage of the width");
+    return percent;
+}
+
+std::optional<DisparityFigures> decodeFigures(const Json &content) {
+    if (content.is_null())
+        return std::nullopt;
+    return DisparityFigures{.nearest = percentage(field(content, "nearest")),
+                            .middle = percentage(field(content, "middle")),
+                            .farthest = percentage(field(content, "farthest")),
+                            .vertical = percentage(field(content, "vertical"))};
+}
+
+} // namespace
+
 Json encodeValue(const std::optional<double> &value) {
     return value && std::isfinite(*value) ? Json(*value) : Json(nullptr);
 }
 
 std::optional<double> decodeValue(const Json &value) {
     return value.is_null() ? std::nullopt : std::optional(number(value));
-}
-
-std::optional<MediaFacts::Eye> decodeEye(const Json &value) {
-    return value.is_null() ? std::nullopt : std::optional(caseOf(value, MediaFacts::Eye::right));
 }
 
 Json encodeLayout(const std::optional<StereoLayout> &layout) {
@@ -43,13 +76,26 @@ std::optional<StereoLayout> decodeLayout(const Json &content) {
                         .source = caseOf(field(content, "source"), lastLayoutSource)};
 }
 
-std::string decodeProjection(const Json &value) {
-    if (string(value).size() > longestProjection)
-        throw ProtocolError("no four-character code");
-    return string(value);
+Json encodeFindings(const StereoFindings &findings) {
+    return {{"wasExamined", findings.wasExamined},
+            {"seen", findings.seen ? Json(numberOf(*findings.seen)) : Json(nullptr)},
+            {"looksFlat", findings.looksFlat},
+            {"isLevel", findings.isLevel},
+            {"probablySwapped", findings.probablySwapped},
+            {"disparity", encodeFigures(findings.disparity)},
+            {"unevenness", findings.unevenness}};
 }
 
-} // namespace
+StereoFindings decodeFindings(const Json &content) {
+    const Json &seen = field(content, "seen");
+    return {.wasExamined = boolean(field(content, "wasExamined")),
+            .seen = seen.is_null() ? std::nullopt : std::optional(caseOf(seen, lastEyeArrangement)),
+            .looksFlat = boolean(field(content, "looksFlat")),
+            .isLevel = boolean(field(content, "isLevel")),
+            .probablySwapped = boolean(field(content, "probablySwapped")),
+            .disparity = decodeFigures(field(content, "disparity")),
+            .unevenness = percentage(field(content, "unevenness"))};
+}
 
 Json encodeFacts(const MediaFacts &facts) {
     return {{"kind", numberOf(facts.kind)},

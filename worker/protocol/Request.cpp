@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "worker/protocol/Request.h"
 
+#include "worker/protocol/FactsCoding.h"
 #include "worker/protocol/Reading.h"
 #include "worker/protocol/SettingsCoding.h"
 
@@ -26,7 +27,8 @@ Json encodeOne(const LookRequest &request) {
             {"kind", numberOf(request.kind)},
             {"input", request.input.string()},
             {"language", request.language},
-            {"rightEye", encodePath(request.rightEye)}};
+            {"rightEye", encodePath(request.rightEye)},
+            {"layout", encodeLayout(request.layout)}};
 }
 
 Json encodeOne(const ConvertRequest &request) {
@@ -38,7 +40,8 @@ Json encodeOne(const ConvertRequest &request) {
             {"output", request.output.string()},
             {"language", request.language},
             {"oneDecodingThread", request.oneDecodingThread},
-            {"rightEye", encodePath(request.rightEye)}};
+            {"rightEye", encodePath(request.rightEye)},
+            {"disparityAdjustment", encodeValue(request.disparityAdjustment)}};
 }
 
 Json encodeOne(const CancelRequest &) {
@@ -64,7 +67,19 @@ ConvertRequest convertRequest(const Json &content) {
             .output = string(field(content, "output")),
             .language = string(field(content, "language")),
             .oneDecodingThread = boolean(field(content, "oneDecodingThread")),
-            .rightEye = decodePath(field(content, "rightEye"))};
+            .rightEye = decodePath(field(content, "rightEye")),
+            .disparityAdjustment = decodeValue(field(content, "disparityAdjustment"))};
+}
+
+LookRequest lookRequest(const Json &content) {
+    LookRequest request{.kind = caseOf(field(content, "kind"), LookRequest::Kind::examine),
+                        .input = string(field(content, "input")),
+                        .language = string(field(content, "language")),
+                        .rightEye = decodePath(field(content, "rightEye")),
+                        .layout = decodeLayout(field(content, "layout"))};
+    if (request.layout.has_value() != (request.kind == LookRequest::Kind::examine))
+        throw ProtocolError("a layout for another look, or none");
+    return request;
 }
 
 } // namespace
@@ -76,10 +91,7 @@ Json encode(const Request &request) {
 Request decodeRequest(const Json &content) {
     const std::string &type = string(field(content, "request"));
     if (type == "look")
-        return LookRequest{.kind = caseOf(field(content, "kind"), LookRequest::Kind::measure),
-                           .input = string(field(content, "input")),
-                           .language = string(field(content, "language")),
-                           .rightEye = decodePath(field(content, "rightEye"))};
+        return lookRequest(content);
     if (type == "convert")
         return convertRequest(content);
     if (type == "cancel")

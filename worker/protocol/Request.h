@@ -20,12 +20,13 @@ namespace lumetwin::worker {
 
 /// Asks for facts about a file. Descriptors: the file; and the file of the right eye, where there is one.
 struct LookRequest {
-    enum class Kind { look, lookClosely, measure }; ///< of MediaOperations
+    enum class Kind { look, lookClosely, measure, examine }; ///< of MediaOperations
 
     Kind kind = Kind::look;
     std::filesystem::path input;
     std::string language; ///< for texts that users read
     std::optional<std::filesystem::path> rightEye = {};
+    std::optional<StereoLayout> layout = {}; ///< for examine
 };
 
 /// Asks for a conversion. Descriptors: the input (read-only), the output; and the file of the right eye, where there is
@@ -39,6 +40,7 @@ struct ConvertRequest {
     std::string language;
     bool oneDecodingThread = false; ///< set after a crash
     std::optional<std::filesystem::path> rightEye = {};
+    std::optional<double> disparityAdjustment = {}; ///< of ConversionInput
 };
 
 /// Asks to stop the conversion.

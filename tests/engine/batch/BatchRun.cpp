@@ -18,6 +18,7 @@ namespace lumetwin::test {
 BatchRun::BatchRun() {
     setTextLocale("en");
     settings->outputFolderURL = output.path();
+    settings->checkStereo = false; // the sources have no pictures
 }
 
 BatchRun::~BatchRun() {
@@ -55,9 +56,10 @@ Outcome BatchRun::convert(const std::string &converter, const media::InputFile &
 }
 
 MediaOperations::Converter BatchRun::converter(const char *name) {
-    return [this, name](const ConversionSettings &given, const media::InputFile &from, const media::OutputFile &to,
+    return [this, name](const ConversionSettings &given, const ConversionInput &from, const media::OutputFile &to,
                         const ConversionControl &control, SystemVersion) {
         EXPECT_EQ(&given, settings.get());
+        adjustments.push_back(from.disparityAdjustment);
         return convert(name, from, to, control);
     };
 }
@@ -71,7 +73,8 @@ MediaOperations BatchRun::operations() {
         return facts;
     };
     return {.look = look,
-            .lookClosely = {},
+            .lookClosely = lookClosely,
+            .examine = examine,
             .measure = {},
             .convertSpatialVideoToSBS = converter("videoToSBS"),
             .convertSBSVideoToSpatial = converter("videoToSpatial"),

@@ -52,7 +52,10 @@ protected:
     std::map<std::string, std::function<void(const ConversionControl *)>> actions;
     VideoProcessor *processor = nullptr; ///< while it runs
     Outcome nextOutcome;                 ///< what the next conversion tells, but for whether it was written
-    bool finishesAllTheSame = false;     ///< the next conversion that is cancelled has written its output before
+    /// The close looks at the files; only for runs that make them.
+    std::function<MediaFacts(const ConversionInput &)> lookClosely;
+    std::function<StereoFindings(const ConversionInput &, const StereoLayout &)> examine;
+    bool finishesAllTheSame = false; ///< the next conversion that is cancelled has written its output before
 
     // What was seen.
     std::vector<Progress> progress;
@@ -61,7 +64,8 @@ protected:
     std::vector<FileResult> results;
     std::vector<std::string> log, failures, converted, calls;
     std::vector<std::pair<std::int64_t, std::int64_t>> frames;
-    std::vector<std::filesystem::path> sources; ///< of the conversions
+    std::vector<std::filesystem::path> sources;     ///< of the conversions
+    std::vector<std::optional<double>> adjustments; ///< of the disparity, chosen for the conversions
 
 private:
     MediaOperations operations();

@@ -190,6 +190,7 @@ TEST_F(ProcessAll, RunsWithoutCallbacks) {
                     return facts;
                 },
             .lookClosely = {},
+            .examine = {},
             .measure = {},
             .convertSpatialVideoToSBS = [](auto &&...) -> Outcome { throw std::runtime_error("no luck"); },
             .convertSBSVideoToSpatial = {},

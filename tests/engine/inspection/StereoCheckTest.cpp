@@ -35,10 +35,10 @@ protected:
     /// The brightness of the frames that are sampled, in steps.
     std::vector<int> sampledSteps(const std::string &name, std::span<const double> positions) const {
         std::vector<int> steps;
-        media::sampleFrames(media::InputFile(file(name)), positions, [&](const Picture &picture) {
+        media::sampleFrames(media::InputFile(file(name)), positions, [&](const media::SampledFrame &frame) {
             // The film has limited range.
             steps.push_back(
-                static_cast<int>(std::lround((((sample(picture, 0, 32, 32) - 16) * 255 / 219.0) - 20) / 4)));
+                static_cast<int>(std::lround((((sample(frame.picture, 0, 32, 32) - 16) * 255 / 219.0) - 20) / 4)));
             return true;
         });
         return steps;
@@ -75,18 +75,59 @@ TEST_F(StereoCheck, examinesFilms) {
     }
 }
 
-TEST_F(StereoCheck, layoutsWithoutOneFrameForBothEyesAreNotExamined) {
+TEST_F(StereoCheck, layoutsThatNoDecoderReadsAreNotExamined) {
     writePicture(besideEachOther(drawnEyes({})), file("a.png"));
-    const StereoLayout layout{.arrangement = EyeArrangement::twoFiles};
+    const StereoLayout layout{.arrangement = EyeArrangement::interleaved};
     EXPECT_EQ(examine(media::InputFile(file("a.png")), layout), StereoFindings());
 }
 
-TEST_F(StereoCheck, examinesEyesOfTheirOwn) {
-    int pairs = 0;
-    const auto next = [&] { return ++pairs > 3 ? media::EyePair<Picture>() : drawnEyes({.far = 1.2}); };
-    const StereoFindings found = examineEyes(next, EyeArrangement::twoStreams);
-    EXPECT_EQ(found.seen, EyeArrangement::twoStreams);
-    EXPECT_NEAR(found.disparity.value().farthest, 1.2, 0.06);
+TEST_F(StereoCheck, examinesTwoPhotos) {
+    const media::EyePair<Picture> eyes = drawnEyes({.width = 1200, .height = 700, .far = 1.4, .near = -0.3});
+    writePicture(eyes.left, file("a_L.jpg"));
+    writePicture(eyes.right, file("a_R.jpg"));
+    const ConversionInput input(media::InputFile(file("a_L.jpg")), media::InputFile(file("a_R.jpg")));
+    StereoLayout layout{.arrangement = EyeArrangement::twoFiles};
+    const StereoFindings found = examine(input, layout);
+    EXPECT_EQ(found.seen, EyeArrangement::twoFiles);
+    EXPECT_NEAR(found.disparity.value().farthest, 1.4, 0.06);
+    layout.rightEyeFirst = true;
+    EXPECT_NEAR(examine(input, layout).disparity.value().nearest, -1.4, 0.06);
+}
+
+TEST_F(StereoCheck, examinesTwoStreamsAndTwoFilms) {
+    std::vector<Picture> left;
+    std::vector<Picture> right;
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        const media::EyePair<Picture> eyes = drawnEyes({.width = 480, .height = 270, .far = 1.2, .seed = seed});
+        left.push_back(eyes.left);
+        right.push_back(eyes.right);
+    }
+    writeFilm(left, file("a_L.mp4"));
+    writeFilm(right, file("a_R.mp4"));
+    const ConversionInput pair(media::InputFile(file("a_L.mp4")), media::InputFile(file("a_R.mp4")));
+    const StereoFindings ofFiles = examine(pair, {.arrangement = EyeArrangement::twoFiles});
+    EXPECT_EQ(ofFiles.seen, EyeArrangement::twoFiles);
+    EXPECT_NEAR(ofFiles.disparity.value().farthest, 1.2, 0.1);
+
+    systemFfmpeg({"-i", file("a_L.mp4").string(), "-i", file("a_R.mp4").string(), "-map", "0:v", "-map", "1:v", "-c",
+                  "copy", file("two.mkv").string()});
+    const StereoFindings ofStreams =
+        examine(media::InputFile(file("two.mkv")), {.arrangement = EyeArrangement::twoStreams});
+    EXPECT_EQ(ofStreams.seen, EyeArrangement::twoStreams);
+    EXPECT_NEAR(ofStreams.disparity.value().farthest, 1.2, 0.1);
+    EXPECT_THROW(examine(media::InputFile(file("a_L.mp4")), {.arrangement = EyeArrangement::twoStreams}),
+                 media::MediaError);
+}
+
+TEST_F(StereoCheck, examinesAMultiPictureFile) {
+    const auto samples = sampleMedia();
+    if (!samples)
+        GTEST_SKIP() << "no sample media";
+    std::filesystem::copy_file(*samples / "other-layouts/Panasonic-DMC-GX8.mpo", file("a.jpg"));
+    const StereoFindings found = examine(media::InputFile(file("a.jpg")), {.arrangement = EyeArrangement::twoPictures});
+    EXPECT_EQ(found.seen, EyeArrangement::twoPictures);
+    EXPECT_TRUE(found.disparity);
+    EXPECT_FALSE(found.probablySwapped);
 }
 
 TEST_F(StereoCheck, filesThatAreNoMediaAreErrors) {
@@ -131,7 +172,7 @@ TEST_F(StereoCheck, samplesARawStream) {
 TEST_F(StereoCheck, stopsSamplingWhenAsked) {
     writeSteps("a.mp4", 40, {"-c:v", "libx264", "-g", "10", "-keyint_min", "10"});
     int taken = 0;
-    media::sampleFrames(media::InputFile(file("a.mp4")), std::array{0.0, 0.4, 0.8}, [&](const Picture &) {
+    media::sampleFrames(media::InputFile(file("a.mp4")), std::array{0.0, 0.4, 0.8}, [&](const media::SampledFrame &) {
         ++taken;
         return false;
     });

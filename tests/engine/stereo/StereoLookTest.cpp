@@ -102,7 +102,8 @@ TEST(StereoLook, mostFramesOfAFilmDecide) {
 
 TEST(StereoLook, comparesTwoPictures) {
     const media::EyePair<Picture> eyes = drawnEyes({.far = 1.2});
-    const StereoFindings found = findings(std::array{lookAtEyes(eyes, EyeArrangement::twoPictures)});
+    const StereoFindings found =
+        findings(std::array{lookAtEyes({eyePlane(eyes.left), eyePlane(eyes.right)}, EyeArrangement::twoPictures)});
     EXPECT_EQ(found.seen, EyeArrangement::twoPictures);
     EXPECT_NEAR(found.disparity.value().farthest, 1.2, 0.06);
 }
