@@ -183,7 +183,8 @@ std::vector<Warning> convert(const ConversionSettings &settings, const Conversio
     Eyes eyes = renderedEyes(settings, layout, *sources, input.path(), cancellation);
     sources.reset();
     cancellation.check();
-    writePair(stereoMetadata(settings, facts, input.disparityAdjustment), std::move(eyes), metadata, output, cancellation);
+    writePair(stereoMetadata(settings, facts, input.disparityAdjustment), std::move(eyes), metadata, output,
+              cancellation);
     return warnings;
 }
 

@@ -80,8 +80,8 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const Conve
 
     // Larger ones would overflow the settings' arithmetic.
     media::MovieWriter::requireSize(output.path(), eye.width, eye.height);
-    media::StereoVideoEncoding encoding =
-        stereoVideoEncoding(settings, eye, source.timing.rate, system, stereoMetadata(settings, facts, input.disparityAdjustment));
+    media::StereoVideoEncoding encoding = stereoVideoEncoding(
+        settings, eye, source.timing.rate, system, stereoMetadata(settings, facts, input.disparityAdjustment));
     encoding.frameRate = source.frameRate();
     encoding.colour = info.track.colour;
     encoding.pixelAspect = eyePixelAspect(layout, outputPixelAspect(settings, info));
