@@ -224,7 +224,9 @@ void addStream(AVFormatContext &input, const InputFile &file, const AVStream &st
         packings.container->isHalf = true;
     else if (packings.container)
         open.push_back(&*packings.container);
-    addShape(file, stream, open);
+    // Elsewhere the shape of a frame has no meaning, as players put it on a sphere.
+    if (packings.projection.empty() || packings.projection == "rect")
+        addShape(file, stream, open);
 }
 
 VideoPackings read(const InputFile &file) {

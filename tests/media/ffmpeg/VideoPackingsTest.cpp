@@ -257,15 +257,20 @@ TEST(VideoPackings, doNotTakeACoverForASecondStream) {
     EXPECT_EQ(written("cover.mp4", {"-disposition:v:1", "attached_pic"}), std::nullopt);
 }
 
+test::Bytes sphericalBox() {
+    using test::box;
+    using test::fullBox;
+    return box("sv3d",
+               test::joined({fullBox("svhd", {0}), box("proj", test::joined({fullBox("prhd", test::Bytes(12, 0)),
+                                                                             fullBox("equi", test::Bytes(16, 0))}))}));
+}
+
 TEST(VideoPackings, nameTheProjection) {
     using test::box;
     using test::fullBox;
     using test::letters;
     const auto usage = [](const char *kind) { return box("vexu", box("proj", fullBox("prji", letters(kind)))); };
-    const test::Bytes spherical =
-        box("sv3d", test::joined({fullBox("svhd", letters("a\0")),
-                                  box("proj", test::joined({fullBox("prhd", test::Bytes(12, 0)),
-                                                            fullBox("equi", test::Bytes(16, 0))}))}));
+    const test::Bytes spherical = sphericalBox();
     const TemporaryFolder folder;
     for (const auto &[added, expected] : std::vector<std::pair<test::Bytes, std::string>>{{usage("rect"), "rect"},
                                                                                           {usage("equi"), "equi"},
@@ -276,6 +281,19 @@ TEST(VideoPackings, nameTheProjection) {
         test::addToSampleEntry(file, added);
         EXPECT_EQ(packingsOf(file).projection, expected);
     }
+}
+
+TEST(VideoPackings, ofSphericalFilmsAreNeverHalf) {
+    const TemporaryFolder folder;
+    const auto film = clip(folder / "a.mp4", 192, 96, {});
+    const auto inMatroska = [&](const std::filesystem::path &from) {
+        return packingsOf(
+            test::remuxed(from, folder / "b.mkv", {"-aspect", "4", "-metadata:s:v", "stereo_mode=left_right"}));
+    };
+    EXPECT_EQ(inMatroska(film).container, half(sideBySide));
+    test::addToSampleEntry(film, sphericalBox());
+    EXPECT_EQ(inMatroska(film).container, sideBySide);
+    EXPECT_EQ(inMatroska(film).projection, "equi");
 }
 
 TEST(VideoPackings, ofDamagedFilesAreNone) {
