@@ -59,8 +59,8 @@ public:
 
     /// Reads the file's first image with its full sample depth: JPEG as Y'CbCr planes if it is coded so, everything
     /// else as grey or RGB. Transparent pixels are drawn on black. CMYK is converted to sRGB. The orientation from Exif
-    /// is not applied; the transformations of HEIF are. Throws MediaError for damaged, truncated, oversized and
-    /// unsupported files, and Cancelled when cancelled.
+    /// is not applied; the transformations of HEIF are. Columns between the two eyes of a PNG file are left out. Throws
+    /// MediaError for damaged, truncated, oversized and unsupported files, and Cancelled when cancelled.
     StillImage read(const Cancellation &cancellation = {}) const;
 
 private:

@@ -132,7 +132,10 @@ private:
 } // namespace
 
 StillHeaders readPngHeaders(const bmff::Source &source) {
-    return ChunkReader(source).run();
+    StillHeaders headers = ChunkReader(source).run();
+    if (headers.packing)
+        headers.width -= columnsBetweenEyes(headers.width);
+    return headers;
 }
 
 int columnsBetweenEyes(int width) {

@@ -6,7 +6,8 @@
 
 namespace lumetwin::media::images {
 
-/// Reads the chunks of a PNG file besides its samples. Damage ends the list. Compressed XMP is not read: writers do not
+/// Reads the chunks of a PNG file besides its samples. The width of a file with sTER is that of its two eyes. Damage
+/// ends the list. Compressed XMP is not read: writers do not
 /// compress it.
 StillHeaders readPngHeaders(const bmff::Source &source);
 

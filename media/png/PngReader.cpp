@@ -4,6 +4,7 @@
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
 #include "media/png/PngErrors.h"
+#include "media/png/PngHeaders.h"
 #include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
@@ -160,6 +161,19 @@ ImageMetadata metadataIn(Decoder &decoder, int channels) {
     return metadata;
 }
 
+/// The picture without the columns between the two eyes of a file with sTER, so that each half is one eye.
+Picture withoutColumnsBetween(const Picture &picture) {
+    const int columns = columnsBetweenEyes(picture.width);
+    const int eye = (picture.width - columns) / 2;
+    const std::size_t sampleSize = picture.format.depth > 8 ? 2 : 1;
+    for (int plane = 0; plane < picture.format.planeCount(); ++plane)
+        for (int y = 0; y < picture.height; ++y) {
+            std::uint8_t *second = planeRow<std::uint8_t>(picture, plane, y) + sampleSize * eye;
+            std::memmove(second, second + sampleSize * columns, sampleSize * eye);
+        }
+    return cropped(picture, 0, 0, 2 * eye, picture.height);
+}
+
 } // namespace
 
 StillImage readPng(const InputFile &file, const Cancellation &cancellation) {
@@ -182,6 +196,8 @@ StillImage readPng(const InputFile &file, const Cancellation &cancellation) {
     else
         readInterlaced(decoder, layout, image.picture, passes);
     image.metadata = metadataIn(decoder, colours);
+    if (readPngHeaders(*bmff::openFile(file)).packing && columnsBetweenEyes(image.picture.width) > 0)
+        image.picture = withoutColumnsBetween(image.picture);
     return image;
 }
 

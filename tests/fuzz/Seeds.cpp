@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Writes small well-formed files for the fuzz targets to begin with: seeds FOLDER
 #include "tests/media/heif/HeifBuilder.h"
+#include "tests/support/JpegBuilder.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -158,6 +159,56 @@ Bytes jpegWithExtras() {
     return joined({head, xmp, segment(0xE2, joined({letters("MPF"), u8(0), index})), end, head, second, end});
 }
 
+/// A JPEG file's headers without samples: a frame of 4 x 3.
+Bytes jpegHeaders() {
+    return joined(
+        {{0xFF, 0xD8}, jpegSegment(0xC0, joined({u8(8), u16(3), u16(4), u8(1), {1, 0x11, 0}})), {0xFF, 0xD9}});
+}
+
+Bytes multiPicture(bool bigEndian) {
+    const TiffBuilder tiff{bigEndian};
+    const std::vector<TiffField> own{tiff.fraction(0xB205, -3, 2, 10), tiff.fraction(0xB206, 77, 1000)};
+    MultiPictureBuilder builder{
+        tiff, {{jpegHeaders(), PicturePart::eye, 2, own}, {jpegHeaders(), PicturePart::eye, 1, own}}, 3, {}, {}};
+    builder.parts.push_back({jpegHeaders(), 0x010001, {}, {}});
+    return builder.file();
+}
+
+/// Exif of a lens: the focal length on film, or the resolution of the focal plane.
+std::vector<Bytes> lenses() {
+    const TiffBuilder tiff{true};
+    const auto exif = [&](const std::vector<TiffField> &fields) {
+        return tiff.structure({{tiff.longField(0x8769, 26)}, fields});
+    };
+    return {exif({tiff.longField(0xA405, 35)}),
+            exif({tiff.fraction(0x920A, 24, 10), tiff.fraction(0xA20E, 1000, 1), tiff.longField(0xA210, 3)})};
+}
+
+std::vector<Bytes> stereoSegments() {
+    const TiffBuilder tiff{false};
+    const Bytes stim = stimBlock(tiff, {tiff.byteField(2, 1), tiff.fraction(18, 65, 1)});
+    std::vector<Bytes> seeds = lenses();
+    seeds.insert(seeds.end(), {jpsBlock(6, 2), jpsBlock(1, 3), stim, withSegment(jpegHeaders(), 0xE3, jpsBlock(4, 2)),
+                               withSegment(jpegHeaders(), 0xE3, stim)});
+    return seeds;
+}
+
+/// PNG chunks with stereo, Exif and XMP; only the checksum that is asked is right.
+Bytes pngHeaders() {
+    const auto chunk = [](std::string_view type, const Bytes &data, std::uint32_t checksum = 0) {
+        return joined({u32(static_cast<std::uint32_t>(data.size())), letters(type), data, u32(checksum)});
+    };
+    const Bytes packet = joined({letters("XML:com.adobe.xmp"), Bytes(5, 0), letters("<a/>")});
+    return joined({{0x89},
+                   letters("PNG\r\n\x1A\n"),
+                   chunk("IHDR", joined({u32(25), u32(9), {8, 2, 0, 0, 0}})),
+                   chunk("sTER", {1}, 0xB5E4B59C),
+                   chunk("eXIf", letters("II")),
+                   chunk("IDAT", {}),
+                   chunk("iTXt", packet),
+                   chunk("IEND", {})});
+}
+
 void write(const std::filesystem::path &folder, const std::vector<Bytes> &files) {
     std::filesystem::create_directories(folder);
     int number = 0;
@@ -178,6 +229,9 @@ int main(int count, char **arguments) {
     write(folder / "heif_file", {stereoGrids().file(), describedPair().file(), wideTables()});
     write(folder / "jpeg_extras", {jpegWithExtras()});
     write(folder / "frame_packing", packedStreams());
+    write(folder / "multi_picture", {multiPicture(false), multiPicture(true)});
+    write(folder / "stereo_segments", stereoSegments());
+    write(folder / "png_headers", {pngHeaders()});
     write(folder / "exif", {exifBlock()});
     write(folder / "xmp", {xmpPacket(), packetWithExtras()});
     return 0;

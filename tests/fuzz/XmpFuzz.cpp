@@ -12,6 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string corrected = correctedXmp(packet, 640, 480);
     if (correctedXmp(corrected, 640, 480) != corrected)
         std::abort();
+    xmpPanorama(packet);
     const lumetwin::media::PhotoExtras before = xmpExtras(packet);
     const lumetwin::media::PhotoExtras after = xmpExtras(corrected);
     if (after.gainMap > before.gainMap || after.depthMap > before.depthMap || after.film > before.film)
