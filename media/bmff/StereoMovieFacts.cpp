@@ -52,6 +52,11 @@ private:
         return Fields(bytes);
     }
 
+    /// For boxes that are left out where they are damaged.
+    static bool isReadable(const Box &box, std::uint64_t least) {
+        return box.payloadSize() >= least && box.payloadSize() <= largestPayload;
+    }
+
     /// The number after a full box's version and flags.
     std::uint32_t fullBoxNumber(const Box &box) {
         std::vector<std::uint8_t> bytes;
@@ -130,7 +135,7 @@ private:
                 facts.multilayer = true;
             else if (box.type == fourCC("mvcC"))
                 facts.multiviewAvc = true;
-            else if (box.type == fourCC("st3d"))
+            else if (box.type == fourCC("st3d") && isReadable(box, 5))
                 facts.frameMode = fullBoxByte(box);
         }
     }
@@ -183,7 +188,7 @@ private:
     /// The four characters in a full box of that type; empty when the parent has none.
     std::string codeIn(const Box &parent, std::uint32_t type) {
         const auto box = child(parent, type);
-        if (!box)
+        if (!box || !isReadable(*box, 8))
             return {};
         const std::uint32_t code = fullBoxNumber(*box);
         std::string characters;

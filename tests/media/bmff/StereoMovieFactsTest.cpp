@@ -60,6 +60,25 @@ TEST(MovieFacts, readsWhatAStereoTrackAnnounces) {
     }
 }
 
+TEST(MovieFacts, readsHowAFrameHoldsTwoEyes) {
+    const Bytes pack = box("pack", fullBox("pkin", letters("over")));
+    for (const Bytes &usage : {box("vexu", pack), box("vexu", box("eyes", joined({fullBox("stri", {11}), pack})))})
+        EXPECT_EQ(factsOf(movie(track("vide", entry(usage)))).packing, "over");
+    const StereoMovieFacts facts =
+        factsOf(movie(track("vide", entry(joined({fullBox("st3d", {2}), box("mvcC", Bytes(8, 1))})))));
+    EXPECT_EQ(facts.frameMode, 2);
+    EXPECT_TRUE(facts.multiviewAvc);
+}
+
+TEST(MovieFacts, damagedBoxesOfTheFrameDoNotHideTheOthers) {
+    for (const Bytes &damaged : {fullBox("st3d", {}), fullBox("st3d", Bytes(100, 2))}) {
+        const StereoMovieFacts facts = factsOf(movie(track("vide", entry(joined({damaged, stereoBoxes(7)})))));
+        EXPECT_FALSE(facts.frameMode);
+        EXPECT_EQ(facts.baseline, 7u);
+    }
+    EXPECT_EQ(factsOf(movie(track("vide", entry(box("vexu", box("pack", {})))))).packing, "");
+}
+
 TEST(MovieFacts, knowsAProtectedSampleEntryWhereverItStands) {
     EXPECT_FALSE(factsOf(movie(track("vide", joined({entry({}), entry({})}), 2))).encrypted);
     EXPECT_TRUE(factsOf(movie(track("vide", entry({}, "encv")))).encrypted);
