@@ -66,7 +66,9 @@ MediaFacts videoFacts(const media::InputFile &file) {
     const media::StereoMovieFacts stereo = media::readStereoMovieFacts(file);
     MediaFacts facts;
     facts.isReadable = stereo.hasSampleDescription;
-    facts.isSpatial = stereo.hasVideoTrack && stereo.hasSampleDescription && stereo.anyBaseline;
+    // A file that packs both eyes into one picture is no spatial one, whatever it says of its cameras.
+    const bool isPacked = stereo.packing == "side" || stereo.packing == "over";
+    facts.isSpatial = stereo.hasVideoTrack && stereo.hasSampleDescription && stereo.anyBaseline && !isPacked;
     facts.values = {scaled(stereo.horizontalFieldOfView, 1000.0), scaled(stereo.baseline, 1000.0),
                     scaled(stereo.disparityAdjustment, 100.0)};
     facts.hasLeftEye = stereo.eyes.value_or(0) & leftEyeBit;
