@@ -33,15 +33,16 @@ public:
     /// The standard deviation of a block's samples.
     double deviation(int x, int y) const;
 
-    /// The best place of another plane's block. The first of equal ones.
+    /// The best place of another plane's block. The first of equal ones. found() then gives all correlations.
     Place best(const LumaPlane &other, int x, int y, const Area &area);
+    /// The correlations of the latest search with each place of its area, row by row.
+    const std::vector<float> &found() const { return found_; }
     /// The highest correlation of a block of this plane with places at least `distance` columns beside it, up to
     /// `reach`.
     double likeness(int x, int y, int distance, int reach);
-    /// The correlation of another plane's block with each place of an area, row by row.
-    const std::vector<float> &correlations(const LumaPlane &other, int x, int y, const Area &area);
 
 private:
+    const std::vector<float> &correlations(const LumaPlane &other, int x, int y, const Area &area);
     double sum(const std::vector<double> &integral, int x, int y) const;
     void takeBlock(const LumaPlane &from, int x, int y);
     void correlateRow(int y, int left, int count, float *target);

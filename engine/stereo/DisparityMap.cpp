@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
 
 namespace lumetwin {
 
@@ -61,7 +62,7 @@ private:
     Found finest(const EyeSearch &other, int x, int y, const BlockSearch::Area &area) {
         const BlockSearch::Place best = full_.best(other.full(), x, y, area);
         Found found{static_cast<double>(best.x), static_cast<double>(best.y), best.correlation};
-        const std::vector<float> &all = full_.correlations(other.full(), x, y, area);
+        const std::vector<float> &all = full_.found();
         const int columns = area.right - area.left + 1;
         const auto at = [&](int column, int row) {
             return static_cast<double>(all[static_cast<std::size_t>(row - area.top) * columns + column - area.left]);
@@ -97,7 +98,7 @@ BlockMatch match(EyeSearch &left, EyeSearch &right, int x, int y) {
     block.correlation = found.correlation;
     block.disparity = found.x - x;
     block.vertical = found.y - y;
-    block.returns = leadsBack(left, right, x, y, found);
+    block.returns = found.correlation >= leastCorrelation && leadsBack(left, right, x, y, found);
     return block;
 }
 
@@ -110,16 +111,24 @@ DisparityMap disparityMap(const LumaPlane &left, const LumaPlane &right) {
         return map;
     const LumaPlane leftHalf = halved(left);
     const LumaPlane rightHalf = halved(right);
-    EyeSearch leftSearch(left, leftHalf);
-    EyeSearch rightSearch(right, rightHalf);
     const int columns = left.width / blockSize;
     const int rows = left.height / blockSize;
     const int marginX = (left.width - columns * blockSize) / 4 * 2;
     const int marginY = (left.height - rows * blockSize) / 4 * 2;
-    for (int row = 0; row < rows; ++row)
-        for (int column = 0; column < columns; ++column)
-            map.blocks.push_back(
-                match(leftSearch, rightSearch, marginX + column * blockSize, marginY + row * blockSize));
+    const auto matchRows = [&](int first, int end) {
+        EyeSearch leftSearch(left, leftHalf);
+        EyeSearch rightSearch(right, rightHalf);
+        std::vector<BlockMatch> blocks;
+        for (int row = first; row < end; ++row)
+            for (int column = 0; column < columns; ++column)
+                blocks.push_back(
+                    match(leftSearch, rightSearch, marginX + column * blockSize, marginY + row * blockSize));
+        return blocks;
+    };
+    auto lower = std::async(std::launch::async, matchRows, rows / 2, rows);
+    map.blocks = matchRows(0, rows / 2);
+    const std::vector<BlockMatch> others = lower.get();
+    map.blocks.insert(map.blocks.end(), others.begin(), others.end());
     return map;
 }
 

@@ -7,6 +7,9 @@
 
 namespace lumetwin {
 
+/// A block that correlates less with its best place was not found.
+inline constexpr double leastCorrelation = 0.75;
+
 /// Where a block of the left eye's picture is in the right eye's. Lengths are in pixels of the planes.
 struct BlockMatch {
     double x = 0; ///< centre of the block in the left eye
@@ -16,7 +19,7 @@ struct BlockMatch {
     double correlation = 0; ///< of the best place, -1 to 1
     double disparity = 0;   ///< x in the right eye minus x in the left eye; positive: behind the screen
     double vertical = 0;    ///< y in the right eye minus y in the left eye; positive: lower in the right eye
-    bool returns = false;   ///< the place that was found leads back to the block
+    bool returns = false;   ///< the place that was found correlates and leads back to the block
 };
 
 /// The blocks of a pair of eyes, side by side without overlap.
@@ -28,7 +31,7 @@ struct DisparityMap {
 
 /// Compares two planes of one size, about 512 wide: blocks of 24 × 24 by zero-mean normalised cross-correlation, first
 /// at half the size, from left to right and back. The search reaches 10 % of the width horizontally and 1.6 % of it
-/// vertically. No blocks when the planes are too small or differ in size.
+/// vertically. On two threads. No blocks when the planes are too small or differ in size.
 DisparityMap disparityMap(const LumaPlane &left, const LumaPlane &right);
 
 } // namespace lumetwin

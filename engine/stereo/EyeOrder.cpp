@@ -132,10 +132,14 @@ EyeOrderCues eyeOrderCues(const media::EyePair<LumaPlane> &planes, const StereoE
     return cues;
 }
 
+bool mayBeSwapped(const EyeOrderCues &cues) {
+    return cues.slope <= -leastSlope;
+}
+
 bool areSwapped(std::span<const EyeOrderCues> cues) {
     double certainty = 0;
     for (const EyeOrderCues &cue : cues) {
-        if (cue.slope > -leastSlope || cue.occlusion > -leastOcclusion)
+        if (!mayBeSwapped(cue) || cue.occlusion > -leastOcclusion)
             return false;
         certainty += cue.certainty;
     }

@@ -22,6 +22,9 @@ struct EyeOrderCues {
 
 EyeOrderCues eyeOrderCues(const media::EyePair<LumaPlane> &planes, const StereoEvidence &evidence);
 
+/// Whether the slope alone allows that the eyes are swapped.
+bool mayBeSwapped(const EyeOrderCues &cues);
+
 /// Whether both cues of each look at a file say that its eyes are swapped, and the looks together are certain.
 bool areSwapped(std::span<const EyeOrderCues> cues);
 

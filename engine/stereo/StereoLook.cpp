@@ -38,7 +38,9 @@ media::EyePair<LumaPlane> planesOf(const media::Picture &frame, const StereoLayo
 void lookAtPlanes(const media::EyePair<LumaPlane> &planes, StereoLook &look) {
     const DisparityMap map = disparityMap(planes.left, planes.right);
     look.evidence = stereoEvidence(map);
-    if (look.evidence.isStereo())
+    // The other cue takes longer, and tells nothing without this one.
+    look.order.slope = look.evidence.slope;
+    if (look.evidence.isStereo() && mayBeSwapped(look.order))
         look.order = eyeOrderCues(planes, look.evidence);
 }
 
