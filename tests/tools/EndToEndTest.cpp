@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the program on media that the media stack's ffmpeg draws.
+#include "tests/support/StereoScenes.h"
 #include "tests/support/TestMedia.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <set>
 #include <unistd.h>
@@ -311,6 +313,43 @@ TEST_F(EndToEnd, FullDiskIsReportedAndTheBatchGoesOn) {
                                          "  b.mp4: Cannot write b_spatial.mov: File too large\n"));
     EXPECT_EQ(outputs(), (std::set<std::string>{"a_spatial.mov.partial", "b_spatial.mov.partial"}))
         << "what was written so far, and nothing under a finished name";
+}
+
+TEST_F(EndToEnd, ADryRunWarnsAndWritesNothing) {
+    writePicture(besideEachOther(drawnEyes({.far = 3})), in("a.jpg"));
+    const std::string report = folder / "report.json";
+    const ProgramResult result = batch({"--dry-run", "--strict", "--direction", "sbsToSpatial", "--report", report,
+                                        "--output", folder / "out", in("a.jpg")});
+    EXPECT_EQ(result.status, 1) << "there are warnings";
+    EXPECT_THAT(result.output, HasSubstr("a.jpg would be converted\n  Warning: Its far parts are 3.0%"));
+    EXPECT_THAT(result.output, HasSubstr("Would be converted: 1 (1 with warnings)"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "out"));
+    const nlohmann::json file = nlohmann::json::parse(readFile(report))["files"][0];
+    EXPECT_EQ(file["state"], "wouldBeConverted");
+    EXPECT_EQ(file["output"], nullptr);
+    EXPECT_EQ(file["warnings"][0]["kind"], "tooFarBehind");
+    EXPECT_NEAR(file["disparity"]["farthest"].get<double>(), 3, 0.1);
+}
+
+TEST_F(EndToEnd, TheDisparityAdjustmentIsChosenFromThePicture) {
+    writePicture(besideEachOther(drawnEyes({.far = -0.5, .near = -1})), in("a.jpg"));
+    const ProgramResult result = batch(
+        {"--disparity-adjustment", "auto", "--direction", "sbsToSpatial", "--output", folder / "out", in("a.jpg")});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("Note: Disparity adjustment, chosen from the picture: 2.5"));
+    const std::string json = output({LUMETWIN_BATCH, "inspect", "--json", out("a_spatial.heic")});
+    EXPECT_NEAR(nlohmann::json::parse(json)[0]["disparityAdjustment"].get<double>(), 2.5, 0.06);
+}
+
+TEST_F(EndToEnd, ThePictureNeverChangesALayout) {
+    writePicture(aboveEachOther(drawnEyes({.width = 512, .height = 256})), in("a.png"));
+    const ProgramResult result = batch({"--direction", "sbsToSpatial", "--output", folder / "out", in("a.png")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, HasSubstr("Warning: Its picture looks like: over-under."));
+    EXPECT_THAT(output({stackProgram("heif-info"), out("a_spatial.heic")}), HasSubstr("256x512")); // side by side
+    const ProgramResult quiet =
+        batch({"--no-check-stereo", "--direction", "sbsToSpatial", "--output", folder / "out", in("a.png")});
+    EXPECT_THAT(quiet.output, Not(HasSubstr("Warning")));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/StereoScenes.h"
 #include "tests/support/TestMedia.h"
 
 #include <gmock/gmock.h>
@@ -93,6 +94,27 @@ TEST_F(Inspect, JsonIsAnArrayWithAnObjectForEachFile) {
         << result.output << judged.errors;
 }
 
+TEST_F(Inspect, TellsWhatThePictureLooksLike) {
+    const std::string photo = folder / "a.jpg";
+    writePicture(besideEachOther(drawnEyes({.far = 3, .near = -0.5, .things = 3})), photo);
+    const ProgramResult result = inspect({photo});
+    EXPECT_THAT(result.output, HasSubstr("  Disparity in the picture: near -"));
+    EXPECT_THAT(result.output, HasSubstr("  Warning: Its far parts are 3.0% of the width behind the screen."));
+    const nlohmann::json picture = nlohmann::json::parse(inspect({"--json", photo}).output)[0]["picture"];
+    EXPECT_EQ(picture["seen"], "sideBySide");
+    EXPECT_EQ(picture["level"], true);
+    EXPECT_EQ(picture["flat"], false);
+    EXPECT_EQ(picture["probablySwapped"], false);
+    EXPECT_NEAR(picture["disparity"]["farthest"].get<double>(), 3, 0.1);
+    EXPECT_EQ(picture["warnings"], nlohmann::json::array({"tooFarBehind"}));
+}
+
+TEST_F(Inspect, NamesTheLayoutThatThePictureHas) {
+    const std::string photo = folder / "a.png";
+    writePicture(aboveEachOther(drawnEyes()), photo);
+    EXPECT_THAT(inspect({photo}).output, HasSubstr("  Warning: Its picture looks like: over-under."));
+}
+
 TEST_F(Inspect, RealSpatialMovie) {
     const auto samples = sampleMedia();
     if (!samples)
@@ -111,6 +133,9 @@ TEST_F(Inspect, RealSpatialMovie) {
                                       {"horizontalFOV", 64},
                                       {"stereoBaseline", 19.24},
                                       {"disparityAdjustment", 2},
+                                      {"layout", nullptr},
+                                      {"otherLayout", nullptr},
+                                      {"picture", nullptr},
                                       {"leftEye", true},
                                       {"rightEye", true},
                                       {"heroEye", nullptr},

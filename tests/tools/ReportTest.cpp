@@ -60,7 +60,9 @@ TEST_F(Report, DescribesTheRunAndItsFiles) {
     EXPECT_EQ(document["settings"]["onExisting"], "keep-both");
     EXPECT_EQ(document["settings"]["resizeWidth"], 1920);
     EXPECT_EQ(document["settings"]["sbsOutputFormat"], "mp4H264");
-    EXPECT_EQ(document["totals"], json::parse(R"({"files": 5, "converted": 3, "convertedWithWarnings": 1, "skipped": 1,
+    EXPECT_EQ(
+        document["totals"],
+        json::parse(R"({"files": 5, "converted": 3, "wouldBeConverted": 0, "convertedWithWarnings": 1, "skipped": 1,
         "upToDate": 0, "failed": 1, "cancelled": 0, "notReached": 0})"));
     EXPECT_THAT(states(document), ElementsAre("converted", "failed", "converted", "skipped", "convertedWithWarnings"));
 }
@@ -81,17 +83,21 @@ TEST_F(Report, DescribesEachFile) {
                       {"text", "The data is damaged or ends early: 90 frames written, 120 expected."}};
     const json frames{{"written", 90}, {"expected", 120}};
     EXPECT_EQ(files[0], (json{{"input", place("in/a.mov")},
+                              {"rightEye", nullptr},
                               {"output", place("out/a_sbs.mp4")},
                               {"state", "converted"},
                               {"reason", nullptr},
                               {"warnings", json::array()},
+                              {"disparity", nullptr},
                               {"frames", frames},
                               {"bytes", 9}}));
     EXPECT_EQ(files[1], (json{{"input", place("in/fail.heic")},
+                              {"rightEye", nullptr},
                               {"output", nullptr},
                               {"state", "failed"},
                               {"reason", "acted failure"},
                               {"warnings", json::array()},
+                              {"disparity", nullptr},
                               {"frames", nullptr},
                               {"bytes", nullptr}}));
     EXPECT_EQ(files[2]["frames"], nullptr) << "of a photo";
