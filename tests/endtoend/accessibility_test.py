@@ -105,9 +105,9 @@ def check_forms(scene, program):
     sound, resizing = "option.copy.audio", "option.enable.resize"
     check_form(scene, program, 16, to_sbs, sound)
     program.press("radio button", scene[to_spatial])
-    check_form(scene, program, 18, to_spatial, sound)
+    check_form(scene, program, 19, to_spatial, sound)
     program.press("check box", scene[resizing])
-    check_form(scene, program, 21, to_spatial, sound, resizing)
+    check_form(scene, program, 22, to_spatial, sound, resizing)
     program.press("check box", scene[sound])
     program.press("radio button", scene[to_sbs])
     check_form(scene, program, 19, to_sbs, resizing)

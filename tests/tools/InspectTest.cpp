@@ -139,6 +139,9 @@ TEST_F(Inspect, RealSpatialMovie) {
                                       {"leftEye", true},
                                       {"rightEye", true},
                                       {"heroEye", nullptr},
+                                      {"layout", nullptr},
+                                      {"otherLayout", nullptr},
+                                      {"picture", nullptr},
                                       {"projection", "rect"},
                                       {"multilayer", true}}}));
 }

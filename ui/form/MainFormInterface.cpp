@@ -217,7 +217,7 @@ void MainViewController::buildSpatialOptions() {
                             "layout.choice.over.under", "layout.choice.over.under.half", "layout.choice.two.pictures",
                             "layout.choice.two.streams", "layout.choice.two.files"})
         inputLayoutPopup->addItem(localizedText(key));
-    setCaption(caption(lblInputLayout, text("option.input.layout"), view, 'l'), inputLayoutPopup);
+    setCaption(caption(lblInputLayout, text("option.input.layout"), view, 'i'), inputLayoutPopup);
     inputLayoutPopup->setToolTip(localizedText("option.input.layout.help"));
     connect(inputLayoutPopup, &QComboBox::currentIndexChanged, this, &MainViewController::inputLayoutChanged);
     fovSlider = slider("fovSlider", fovRange, caption(lblFOV, text("option.fov"), view, 'h'));

@@ -149,8 +149,10 @@ TEST_F(PhotoLayouts, theSampleOfACameraWithTwoLenses) {
     convert(media::InputFile(layouts / "Panasonic-DMC-GX8.mpo"));
     const std::vector<Raster> eyes = decodedByJudge(folder / "out.heic");
     ASSERT_EQ(eyes.size(), 2U);
-    EXPECT_GT(psnr(eyes[0], readWithMagick(layouts / "Panasonic-DMC-GX8-left.jpg")), 30);
-    EXPECT_GT(psnr(eyes[1], readWithMagick(layouts / "Panasonic-DMC-GX8-right.jpg")), 30);
+    // The pictures beside it have lost their last row.
+    const auto withoutLastRow = [](const Raster &eye) { return part(eye, 0, 0, eye.width, eye.height - 1); };
+    EXPECT_GT(psnr(withoutLastRow(eyes[0]), readWithMagick(layouts / "Panasonic-DMC-GX8-left.jpg")), 30);
+    EXPECT_GT(psnr(withoutLastRow(eyes[1]), readWithMagick(layouts / "Panasonic-DMC-GX8-right.jpg")), 30);
 }
 
 } // namespace
