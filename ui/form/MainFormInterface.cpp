@@ -212,12 +212,13 @@ void MainViewController::buildSpatialOptions() {
         made->setAccessibleName(caption->accessibleName());
         return made;
     };
+    caption(lblInputLayout, text("option.input.layout"), view, 'i');
     inputLayoutPopup = withName(new QComboBox(view), "inputLayoutPopup");
     for (const char *key : {"layout.choice.automatic", "layout.choice.side.by.side", "layout.choice.side.by.side.half",
                             "layout.choice.over.under", "layout.choice.over.under.half", "layout.choice.two.pictures",
                             "layout.choice.two.streams", "layout.choice.two.files"})
         inputLayoutPopup->addItem(localizedText(key));
-    setCaption(caption(lblInputLayout, text("option.input.layout"), view, 'i'), inputLayoutPopup);
+    setCaption(lblInputLayout, inputLayoutPopup);
     inputLayoutPopup->setToolTip(localizedText("option.input.layout.help"));
     connect(inputLayoutPopup, &QComboBox::currentIndexChanged, this, &MainViewController::inputLayoutChanged);
     fovSlider = slider("fovSlider", fovRange, caption(lblFOV, text("option.fov"), view, 'h'));

@@ -162,7 +162,7 @@ TEST_P(FormAccessibility, EveryControlOfTheFormHasNameAndValue) {
     forEachState([this] {
         const AccessibleObjects controls = focusableControls(*form);
         EXPECT_EQ(controls.size(), 16U + (form->settings->enableResize ? 3 : 0) +
-                                       (form->settings->direction == ConversionDirection::sbsToSpatial ? 2 : 0));
+                                       (form->settings->direction == ConversionDirection::sbsToSpatial ? 3 : 0));
         expectNamesAndValues(controls);
     });
 }
@@ -180,8 +180,9 @@ TEST_P(FormAccessibility, NamesAreInTheLanguageOfTheUser) {
 TEST_P(FormAccessibility, CaptionsNameTheirControls) {
     find<QCheckBox>("enableResizeCheck").setChecked(true);
     find<QRadioButton>("sbsToSpatialButton").setChecked(true);
-    for (const char *name : {"fovField", "disparityField", "baselineField", "resizeWidthField", "resizeHeightField",
-                             "formatPopup", "photoFormatPopup", "compressionSlider", "resizeModePopup"}) {
+    for (const char *name :
+         {"fovField", "disparityField", "baselineField", "resizeWidthField", "resizeHeightField", "inputLayoutPopup",
+          "formatPopup", "photoFormatPopup", "compressionSlider", "resizeModePopup"}) {
         const auto captions = accessible(find<QWidget>(name)).relations(QAccessible::Label);
         ASSERT_EQ(captions.size(), 1) << name;
         EXPECT_EQ(captions.front().first->text(QAccessible::Name), find<QWidget>(name).accessibleName());
