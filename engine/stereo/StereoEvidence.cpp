@@ -11,8 +11,8 @@ namespace lumetwin {
 
 namespace {
 
-constexpr int leastBlocks = 25;           ///< distinct blocks that show two eyes
-constexpr int fewestBlocks = 8;           ///< fewer say nothing
+constexpr int leastBlocks = 25;       ///< distinct blocks that show two eyes
+constexpr int fewestBlocks = 8;       ///< fewer say nothing
 constexpr double verticalSlack = 1.2; ///< pixels by which the vertical offset of a block may differ from the others'
 constexpr int fittings = 5;
 constexpr double aroundBlock = 40.0; ///< pixels: the distance of the eight blocks around a block, and a little more
