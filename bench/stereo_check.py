@@ -9,10 +9,10 @@ the command line. ImageMagick draws and crops.
     cmake --build --preset release --target lumetwin-stereo-check
     python3 bench/stereo_check.py [FOLDER WITH PHOTOS]...
 """
+import collections
 import json
 import os
 import pathlib
-import random
 import subprocess
 import sys
 import tempfile
@@ -21,7 +21,6 @@ from measure import BATCH, BUILD, SOURCE, run
 
 CHECK = BUILD / "lumetwin-stereo-check"
 SAMPLES = pathlib.Path(os.environ.get("LUMETWIN_SAMPLES", SOURCE.parent / "shared/samples"))
-SCENES = 60
 PHOTOS = {".jpg", ".jpeg", ".png", ".webp"}
 
 
@@ -61,8 +60,10 @@ def draw_ordinary(folder):
                  "+repage")
     words = "it was a dark night and rain fell in torrents except when it was checked by a violent gust of wind".split()
     for seed in range(30):
-        text = " ".join(words[(i * (seed + 3) + i * i) % len(words)] for i in range(40 + 8 * seed))
-        draw(f"text{seed}", "-size", "960x540", "-background", "white", "-fill", "black", f"caption:{text}")
+        text = "\n".join(" ".join(words[(i * (seed + 3) + i * i) % len(words)] for i in range(line, line + 16))
+                          for line in range(30))
+        draw(f"text{seed}", "-size", "960x540", "xc:white", "-fill", "black", "-pointsize", 12 + seed % 15, "-annotate",
+             "+10+30", text)
     for seed in range(40):
         half = folder / "half.png"
         magick("-seed", 100 + seed, "-size", "480x540", "plasma:fractal", "-attenuate", 0.5, "+noise", "gaussian", half)
@@ -110,43 +111,6 @@ def stereo_samples(folder):
     return files + sorted(folder.glob("*_sbs.*")) + [folder / "two-pictures.jpg"]
 
 
-def draw_scene(folder, seed, hanging):
-    """A wall, a floor before it, and things on the floor, as two eyes see them; or all upside down."""
-    numbers = random.Random(seed)
-    width, height = 1280, 720
-    far, near = numbers.randint(0, 25), -numbers.randint(5, 30)  # pixels of disparity
-    texture = folder / "texture.png"
-    magick("-seed", seed, "-size", "1600x1600", "plasma:fractal", "-attenuate", 0.8, "+noise", "gaussian", "-blur", "0x1",
-           "-auto-level", texture)
-    horizon = height // 2
-    floor = [(y, round(far + (near - far) * (y - horizon) / (height - horizon))) for y in range(horizon, height, 8)]
-    layers = [(0, 0, width, horizon, 100, 0, far)]  # left, top, size, place in the texture, disparity
-    layers += [(0, y, width, 8, 120, y, disparity) for y, disparity in floor]
-    things = []
-    for _ in range(numbers.randint(5, 12)):
-        bottom, disparity = numbers.choice(floor[8:])
-        size = numbers.randint(70, 220), numbers.randint(120, 320)
-        things.append((numbers.randint(0, width) - size[0] // 2, bottom - size[1], *size, numbers.randint(200, 1300),
-                       numbers.randint(0, 1200), disparity))
-    layers += sorted(things, key=lambda thing: thing[1] + thing[3])  # far ones first
-    shades = [100 if index <= len(floor) else numbers.choice((60, 80, 125, 145)) for index in range(len(layers))]
-    eyes = []
-    for eye in (0, 1):
-        words = []
-        for (left, top, wide, high, x, y, disparity), shade in zip(layers, shades):
-            shift = eye * disparity
-            is_wall = wide == width  # its texture moves, and it fills the picture
-            crop = f"{wide}x{high}+{x - shift if is_wall else x}+{y}"
-            place = f"{left if is_wall else left + shift:+}{top:+}"
-            words += ["(", texture, "-crop", crop, "+repage", "-modulate", shade, ")", "-geometry", place, "-composite"]
-        turn = ["-flip"] if hanging else []
-        magick("-size", f"{width}x{height}", "xc:gray", *words, *turn, folder / f"eye{eye}.png")
-        eyes.append(folder / f"eye{eye}.png")
-    target = folder / f"scene{seed}{'-hanging' if hanging else ''}.jpg"
-    magick(*eyes, "+append", "-quality", 92, target)
-    return target
-
-
 def share(part, whole):
     return f"{part} of {whole}"
 
@@ -190,13 +154,15 @@ def main():
             above = check([SAMPLES / "other-layouts/walrus-360.top-bottom.jpg"])
             table.append(("the over-under sample seen as over-under", share(sum(o.get("seen") == "overUnder" for o in above),
                                                                               len(above)), ""))
-        for kind, hanging in (("a floor and things that stand on it", False), ("a ceiling and things that hang", True)):
-            files = [draw_scene(folder, seed, hanging) for seed in range(SCENES)]
-            for order, options in (("in order", ()), ("exchanged", ("--swap",))):
-                found = check(files, *options)
-                seen = sum(one.get("seen") == "sideBySide" for one in found)
-                table.append((f"drawn scenes, {kind}, {order}: seen as two eyes / said to be swapped",
-                              f"{seen} / {sum(one['swapped'] for one in found)} of {len(found)}", ""))
+    scenes = subprocess.run([CHECK, "--scenes"], check=True, capture_output=True, text=True).stdout
+    kinds = collections.defaultdict(list)
+    for line in scenes.splitlines():
+        kinds[json.loads(line)["scene"]].append(json.loads(line))
+    for kind, found in kinds.items():
+        seen = sum(one["seen"] == "sideBySide" for one in found)
+        swapped = sum(one["swapped"] for one in found)
+        table.append((f"drawn scenes with {kind}: seen as two eyes / said to be swapped",
+                      f"{seen} / {swapped} of {len(found)}", ""))
     print("| | measured | which |\n|---|---|---|")
     for row in table:
         print("| " + " | ".join(row) + " |")

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Prints what the check of the eyes finds in each file, as one JSON object a line, with the time that it took.
 //
-// lumetwin-stereo-check [--over-under] [--swap] [--evidence] FILES
+// lumetwin-stereo-check [--over-under] [--half] [--swap] [--evidence] FILES
+// lumetwin-stereo-check --scenes    draws scenes with a floor or a ceiling, in order and exchanged
 #include "engine/inspection/MediaKinds.h"
 #include "engine/inspection/StereoCheck.h"
 #include "engine/stereo/StereoLook.h"
 #include "media/FrameSampler.h"
 #include "media/ImagePreview.h"
+#include "tests/support/StereoScenes.h"
 
 #include <nlohmann/json.hpp>
 
@@ -71,6 +73,29 @@ void check(const char *name, const StereoLayout &layout, bool withEvidence) {
     std::puts(line.dump().c_str());
 }
 
+void checkScene(unsigned seed, bool isHanging, bool isExchanged) {
+    const test::StereoScene scene{.far = 0.1 * (seed % 26),
+                                  .near = -0.4 - 0.1 * (seed % 23),
+                                  .things = 3 + static_cast<int>(seed % 10),
+                                  .isHanging = isHanging,
+                                  .seed = seed};
+    media::EyePair<media::Picture> eyes = test::drawnEyes(scene);
+    if (isExchanged)
+        std::swap(eyes.left, eyes.right);
+    Json line = describe(findings(std::array{lookAtFrame(test::besideEachOther(eyes), {})}));
+    line["scene"] = std::string(isHanging ? "a ceiling and things that hang" : "a floor and things that stand on it") +
+                    (isExchanged ? ", exchanged" : ", in order");
+    std::puts(line.dump().c_str());
+}
+
+void checkScenes() {
+    constexpr unsigned scenes = 100;
+    for (const bool isHanging : {false, true})
+        for (const bool isExchanged : {false, true})
+            for (unsigned seed = 1; seed <= scenes; ++seed)
+                checkScene(seed, isHanging, isExchanged);
+}
+
 } // namespace
 
 int main(int count, char **arguments) {
@@ -84,6 +109,8 @@ int main(int count, char **arguments) {
             layout.isHalf = true;
         else if (word == "--swap")
             layout.rightEyeFirst = true;
+        else if (word == "--scenes")
+            checkScenes();
         else if (word == "--evidence")
             withEvidence = true;
         else

@@ -2,7 +2,6 @@
 #include "tests/support/StereoScenes.h"
 
 #include "tests/support/Drawing.h"
-#include "tests/support/TestMedia.h"
 
 #include <algorithm>
 #include <cmath>
@@ -121,17 +120,6 @@ void copyInto(const Picture &from, const Picture &to, int x, int y) {
                     from.planes[0].data + row * from.planes[0].stride, static_cast<std::size_t>(from.width));
 }
 
-void addSamples(const Picture &picture, Bytes &bytes) {
-    for (int y = 0; y < picture.height; ++y) {
-        const std::uint8_t *row = picture.planes[0].data + y * picture.planes[0].stride;
-        bytes.insert(bytes.end(), row, row + picture.width);
-    }
-}
-
-std::string sizeOf(const Picture &picture) {
-    return std::to_string(picture.width) + "x" + std::to_string(picture.height);
-}
-
 } // namespace
 
 media::EyePair<Picture> drawnEyes(const StereoScene &scene) {
@@ -156,33 +144,6 @@ Picture aboveEachOther(const media::EyePair<Picture> &eyes) {
 Picture drawnTexture(int width, int height, unsigned seed) {
     return drawn(width, height, grey8,
                  [&](int, int x, int y) { return static_cast<int>(std::clamp(texture(seed, x, y), 0.0, 255.0)); });
-}
-
-void writePicture(const Picture &picture, const std::filesystem::path &file) {
-    const TemporaryFolder folder;
-    Bytes bytes;
-    addSamples(picture, bytes);
-    writeFile(folder / "raw.gray", bytes);
-    output(
-        {"convert", "-size", sizeOf(picture), "-depth", "8", "gray:" + (folder / "raw.gray").string(), file.string()});
-}
-
-void writeFilm(std::span<const Picture> pictures, const std::filesystem::path &file,
-               const std::vector<std::string> &options) {
-    const TemporaryFolder folder;
-    Bytes bytes;
-    for (const Picture &picture : pictures)
-        addSamples(picture, bytes);
-    writeFile(folder / "raw.gray", bytes);
-    std::vector<std::string> words{"-f",       "rawvideo",
-                                   "-pix_fmt", "gray",
-                                   "-s",       sizeOf(pictures.front()),
-                                   "-r",       "30",
-                                   "-i",       (folder / "raw.gray").string(),
-                                   "-pix_fmt", "yuv420p"};
-    words.insert(words.end(), options.begin(), options.end());
-    words.push_back(file.string());
-    systemFfmpeg(words);
 }
 
 } // namespace lumetwin::test
