@@ -134,7 +134,7 @@ def check_window(scene):
     check_sheet(scene, program, "button.cancel")
     program.press("push button", scene["button.cancel"])
     program.press("push button", scene["button.stop"])
-    check_controls(program, 18)
+    check_controls(program, 19)
     scene.quit(program)
 
 
