@@ -19,7 +19,12 @@ constexpr double leastTexture = 3.0; ///< standard deviation of a block's sample
 // horizontal edge, a repeated pattern.
 constexpr int besides = 4;
 constexpr double mostLikeness = 0.92;
+constexpr double repetition = 0.85;     ///< likeness of what recurs, maybe between two pixels
 constexpr double returnTolerance = 2.0; ///< pixels
+
+int coarseReach(const LumaPlane &full) {
+    return static_cast<int>(std::ceil(full.width * reachX / 2));
+}
 
 /// A place of a block in the other eye, with fractions of pixels.
 struct Found {
@@ -38,7 +43,7 @@ double peakOffset(double before, double peak, double after) {
 class EyeSearch {
 public:
     EyeSearch(const LumaPlane &full, const LumaPlane &half) : full_(full, blockSize), half_(half, blockSize / 2) {
-        coarseX_ = static_cast<int>(std::ceil(full.width * reachX / 2));
+        coarseX_ = coarseReach(full);
         coarseY_ = static_cast<int>(std::ceil(full.width * reachY / 2));
     }
 
@@ -130,6 +135,24 @@ DisparityMap disparityMap(const LumaPlane &left, const LumaPlane &right) {
     const std::vector<BlockMatch> others = lower.get();
     map.blocks.insert(map.blocks.end(), others.begin(), others.end());
     return map;
+}
+
+bool isRepeatedPattern(const LumaPlane &eye) {
+    const LumaPlane half = halved(eye);
+    constexpr int size = blockSize / 2;
+    BlockSearch search(half, size);
+    const int reach = coarseReach(eye);
+    int textured = 0;
+    int repeated = 0;
+    // Every second block is enough.
+    for (int y = 0; y + size <= half.height; y += 2 * size)
+        for (int x = 0; x + size <= half.width; x += 2 * size) {
+            if (search.deviation(x, y) < leastTexture)
+                continue;
+            ++textured;
+            repeated += search.likeness(x, y, reach, half.width) >= repetition ? 1 : 0;
+        }
+    return textured > 0 && 2 * repeated > textured;
 }
 
 } // namespace lumetwin

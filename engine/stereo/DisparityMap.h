@@ -34,4 +34,8 @@ struct DisparityMap {
 /// vertically. On two threads. No blocks when the planes are too small or differ in size.
 DisparityMap disparityMap(const LumaPlane &left, const LumaPlane &right);
 
+/// Whether most of an eye's picture recurs in the same rows, farther away than disparityMap() searches: a pattern whose
+/// halves are alike without being two eyes.
+bool isRepeatedPattern(const LumaPlane &eye);
+
 } // namespace lumetwin

@@ -183,12 +183,13 @@ bool StereoEvidence::isLevel() const {
 }
 
 bool StereoEvidence::isStereo() const {
-    return distinct >= leastBlocks && correlated >= 0.5 && returning >= 0.8 && agreeing >= 0.65 && coherent >= 0.75;
+    return !isRepeated && distinct >= leastBlocks && correlated >= 0.5 && returning >= 0.8 && agreeing >= 0.65 &&
+           coherent >= 0.75;
 }
 
 bool StereoEvidence::isUnalignedStereo() const {
-    return !isLevel() && !looksFlat() && distinct >= leastBlocks && correlated >= 0.5 && returning >= 0.55 &&
-           agreeing >= 0.5 && coherent >= 0.85;
+    return !isRepeated && !isLevel() && !looksFlat() && distinct >= leastBlocks && correlated >= 0.5 &&
+           returning >= 0.55 && agreeing >= 0.5 && coherent >= 0.85;
 }
 
 bool StereoEvidence::looksFlat() const {
@@ -225,6 +226,13 @@ StereoEvidence stereoEvidence(const DisparityMap &map) {
     evidence.unevenness = largestOffset(plane, map) * 100 / map.width;
     evidence.figures = figuresOf(blocks, plane, map.width);
     evidence.slope = slopeOf(blocks);
+    return evidence;
+}
+
+StereoEvidence stereoEvidence(const LumaPlane &left, const LumaPlane &right) {
+    StereoEvidence evidence = stereoEvidence(disparityMap(left, right));
+    if (evidence.isStereo() || evidence.isUnalignedStereo())
+        evidence.isRepeated = isRepeatedPattern(left);
     return evidence;
 }
 

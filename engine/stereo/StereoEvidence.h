@@ -16,6 +16,7 @@ struct StereoEvidence {
     double likeness = 0;      ///< median correlation of the blocks that lead back
     double unevenness = 0;    ///< largest vertical offset within the picture, in percent of the width
     DisparityFigures figures; ///< of the blocks that lead back and agree
+    bool isRepeated = false;  ///< the picture is a repeated pattern, so that its parts are alike anyway
     /// Correlation of disparity and height in the picture, -1 to 1; positive where what is lower is nearer.
     double slope = 0;
 
@@ -30,6 +31,10 @@ struct StereoEvidence {
     bool looksFlat() const;
 };
 
+/// What a map shows; not whether the picture is repeated.
 StereoEvidence stereoEvidence(const DisparityMap &map);
+
+/// What two planes of one size show.
+StereoEvidence stereoEvidence(const LumaPlane &left, const LumaPlane &right);
 
 } // namespace lumetwin

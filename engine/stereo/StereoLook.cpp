@@ -36,8 +36,7 @@ media::EyePair<LumaPlane> planesOf(const media::Picture &frame, const StereoLayo
 }
 
 void lookAtPlanes(const media::EyePair<LumaPlane> &planes, StereoLook &look) {
-    const DisparityMap map = disparityMap(planes.left, planes.right);
-    look.evidence = stereoEvidence(map);
+    look.evidence = stereoEvidence(planes.left, planes.right);
     // The other cue takes longer, and tells nothing without this one.
     look.order.slope = look.evidence.slope;
     if (look.evidence.isStereo() && mayBeSwapped(look.order))
@@ -104,7 +103,7 @@ StereoLook lookAtFrame(const media::Picture &frame, const StereoLayout &layout) 
         return look;
     const EyeArrangement other = otherOf(layout.arrangement);
     const media::EyePair<LumaPlane> planes = planesOf(frame, {.arrangement = other});
-    if (stereoEvidence(disparityMap(planes.left, planes.right)).isStereo())
+    if (stereoEvidence(planes.left, planes.right).isStereo())
         look.other = other;
     return look;
 }
