@@ -2,9 +2,12 @@
 #include "app/MainWindowController.h"
 
 #include "app/ApplicationIcon.h"
+#include "app/SidePanel.h"
 #include "app/WindowSizes.h"
 #include "ui/desktop/DesktopPresence.h"
 #include "ui/desktop/FileManager.h"
+#include "ui/files/DroppedFiles.h"
+#include "ui/files/FilesPanel.h"
 #include "ui/form/MainViewController.h"
 #include "ui/progress/ProgressViewController.h"
 #include "ui/widgets/Localized.h"
@@ -12,10 +15,14 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QDialog>
+#include <QDragEnterEvent>
 #include <QFile>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QScreen>
+#include <QShortcut>
 #include <QUrl>
 
 namespace lumetwin {
@@ -31,10 +38,37 @@ std::filesystem::path argumentPath(const QString &argument) {
     return path.has_filename() ? path : path.parent_path();
 }
 
+FilesPanelServices panelServices(const FormServices &services) {
+    return {.operations = services.operations,
+            .openFile =
+                [](const std::filesystem::path &file) {
+                    QDesktopServices::openUrl(QUrl::fromLocalFile(QFile::decodeName(file.c_str())));
+                },
+            .showInFolder =
+                [show = services.showInFolder](const std::filesystem::path &file) {
+                    if (show)
+                        show(file.parent_path(), {file});
+                },
+            .chooseReport =
+                [panels = services.panels](QWidget *parent, const auto &chosen) {
+                    panels->chooseReport(parent, [chosen](const auto &paths) { chosen(paths.front()); });
+                }};
+}
+
 } // namespace
 
 void MainWindow::closeEvent(QCloseEvent *event) {
     event->setAccepted(!shouldClose || shouldClose());
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event) {
+    if (holdsFiles(*event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event) {
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(receiveFiles(*event->mimeData(), this, filesDropped));
 }
 
 FormServices MainWindowController::standardServices() {
@@ -47,11 +81,19 @@ FormServices MainWindowController::standardServices() {
 MainWindowController::MainWindowController(FormServices services)
     : services_(std::move(services)), window_(std::make_unique<MainWindow>()),
       form_(new MainViewController(services_, window_.get())),
+      files_(new FilesPanel(form_->settings, panelServices(services_))),
+      side_(new SidePanel(window_.get(), form_, files_)),
       presence_(std::make_unique<DesktopPresence>(window_.get(), QLatin1String(applicationId))) {
     window_->setWindowTitle(title);
-    window_->setCentralWidget(form_);
+    window_->setCentralWidget(side_->content());
     window_->setContextMenuPolicy(Qt::NoContextMenu);
     window_->shouldClose = [this] { return windowShouldClose(); };
+    window_->filesDropped = [this](const auto &files) { return form_->addToInput(files); };
+    connectBatch();
+    connectFiles();
+}
+
+void MainWindowController::connectBatch() {
     DesktopPresence *presence = presence_.get();
     connect(form_, &MainViewController::batchStarted, presence, &DesktopPresence::batchStarted);
     connect(form_, &MainViewController::batchProgressed, presence, &DesktopPresence::batchProgressed);
@@ -63,6 +105,43 @@ MainWindowController::MainWindowController(FormServices services)
         window_->setWindowTitle(title);
         delete stopQuestionParent_;
     });
+}
+
+void MainWindowController::connectFiles() {
+    connect(form_, &MainViewController::filesPanelAsked, this, &MainWindowController::toggleFiles);
+    connect(files_, &FilesPanel::closeAsked, side_, &SidePanel::close);
+    connect(side_, &SidePanel::changed, this, [this](bool open, bool beside) {
+        form_->showFilesPanelState(open);
+        files_->setReplacesForm(!beside);
+        files_->setActive(open);
+    });
+    connect(form_, &MainViewController::inputChanged, files_, &FilesPanel::setInput);
+    connect(form_, &MainViewController::inputChanged, this, [this] {
+        if (side_->hasRoomForBoth())
+            side_->open();
+    });
+    connect(form_, &MainViewController::settingsChanged, files_, &FilesPanel::settingsChanged);
+    connect(form_, &MainViewController::batchStarted, files_, &FilesPanel::runBegan);
+    connect(form_, &MainViewController::fileBegan, files_, &FilesPanel::fileBegan);
+    connect(form_, &MainViewController::fileProgressed, files_, &FilesPanel::fileProgressed);
+    connect(form_, &MainViewController::fileEnded, files_, &FilesPanel::fileEnded);
+    connect(form_, &MainViewController::batchLeft, files_, &FilesPanel::runEnded);
+    connect(files_, &FilesPanel::leftOutChanged, form_, &MainViewController::setLeftOut);
+    connect(files_, &FilesPanel::swapAsked, form_, &MainViewController::setSwapped);
+    connect(files_, &FilesPanel::adjustmentAsked, form_, &MainViewController::setDisparityAdjustment);
+    connect(files_, &FilesPanel::turnDirectionAsked, form_, &MainViewController::turnDirection);
+    connect(files_, &FilesPanel::startAsked, form_, [this] {
+        if (!side_->isBeside())
+            side_->close(); // the progress is shown on the form
+        form_->startConversion();
+    });
+    // The form may be hidden, and its button's shortcut with it.
+    auto *toggle = new QShortcut(Qt::Key_F9, files_, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+    connect(toggle, &QShortcut::activated, this, &MainWindowController::toggleFiles);
+}
+
+void MainWindowController::toggleFiles() {
+    side_->isOpen() ? side_->close() : side_->open();
 }
 
 MainWindowController::~MainWindowController() {

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace lumetwin {
@@ -27,10 +28,11 @@ public:
     ConversionDirection direction = ConversionDirection::spatialToSBS;
     std::optional<std::filesystem::path> inputFolderURL;          ///< the input, when it is a folder
     std::optional<std::vector<std::filesystem::path>> inputFiles; ///< the input, when it is a set of files
-    std::optional<std::filesystem::path> outputFolderURL;         ///< receives the outputs
-    double horizontalFOV = fovRange.start;                        ///< degrees, written as stereo metadata
-    double disparityAdjustment = disparityRange.start;            ///< percent of the image width
-    double stereoBaseline = baselineRange.start;                  ///< millimetres
+    std::set<std::filesystem::path> leftOut; ///< files of the input that are not converted; of a pair, the left eye's
+    std::optional<std::filesystem::path> outputFolderURL; ///< receives the outputs
+    double horizontalFOV = fovRange.start;                ///< degrees, written as stereo metadata
+    double disparityAdjustment = disparityRange.start;    ///< percent of the image width
+    double stereoBaseline = baselineRange.start;          ///< millimetres
     bool automaticDisparity = false; ///< choose the disparity adjustment from the picture of each file
     StereoValuesSource stereoValuesSource = StereoValuesSource::settings;
     InputLayout inputLayout = InputLayout::automatic;

@@ -73,4 +73,10 @@ std::vector<ListedFile> pairEyes(std::vector<ListedFile> files, const Conversion
     return joined;
 }
 
+std::vector<ListedFile> inputsOfRun(std::vector<ListedFile> files, const ConversionSettings &settings) {
+    std::vector<ListedFile> inputs = pairEyes(std::move(files), settings);
+    std::erase_if(inputs, [&](const ListedFile &listed) { return settings.leftOut.contains(listed.file); });
+    return inputs;
+}
+
 } // namespace lumetwin

@@ -25,4 +25,7 @@ std::optional<EyeName> eyeName(const std::filesystem::path &file);
 /// and so do names that three files share. A pair stands in the place of its left file.
 std::vector<ListedFile> pairEyes(std::vector<ListedFile> files, const ConversionSettings &settings);
 
+/// The inputs of a run: joined pairs and single files, without those that the user left out.
+std::vector<ListedFile> inputsOfRun(std::vector<ListedFile> files, const ConversionSettings &settings);
+
 } // namespace lumetwin

@@ -133,10 +133,10 @@ VideoProcessor::Ending VideoProcessor::run() {
     } catch (const std::system_error &error) {
         return {false, formatted("error.read.input.folder", error.code().message())};
     }
+    files = inputsOfRun(std::move(files), *settings);
     if (files.empty())
         return {false, text("error.no.media.files")};
-    const BatchFiles batch(*settings, pairEyes(std::move(files), *settings),
-                           [this](const Path &file) { return isSpatial(file); });
+    const BatchFiles batch(*settings, files, [this](const Path &file) { return isSpatial(file); });
     return convertFiles(batch);
 }
 

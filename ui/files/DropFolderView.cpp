@@ -2,7 +2,6 @@
 #include "ui/files/DropFolderView.h"
 
 #include "engine/inspection/MediaKinds.h"
-#include "ui/desktop/PortalFiles.h"
 #include "ui/files/DropIcon.h"
 #include "ui/files/DroppedFiles.h"
 #include "ui/widgets/Localized.h"
@@ -16,7 +15,6 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
-#include <QPointer>
 
 #include <algorithm>
 
@@ -169,18 +167,7 @@ bool DropFolderView::acceptPaths(const std::vector<fs::path> &paths) {
 }
 
 bool DropFolderView::acceptData(const QMimeData &mime) {
-    const std::vector<fs::path> files = localFiles(mime);
-    const QByteArray key = portalTransferKey(mime);
-    // Inside a sandbox only the portal's paths can be opened.
-    if (!files.empty() && (key.isEmpty() || !isConfined()))
-        return acceptPaths(files);
-    if (key.isEmpty())
-        return false;
-    retrievePortalFiles(key, [view = QPointer(this)](const std::vector<fs::path> &received) {
-        if (view)
-            view->acceptPaths(received);
-    });
-    return true;
+    return receiveFiles(mime, this, [this](const std::vector<fs::path> &files) { return acceptPaths(files); });
 }
 
 /// A target for folders can decide while the drag moves. Any other target has to look into the dragged folder, and does

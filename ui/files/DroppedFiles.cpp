@@ -2,8 +2,10 @@
 #include "ui/files/DroppedFiles.h"
 
 #include "engine/batch/InputList.h"
+#include "ui/desktop/PortalFiles.h"
 
 #include <QMimeData>
+#include <QPointer>
 #include <QUrl>
 
 #include <algorithm>
@@ -96,6 +98,22 @@ QByteArray portalTransferKey(const QMimeData &data) {
         if (QByteArray key = data.data(QLatin1String(type)); !key.isEmpty())
             return key.endsWith('\0') ? key.chopped(1) : key;
     return {};
+}
+
+bool receiveFiles(const QMimeData &data, QObject *receiver, std::function<bool(const std::vector<fs::path> &)> take) {
+    const std::vector<fs::path> files = localFiles(data);
+    const QByteArray key = portalTransferKey(data);
+    // Inside a sandbox only the portal's paths can be opened.
+    if (!files.empty() && (key.isEmpty() || !isConfined()))
+        return take(files);
+    if (key.isEmpty())
+        return false;
+    retrievePortalFiles(key,
+                        [receiver = QPointer(receiver), take = std::move(take)](const std::vector<fs::path> &later) {
+                            if (receiver)
+                                take(later);
+                        });
+    return true;
 }
 
 bool holdsFiles(const QMimeData &data) {

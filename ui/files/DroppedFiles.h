@@ -4,10 +4,12 @@
 #include <QByteArray>
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <vector>
 
 class QMimeData;
+class QObject;
 
 namespace lumetwin {
 
@@ -38,6 +40,11 @@ std::vector<std::filesystem::path> localFiles(const QMimeData &data);
 /// The key of a file transfer through the desktop portal, which sandboxed programs use for drag and drop. Empty when
 /// there is none.
 QByteArray portalTransferKey(const QMimeData &data);
+
+/// Gives the files of a drop or of the clipboard to `take`: at once, or later when a portal has to be asked for them,
+/// and then only if the receiver still exists. Returns what `take` returned, or whether files will come later.
+bool receiveFiles(const QMimeData &data, QObject *receiver,
+                  std::function<bool(const std::vector<std::filesystem::path> &files)> take);
 
 /// Whether a drag contains at least one file.
 bool holdsFiles(const QMimeData &data);

@@ -111,4 +111,13 @@ void DialogPanels::chooseFileToCheck(QWidget *parent, ChosenCallback chosen) {
     openDialog(makeDialog(parent, "panel.check.spatial.title", QFileDialog::ExistingFile), lastFolder_, chosen);
 }
 
+void DialogPanels::chooseReport(QWidget *parent, ChosenCallback chosen) {
+    auto *dialog = new QFileDialog(parent->window(), toQString(text("files.report.save")));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setDefaultSuffix(QStringLiteral("txt"));
+    dialog->selectFile(QStringLiteral("Lumetwin.txt"));
+    openDialog(dialog, lastFolder_, chosen);
+}
+
 } // namespace lumetwin

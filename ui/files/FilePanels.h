@@ -25,6 +25,8 @@ public:
     virtual void chooseOutputFolder(QWidget *parent, ChosenCallback chosen) = 0;
     /// Chooses one file of any type.
     virtual void chooseFileToCheck(QWidget *parent, ChosenCallback chosen) = 0;
+    /// Chooses the path of a new text file.
+    virtual void chooseReport(QWidget *parent, ChosenCallback chosen) = 0;
 };
 
 /// The name filters of file dialogs: all media, videos, photos, all files.
@@ -36,6 +38,7 @@ public:
     void chooseInput(QWidget *parent, ChosenCallback chosen) override;
     void chooseOutputFolder(QWidget *parent, ChosenCallback chosen) override;
     void chooseFileToCheck(QWidget *parent, ChosenCallback chosen) override;
+    void chooseReport(QWidget *parent, ChosenCallback chosen) override;
 
 private:
     std::filesystem::path lastFolder_;

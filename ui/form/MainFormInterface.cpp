@@ -79,6 +79,18 @@ void MainViewController::buildInterface() {
     setTabOrders();
     setShortcuts();
     updateResetButtons();
+    reportChanges();
+}
+
+/// Emits settingsChanged after any control has changed its setting.
+void MainViewController::reportChanges() {
+    for (QAbstractButton *button : std::initializer_list<QAbstractButton *>{
+             spatialToSBSButton, halfWidthCheck, swapLRCheck, copyAudioCheck, keepTimingCheck, enableResizeCheck})
+        connect(button, &QAbstractButton::toggled, this, &MainViewController::settingsChanged);
+    for (QComboBox *popup : {formatPopup, photoFormatPopup, inputLayoutPopup, resizeModePopup})
+        connect(popup, &QComboBox::currentIndexChanged, this, &MainViewController::settingsChanged);
+    for (NumberField *field : {fovField, disparityField, baselineField, resizeWidthField, resizeHeightField})
+        connect(field, &NumberField::textChanged, this, &MainViewController::settingsChanged);
 }
 
 QLabel *MainViewController::caption(QLabel *&label, const std::string &text, QWidget *parent, char mnemonic) {
@@ -105,6 +117,15 @@ void MainViewController::buildHeader() {
     titleLabel = withName(new QLabel(QStringLiteral("Lumetwin"), headerView), "titleLabel");
     subtitleLabel = withName(new QLabel(localizedText("app.subtitle"), headerView), "subtitleLabel");
     subtitleLabel->setProperty("secondary", true);
+    filesButton = withName(new QPushButton(localizedText("files.title"), headerView), "filesButton");
+    filesButton->setCheckable(true);
+    filesButton->setShortcut(Qt::Key_F9);
+    filesButton->setToolTip(localizedText("files.button.help"));
+    filesButton->setAutoDefault(true);
+    connect(filesButton, &QPushButton::clicked, this, [this] {
+        filesButton->setChecked(!filesButton->isChecked()); // until the panel is open
+        emit filesPanelAsked();
+    });
 }
 
 void MainViewController::buildDirection() {
@@ -330,11 +351,11 @@ void MainViewController::buildStartButton() {
 
 void MainViewController::setTabOrders() {
     const QList<QWidget *> order{
-        spatialToSBSButton, sbsToSpatialButton, inputDropView,     inputSelectBtn,  checkSpatialBtn, outputDropView,
-        outputSelectBtn,    inputLayoutPopup,   fovSlider,         fovField,        fovReset,        disparitySlider,
-        disparityField,     disparityReset,     baselineSlider,    baselineField,   baselineReset,   formatPopup,
-        photoFormatPopup,   compressionSlider,  halfWidthCheck,    swapLRCheck,     copyAudioCheck,  keepTimingCheck,
-        enableResizeCheck,  resizeWidthField,   resizeHeightField, resizeModePopup, startButton};
+        filesButton,     spatialToSBSButton, sbsToSpatialButton, inputDropView,     inputSelectBtn,  checkSpatialBtn,
+        outputDropView,  outputSelectBtn,    inputLayoutPopup,   fovSlider,         fovField,        fovReset,
+        disparitySlider, disparityField,     disparityReset,     baselineSlider,    baselineField,   baselineReset,
+        formatPopup,     photoFormatPopup,   compressionSlider,  halfWidthCheck,    swapLRCheck,     copyAudioCheck,
+        keepTimingCheck, enableResizeCheck,  resizeWidthField,   resizeHeightField, resizeModePopup, startButton};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     for (QWidget *control : order) {

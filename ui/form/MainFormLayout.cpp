@@ -79,6 +79,8 @@ void MainViewController::applyColours() {
     setTextColour(resizeWarningLabel, isOddSize(*settings) ? warningColour(palette()) : secondaryTextColour(palette()));
     setTextColour(startLine, separatorColour(palette()));
     const int size = PointScale::current().vertical(16);
+    filesButton->setIconSize(QSize(size, size));
+    filesButton->setIcon(symbolIcon(Symbol::files, palette().color(QPalette::ButtonText), size, devicePixelRatioF()));
     for (QToolButton *button : {fovReset, disparityReset, baselineReset}) {
         button->setIconSize(QSize(size, size));
         button->setIcon(symbolIcon(Symbol::reset, palette().color(QPalette::WindowText), size, devicePixelRatioF()));
@@ -125,9 +127,10 @@ void MainViewController::layoutDocument() {
 void MainViewController::layoutSections() {
     const PointScale &scale = scale_;
     headerView->setSymbolRect(scale.toQt({20, 31, 28, 28}, 68));
-    titleLabel->setGeometry(scale.toQt({20, 30, 680, 28}, 68));
+    titleLabel->setGeometry(scale.toQt({20, 30, 540, 28}, 68));
     titleLabel->setIndent(scale.horizontal(36));
-    subtitleLabel->setGeometry(scale.toQt({22, 10, 680, 17}, 68));
+    subtitleLabel->setGeometry(scale.toQt({22, 10, 540, 17}, 68));
+    filesButton->setGeometry(scale.toQt({580, 18, 120, 32}, 68));
     // Placed a little low, so that they do not touch the section's title.
     spatialToSBSButton->setGeometry(scale.toQt({16, 32, 380, 22}, 76));
     sbsToSpatialButton->setGeometry(scale.toQt({16, 8, 380, 22}, 76));

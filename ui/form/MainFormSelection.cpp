@@ -14,6 +14,7 @@
 
 #include <QPushButton>
 
+#include <algorithm>
 #include <utility>
 
 namespace lumetwin {
@@ -48,16 +49,43 @@ void MainViewController::inputChosen(const std::vector<fs::path> &paths) {
 void MainViewController::setInputFolder(const fs::path &folder) {
     settings->inputFolderURL = folder;
     settings->inputFiles.reset();
-    aviQuestionAnswered_ = false;
     showPath(inputPathLabel, displayPath(folder));
+    inputWasSet();
 }
 
 void MainViewController::setInputFiles(const std::vector<fs::path> &files) {
     settings->inputFiles = files;
     settings->inputFolderURL.reset();
-    aviQuestionAnswered_ = false;
     showPath(inputPathLabel, files.size() == 1 ? displayPath(files.front())
                                                : toQString(filesSelectedText(static_cast<std::int64_t>(files.size()))));
+    inputWasSet();
+}
+
+void MainViewController::inputWasSet() {
+    settings->leftOut.clear();
+    aviQuestionAnswered_ = false;
+    emit inputChanged();
+}
+
+bool MainViewController::addToInput(const std::vector<fs::path> &paths) {
+    if (!isIdle())
+        return false;
+    if (!settings->inputFiles && !settings->inputFolderURL)
+        return openInput(paths);
+    const std::vector<fs::path> added = mediaFilesIn(paths);
+    if (added.empty())
+        return openInput(paths); // says why
+    std::vector<fs::path> files =
+        settings->inputFiles ? *settings->inputFiles : mediaFilesIn({*settings->inputFolderURL});
+    for (const fs::path &file : added)
+        if (std::ranges::find(files, file) == files.end())
+            files.push_back(file);
+    const std::set<fs::path> leftOut = settings->leftOut;
+    setInputFiles(files);
+    inputDropView->showFiles(files);
+    settings->leftOut = leftOut;
+    warnAboutAVI();
+    return true;
 }
 
 void MainViewController::warnAboutAVI() {
@@ -90,6 +118,7 @@ void MainViewController::outputChosen(const fs::path &folder) {
 void MainViewController::setOutputFolder(const fs::path &folder) {
     settings->outputFolderURL = folder;
     showPath(outputPathLabel, displayPath(folder));
+    emit settingsChanged();
 }
 
 void MainViewController::showPath(ElidedLabel *label, const QString &path) {

@@ -49,6 +49,10 @@ MainViewController::MainViewController(FormServices services, QWidget *parent)
     connect(batch_.get(), &BatchPresentation::batchFinished, this, &MainViewController::batchFinished);
     connect(batch_.get(), &BatchPresentation::batchEnded, this, &MainViewController::batchEnded);
     connect(batch_.get(), &BatchPresentation::stateChanged, this, &MainViewController::updateEnabledState);
+    connect(batch_.get(), &BatchPresentation::fileBegan, this, &MainViewController::fileBegan);
+    connect(batch_.get(), &BatchPresentation::fileProgressed, this, &MainViewController::fileProgressed);
+    connect(batch_.get(), &BatchPresentation::fileEnded, this, &MainViewController::fileEnded);
+    connect(batch_.get(), &BatchPresentation::threadLeft, this, &MainViewController::batchLeft);
 }
 
 MainViewController::~MainViewController() {
@@ -208,8 +212,36 @@ void MainViewController::turnOnResize() {
     resizeWidthField->selectAll();
 }
 
+bool MainViewController::isIdle() const {
+    return !preflight_ && batch_->state() == BatchPresentation::State::idle;
+}
+
+void MainViewController::setSwapped(bool swapped) {
+    if (isIdle())
+        swapLRCheck->setChecked(swapped);
+}
+
+void MainViewController::setDisparityAdjustment(double adjustment) {
+    if (isIdle())
+        disparitySlider->moveTo(adjustment);
+}
+
+void MainViewController::turnDirection() {
+    if (isIdle())
+        (spatialToSBSButton->isChecked() ? sbsToSpatialButton : spatialToSBSButton)->setChecked(true);
+}
+
+void MainViewController::setLeftOut(const std::set<std::filesystem::path> &files) {
+    if (isIdle())
+        settings->leftOut = files;
+}
+
+void MainViewController::showFilesPanelState(bool open) {
+    filesButton->setChecked(open);
+}
+
 void MainViewController::startConversion() {
-    if (preflight_ || batch_->state() != BatchPresentation::State::idle)
+    if (!isIdle())
         return;
     preflight_ = new PreflightSequence(*this, services_);
     connect(preflight_, &QObject::destroyed, this, &MainViewController::showCheckResult);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/ConversionSettings.h"
+#include "model/FileResult.h"
 #include "ui/alerts/Alert.h"
 #include "ui/form/FormServices.h"
 #include "ui/widgets/Points.h"
@@ -11,6 +12,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 class QAbstractButton;
@@ -75,6 +77,17 @@ public:
 
     /// Does what dropping these paths on the input does. Returns whether any of them can be used.
     bool openInput(const std::vector<std::filesystem::path> &paths);
+    /// Adds files, and the files of folders, to the input. Without an input it is openInput. Returns whether any of
+    /// them can be used; does nothing while a batch runs.
+    bool addToInput(const std::vector<std::filesystem::path> &paths);
+
+    // For the panel of files. They do nothing while a batch runs.
+    void setSwapped(bool swapped);
+    void setDisparityAdjustment(double adjustment);
+    void turnDirection();
+    void setLeftOut(const std::set<std::filesystem::path> &files);
+    /// Shows in the header whether the panel of files is open.
+    void showFilesPanelState(bool open);
 
     // Used by the checks before a run.
     /// Copies the values of the fields into the settings. It does not move the sliders.
@@ -96,12 +109,26 @@ public:
     bool isConverting() const;
 
 signals:
+    /// Another input was chosen.
+    void inputChanged();
+    /// A control has changed the settings.
+    void settingsChanged();
+    /// The user wants to open or close the panel of files.
+    void filesPanelAsked();
+
     void batchStarted();
     /// 0 to 1.
     void batchProgressed(double fraction);
     void batchFinished(bool success, const QString &message);
     /// The run has finished or was stopped. In the first case the sheet still shows the result.
     void batchEnded();
+    /// The batch has returned, and the form can be used again.
+    void batchLeft();
+    void fileBegan(const std::string &name);
+    /// 0 to 1.
+    void fileProgressed(double fraction);
+    /// Also after the run was stopped.
+    void fileEnded(const FileResult &result);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
@@ -122,6 +149,7 @@ private:
     void setTabOrders();
     void updateTabStop();
     void setShortcuts();
+    void reportChanges();
     QLabel *caption(QLabel *&label, const std::string &text, QWidget *parent, char mnemonic = 0);
     QLabel *unit(QLabel *&label, const char *text, QWidget *parent);
     NumberField *stereoField(const char *name, const NumberRange &range, QLabel *caption, const char *help);
@@ -147,7 +175,9 @@ private:
     void inputChosen(const std::vector<std::filesystem::path> &paths);
     void setOutputFolder(const std::filesystem::path &folder);
     void outputChosen(const std::filesystem::path &folder);
+    void inputWasSet();
     void warnAboutAVI();
+    bool isIdle() const;
     void updateEnabledState();
     void checkFile(const std::filesystem::path &file);
     void setChecking(bool checking);
@@ -158,6 +188,7 @@ private:
     HeaderBand *headerView = nullptr;
     QLabel *titleLabel = nullptr;
     QLabel *subtitleLabel = nullptr;
+    QPushButton *filesButton = nullptr;
     SectionView *directionSection = nullptr;
     QRadioButton *spatialToSBSButton = nullptr;
     QRadioButton *sbsToSpatialButton = nullptr;

@@ -34,15 +34,21 @@ Alert directionQuestion(const char *title, const char *message) {
 } // namespace
 
 std::vector<fs::path> inputEntries(const ConversionSettings &settings) {
-    if (settings.inputFiles)
-        return *settings.inputFiles;
-    if (!settings.inputFolderURL)
-        return {};
+    std::vector<fs::path> entries;
     try {
-        return visibleChildren(*settings.inputFolderURL);
+        if (settings.inputFiles)
+            entries = *settings.inputFiles;
+        else if (settings.inputFolderURL)
+            entries = visibleChildren(*settings.inputFolderURL);
     } catch (const fs::filesystem_error &) {
         return {};
     }
+    std::set<fs::path> leftOut;
+    for (const ListedFile &listed : pairEyes(mediaFiles(entries), settings))
+        if (settings.leftOut.contains(listed.file))
+            leftOut.insert({listed.file, listed.rightEye});
+    std::erase_if(entries, [&](const fs::path &entry) { return leftOut.contains(entry); });
+    return entries;
 }
 
 std::vector<fs::path> candidateVideos(const std::vector<fs::path> &entries) {
@@ -77,7 +83,7 @@ std::vector<std::string> existingOutputs(const std::vector<fs::path> &entries, c
     for (const fs::path &entry : entries)
         if (isMediaFile(entry))
             files.push_back({.file = entry, .folder = {}});
-    for (const ListedFile &listed : pairEyes(std::move(files), settings)) {
+    for (const ListedFile &listed : inputsOfRun(std::move(files), settings)) {
         std::string name = outputName(listed.named.empty() ? listed.file : listed.named, settings);
         std::error_code ignored;
         if (fs::exists(*settings.outputFolderURL / name, ignored))

@@ -13,7 +13,8 @@ namespace lumetwin {
 
 // The checks before a run, as functions without user interface.
 
-/// The chosen files, or the folder's visible entries, in listing order. Empty when the folder cannot be listed.
+/// The chosen files, or the folder's visible entries, in listing order, without those that the user left out. Empty
+/// when the folder cannot be listed.
 std::vector<std::filesystem::path> inputEntries(const ConversionSettings &settings);
 
 std::vector<std::filesystem::path> candidateVideos(const std::vector<std::filesystem::path> &entries);

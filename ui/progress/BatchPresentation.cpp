@@ -39,8 +39,15 @@ ProgressViewController *BatchPresentation::makeSheet(const std::shared_ptr<const
         if (weak)
             weak->threadEnded();
     };
-    auto *sheet = new ProgressViewController(
-        settings, {services_.alerts.get(), services_.operations, services_.runBatch, runEnded, services_.showInFolder});
+    const auto fileEnded = [weak = QPointer(this)](const FileResult &result) {
+        if (weak)
+            emit weak->fileEnded(result);
+    };
+    auto *sheet =
+        new ProgressViewController(settings, {services_.alerts.get(), services_.operations, services_.runBatch,
+                                              runEnded, services_.showInFolder, fileEnded});
+    connect(sheet, &ProgressViewController::fileBegan, this, &BatchPresentation::fileBegan);
+    connect(sheet, &ProgressViewController::fileProgressed, this, &BatchPresentation::fileProgressed);
     connect(sheet, &ProgressViewController::dismissed, this, &BatchPresentation::dismissSheet);
     connect(sheet, &ProgressViewController::batchProgressed, this, &BatchPresentation::batchProgressed);
     connect(sheet, &ProgressViewController::batchFinished, this, [this](bool success, const QString &message) {
@@ -63,6 +70,7 @@ void BatchPresentation::dismissSheet() {
 
 void BatchPresentation::threadEnded() {
     threadRuns_ = false;
+    emit threadLeft();
     emit stateChanged();
 }
 

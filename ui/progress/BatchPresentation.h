@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/FileResult.h"
 #include "ui/form/FormServices.h"
 
 #include <QObject>
 #include <QPointer>
 
 #include <memory>
+#include <string>
 
 class QWidget;
 
@@ -50,6 +52,13 @@ signals:
     /// The run has finished or was stopped. In the first case the sheet still shows the result.
     void batchEnded();
     void stateChanged();
+    void fileBegan(const std::string &name);
+    /// 0 to 1.
+    void fileProgressed(double fraction);
+    /// Also for the files of a run that was stopped.
+    void fileEnded(const FileResult &result);
+    /// The thread of the batch has ended.
+    void threadLeft();
 
 private:
     ProgressViewController *makeSheet(const std::shared_ptr<const ConversionSettings> &settings);

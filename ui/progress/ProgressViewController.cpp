@@ -63,7 +63,14 @@ void ProgressViewController::connectProcessor() {
     processor->onFrameProgress = onMainThread(std::mem_fn(&Self::updateFrameProgress));
     processor->onSkip = onMainThread(std::mem_fn(&Self::showSkipped));
     processor->onComplete = onMainThread(std::mem_fn(&Self::conversionFinished));
-    processor->onResult = onMainThread(std::mem_fn(&Self::addResult));
+    processor->onResult = [weak, fileEnded = services_.fileEnded](const FileResult &result) {
+        MainThreadQueue::shared().post([weak, fileEnded, result] {
+            if (fileEnded)
+                fileEnded(result);
+            if (weak)
+                weak->addResult(result);
+        });
+    };
 }
 
 void ProgressViewController::updateProgress(std::int64_t current, std::int64_t total, const std::string &fileName) {
@@ -76,6 +83,7 @@ void ProgressViewController::updateProgress(std::int64_t current, std::int64_t t
     statusLabel->setText(toQString(text("progress.converting")));
     fileProgressBar->setIndeterminate(true);
     fileProgressLabel->setText(toQString(activityText(fileName)));
+    emit fileBegan(fileName);
 }
 
 /// Shows the share in the bar and its text, and emits it.
@@ -103,6 +111,7 @@ void ProgressViewController::updateFrameProgress(std::int64_t current, std::int6
         return;
     const double fraction = fractionOf(current, total);
     fileProgressBar->setDoubleValue(fraction);
+    emit fileProgressed(fraction);
     if (filesTotal_ > 0)
         showBatchFraction(batchFraction(filesDone_, filesTotal_, fraction));
 }

@@ -47,6 +47,8 @@ public:
         /// Shows the outputs in the file manager.
         std::function<void(const std::filesystem::path &folder, const std::vector<std::filesystem::path> &outputs)>
             showInFolder = {};
+        /// Called on the interface thread for each file, even when the sheet is gone by then.
+        std::function<void(const FileResult &result)> fileEnded = {};
     };
 
     ProgressViewController(std::shared_ptr<const ConversionSettings> settings, Services services,
@@ -83,6 +85,9 @@ signals:
     /// The finished share of the whole batch, 0 to 1, including the frames of the current file.
     void batchProgressed(double fraction);
     void batchFinished(bool success, const QString &message);
+    void fileBegan(const std::string &name);
+    /// 0 to 1.
+    void fileProgressed(double fraction);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -22,6 +22,11 @@ inline QString displayName(const std::filesystem::path &path) {
     return displayPath(path.filename());
 }
 
+/// The text for a count: the first one for 1, otherwise the second one, which is a format.
+inline QString countedText(const char *one, const char *format, std::int64_t count) {
+    return toQString(count == 1 ? text(one) : formatted(format, count));
+}
+
 /// Texts that have an English default in the code.
 inline std::string folderPlaceholder() {
     return text("drop.folder.placeholder", "Drop folder here");

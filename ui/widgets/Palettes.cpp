@@ -117,6 +117,11 @@ QColor warningColour(const QPalette &palette) {
     return readableColour(sectionColour(palette), colour(1, 0.58, 0));
 }
 
+QColor comfortColour(const QPalette &palette) {
+    return isHighContrast(palette) ? palette.color(QPalette::Highlight)
+                                   : mix(sectionColour(palette), colour(0.2, 0.65, 0.35), isDark(palette) ? 0.55 : 0.4);
+}
+
 QColor errorColour(const QPalette &palette) {
     return readableColour(sectionColour(palette), colour(0.85, 0.15, 0.15));
 }

@@ -40,6 +40,9 @@ QColor indicatorEdgeColour(const QPalette &palette);
 /// Orange that can be read on a section.
 QColor warningColour(const QPalette &palette);
 
+/// The background of the zone of a scale that is good.
+QColor comfortColour(const QPalette &palette);
+
 /// Red that can be read on a section.
 QColor errorColour(const QPalette &palette);
 

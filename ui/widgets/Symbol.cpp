@@ -21,14 +21,26 @@ namespace {
 
 const char *symbolName(Symbol symbol) {
     switch (symbol) {
+    case Symbol::close:
+        return "close";
+    case Symbol::done:
+        return "done";
+    case Symbol::failure:
+        return "failure";
+    case Symbol::files:
+        return "files";
     case Symbol::film:
         return "film";
     case Symbol::folder:
         return "folder";
+    case Symbol::other:
+        return "other";
     case Symbol::picture:
         return "picture";
     case Symbol::reset:
         return "reset";
+    case Symbol::warning:
+        return "warning";
     }
     return "";
 }

@@ -10,7 +10,7 @@ class QPainter;
 namespace lumetwin {
 
 /// Small pictures in one colour.
-enum class Symbol { film, folder, picture, reset };
+enum class Symbol { close, done, failure, files, film, folder, other, picture, reset, warning };
 
 /// Draws the symbol into the middle of the rectangle, sharp at any size.
 void drawSymbol(QPainter &painter, const QRectF &rect, Symbol symbol, const QColor &colour);

@@ -69,6 +69,7 @@ public:
     void chooseInput(QWidget *, ChosenCallback chosen) override { callWithChoice(chosen); }
     void chooseOutputFolder(QWidget *, ChosenCallback chosen) override { callWithChoice(chosen); }
     void chooseFileToCheck(QWidget *, ChosenCallback chosen) override { callWithChoice(chosen); }
+    void chooseReport(QWidget *, ChosenCallback chosen) override { callWithChoice(chosen); }
 
 private:
     void callWithChoice(const ChosenCallback &chosen) const {

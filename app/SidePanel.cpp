@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/SidePanel.h"
+
+#include "ui/widgets/Points.h"
+
+#include <QScreen>
+#include <QSplitter>
+
+#include <algorithm>
+
+namespace lumetwin {
+
+namespace {
+
+// Points.
+constexpr double widthOfBoth = 1280;
+constexpr double widthOfForm = 720;
+constexpr int windowFrame = 8; // pixels, the most that common window managers add
+
+} // namespace
+
+SidePanel::SidePanel(QWidget *window, QWidget *form, QWidget *panel)
+    : QObject(window), window_(window), form_(form), panel_(panel), splitter_(new QSplitter(Qt::Horizontal, window)) {
+    splitter_->setObjectName(QStringLiteral("windowSplitter"));
+    splitter_->setChildrenCollapsible(false);
+    splitter_->addWidget(form);
+    splitter_->addWidget(panel);
+    splitter_->setStretchFactor(0, 0);
+    splitter_->setStretchFactor(1, 1);
+    panel->hide();
+}
+
+QWidget *SidePanel::content() const {
+    return splitter_;
+}
+
+bool SidePanel::hasRoomForBoth() const {
+    const int wanted = PointScale::current().horizontal(widthOfBoth);
+    const int available = std::max(window_->width(), window_->screen()->availableGeometry().width() - windowFrame);
+    return available >= wanted;
+}
+
+void SidePanel::open() {
+    if (isOpen_)
+        return;
+    isOpen_ = true;
+    isBeside_ = hasRoomForBoth();
+    panel_->show();
+    if (isBeside_)
+        openBeside();
+    else
+        form_->hide();
+    emit changed(true, isBeside_);
+}
+
+/// Widens the window to the right, and moves it to the left where the screen ends. A window that fills the screen stays
+/// as it is.
+void SidePanel::openBeside() {
+    const int form = std::min(form_->width(), PointScale::current().horizontal(widthOfForm));
+    const int wanted = PointScale::current().horizontal(widthOfBoth);
+    sizeBefore_ = {};
+    if (window_->width() < wanted && !window_->isMaximized() && !window_->isFullScreen()) {
+        sizeBefore_ = window_->size();
+        const QRect available = window_->screen()->availableGeometry();
+        window_->resize(wanted, window_->height());
+        const int outside = window_->frameGeometry().right() - available.right();
+        if (outside > 0 && window_->isVisible())
+            window_->move(std::max(available.left(), window_->x() - outside), window_->y());
+    }
+    splitter_->setSizes({form, std::max(1, window_->width() - form)});
+}
+
+void SidePanel::close() {
+    if (!isOpen_)
+        return;
+    isOpen_ = false;
+    panel_->hide();
+    form_->show();
+    if (!sizeBefore_.isEmpty() && !window_->isMaximized() && !window_->isFullScreen())
+        window_->resize(sizeBefore_.width(), window_->height());
+    sizeBefore_ = {};
+    emit changed(false, isBeside_);
+}
+
+} // namespace lumetwin

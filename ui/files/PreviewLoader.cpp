@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/files/PreviewLoader.h"
+
+#include "engine/preview/PreviewModes.h"
+#include "engine/texts/ProcessorError.h"
+#include "ui/files/PreviewImages.h"
+#include "ui/widgets/BackgroundThreads.h"
+#include "ui/widgets/Localized.h"
+#include "ui/widgets/MainThreadQueue.h"
+
+#include <QPointer>
+
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace lumetwin {
+
+/// Shared by the interface thread and the thread that draws.
+struct PreviewLoader::Task {
+    MediaOperations operations;
+    QPointer<PreviewLoader> owner; // used on the interface thread only
+
+    std::mutex lock;
+    std::optional<PreviewWish> waiting; // guarded by lock
+    bool isRunning = false;             // guarded by lock
+    std::uint64_t generation = 0;       // guarded by lock; grows when all wishes are forgotten
+
+    // Of the thread that draws; only one runs at a time.
+    std::optional<PreviewWish> decoded;
+    StereoPreview eyes;
+
+    std::optional<std::pair<PreviewWish, std::uint64_t>> next() {
+        const std::scoped_lock guard(lock);
+        isRunning = waiting.has_value();
+        if (!waiting)
+            return std::nullopt;
+        return std::pair(*std::exchange(waiting, {}), generation);
+    }
+};
+
+namespace {
+
+bool isSameRequest(const PreviewRequest &one, const PreviewRequest &other) {
+    return one.layout == other.layout && one.position == other.position && one.exact == other.exact &&
+           one.maximumWidth == other.maximumWidth && one.maximumHeight == other.maximumHeight;
+}
+
+bool isSamePicture(const PreviewWish &one, const PreviewWish &other) {
+    return one.file == other.file && one.rightEye == other.rightEye && isSameRequest(one.request, other.request);
+}
+
+QImage fitted(const QImage &image, QSize room) {
+    if (image.isNull() || room.isEmpty() || (image.width() <= room.width() && image.height() <= room.height()))
+        return image;
+    return image.scaled(room, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+/// The pictures of a mode. Swapped eyes are shown swapped, as a viewer of the result will see them.
+PreviewShow show(const PreviewWish &wish, const StereoPreview &eyes) {
+    PreviewShow show{.picture = {}, .second = {}, .facts = eyes};
+    PreviewPicture left = eyes.left, right = eyes.right;
+    if (wish.mode == PreviewMode::asWritten) {
+        const int width = wish.room.isEmpty() ? 2 * wish.request.maximumWidth : wish.room.width();
+        const int height = wish.room.isEmpty() ? wish.request.maximumHeight : wish.room.height();
+        show.picture = imageOf(asWritten(*wish.settings, eyes, left, right, width, height));
+        return show;
+    }
+    if (!eyes.hasBothEyes) {
+        show.picture = fitted(imageOf(left), wish.room);
+        return show;
+    }
+    if (wish.settings->swapLeftRight)
+        std::swap(left, right);
+    switch (wish.mode) {
+    case PreviewMode::left:
+        show.picture = imageOf(left);
+        break;
+    case PreviewMode::right:
+        show.picture = imageOf(right);
+        break;
+    case PreviewMode::anaglyph:
+        show.picture = imageOf(anaglyph(left, right));
+        break;
+    case PreviewMode::difference:
+        show.picture = imageOf(difference(left, right));
+        break;
+    case PreviewMode::wiggle:
+        show.picture = imageOf(left);
+        show.second = fitted(imageOf(right), wish.room);
+        break;
+    default:
+        show.picture = besideEachOther(imageOf(left), imageOf(right));
+    }
+    show.picture = fitted(show.picture, wish.room);
+    return show;
+}
+
+} // namespace
+
+PreviewLoader::PreviewLoader(MediaOperations operations, QObject *parent)
+    : QObject(parent), task_(std::make_shared<Task>()) {
+    task_->operations = std::move(operations);
+    task_->owner = this;
+}
+
+PreviewLoader::~PreviewLoader() {
+    clear();
+}
+
+void PreviewLoader::clear() {
+    const std::scoped_lock guard(task_->lock);
+    task_->waiting.reset();
+    ++task_->generation;
+}
+
+void PreviewLoader::load(PreviewWish wish) {
+    {
+        const std::scoped_lock guard(task_->lock);
+        task_->waiting = std::move(wish);
+        if (std::exchange(task_->isRunning, true))
+            return;
+    }
+    BackgroundThreads::shared().run("preview", [task = task_] { run(task); });
+}
+
+void PreviewLoader::run(const std::shared_ptr<Task> &task) {
+    while (const auto next = task->next()) {
+        const auto &[wish, generation] = *next;
+        const auto post = [&](auto send) {
+            MainThreadQueue::shared().post([task, number = generation, send = std::move(send)] {
+                const std::uint64_t current = [&] {
+                    const std::scoped_lock guard(task->lock);
+                    return task->generation;
+                }();
+                if (task->owner && number == current)
+                    send(*task->owner);
+            });
+        };
+        try {
+            const bool isNew = !task->decoded || !isSamePicture(*task->decoded, wish);
+            if (isNew) {
+                task->decoded.reset();
+                task->eyes = task->operations.preview({wish.file, wish.rightEye}, wish.request);
+                task->decoded = wish;
+            }
+            post([drawn = show(wish, task->eyes)](PreviewLoader &self) { emit self.drawn(drawn); });
+            if (isNew)
+                post([findings = task->eyes.hasBothEyes
+                                     ? findingsOf(task->eyes.left, task->eyes.right)
+                                     : StereoFindings()](PreviewLoader &self) { emit self.examined(findings); });
+        } catch (const std::exception &error) {
+            post([reason = toQString(errorMessage(error))](PreviewLoader &self) { emit self.failed(reason); });
+        }
+    }
+}
+
+} // namespace lumetwin

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/files/PreviewPane.h"
+
+#include "engine/batch/Forecast.h"
+#include "engine/stereo/StereoWarnings.h"
+#include "engine/texts/WarningTexts.h"
+#include "ui/files/DisparityBar.h"
+#include "ui/files/PreviewCanvas.h"
+#include "ui/files/RowTexts.h"
+#include "ui/widgets/Localized.h"
+#include "ui/widgets/Palettes.h"
+#include "ui/widgets/Points.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSlider>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace lumetwin {
+
+namespace {
+
+constexpr int sliderSteps = 1000;
+constexpr int wholePicture = 16384; // pixels; larger than any that is read
+
+QString localizedText(const char *key) {
+    return toQString(text(key));
+}
+
+QHBoxLayout *rowLayout(QWidget *row) {
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    return layout;
+}
+
+} // namespace
+
+PreviewPane::PreviewPane(std::shared_ptr<const ConversionSettings> settings, MediaOperations operations,
+                         QWidget *parent)
+    : QWidget(parent), settings_(std::move(settings)), loader_(std::move(operations)) {
+    build();
+    applyFonts();
+    connect(&loader_, &PreviewLoader::drawn, this, &PreviewPane::drawn);
+    connect(&loader_, &PreviewLoader::examined, this, &PreviewPane::examined);
+    connect(&loader_, &PreviewLoader::failed, this, &PreviewPane::failed);
+    showNothing();
+}
+
+void PreviewPane::build() {
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    canvas_ = new PreviewCanvas(this);
+    canvas_->setObjectName(QStringLiteral("previewCanvas"));
+    canvas_->setAccessibleName(localizedText("preview.title"));
+    canvas_->setToolTip(localizedText("preview.keys"));
+    connect(canvas_, &PreviewCanvas::resized, this, [this] { load(isExact_); });
+    connect(canvas_, &PreviewCanvas::modeAsked, this, [this](int mode) { setMode(static_cast<PreviewMode>(mode)); });
+    connect(canvas_, &PreviewCanvas::actualSizeAsked, this, &PreviewPane::setActualSize);
+    layout->addWidget(buildTools());
+    layout->addWidget(canvas_, 1);
+    layout->addWidget(buildTimeLine());
+    layout->addWidget(buildJudgement());
+}
+
+QWidget *PreviewPane::buildTools() {
+    auto *tools = new QWidget(this);
+    QHBoxLayout *layout = rowLayout(tools);
+    modePopup_ = new QComboBox(tools);
+    modePopup_->setObjectName(QStringLiteral("previewModePopup"));
+    modePopup_->setAccessibleName(localizedText("preview.mode"));
+    modePopup_->setToolTip(localizedText("preview.keys"));
+    for (const char *key :
+         {"preview.mode.side.by.side", "preview.mode.left", "preview.mode.right", "preview.mode.anaglyph",
+          "preview.mode.wiggle", "preview.mode.difference", "preview.mode.as.written"})
+        modePopup_->addItem(localizedText(key));
+    modePopup_->setFocusPolicy(Qt::StrongFocus);
+    connect(modePopup_, &QComboBox::currentIndexChanged, this, [this] { load(isExact_); });
+    actualSizeButton_ = new QToolButton(tools);
+    actualSizeButton_->setObjectName(QStringLiteral("actualSizeButton"));
+    actualSizeButton_->setText(QStringLiteral("100 %"));
+    actualSizeButton_->setCheckable(true);
+    actualSizeButton_->setFocusPolicy(Qt::StrongFocus);
+    actualSizeButton_->setToolTip(localizedText("preview.actual.size"));
+    actualSizeButton_->setAccessibleName(localizedText("preview.actual.size"));
+    connect(actualSizeButton_, &QToolButton::toggled, this, &PreviewPane::setActualSize);
+    layout->addWidget(modePopup_);
+    layout->addStretch();
+    layout->addWidget(actualSizeButton_);
+    return tools;
+}
+
+QWidget *PreviewPane::buildTimeLine() {
+    timeLine_ = new QWidget(this);
+    QHBoxLayout *layout = rowLayout(timeLine_);
+    timeSlider_ = new QSlider(Qt::Horizontal, timeLine_);
+    timeSlider_->setObjectName(QStringLiteral("previewTimeSlider"));
+    timeSlider_->setRange(0, sliderSteps);
+    timeSlider_->setValue(sliderSteps / 10);
+    timeSlider_->setSingleStep(sliderSteps / 100);
+    timeSlider_->setPageStep(sliderSteps / 10);
+    timeSlider_->setAccessibleName(localizedText("preview.time"));
+    connect(timeSlider_, &QSlider::valueChanged, this, &PreviewPane::positionMoved);
+    connect(timeSlider_, &QSlider::sliderReleased, this, [this] { load(true); });
+    timeLabel_ = new QLabel(timeLine_);
+    layout->addWidget(timeSlider_, 1);
+    layout->addWidget(timeLabel_);
+    return timeLine_;
+}
+
+QWidget *PreviewPane::buildJudgement() {
+    judgement_ = new QWidget(this);
+    auto *layout = new QVBoxLayout(judgement_);
+    layout->setContentsMargins(0, 0, 0, 0);
+    disparityBar_ = new DisparityBar(judgement_);
+    disparityBar_->setObjectName(QStringLiteral("disparityBar"));
+    disparityBar_->setAccessibleName(localizedText("preview.disparity"));
+    wordsLabel_ = new QLabel(judgement_);
+    wordsLabel_->setObjectName(QStringLiteral("previewWords"));
+    wordsLabel_->setWordWrap(true);
+    wordsLabel_->setTextFormat(Qt::PlainText);
+    auto *buttons = new QWidget(judgement_);
+    QHBoxLayout *row = rowLayout(buttons);
+    swapCheck_ = new QCheckBox(localizedText("preview.swap"), buttons);
+    swapCheck_->setObjectName(QStringLiteral("previewSwapCheck"));
+    connect(swapCheck_, &QCheckBox::clicked, this, &PreviewPane::swapAsked);
+    adjustButton_ = new QPushButton(localizedText("preview.suggest.adjustment"), buttons);
+    adjustButton_->setObjectName(QStringLiteral("suggestAdjustmentButton"));
+    adjustButton_->setToolTip(localizedText("preview.suggest.adjustment.help"));
+    connect(adjustButton_, &QPushButton::clicked, this, [this] {
+        if (findings_ && findings_->disparity)
+            emit adjustmentAsked(chosenAdjustment(*findings_->disparity));
+    });
+    row->addWidget(swapCheck_);
+    row->addStretch();
+    row->addWidget(adjustButton_);
+    layout->addWidget(disparityBar_);
+    layout->addWidget(wordsLabel_);
+    layout->addWidget(buttons);
+    return judgement_;
+}
+
+void PreviewPane::applyFonts() {
+    const PointScale scale = PointScale::current();
+    for (QWidget *control : std::initializer_list<QWidget *>{modePopup_, swapCheck_, adjustButton_})
+        control->setFont(scale.font(13));
+    for (QWidget *control : std::initializer_list<QWidget *>{wordsLabel_, actualSizeButton_})
+        control->setFont(scale.font(12));
+    timeLabel_->setFont(scale.digitFont(12));
+}
+
+void PreviewPane::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && canvas_)
+        applyFonts();
+}
+
+void PreviewPane::showNothing() {
+    row_.reset();
+    facts_.reset();
+    findings_.reset();
+    loader_.clear();
+    canvas_->setMessage(localizedText("preview.nothing"));
+    timeLine_->hide();
+    judgement_->hide();
+}
+
+void PreviewPane::showRow(const FileRow &row) {
+    const bool isSame = row_ && row_->file == row.file && row_->look.has_value() == row.look.has_value();
+    const bool isOther = !row_ || row_->file != row.file;
+    row_ = row;
+    if (isSame)
+        return refresh();
+    if (isOther) {
+        facts_.reset();
+        findings_.reset();
+        loader_.clear();
+        canvas_->setMessage({});
+        timeLine_->setVisible(row.kind == FileRow::Kind::video);
+        judgement_->hide();
+        const QSignalBlocker quiet(timeSlider_);
+        timeSlider_->setValue(sliderSteps / 10);
+        timeLabel_->clear();
+    }
+    if (row.kind == FileRow::Kind::unsupported)
+        failed(localizedText("files.state.unsupported"));
+    else if (row.look)
+        load(true);
+}
+
+void PreviewPane::refresh() {
+    if (!row_)
+        return;
+    swapCheck_->setChecked(settings_->swapLeftRight);
+    showJudgement();
+    load(isExact_);
+}
+
+void PreviewPane::setLocked(bool locked) {
+    swapCheck_->setEnabled(!locked);
+    adjustButton_->setEnabled(!locked);
+}
+
+void PreviewPane::setMode(PreviewMode mode) {
+    modePopup_->setCurrentIndex(static_cast<int>(mode));
+}
+
+void PreviewPane::setActualSize(bool actualSize) {
+    const QSignalBlocker quiet(actualSizeButton_);
+    actualSizeButton_->setChecked(actualSize);
+    canvas_->setActualSize(actualSize);
+    load(isExact_);
+}
+
+void PreviewPane::load(bool exact) {
+    if (!row_ || !row_->look || row_->kind == FileRow::Kind::unsupported || canvas_->room().isEmpty())
+        return;
+    isExact_ = exact;
+    const bool isSpatial = isSpatialMedia(row_->look->facts);
+    PreviewWish wish;
+    wish.file = row_->file;
+    wish.rightEye = row_->rightEye;
+    wish.mode = static_cast<PreviewMode>(modePopup_->currentIndex());
+    wish.request.layout = isSpatial ? StereoLayout() : layoutOf(*row_, *settings_);
+    wish.request.position = static_cast<double>(timeSlider_->value()) / sliderSteps;
+    wish.request.exact = exact;
+    if (!canvas_->isActualSize())
+        wish.room = canvas_->room();
+    wish.request.maximumWidth = canvas_->isActualSize() ? wholePicture : wish.room.width();
+    wish.request.maximumHeight = canvas_->isActualSize() ? wholePicture : wish.room.height();
+    wish.settings = snapshotOf(*settings_);
+    loader_.load(std::move(wish));
+}
+
+/// While the slider is dragged, frames near the time are shown, which come sooner.
+void PreviewPane::positionMoved() {
+    if (facts_)
+        showTime(facts_->duration * timeSlider_->value() / sliderSteps);
+    load(!timeSlider_->isSliderDown());
+}
+
+void PreviewPane::showTime(double seconds) {
+    const double duration = facts_ ? facts_->duration : 0;
+    timeLabel_->setText(durationText(seconds) + QStringLiteral(" / ") + durationText(duration));
+}
+
+void PreviewPane::drawn(const PreviewShow &show) {
+    facts_ = show.facts;
+    canvas_->setShow(show);
+    if (row_ && row_->kind == FileRow::Kind::video && !timeSlider_->isSliderDown())
+        showTime(show.facts.seconds);
+    modePopup_->setEnabled(show.facts.hasBothEyes);
+    judgement_->setVisible(show.facts.hasBothEyes);
+    showJudgement();
+}
+
+void PreviewPane::examined(const StereoFindings &findings) {
+    findings_ = findings;
+    showJudgement();
+}
+
+void PreviewPane::failed(const QString &reason) {
+    canvas_->setMessage(reason);
+    judgement_->hide();
+}
+
+void PreviewPane::showJudgement() {
+    swapCheck_->setChecked(settings_->swapLeftRight);
+    if (!findings_ || !findings_->wasExamined) {
+        disparityBar_->setFigures(std::nullopt);
+        wordsLabel_->clear();
+        adjustButton_->hide();
+        return;
+    }
+    StereoFindings shown = *findings_;
+    std::optional<DisparityFigures> figures = shown.disparity;
+    if (figures && settings_->swapLeftRight) { // seen by the other eye
+        figures = DisparityFigures{-figures->farthest, -figures->middle, -figures->nearest, -figures->vertical};
+        shown.disparity = figures;
+    }
+    disparityBar_->setFigures(figures);
+    StereoLayout layout;
+    layout.arrangement = shown.seen.value_or(layout.arrangement);
+    QStringList words;
+    for (const Warning &warning : stereoWarnings(shown, layout))
+        words << toQString(warningText(warning));
+    if (figures && words.isEmpty())
+        words << toQString(formatted("preview.vertical.format", figures->vertical));
+    wordsLabel_->setText(words.join(QLatin1Char('\n')));
+    const bool writesAdjustment = settings_->direction == ConversionDirection::sbsToSpatial;
+    adjustButton_->setVisible(figures.has_value() && writesAdjustment);
+}
+
+} // namespace lumetwin
