@@ -7,6 +7,8 @@
 #include "engine/inspection/StereoCheck.h"
 #include "engine/photo/SBSImageToSpatial.h"
 #include "engine/photo/SpatialPhotoToSBS.h"
+#include "engine/preview/PreviewDrawing.h"
+#include "engine/preview/PreviewReading.h"
 #include "engine/stereo/SourceLayout.h"
 #include "engine/video/SBSVideoToSpatial.h"
 #include "engine/video/SpatialVideoToSBS.h"
@@ -61,11 +63,21 @@ FileInspection MediaOperations::inspectFile(const std::filesystem::path &file) c
     return inspection;
 }
 
+StereoPreview MediaOperations::preview(const ConversionInput &input, const PreviewRequest &request) const {
+    const media::OutputFile pixels = pixelFile(request, input.path());
+    return readPixels(drawPreview(input, request, pixels), request, pixels);
+}
+
+StereoPreview MediaOperations::preview(const std::filesystem::path &file, const PreviewRequest &request) const {
+    return preview(ConversionInput{media::InputFile(file)}, request);
+}
+
 MediaOperations MediaOperations::inProcess() {
     return {.look = lumetwin::lookAt,
             .lookClosely = lumetwin::lookClosely,
             .examine = lumetwin::examine,
             .measure = lumetwin::pictureSize,
+            .drawPreview = lumetwin::drawPreview,
             .convertSpatialVideoToSBS = lumetwin::convertSpatialVideoToSBS,
             .convertSBSVideoToSpatial = lumetwin::convertSBSVideoToSpatial,
             .convertSpatialPhotoToSBS = lumetwin::convertSpatialPhotoToSBS,

@@ -3,6 +3,7 @@
 
 #include "engine/ConversionControl.h"
 #include "engine/Outcome.h"
+#include "engine/preview/StereoPreview.h"
 #include "model/ConversionSettings.h"
 #include "model/MediaFacts.h"
 #include "model/PictureSize.h"
@@ -54,6 +55,9 @@ struct MediaOperations {
     std::function<StereoFindings(const ConversionInput &, const StereoLayout &)> examine;
     /// See pictureSize().
     std::function<PictureSize(const media::InputFile &)> measure;
+    /// Draws the preview's pixels into the output (first the left eye's, then the right eye's); see drawPreview().
+    std::function<PreviewFacts(const ConversionInput &, const PreviewRequest &, const media::OutputFile &pixels)>
+        drawPreview = {};
     Converter convertSpatialVideoToSBS;
     Converter convertSBSVideoToSpatial;
     Converter convertSpatialPhotoToSBS;
@@ -67,6 +71,11 @@ struct MediaOperations {
     CloseInspection inspectClosely(const std::filesystem::path &file) const;
     /// The facts, and for a file that is not spatial also its size.
     FileInspection inspectFile(const std::filesystem::path &file) const;
+
+    /// Draws a preview in memory. Throws the errors of drawPreview; MediaError when the file cannot be opened, and when
+    /// what was drawn is not what was told of it.
+    StereoPreview preview(const ConversionInput &input, const PreviewRequest &request) const;
+    StereoPreview preview(const std::filesystem::path &file, const PreviewRequest &request) const;
 
     /// The engine's own functions, called in this process.
     static MediaOperations inProcess();

@@ -3,9 +3,9 @@
 
 #include "engine/geometry/SBSComposition.h"
 #include "engine/geometry/SBSGeometry.h"
+#include "engine/video/FrameEyes.h"
 #include "engine/video/OutputSpace.h"
 #include "engine/video/VideoConversion.h"
-#include "media/EyePair.h"
 
 #include <algorithm>
 #include <limits>
@@ -16,27 +16,6 @@ namespace {
 
 // The first system version that decodes both views.
 constexpr SystemVersion bothViews{14, 0, 0};
-
-using Eyes = media::EyePair<media::Picture>;
-
-/// The eyes of a frame, found by their stereo tags. A frame with one view is used for both eyes.
-std::optional<Eyes> eyesOf(const media::Frame &frame) {
-    std::optional<media::Picture> left;
-    std::optional<media::Picture> right;
-    for (const media::TaggedPicture &tagged : frame.views()) {
-        if (tagged.view == media::StereoView::left)
-            left = tagged.picture;
-        if (tagged.view == media::StereoView::right)
-            right = tagged.picture;
-    }
-    if (!left && frame.count > 0)
-        left = frame.pictures[0].picture;
-    if (!left)
-        return std::nullopt;
-    if (!right)
-        right = left;
-    return Eyes{std::move(*left), std::move(*right)};
-}
 
 media::Container containerOf(SBSOutputFormat format) {
     return format == SBSOutputFormat::movHEVC ? media::Container::quickTime : media::Container::mpeg4;
@@ -86,7 +65,7 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const Conve
     SBSComposition composition(geometry);
     media::PicturePool pool(encoding.width, encoding.height, media::yuv420, info.track.colour);
     const auto writeFrame = [&](const media::Frame &frame, OutputClock &clock) {
-        const std::optional<Eyes> eyes = eyesOf(frame);
+        const std::optional<FrameEyes> eyes = eyesOf(frame);
         if (!eyes)
             return false;
         media::Picture canvas = pool.take();
