@@ -25,6 +25,8 @@ MediaOperations confinedOperations(std::shared_ptr<Workers> workers) {
             .examine = [workers](const ConversionInput &input,
                                  const StereoLayout &layout) { return workers->examine(input, layout); },
             .measure = [workers](const media::InputFile &input) { return workers->measure(input); },
+            .drawPreview = [workers](const ConversionInput &input, const PreviewRequest &request,
+                                     const media::OutputFile &pixels) { return workers->draw(input, request, pixels); },
             .convertSpatialVideoToSBS = converter(workers, ConversionKind::spatialVideoToSBS),
             .convertSBSVideoToSpatial = converter(workers, ConversionKind::sbsVideoToSpatial),
             .convertSpatialPhotoToSBS = converter(workers, ConversionKind::spatialPhotoToSBS),

@@ -22,6 +22,7 @@ public:
 
 private:
     void handle(const LookRequest &request, std::vector<media::Descriptor> descriptors);
+    void handle(const DrawRequest &request, std::vector<media::Descriptor> descriptors);
     void handle(const ConvertRequest &request, std::vector<media::Descriptor> descriptors);
     void handle(const CancelRequest &request, std::vector<media::Descriptor> descriptors);
     [[noreturn]] void handle(const ForkRequest &request, std::vector<media::Descriptor> descriptors);

@@ -23,8 +23,9 @@ public:
     Conversation(WorkerProcess &worker, const ConversionControl &control, const Timeouts &timeouts)
         : worker_(worker), control_(control), timeouts_(timeouts) {}
 
-    /// Returns MediaFacts, PictureSize, Outcome or Failure. When the user stops the conversion and the worker does not
-    /// stop in time, returns an Outcome that says that nothing was written. Throws WorkerFailure.
+    /// Returns what was asked for (such as MediaFacts or an Outcome), or Failure. When the user stops the conversion
+    /// and the worker does not stop in time, returns an Outcome that says that nothing was written. Throws
+    /// WorkerFailure.
     Answer finalAnswer();
 
     /// Called when the worker is ready, unless it is empty.

@@ -91,6 +91,54 @@ Answer Workers::inspectorAnswer(const LookRequest &request, const ConversionInpu
     }
 }
 
+PreviewFacts Workers::draw(const ConversionInput &input, const PreviewRequest &request,
+                           const media::OutputFile &pixels) {
+    const DrawRequest toDraw{.preview = request,
+                             .input = input.path(),
+                             .language = std::string(textLanguage()),
+                             .rightEye = pathOf(input.rightEye)};
+    return namingFile(input, [&] {
+        try {
+            return tryToDraw(toDraw, input, pixels);
+        } catch (const WorkerFailure &failure) {
+            if (!failure.isCrash())
+                throw;
+            return tryToDraw(toDraw, input, pixels); // an earlier file may have caused the crash
+        }
+    });
+}
+
+PreviewFacts Workers::tryToDraw(const DrawRequest &request, const ConversionInput &input,
+                                const media::OutputFile &pixels) {
+    Worker painter = takePainter();
+    std::vector<int> descriptors{input.descriptor()};
+    if (input.rightEye)
+        descriptors.push_back(input.rightEye->descriptor());
+    descriptors.push_back(pixels.descriptor());
+    painter->send(request, descriptors);
+    Answer answer = Conversation(*painter, {}, timeouts_).finalAnswer();
+    if (std::holds_alternative<PreviewFacts>(answer) || std::holds_alternative<Failure>(answer))
+        giveBackPainter(std::move(painter));
+    return expected<PreviewFacts>(std::move(answer));
+}
+
+Workers::Worker Workers::takePainter() {
+    {
+        const std::scoped_lock lock(paintersMutex_);
+        if (!painters_.empty()) {
+            Worker painter = std::move(painters_.back());
+            painters_.pop_back();
+            return painter;
+        }
+    }
+    return started();
+}
+
+void Workers::giveBackPainter(Worker painter) {
+    const std::scoped_lock lock(paintersMutex_);
+    painters_.push_back(std::move(painter));
+}
+
 Outcome Workers::convert(ConversionKind kind, const ConversionSettings &settings, const ConversionInput &input,
                          const media::OutputFile &output, const ConversionControl &control, SystemVersion system) {
     ConvertRequest request{.kind = kind,

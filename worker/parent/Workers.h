@@ -9,13 +9,15 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace lumetwin::worker {
 
 /// The worker processes of a program. All are forked from one process, which is started at the first request. One
-/// long-lived worker inspects files. Each conversion has its own worker, and the next worker is started during the
-/// conversion. Can be used by several threads. The functions throw the errors of
-/// MediaOperations::inProcess(); if a worker itself fails, a ProcessorError that names the file.
+/// long-lived worker inspects files, others draw previews: as many as previews were drawn at the same time. Each
+/// conversion has its own worker, and the next worker is started during the conversion. Can be used by several threads.
+/// The functions throw the errors of MediaOperations::inProcess(); if a worker itself fails, a ProcessorError that
+/// names the file.
 class Workers {
 public:
     explicit Workers(std::filesystem::path program, Timeouts timeouts = {});
@@ -24,6 +26,9 @@ public:
     MediaFacts lookClosely(const ConversionInput &input);
     StereoFindings examine(const ConversionInput &input, const StereoLayout &layout);
     PictureSize measure(const media::InputFile &input);
+
+    /// Draws a preview into the output; see MediaOperations. Does not wait for other previews or for looks.
+    PreviewFacts draw(const ConversionInput &input, const PreviewRequest &request, const media::OutputFile &pixels);
 
     /// After a crash the conversion is repeated once, with one decoding thread.
     Outcome convert(ConversionKind kind, const ConversionSettings &settings, const ConversionInput &input,
@@ -39,11 +44,14 @@ private:
     Answer lookAnswer(LookRequest::Kind kind, const ConversionInput &input,
                       const std::optional<StereoLayout> &layout = {});
     Answer inspectorAnswer(const LookRequest &request, const ConversionInput &input);
+    PreviewFacts tryToDraw(const DrawRequest &request, const ConversionInput &input, const media::OutputFile &pixels);
     Outcome tryToConvert(const ConvertRequest &request, const ConversionInput &input, const media::OutputFile &output,
                          const ConversionControl &control);
     /// Logs once how workers are confined, if that is less than everything.
     void logConfinement(const ConfinementReport &report, const ConversionControl &control);
     Worker started();
+    Worker takePainter();
+    void giveBackPainter(Worker painter);
     Worker takeSpare();
     void startSpare();
 
@@ -54,6 +62,8 @@ private:
     Worker original_; // guarded by originalMutex_; forks the others
     std::mutex inspectorMutex_;
     Worker inspector_; // guarded by inspectorMutex_
+    std::mutex paintersMutex_;
+    std::vector<Worker> painters_; // guarded by paintersMutex_; those without work
     std::mutex spareMutex_;
     Worker spare_; // guarded by spareMutex_
 };

@@ -4,6 +4,7 @@
 #include "worker/protocol/ErrorCoding.h"
 #include "worker/protocol/FactsCoding.h"
 #include "worker/protocol/OutcomeCoding.h"
+#include "worker/protocol/PreviewCoding.h"
 #include "worker/protocol/Reading.h"
 
 namespace lumetwin::worker {
@@ -43,6 +44,10 @@ Json encodeOne(const StereoFindings &findings) {
 
 Json encodeOne(const PictureSize &size) {
     return {{"answer", "size"}, {"size", encodeSize(size)}};
+}
+
+Json encodeOne(const PreviewFacts &facts) {
+    return {{"answer", "preview"}, {"preview", encodePreviewFacts(facts)}};
 }
 
 Json encodeOne(const Outcome &outcome) {
@@ -87,6 +92,8 @@ Answer decodeAnswer(const Json &content) {
         return decodeFindings(field(content, "findings"));
     if (type == "size")
         return decodeSize(field(content, "size"));
+    if (type == "preview")
+        return decodePreviewFacts(field(content, "preview"));
     if (type == "outcome")
         return decodeOutcome(field(content, "outcome"));
     if (type == "failure")

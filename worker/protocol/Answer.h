@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/Outcome.h"
+#include "engine/preview/StereoPreview.h"
 #include "model/MediaFacts.h"
 #include "model/PictureSize.h"
 #include "model/StereoFindings.h"
@@ -43,8 +44,8 @@ struct Failure {
     std::exception_ptr error;
 };
 
-using Answer =
-    std::variant<Forked, Ready, Progress, SignOfLife, MediaFacts, StereoFindings, PictureSize, Outcome, Failure>;
+using Answer = std::variant<Forked, Ready, Progress, SignOfLife, MediaFacts, StereoFindings, PictureSize, PreviewFacts,
+                            Outcome, Failure>;
 
 nlohmann::json encode(const Answer &answer);
 /// Throws ProtocolError.

@@ -2,6 +2,7 @@
 #include "worker/protocol/Request.h"
 
 #include "worker/protocol/FactsCoding.h"
+#include "worker/protocol/PreviewCoding.h"
 #include "worker/protocol/Reading.h"
 #include "worker/protocol/SettingsCoding.h"
 
@@ -29,6 +30,14 @@ Json encodeOne(const LookRequest &request) {
             {"language", request.language},
             {"rightEye", encodePath(request.rightEye)},
             {"layout", encodeLayout(request.layout)}};
+}
+
+Json encodeOne(const DrawRequest &request) {
+    return {{"request", "draw"},
+            {"preview", encodePreviewRequest(request.preview)},
+            {"input", request.input.string()},
+            {"language", request.language},
+            {"rightEye", encodePath(request.rightEye)}};
 }
 
 Json encodeOne(const ConvertRequest &request) {
@@ -82,6 +91,13 @@ LookRequest lookRequest(const Json &content) {
     return request;
 }
 
+DrawRequest drawRequest(const Json &content) {
+    return {.preview = decodePreviewRequest(field(content, "preview")),
+            .input = string(field(content, "input")),
+            .language = string(field(content, "language")),
+            .rightEye = decodePath(field(content, "rightEye"))};
+}
+
 } // namespace
 
 Json encode(const Request &request) {
@@ -92,6 +108,8 @@ Request decodeRequest(const Json &content) {
     const std::string &type = string(field(content, "request"));
     if (type == "look")
         return lookRequest(content);
+    if (type == "draw")
+        return drawRequest(content);
     if (type == "convert")
         return convertRequest(content);
     if (type == "cancel")

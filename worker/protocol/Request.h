@@ -29,6 +29,15 @@ struct LookRequest {
     std::optional<StereoLayout> layout = {}; ///< for examine
 };
 
+/// Asks for a preview. Descriptors: the file; the file of the right eye, where there is one; and the output for the
+/// pixels.
+struct DrawRequest {
+    PreviewRequest preview;
+    std::filesystem::path input;
+    std::string language;
+    std::optional<std::filesystem::path> rightEye = {};
+};
+
 /// Asks for a conversion. Descriptors: the input (read-only), the output; and the file of the right eye, where there is
 /// one.
 struct ConvertRequest {
@@ -49,7 +58,7 @@ struct CancelRequest {};
 /// Asks the program's first process for a worker. Descriptor: the worker's end of its channel.
 struct ForkRequest {};
 
-using Request = std::variant<LookRequest, ConvertRequest, CancelRequest, ForkRequest>;
+using Request = std::variant<LookRequest, DrawRequest, ConvertRequest, CancelRequest, ForkRequest>;
 
 nlohmann::json encode(const Request &request);
 /// Throws ProtocolError.
