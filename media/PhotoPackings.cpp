@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/PhotoPackings.h"
 
+#include "media/ImagePreview.h"
 #include "media/MediaError.h"
 #include "media/SpatialPhoto.h"
 #include "media/bmff/BoxReader.h"
 #include "media/jpeg/JpegHeaders.h"
+#include "media/jpeg/JpegPreview.h"
 #include "media/jpeg/JpegReader.h"
 #include "media/jpeg/MultiPicture.h"
 #include "media/metadata/FieldOfView.h"
@@ -71,8 +73,42 @@ std::uint64_t endOf(std::uint64_t begin, const std::vector<std::uint64_t> &all) 
     return end;
 }
 
-std::string sizeOf(const Picture &picture) {
-    return std::to_string(picture.width) + " x " + std::to_string(picture.height);
+[[noreturn]] void fail(const ImageFile &file, MediaReason reason, std::string details) {
+    throw MediaError(file.path(), MediaOperation::read, 0, reason, std::move(details));
+}
+
+/// Where the first two eyes of a Multi-Picture file lie. Throws MediaError where they do not.
+EyePair<images::ImagePlace> eyePlaces(const ImageFile &file) {
+    images::MultiPicture pictures;
+    if (file.kind() == ImageKind::jpeg)
+        pictures = images::readMultiPicture(*bmff::openFile(file.input()));
+    if (pictures.eyes.size() < 2)
+        fail(file, MediaReason::noImage, "no second eye");
+    const auto place = [&](std::size_t index) {
+        const std::uint64_t begin = pictures.eyes[index];
+        if (begin >= file.input().size())
+            fail(file, MediaReason::endsEarly, "an eye lies beyond the end");
+        return images::ImagePlace{begin, endOf(begin, pictures.all)};
+    };
+    if (pictures.eyes[0] == pictures.eyes[1])
+        fail(file, MediaReason::damaged, "both eyes are at one place");
+    return {place(0), place(1)};
+}
+
+/// Reads both eyes at the same time. Throws MediaError when their sizes differ.
+template <typename Read> auto readBoth(const ImageFile &file, const Read &read) {
+    const EyePair<images::ImagePlace> places = eyePlaces(file);
+    auto later = std::async(std::launch::async, [&] { return read(places.right); });
+    auto left = read(places.left);
+    return EyePair<decltype(left)>{std::move(left), later.get()};
+}
+
+void requireOneSize(const ImageFile &file, const PixelSize &left, const PixelSize &right) {
+    const auto text = [](const PixelSize &size) {
+        return std::to_string(size.width) + " x " + std::to_string(size.height);
+    };
+    if (left.width != right.width || left.height != right.height)
+        fail(file, MediaReason::contradictoryParameters, text(left) + ", " + text(right));
 }
 
 } // namespace
@@ -100,29 +136,25 @@ PhotoPackings readPhotoPackings(const InputFile &file) noexcept {
 }
 
 void readEyePictures(const ImageFile &file, const EyeTaker &take, const Cancellation &cancellation) {
-    const auto fail = [&](MediaReason reason, std::string details) {
-        throw MediaError(file.path(), MediaOperation::read, 0, reason, std::move(details));
-    };
-    images::MultiPicture pictures;
-    if (file.kind() == ImageKind::jpeg)
-        pictures = images::readMultiPicture(*bmff::openFile(file.input()));
-    if (pictures.eyes.size() < 2)
-        fail(MediaReason::noImage, "no second eye");
-    const auto read = [&](std::size_t index) {
-        const std::uint64_t begin = pictures.eyes[index];
-        if (begin >= file.input().size())
-            fail(MediaReason::endsEarly, "an eye lies beyond the end");
-        return images::readJpeg(file.input(), begin, endOf(begin, pictures.all), cancellation);
-    };
-    if (pictures.eyes[0] == pictures.eyes[1])
-        fail(MediaReason::damaged, "both eyes are at one place");
-    auto later = std::async(std::launch::async, read, std::size_t{1});
-    StillImage left = read(0);
-    StillImage right = later.get();
-    if (left.picture.width != right.picture.width || left.picture.height != right.picture.height)
-        fail(MediaReason::contradictoryParameters, sizeOf(left.picture) + ", " + sizeOf(right.picture));
-    take(Eye::left, std::move(left));
-    take(Eye::right, std::move(right));
+    EyePair<StillImage> eyes = readBoth(file, [&](const images::ImagePlace &place) {
+        return images::readJpeg(file.input(), place.begin, place.end, cancellation);
+    });
+    requireOneSize(file, {eyes.left.picture.width, eyes.left.picture.height},
+                   {eyes.right.picture.width, eyes.right.picture.height});
+    take(Eye::left, std::move(eyes.left));
+    take(Eye::right, std::move(eyes.right));
+}
+
+EyePair<ReducedImage> readReducedEyes(const ImageFile &file, const NeededSize &needed) {
+    EyePair<ReducedImage> eyes = readBoth(file, [&](const images::ImagePlace &place) {
+        if (auto reduced = images::readReducedJpeg(file.input(), place, needed))
+            return std::move(*reduced);
+        ReducedImage whole{images::readJpeg(file.input(), place.begin, place.end, {}), {}, 1};
+        whole.whole = {whole.image.picture.width, whole.image.picture.height};
+        return whole;
+    });
+    requireOneSize(file, eyes.left.whole, eyes.right.whole);
+    return eyes;
 }
 
 } // namespace lumetwin::media

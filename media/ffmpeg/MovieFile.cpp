@@ -14,7 +14,36 @@ extern "C" {
 
 namespace lumetwin::media {
 
+namespace {
+
+/// The stream of this type with this number, from 0.
+const AVStream *streamOf(const AVFormatContext &input, AVMediaType type, int number) {
+    for (unsigned index = 0; index < input.nb_streams; ++index) {
+        const AVStream *stream = input.streams[index];
+        // A cover picture is not a video track.
+        if (stream->codecpar->codec_type == type && !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC) &&
+            number-- == 0)
+            return stream;
+    }
+    return nullptr;
+}
+
+} // namespace
+
 namespace ffmpeg {
+
+PixelAspect pixelAspect(const AVStream &stream) {
+    const AVRational ratio =
+        stream.sample_aspect_ratio.num ? stream.sample_aspect_ratio : stream.codecpar->sample_aspect_ratio;
+    constexpr std::int64_t most = 4;
+    const bool believable =
+        ratio.num > 0 && ratio.den > 0 && ratio.num <= most * ratio.den && ratio.den <= most * ratio.num;
+    return believable ? PixelAspect{ratio.num, ratio.den} : PixelAspect{};
+}
+
+const AVStream *videoStream(const AVFormatContext &input, int number) {
+    return streamOf(input, AVMEDIA_TYPE_VIDEO, number);
+}
 
 Cropping cropping(const AVCodecParameters &parameters) {
     const AVPacketSideData *data =
@@ -28,17 +57,6 @@ Cropping cropping(const AVCodecParameters &parameters) {
 } // namespace ffmpeg
 
 namespace {
-
-const AVStream *firstStream(const AVFormatContext &input, AVMediaType type, int leftOut = 0) {
-    for (unsigned index = 0; index < input.nb_streams; ++index) {
-        const AVStream *stream = input.streams[index];
-        // A cover picture is not a video track.
-        if (stream->codecpar->codec_type == type && !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC) &&
-            leftOut-- == 0)
-            return stream;
-    }
-    return nullptr;
-}
 
 double seconds(std::int64_t time, AVRational base) {
     return time == AV_NOPTS_VALUE ? 0 : static_cast<double>(time) * av_q2d(base);
@@ -76,17 +94,6 @@ int rotation(const AVCodecParameters &parameters) {
     return std::isfinite(angle) ? (static_cast<int>(std::lround(angle)) % 360 + 360) % 360 : 0;
 }
 
-/// The pixel aspect ratio of the container, otherwise of the stream. Ratios above 4 : 1 are treated as errors and
-/// ignored.
-PixelAspect pixelAspect(const AVStream &stream) {
-    const AVRational ratio =
-        stream.sample_aspect_ratio.num ? stream.sample_aspect_ratio : stream.codecpar->sample_aspect_ratio;
-    constexpr std::int64_t most = 4;
-    const bool believable =
-        ratio.num > 0 && ratio.den > 0 && ratio.num <= most * ratio.den && ratio.den <= most * ratio.num;
-    return believable ? PixelAspect{ratio.num, ratio.den} : PixelAspect{};
-}
-
 void addTags(const AVDictionary *dictionary, MovieTags &tags) {
     const AVDictionaryEntry *entry = nullptr;
     while ((entry = av_dict_iterate(dictionary, entry)))
@@ -95,7 +102,7 @@ void addTags(const AVDictionary *dictionary, MovieTags &tags) {
 
 std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const InputFile &file,
                                          const std::function<bool()> &cancelled, VideoStream video) {
-    const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO, video == VideoStream::second ? 1 : 0);
+    const AVStream *stream = ffmpeg::videoStream(input, video == VideoStream::second ? 1 : 0);
     if (!stream)
         return std::nullopt;
     const AVCodecParameters &parameters = *stream->codecpar;
@@ -104,7 +111,7 @@ std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const Inp
     track.index = stream->index;
     track.naturalWidth = parameters.width - cropping.left - cropping.right;
     track.naturalHeight = parameters.height - cropping.top - cropping.bottom;
-    track.pixelAspect = pixelAspect(*stream);
+    track.pixelAspect = ffmpeg::pixelAspect(*stream);
     readTiming(input, *stream, file, cancelled, track);
     track.rotation = rotation(parameters);
     track.startTime = seconds(stream->start_time, stream->time_base);
@@ -114,7 +121,7 @@ std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const Inp
 }
 
 std::optional<AudioTrack> readAudioTrack(const AVFormatContext &input) {
-    const AVStream *stream = firstStream(input, AVMEDIA_TYPE_AUDIO);
+    const AVStream *stream = streamOf(input, AVMEDIA_TYPE_AUDIO, 0);
     if (!stream)
         return std::nullopt;
     return AudioTrack{stream->index, static_cast<double>(stream->codecpar->sample_rate),
@@ -152,7 +159,7 @@ MovieTags readTags(const AVFormatContext &input) {
     MovieTags tags;
     addTags(input.metadata, tags);
     // Some writers store the creation time only in the track.
-    if (const AVStream *stream = firstStream(input, AVMEDIA_TYPE_VIDEO)) {
+    if (const AVStream *stream = ffmpeg::videoStream(input, 0)) {
         const AVDictionaryEntry *time = av_dict_get(stream->metadata, "creation_time", nullptr, 0);
         if (time)
             tags.try_emplace("creation_time", time->value);

@@ -33,4 +33,11 @@ struct Cropping {
 
 Cropping cropping(const AVCodecParameters &parameters);
 
+/// The pixel aspect ratio of the container, otherwise of the stream. Ratios above 4 : 1 are treated as errors and
+/// ignored.
+PixelAspect pixelAspect(const AVStream &stream);
+
+/// The video stream with this number, from 0; null where there is none. Cover pictures do not count.
+const AVStream *videoStream(const AVFormatContext &input, int number);
+
 } // namespace lumetwin::media::ffmpeg

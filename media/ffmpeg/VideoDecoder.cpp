@@ -40,6 +40,10 @@ bool VideoDecoder::askForBothViews() {
     return true;
 }
 
+void VideoDecoder::useThreads(int threads) {
+    codec_->thread_count = decodesWithOneThread() ? 1 : threads;
+}
+
 std::span<const std::uint8_t> VideoDecoder::configuration() const {
     return {codec_->extradata, static_cast<std::size_t>(codec_->extradata_size)};
 }

@@ -22,6 +22,8 @@ public:
 
     /// Both views of a multiview stream, each a frame of its own; before open(). False where the codec knows no views.
     bool askForBothViews();
+    /// Another number of threads than for a whole film; before open(). One after a crash in any case.
+    void useThreads(int threads);
     /// The track's parameter sets and the like, as the container has them.
     std::span<const std::uint8_t> configuration() const;
     void open();

@@ -2,9 +2,16 @@
 #include "media/jpeg/JpegPreview.h"
 
 #include "media/Image.h"
+#include "media/colour/ColourProfile.h"
 #include "media/jpeg/JpegErrors.h"
 #include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"
+#include "media/samples/Rows.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <vector>
 
 namespace lumetwin::media::images {
 
@@ -30,9 +37,15 @@ struct Decoder {
     }
     Decoder(const Decoder &) = delete;
 
+    [[noreturn]] void fail() const {
+        const bool tooManyScans = codec.input_scan_number > scanLimit;
+        throw MediaError(file, MediaOperation::read, errors.code,
+                         tooManyScans ? MediaReason::tooManyScans : errors.reason(), errors.message);
+    }
+
     template <typename Step> void run(const Step &step) {
         if (!succeeds(errors, step))
-            throw MediaError(file, MediaOperation::read, errors.code, errors.reason(), errors.message);
+            fail();
     }
 };
 
@@ -55,37 +68,87 @@ bool hasBrightness(const jpeg_decompress_struct &codec) {
            codec.jpeg_color_space == JCS_RGB;
 }
 
+/// Reads the header, and leaves the profile in the markers.
+void readHeader(Decoder &decoder, std::FILE *stream) {
+    jpeg_decompress_struct &codec = decoder.codec;
+    decoder.run([&] {
+        jpeg_stdio_src(&codec, stream);
+        jpeg_save_markers(&codec, JPEG_APP0 + 2, 0xFFFF);
+        jpeg_read_header(&codec, TRUE);
+    });
+    checkSize(decoder.file, codec.image_width, codec.image_height);
+}
+
+std::vector<std::uint8_t> profileIn(Decoder &decoder) {
+    JOCTET *data = nullptr;
+    unsigned length = 0;
+    decoder.run([&] { jpeg_read_icc_profile(&decoder.codec, &data, &length); });
+    const std::unique_ptr<JOCTET, void (*)(void *)> owner(data, std::free);
+    return {data, data + length};
+}
+
+constexpr PictureFormat greySamples{ColourModel::grey, 8, 0, 0};
+constexpr PictureFormat rgbSamples{ColourModel::rgb, 8, 0, 0};
+
+/// Decodes reduced to grey or to RGB.
+Picture decode(Decoder &decoder, unsigned reduction, bool isGrey) {
+    jpeg_decompress_struct &codec = decoder.codec;
+    jpeg_progress_mgr progress{};
+    progress.progress_monitor = limitScans;
+    codec.progress = &progress;
+    codec.out_color_space = isGrey ? JCS_GRAYSCALE : JCS_RGB;
+    codec.scale_num = 1;
+    codec.scale_denom = reduction;
+    decoder.run([&] { jpeg_start_decompress(&codec); });
+    const auto width = static_cast<int>(codec.output_width);
+    const auto height = static_cast<int>(codec.output_height);
+    ColourTags colour = jpegColour;
+    colour.matrix = isGrey ? colour.matrix : 0;
+    const Picture picture = makeChecked(decoder.file, width, height, isGrey ? greySamples : rgbSamples, colour);
+    std::vector<JSAMPLE> buffer(isGrey ? 0 : static_cast<std::size_t>(width) * 3);
+    decoder.run([&] {
+        while (codec.output_scanline < codec.output_height) {
+            const auto y = static_cast<int>(codec.output_scanline);
+            JSAMPROW row = isGrey ? planeRow<JSAMPLE>(picture, 0, y) : buffer.data();
+            jpeg_read_scanlines(&codec, &row, 1);
+            if (!isGrey)
+                scatterRow<JSAMPLE>(row, PixelLayout{3, Alpha::none}, picture, 0, y, width);
+        }
+    });
+    codec.progress = nullptr;
+    return picture;
+}
+
 } // namespace
 
 Picture readJpegPreview(const InputFile &file, int width, int height) {
     const FileStream stream = streamOf(file);
     Decoder decoder(file.path());
-    jpeg_decompress_struct &codec = decoder.codec;
-    jpeg_progress_mgr progress{};
-    progress.progress_monitor = limitScans;
-    decoder.run([&] {
-        jpeg_stdio_src(&codec, stream.get());
-        jpeg_read_header(&codec, TRUE);
-    });
-    checkSize(file.path(), codec.image_width, codec.image_height);
-    if (!hasBrightness(codec))
+    readHeader(decoder, stream.get());
+    if (!hasBrightness(decoder.codec))
         return {};
-    codec.progress = &progress;
-    codec.out_color_space = JCS_GRAYSCALE;
-    codec.dct_method = JDCT_IFAST;
-    codec.scale_num = 1;
-    codec.scale_denom = denominator(codec, width, height);
-    decoder.run([&] { jpeg_start_decompress(&codec); });
-    const Picture picture =
-        makeChecked(file.path(), static_cast<int>(codec.output_width), static_cast<int>(codec.output_height),
-                    {ColourModel::grey, 8, 0, 0}, jpegColour);
-    decoder.run([&] {
-        while (codec.output_scanline < codec.output_height) {
-            JSAMPROW row = picture.planes[0].data + codec.output_scanline * picture.planes[0].stride;
-            jpeg_read_scanlines(&codec, &row, 1);
-        }
-    });
-    return picture;
+    decoder.codec.dct_method = JDCT_IFAST;
+    return decode(decoder, denominator(decoder.codec, width, height), true);
+}
+
+std::optional<ReducedImage> readReducedJpeg(const InputFile &file, const ImagePlace &place, const NeededSize &needed) {
+    const FileStream stream = streamOf(file, place.begin, place.end);
+    Decoder decoder(file.path());
+    readHeader(decoder, stream.get());
+    if (!hasBrightness(decoder.codec))
+        return std::nullopt;
+    ReducedImage reduced;
+    reduced.whole = {static_cast<int>(decoder.codec.image_width), static_cast<int>(decoder.codec.image_height)};
+    const PixelSize size = needed(reduced.whole);
+    const unsigned reduction = denominator(decoder.codec, size.width, size.height);
+    reduced.reduction = static_cast<int>(reduction);
+    reduced.image.metadata.iccProfile = profileIn(decoder);
+    reduced.image.picture = decode(decoder, reduction, decoder.codec.jpeg_color_space == JCS_GRAYSCALE);
+    if (decoder.errors.damaged)
+        decoder.fail();
+    if (!matchesChannels(reduced.image.metadata.iccProfile, reduced.image.picture.format.planeCount()))
+        reduced.image.metadata.iccProfile.clear();
+    return reduced;
 }
 
 } // namespace lumetwin::media::images

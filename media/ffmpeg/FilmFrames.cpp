@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/FilmFrames.h"
+
+#include "media/StereoMovieFacts.h"
+#include "media/ffmpeg/FrameScan.h"
+#include "media/ffmpeg/FrameSearch.h"
+#include "media/ffmpeg/Input.h"
+#include "media/ffmpeg/MovieFileState.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace lumetwin::media {
+
+namespace {
+
+constexpr int mostAttempts = 3; ///< random access pictures that are tried when one cannot be decoded
+
+int videoStreams(const AVFormatContext &input) {
+    int count = 0;
+    while (ffmpeg::videoStream(input, count))
+        ++count;
+    return count;
+}
+
+AVStream &requiredStream(const InputFile &file, AVFormatContext &input, VideoStream wanted) {
+    const AVStream *stream = ffmpeg::videoStream(input, wanted == VideoStream::second ? 1 : 0);
+    if (!stream)
+        throw MediaError(file.path(), MediaOperation::decode, AVERROR_STREAM_NOT_FOUND, MediaReason::noFrame);
+    return *input.streams[stream->index];
+}
+
+double secondsOf(std::int64_t time, AVRational base) {
+    return time == AV_NOPTS_VALUE ? 0 : std::max(0.0, static_cast<double>(time) * av_q2d(base));
+}
+
+FilmFacts factsOf(const AVFormatContext &input, const AVStream &stream) {
+    const ffmpeg::Cropping border = ffmpeg::cropping(*stream.codecpar);
+    FilmFacts facts;
+    facts.naturalWidth = stream.codecpar->width - border.left - border.right;
+    facts.naturalHeight = stream.codecpar->height - border.top - border.bottom;
+    facts.pixelAspect = ffmpeg::pixelAspect(stream);
+    facts.duration = secondsOf(stream.duration, stream.time_base);
+    if (facts.duration <= 0)
+        facts.duration = secondsOf(input.duration, AV_TIME_BASE_Q);
+    if (stream.avg_frame_rate.num > 0 && stream.avg_frame_rate.den > 0)
+        facts.frameRate = av_q2d(stream.avg_frame_rate);
+    if (ffmpeg::isWithoutTimes(input))
+        facts.duration = 0; // an estimate by the bit rate
+    facts.videoStreams = videoStreams(input);
+    return facts;
+}
+
+} // namespace
+
+struct FilmFrames::State {
+    InputFile file;
+    ffmpeg::Input input;
+    AVStream &stream;
+    FilmFacts facts;
+    bool bothViews;
+    std::int64_t begin; ///< time of the first frame, in ticks
+
+    State(const InputFile &theFile, Views views, VideoStream video)
+        : file(theFile), input(file), stream(requiredStream(file, *input, video)), facts(factsOf(*input, stream)),
+          bothViews(views == Views::all), begin(stream.start_time == AV_NOPTS_VALUE ? 0 : stream.start_time) {
+        if (readStereoMovieFacts(file).encrypted)
+            throw MediaError(file.path(), MediaOperation::decode, AVERROR(EACCES), MediaReason::encryptedMovie);
+    }
+
+    bool seekToTime(std::int64_t time) {
+        return av_seek_frame(input.get(), stream.index, time, AVSEEK_FLAG_BACKWARD) >= 0;
+    }
+
+    /// Where there are no times to seek by. Where that is impossible, too, the file is read on from where it is.
+    void seekToByte(double position) {
+        const auto byte = static_cast<std::int64_t>(position * static_cast<double>(file.size()));
+        av_seek_frame(input.get(), stream.index, byte, AVSEEK_FLAG_BYTE);
+    }
+
+    ffmpeg::FrameSearch search() { return {file.path(), *input, stream, bothViews}; }
+
+    /// How much earlier, in ticks, to look for a random access picture from which the pictures that lead the next one
+    /// can be decoded. Containers seek by the order of coding, from which pictures are at most 16 frames away.
+    std::int64_t reordering() const {
+        constexpr double leastSeconds = 0.5;
+        const double seconds = facts.frameRate > 0 ? std::max(leastSeconds, 16 / facts.frameRate) : leastSeconds;
+        return static_cast<std::int64_t>(std::ceil(seconds / av_q2d(stream.time_base)));
+    }
+
+    Moment momentOf(Frame frame) const {
+        const double seconds = frame.time ? secondsOf(*frame.time - begin, stream.time_base) : 0;
+        return {std::move(frame), seconds};
+    }
+
+    /// The next random access picture that can be decoded.
+    std::optional<Moment> nearFrame() {
+        for (int attempt = 0; attempt < mostAttempts; ++attempt)
+            if (std::optional<Frame> frame = search().randomAccessFrame())
+                return momentOf(std::move(*frame));
+        return std::nullopt;
+    }
+
+    /// The last frame that is not later than a time.
+    std::optional<Moment> exactFrame(std::int64_t time) {
+        std::int64_t from = time;
+        std::optional<Frame> found;
+        for (int attempt = 0; attempt < mostAttempts && seekToTime(from); ++attempt) {
+            const ffmpeg::FrameSearch::Result result = search().frameAt(time);
+            if (result.frame && (!found || result.isReached))
+                found = result.frame;
+            if (result.isReached || !result.begin || *result.begin <= begin)
+                break;
+            from = *result.begin - (attempt + 1) * reordering();
+        }
+        return found ? std::optional(momentOf(std::move(*found))) : std::nullopt;
+    }
+};
+
+FilmFrames::FilmFrames(const InputFile &file, Views views, VideoStream video)
+    : state_(std::make_unique<State>(file, views, video)) {}
+
+FilmFrames::~FilmFrames() = default;
+
+const FilmFacts &FilmFrames::facts() const {
+    return state_->facts;
+}
+
+std::optional<FilmFrames::Moment> FilmFrames::frameAt(double position, bool exact) {
+    const double share = std::clamp(position, 0.0, 1.0);
+    if (state_->facts.duration > 0)
+        return frameAtTime(share * state_->facts.duration, exact);
+    if (share > 0)
+        state_->seekToByte(share);
+    return state_->nearFrame();
+}
+
+std::optional<FilmFrames::Moment> FilmFrames::frameAtTime(double seconds, bool exact) {
+    // A quarter of a frame early is still this frame: times are rounded.
+    const double slack = state_->facts.frameRate > 0 ? 0.25 / state_->facts.frameRate : 0.001;
+    const double ticks = (std::max(0.0, seconds) + slack) / av_q2d(state_->stream.time_base);
+    const std::int64_t time = state_->begin + static_cast<std::int64_t>(std::min(ticks, 0x1p62));
+    if (exact)
+        if (std::optional<Moment> moment = state_->exactFrame(time))
+            return moment;
+    if (!state_->seekToTime(time))
+        state_->seekToByte(state_->facts.duration > 0 ? std::min(1.0, seconds / state_->facts.duration) : 0);
+    return state_->nearFrame();
+}
+
+} // namespace lumetwin::media

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/ffmpeg/FrameSearch.h"
+
+#include "media/SignsOfLife.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+namespace lumetwin::media::ffmpeg {
+
+namespace {
+
+constexpr int mostPackets = 2000;   ///< read before a random access picture is found
+constexpr int mostFrames = 1200;    ///< decoded before the wanted one: ten seconds of 120 frames
+constexpr double longestGroup = 10; ///< seconds, the same
+constexpr unsigned mostThreads = 4; ///< each delays the first picture
+
+std::int64_t timeOf(const AVPacket &packet) {
+    return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+}
+
+} // namespace
+
+FrameSearch::FrameSearch(std::filesystem::path file, AVFormatContext &input, const AVStream &stream, bool bothViews)
+    : file_(std::move(file)), tick_(stream.time_base), decoder_(file_, stream), packets_(file_, input, stream.index),
+      pairing_(cropping(*stream.codecpar), bothViews) {
+    if (bothViews && decoder_.askForBothViews())
+        packets_.guardViews(decoder_.configuration());
+}
+
+const AVPacket *FrameSearch::nextKeyPacket() {
+    for (int count = 0; count < mostPackets; ++count) {
+        const AVPacket *packet = packets_.next();
+        if (!packet || packet->flags & AV_PKT_FLAG_KEY)
+            return packet;
+    }
+    return nullptr;
+}
+
+std::optional<Frame> FrameSearch::randomAccessFrame() {
+    decoder_.useThreads(1);
+    decoder_.open();
+    const AVPacket *packet = nextKeyPacket();
+    if (!packet)
+        return std::nullopt;
+    std::optional<Frame> found;
+    const auto sink = [&](FramePointer decoded) {
+        found = pairing_.take(std::move(decoded));
+        return !found;
+    };
+    if (decoder_.decode(packet, sink) && decoder_.decode(nullptr, sink))
+        found = pairing_.finish();
+    return found;
+}
+
+bool FrameSearch::isFarEnough(const AVPacket &packet, std::int64_t begin) const {
+    const std::int64_t time = timeOf(packet);
+    return time != AV_NOPTS_VALUE && static_cast<double>(time - begin) * av_q2d(tick_) > longestGroup;
+}
+
+FrameSearch::Result FrameSearch::frameAt(std::int64_t time) {
+    decoder_.useThreads(static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads)));
+    decoder_.open();
+    const AVPacket *packet = nextKeyPacket();
+    if (!packet)
+        return {};
+    Result result;
+    if (timeOf(*packet) != AV_NOPTS_VALUE)
+        result.begin = timeOf(*packet);
+    const auto handOn = [&](std::optional<Frame> frame) {
+        if (!frame)
+            return true;
+        const bool isLater = frame->time && *frame->time > time;
+        if (!isLater || !result.frame)
+            result.frame = std::move(frame);
+        result.isReached |= !isLater;
+        return !isLater;
+    };
+    const auto sink = [&](FramePointer decoded) { return handOn(pairing_.take(std::move(decoded))); };
+    for (int count = 0; packet && count < mostFrames; ++count, packet = packets_.next()) {
+        giveSignOfLife();
+        if (result.begin && isFarEnough(*packet, *result.begin))
+            break;
+        if (!decoder_.decode(packet, sink))
+            return result;
+    }
+    if (decoder_.decode(nullptr, sink))
+        handOn(pairing_.finish());
+    return result;
+}
+
+} // namespace lumetwin::media::ffmpeg

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "media/FrameReader.h"
+#include "media/ffmpeg/VideoDecoder.h"
+#include "media/ffmpeg/VideoPackets.h"
+#include "media/ffmpeg/ViewPairing.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace lumetwin::media::ffmpeg {
+
+/// Looks for one frame, from where the demuxer is. For one search; the functions throw MediaError.
+class FrameSearch {
+public:
+    FrameSearch(std::filesystem::path file, AVFormatContext &input, const AVStream &stream, bool bothViews);
+
+    /// The next random access picture alone; nullopt when it cannot be decoded, or there is none.
+    std::optional<Frame> randomAccessFrame();
+
+    struct Result {
+        std::optional<Frame> frame;
+        /// False: the frame is later than that time, or there is none.
+        bool isReached = false;
+        std::optional<std::int64_t> begin; ///< time of the random access picture from which was decoded
+    };
+    /// Decodes from the next random access picture to the last frame whose time is not later, or to the end, or for ten
+    /// seconds of the film.
+    Result frameAt(std::int64_t time);
+
+private:
+    /// Skips to the next random access picture; null when there is none.
+    const AVPacket *nextKeyPacket();
+    void open(int threads);
+    bool isFarEnough(const AVPacket &packet, std::int64_t begin) const;
+
+    std::filesystem::path file_;
+    AVRational tick_;
+    VideoDecoder decoder_;
+    VideoPackets packets_;
+    ViewPairing pairing_;
+};
+
+} // namespace lumetwin::media::ffmpeg
