@@ -86,6 +86,7 @@ MainWindowController::MainWindowController(FormServices services)
       presence_(std::make_unique<DesktopPresence>(window_.get(), QLatin1String(applicationId))) {
     window_->setWindowTitle(title);
     window_->setCentralWidget(side_->content());
+    form_->focusFirstControl(); // in its new parent
     window_->setContextMenuPolicy(Qt::NoContextMenu);
     window_->shouldClose = [this] { return windowShouldClose(); };
     window_->filesDropped = [this](const auto &files) { return form_->addToInput(files); };
@@ -135,8 +136,7 @@ void MainWindowController::connectFiles() {
             side_->close(); // the progress is shown on the form
         form_->startConversion();
     });
-    // The form may be hidden, and its button's shortcut with it.
-    auto *toggle = new QShortcut(Qt::Key_F9, files_, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+    auto *toggle = new QShortcut(Qt::Key_F9, window_.get());
     connect(toggle, &QShortcut::activated, this, &MainWindowController::toggleFiles);
 }
 

@@ -53,8 +53,8 @@ void SidePanel::open() {
     emit changed(true, isBeside_);
 }
 
-/// Widens the window to the right, and moves it to the left where the screen ends. A window that fills the screen stays
-/// as it is.
+/// Widens the window to the right, and moves it to the middle where the screen would end. A window that fills the
+/// screen stays as it is.
 void SidePanel::openBeside() {
     const int form = std::min(form_->width(), PointScale::current().horizontal(widthOfForm));
     const int wanted = PointScale::current().horizontal(widthOfBoth);
@@ -62,10 +62,9 @@ void SidePanel::openBeside() {
     if (window_->width() < wanted && !window_->isMaximized() && !window_->isFullScreen()) {
         sizeBefore_ = window_->size();
         const QRect available = window_->screen()->availableGeometry();
-        window_->resize(wanted, window_->height());
-        const int outside = window_->frameGeometry().right() - available.right();
-        if (outside > 0 && window_->isVisible())
-            window_->move(std::max(available.left(), window_->x() - outside), window_->y());
+        window_->resize(std::min(wanted, available.width() - windowFrame), window_->height());
+        if (window_->isVisible() && window_->frameGeometry().right() > available.right())
+            window_->move(available.center().x() - window_->frameGeometry().width() / 2, window_->y());
     }
     splitter_->setSizes({form, std::max(1, window_->width() - form)});
 }

@@ -18,6 +18,17 @@
 
 namespace lumetwin {
 
+namespace {
+
+ConversionInput opened(const InputPaths &files) {
+    ConversionInput input{media::InputFile(files.file)};
+    if (!files.rightEye.empty())
+        input.rightEye.emplace(files.rightEye);
+    return input;
+}
+
+} // namespace
+
 const MediaOperations::Converter &MediaOperations::converter(ConversionKind kind) const {
     switch (kind) {
     case ConversionKind::spatialVideoToSBS:
@@ -34,6 +45,14 @@ const MediaOperations::Converter &MediaOperations::converter(ConversionKind kind
 
 MediaFacts MediaOperations::lookAtFile(const std::filesystem::path &file) const {
     return look(media::InputFile(file));
+}
+
+MediaFacts MediaOperations::lookCloselyAt(const InputPaths &files) const {
+    return lookClosely(opened(files));
+}
+
+StereoFindings MediaOperations::examineAt(const InputPaths &files, const StereoLayout &layout) const {
+    return examine(opened(files), layout);
 }
 
 CloseInspection MediaOperations::inspectClosely(const std::filesystem::path &file) const {
@@ -70,6 +89,10 @@ StereoPreview MediaOperations::preview(const ConversionInput &input, const Previ
 
 StereoPreview MediaOperations::preview(const std::filesystem::path &file, const PreviewRequest &request) const {
     return preview(ConversionInput{media::InputFile(file)}, request);
+}
+
+StereoPreview MediaOperations::preview(const InputPaths &files, const PreviewRequest &request) const {
+    return preview(opened(files), request);
 }
 
 MediaOperations MediaOperations::inProcess() {

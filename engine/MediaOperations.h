@@ -38,6 +38,12 @@ struct FileInspection {
     std::exception_ptr failure;      ///< why that size cannot be read
 };
 
+/// The files of an input: one, or where each eye has a file of its own, two.
+struct InputPaths {
+    std::filesystem::path file;
+    std::filesystem::path rightEye = {}; ///< empty when one file has both eyes
+};
+
 enum class ConversionKind { spatialVideoToSBS, sbsVideoToSpatial, spatialPhotoToSBS, sbsImageToSpatial };
 
 /// The functions that a batch calls for single files. A batch does not know whether they run in another process, and
@@ -67,6 +73,8 @@ struct MediaOperations {
 
     /// The same with a path. These throw MediaError when the file cannot be opened.
     MediaFacts lookAtFile(const std::filesystem::path &file) const;
+    MediaFacts lookCloselyAt(const InputPaths &files) const;
+    StereoFindings examineAt(const InputPaths &files, const StereoLayout &layout) const;
     /// A close look at the headers, and at the picture of a file that is not spatial.
     CloseInspection inspectClosely(const std::filesystem::path &file) const;
     /// The facts, and for a file that is not spatial also its size.
@@ -76,6 +84,7 @@ struct MediaOperations {
     /// what was drawn is not what was told of it.
     StereoPreview preview(const ConversionInput &input, const PreviewRequest &request) const;
     StereoPreview preview(const std::filesystem::path &file, const PreviewRequest &request) const;
+    StereoPreview preview(const InputPaths &files, const PreviewRequest &request) const;
 
     /// The engine's own functions, called in this process.
     static MediaOperations inProcess();

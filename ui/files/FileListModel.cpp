@@ -89,6 +89,7 @@ void FileListModel::beginRun() {
     for (FileRow &row : rows_)
         if (!row.isLeftOut)
             row.result.reset();
+    isRunning_ = true;
     running_ = -1;
     refresh();
 }
@@ -125,6 +126,7 @@ void FileListModel::setResult(const FileResult &result) {
 void FileListModel::endRun() {
     if (running_ >= 0)
         rows_[static_cast<std::size_t>(running_)].fraction.reset();
+    isRunning_ = false;
     running_ = -1;
     refresh();
 }
@@ -143,7 +145,7 @@ QVariant FileListModel::data(const QModelIndex &index, int role) const {
     case Qt::AccessibleTextRole:
         return displayName(row.file) + QStringLiteral(", ") + stateOf(row).text;
     case Qt::AccessibleDescriptionRole:
-        return rowDetails(row) + QStringLiteral(", ") + rowLayout(row, *settings_);
+        return rowDetails(row, *settings_);
     case Qt::CheckStateRole:
         return row.kind == FileRow::Kind::unsupported ? QVariant() : row.isLeftOut ? Qt::Unchecked : Qt::Checked;
     default:
@@ -152,7 +154,7 @@ QVariant FileListModel::data(const QModelIndex &index, int role) const {
 }
 
 bool FileListModel::setData(const QModelIndex &index, const QVariant &value, int role) {
-    if (role != Qt::CheckStateRole)
+    if (role != Qt::CheckStateRole || isRunning_)
         return false;
     setLeftOut({rowAt(index).file}, value.toInt() == Qt::Unchecked);
     return true;

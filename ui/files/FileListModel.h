@@ -38,12 +38,16 @@ public:
     // A run.
     /// A run begins: forgets the results of the files that take part in it.
     void beginRun();
+    /// Whether a run goes on. Its files cannot be left out meanwhile.
+    bool isRunning() const { return isRunning_; }
     /// A file of that name begins; its state follows the frames.
     void beginFile(const std::string &name);
     void setFraction(double fraction);
     void setResult(const FileResult &result);
     /// Forgets what was running, after the end or a stop.
     void endRun();
+    /// The row of the file that is converted; invalid when there is none.
+    QModelIndex currentFile() const { return running_ < 0 ? QModelIndex() : index(running_); }
 
     // QAbstractItemModel
     int rowCount(const QModelIndex &parent = {}) const override;
@@ -63,6 +67,7 @@ private:
     std::shared_ptr<const ConversionSettings> settings_;
     std::vector<FileRow> rows_;
     std::set<std::string> outputs_;
+    bool isRunning_ = false;
     int running_ = -1; ///< the row that is converted; -1: none
 };
 

@@ -50,7 +50,7 @@ bool FileListView::isAnySelectedIn() const {
 }
 
 void FileListView::leaveOutSelected(bool leftOut) {
-    if (!isLocked_)
+    if (!files_->isRunning())
         files_->setLeftOut(selectedFiles(), leftOut);
 }
 
@@ -91,7 +91,7 @@ void FileListView::contextMenuEvent(QContextMenuEvent *event) {
             [this, file = fileToOpen(index)] { emit showAsked(file); });
     menu->addSeparator();
     QAction *leave = add(leavesOut ? "files.menu.leave.out" : "files.menu.take.in");
-    leave->setEnabled(!isLocked_);
+    leave->setEnabled(!files_->isRunning());
     connect(leave, &QAction::triggered, this, [this, leavesOut] { leaveOutSelected(leavesOut); });
     menu->addSeparator();
     connect(add("files.menu.copy.report"), &QAction::triggered, this, &FileListView::reportAsked);

@@ -18,8 +18,6 @@ class FileListView : public QListView {
 public:
     explicit FileListView(FileListModel *model, QWidget *parent = nullptr);
 
-    /// Files may not be left out while a run reads the settings.
-    void setLocked(bool locked) { isLocked_ = locked; }
     /// The files whose rows can be seen.
     std::vector<std::filesystem::path> visibleFiles() const;
 
@@ -47,7 +45,6 @@ private:
     void open(const QModelIndex &index);
 
     FileListModel *files_;
-    bool isLocked_ = false;
 };
 
 } // namespace lumetwin

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/files/FileLooks.h"
 
-#include "engine/batch/Forecast.h"
 #include "engine/texts/ProcessorError.h"
 #include "ui/files/PreviewImages.h"
 #include "ui/widgets/BackgroundThreads.h"
@@ -60,7 +59,7 @@ FileLook lookAt(const FileRow &row, const ConversionSettings &settings, const Me
     try {
         look.facts = operations.lookCloselyAt(pathsOf(row));
         PreviewRequest request;
-        request.layout = layoutToRead(look.facts, settings);
+        request.layout = layoutToShow(look.facts, settings);
         request.position = 0.1;
         request.maximumWidth = FileLooks::thumbnailWidth;
         request.maximumHeight = FileLooks::thumbnailHeight;

@@ -74,6 +74,13 @@ StereoLayout layoutOf(const FileRow &row, const ConversionSettings &settings) {
     return layoutToRead(row.look->facts, settings);
 }
 
+StereoLayout layoutToShow(const MediaFacts &facts, const ConversionSettings &settings) {
+    if (settings.direction == ConversionDirection::sbsToSpatial)
+        return layoutToRead(facts, settings);
+    const bool isKnown = facts.layout && facts.layout->source != LayoutSource::fileName;
+    return isKnown ? *facts.layout : StereoLayout{.arrangement = EyeArrangement::secondUnread};
+}
+
 bool isAgainstDirection(const FileRow &row, const ConversionSettings &settings) {
     return isUsable(row) && isSpatial(row) == (settings.direction == ConversionDirection::sbsToSpatial);
 }

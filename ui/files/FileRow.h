@@ -50,6 +50,10 @@ std::vector<FileRow> rowsOf(const ConversionSettings &settings);
 /// The layout in which a conversion reads a file that is not spatial. Only for a file that was looked at.
 StereoLayout layoutOf(const FileRow &row, const ConversionSettings &settings);
 
+/// The layout in which a file is shown: as it is read; but in the direction to side by side, where it is not read, a
+/// file of which nobody says how its eyes lie is not cut.
+StereoLayout layoutToShow(const MediaFacts &facts, const ConversionSettings &settings);
+
 /// Whether a run with these settings converts it, as far as is known.
 bool willBeConverted(const FileRow &row, const ConversionSettings &settings);
 

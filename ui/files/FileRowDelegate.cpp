@@ -131,11 +131,8 @@ private:
         const QColor plain = isFaded() ? secondaryTextColour(palette) : palette.color(QPalette::WindowText);
         paintLine({left, top, width, line}, displayName(row_.file), scale_.font(13, QFont::DemiBold), plain,
                   Qt::ElideMiddle);
-        QString details = rowDetails(row_);
-        if (const QString layout = rowLayout(row_, model_.settings()); !layout.isEmpty())
-            details += QStringLiteral(" · ") + layout;
-        paintLine({left, top + line, width, line}, details, scale_.font(12), secondaryTextColour(palette),
-                  Qt::ElideRight);
+        paintLine({left, top + line, width, line}, rowDetails(row_, model_.settings()), scale_.font(12),
+                  secondaryTextColour(palette), Qt::ElideRight);
         const RowState state = model_.stateOf(row_);
         QRect place(left, top + 2 * line, width, line);
         if (const auto symbol = symbolOf(state.tone)) {

@@ -53,7 +53,7 @@ void FilesPanel::setInput() {
 void FilesPanel::settingsChanged() {
     const Listing now{settings_->direction, settings_->inputLayout, settings_->outputFolderURL};
     if (now != listing_)
-        list(now.layout == listing_.layout);
+        list(now.layout == listing_.layout && now.direction == listing_.direction);
     model_.refresh();
     preview_->refresh();
 }
@@ -103,13 +103,13 @@ void FilesPanel::showCurrent() {
 
 void FilesPanel::runBegan() {
     looks_.end(); // the conversions need the processors
-    list_->setLocked(true);
     preview_->setLocked(true);
     model_.beginRun();
 }
 
 void FilesPanel::fileBegan(const std::string &name) {
     model_.beginFile(name);
+    list_->scrollTo(model_.currentFile());
 }
 
 void FilesPanel::fileProgressed(double fraction) {
@@ -121,7 +121,6 @@ void FilesPanel::fileEnded(const FileResult &result) {
 }
 
 void FilesPanel::runEnded() {
-    list_->setLocked(false);
     preview_->setLocked(false);
     model_.endRun();
     if (leftOutBefore_) {
@@ -165,7 +164,7 @@ void FilesPanel::showAdvice() {
         });
     };
     const std::int64_t against = count(isAgainstDirection), noStereo = count(isNoStereo);
-    advice_->setVisible(against + noStereo > 0);
+    advice_->setVisible(against + noStereo > 0 && !model_.isRunning());
     turnButton_->setVisible(against > 0);
     if (against > 0 && settings_->direction == ConversionDirection::spatialToSBS)
         adviceLabel_->setText(countedText("files.advice.not.spatial.one", "files.advice.not.spatial.format", against));

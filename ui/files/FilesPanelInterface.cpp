@@ -69,8 +69,10 @@ void FilesPanel::build() {
     preview_ = named(new PreviewPane(settings_, services_.operations, splitter_), "previewPane");
     splitter_->addWidget(upper);
     splitter_->addWidget(preview_);
+    upper->setMinimumHeight(scale.vertical(150));
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 1);
+    splitter_->setSizes({scale.vertical(400), scale.vertical(400)});
     layout->addWidget(splitter_, 1);
     layout->addWidget(buildFooter());
     connect(list_, &FileListView::currentFileChanged, this, &FilesPanel::showCurrent);

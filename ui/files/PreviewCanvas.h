@@ -20,6 +20,9 @@ public:
     void setShow(const PreviewShow &show);
     /// Shows a text instead of a picture.
     void setMessage(const QString &message);
+    /// What is shown; wiggle: the left eye's picture.
+    const QImage &picture() const { return show_.picture; }
+    QString message() const { return message_; }
     bool hasPicture() const { return !show_.picture.isNull(); }
     /// Whether one pixel of the picture is one pixel of the screen.
     bool isActualSize() const { return isActualSize_; }

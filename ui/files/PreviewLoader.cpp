@@ -29,6 +29,15 @@ struct PreviewLoader::Task {
     // Of the thread that draws; only one runs at a time.
     std::optional<PreviewWish> decoded;
     StereoPreview eyes;
+    bool isExamined = false;
+
+    void decode(const PreviewWish &wish);
+    template <typename Send> void post(const std::shared_ptr<Task> &self, std::uint64_t number, Send send);
+
+    bool isWished() {
+        const std::scoped_lock guard(lock);
+        return waiting.has_value();
+    }
 
     std::optional<std::pair<PreviewWish, std::uint64_t>> next() {
         const std::scoped_lock guard(lock);
@@ -124,33 +133,45 @@ void PreviewLoader::load(PreviewWish wish) {
     BackgroundThreads::shared().run("preview", [task = task_] { run(task); });
 }
 
+/// Sends something to the loader, unless it is gone or has forgotten its wishes meanwhile.
+template <typename Send>
+void PreviewLoader::Task::post(const std::shared_ptr<Task> &self, std::uint64_t number, Send send) {
+    MainThreadQueue::shared().post([self, number, send = std::move(send)] {
+        const bool isCurrent = [&] {
+            const std::scoped_lock guard(self->lock);
+            return number == self->generation;
+        }();
+        if (self->owner && isCurrent)
+            send(*self->owner);
+    });
+}
+
+/// Decodes the eyes, unless they are there from the last wish.
+void PreviewLoader::Task::decode(const PreviewWish &wish) {
+    if (decoded && isSamePicture(*decoded, wish))
+        return;
+    decoded.reset();
+    eyes = operations.preview(InputPaths{wish.file, wish.rightEye}, wish.request);
+    decoded = wish;
+    isExamined = false;
+}
+
 void PreviewLoader::run(const std::shared_ptr<Task> &task) {
     while (const auto next = task->next()) {
-        const auto &[wish, generation] = *next;
-        const auto post = [&](auto send) {
-            MainThreadQueue::shared().post([task, number = generation, send = std::move(send)] {
-                const std::uint64_t current = [&] {
-                    const std::scoped_lock guard(task->lock);
-                    return task->generation;
-                }();
-                if (task->owner && number == current)
-                    send(*task->owner);
-            });
-        };
+        const auto &[wish, number] = *next;
         try {
-            const bool isNew = !task->decoded || !isSamePicture(*task->decoded, wish);
-            if (isNew) {
-                task->decoded.reset();
-                task->eyes = task->operations.preview({wish.file, wish.rightEye}, wish.request);
-                task->decoded = wish;
+            task->decode(wish);
+            task->post(task, number, [drawn = show(wish, task->eyes)](PreviewLoader &self) { emit self.drawn(drawn); });
+            // Not while the user moves on.
+            if (!task->isExamined && !task->isWished()) {
+                const StereoFindings findings =
+                    task->eyes.hasBothEyes ? findingsOf(task->eyes.left, task->eyes.right) : StereoFindings();
+                task->isExamined = true;
+                task->post(task, number, [findings](PreviewLoader &self) { emit self.examined(findings); });
             }
-            post([drawn = show(wish, task->eyes)](PreviewLoader &self) { emit self.drawn(drawn); });
-            if (isNew)
-                post([findings = task->eyes.hasBothEyes
-                                     ? findingsOf(task->eyes.left, task->eyes.right)
-                                     : StereoFindings()](PreviewLoader &self) { emit self.examined(findings); });
         } catch (const std::exception &error) {
-            post([reason = toQString(errorMessage(error))](PreviewLoader &self) { emit self.failed(reason); });
+            task->post(task, number,
+                       [reason = toQString(errorMessage(error))](PreviewLoader &self) { emit self.failed(reason); });
         }
     }
 }

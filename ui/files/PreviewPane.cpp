@@ -227,7 +227,7 @@ void PreviewPane::load(bool exact) {
     wish.file = row_->file;
     wish.rightEye = row_->rightEye;
     wish.mode = static_cast<PreviewMode>(modePopup_->currentIndex());
-    wish.request.layout = isSpatial ? StereoLayout() : layoutOf(*row_, *settings_);
+    wish.request.layout = isSpatial ? StereoLayout() : layoutToShow(row_->look->facts, *settings_);
     wish.request.position = static_cast<double>(timeSlider_->value()) / sliderSteps;
     wish.request.exact = exact;
     if (!canvas_->isActualSize())
@@ -270,6 +270,28 @@ void PreviewPane::failed(const QString &reason) {
     judgement_->hide();
 }
 
+/// The warnings of the last run, or those that a run would give, and what the picture that is shown adds to them.
+std::string PreviewPane::judgementWords(const StereoFindings &findings) const {
+    const bool hasResult = row_ && row_->result;
+    std::vector<Warning> warnings;
+    if (hasResult)
+        warnings = row_->result->warnings;
+    else if (row_ && row_->look)
+        warnings = warningsOf(*row_, *settings_);
+    StereoLayout layout;
+    layout.arrangement = findings.seen.value_or(layout.arrangement);
+    if (!hasResult)
+        for (const Warning &warning : stereoWarnings(findings, layout))
+            if (std::ranges::find(warnings, warning.kind, &Warning::kind) == warnings.end())
+                warnings.push_back(warning);
+    std::string words = hasResult ? row_->result->reason : "";
+    for (const Warning &warning : warnings)
+        words += (words.empty() ? "" : "\n") + warningText(warning);
+    if (words.empty() && findings.disparity)
+        words = formatted("preview.vertical.format", findings.disparity->vertical);
+    return words;
+}
+
 void PreviewPane::showJudgement() {
     swapCheck_->setChecked(settings_->swapLeftRight);
     if (!findings_ || !findings_->wasExamined) {
@@ -285,14 +307,7 @@ void PreviewPane::showJudgement() {
         shown.disparity = figures;
     }
     disparityBar_->setFigures(figures);
-    StereoLayout layout;
-    layout.arrangement = shown.seen.value_or(layout.arrangement);
-    QStringList words;
-    for (const Warning &warning : stereoWarnings(shown, layout))
-        words << toQString(warningText(warning));
-    if (figures && words.isEmpty())
-        words << toQString(formatted("preview.vertical.format", figures->vertical));
-    wordsLabel_->setText(words.join(QLatin1Char('\n')));
+    wordsLabel_->setText(toQString(judgementWords(shown)));
     const bool writesAdjustment = settings_->direction == ConversionDirection::sbsToSpatial;
     adjustButton_->setVisible(figures.has_value() && writesAdjustment);
 }

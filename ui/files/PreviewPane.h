@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 class QCheckBox;
 class QComboBox;
@@ -59,6 +60,7 @@ private:
     void examined(const StereoFindings &findings);
     void failed(const QString &reason);
     void showJudgement();
+    std::string judgementWords(const StereoFindings &findings) const;
     void showTime(double seconds);
 
     std::shared_ptr<const ConversionSettings> settings_;

@@ -61,9 +61,8 @@ RowState expectedState(const FileRow &row, const ConversionSettings &settings, c
 QString resultText(const FileResult &result) {
     switch (result.state) {
     case FileState::converted:
-        return words("files.result.converted");
     case FileState::convertedWithWarnings:
-        return words("files.result.warnings");
+        return words("files.result.converted");
     case FileState::wouldBeConverted:
         return words("files.result.would.be");
     case FileState::skipped:
@@ -97,7 +96,7 @@ RowTone toneOf(FileState state) {
 RowState resultState(const FileResult &result) {
     QString text = resultText(result);
     if (!result.warnings.empty() && result.state == FileState::convertedWithWarnings)
-        text += QStringLiteral(": ") + toQString(warningText(result.warnings.front()));
+        text = words("files.result.warning.format", warningText(result.warnings.front()));
     if (result.wasConverted())
         text += QStringLiteral(" · ") + sizeText(result.bytes) + QStringLiteral(" · ") + durationText(result.seconds);
     return {toneOf(result.state), text};
@@ -132,19 +131,6 @@ QString durationText(double seconds) {
         .arg(twoDigits(whole % hour / minute), twoDigits(whole % minute));
 }
 
-QString rowDetails(const FileRow &row) {
-    QStringList parts{kindText(row.kind)};
-    if (row.look && row.look->picture) {
-        const PreviewFacts &picture = *row.look->picture;
-        parts << words(picture.hasBothEyes ? "files.size.eye.format" : "files.size.format", picture.eyeWidth,
-                       picture.eyeHeight);
-        if (row.kind == Kind::video && picture.duration > 0)
-            parts << durationText(picture.duration);
-    }
-    parts << sizeText(row.bytes);
-    return parts.join(QStringLiteral(" · "));
-}
-
 QString rowLayout(const FileRow &row, const ConversionSettings &settings) {
     if (!row.look || !row.look->failure.empty() || row.kind == Kind::unsupported)
         return {};
@@ -158,6 +144,21 @@ QString rowLayout(const FileRow &row, const ConversionSettings &settings) {
     if (!row.findings->seen)
         return words("files.layout.none");
     return words("files.layout.looks.format", layoutWords({.arrangement = *row.findings->seen}).shown);
+}
+
+QString rowDetails(const FileRow &row, const ConversionSettings &settings) {
+    QStringList parts{kindText(row.kind)};
+    if (const QString layout = rowLayout(row, settings); !layout.isEmpty())
+        parts << layout;
+    if (row.look && row.look->picture) {
+        const PreviewFacts &picture = *row.look->picture;
+        parts << words(picture.hasBothEyes ? "files.size.eye.format" : "files.size.format", picture.eyeWidth,
+                       picture.eyeHeight);
+        if (row.kind == Kind::video && picture.duration > 0)
+            parts << durationText(picture.duration);
+    }
+    parts << sizeText(row.bytes);
+    return parts.join(QStringLiteral(" · "));
 }
 
 RowState rowState(const FileRow &row, const ConversionSettings &settings, const std::set<std::string> &outputs) {

@@ -21,8 +21,8 @@ struct RowState {
     QString text;
 };
 
-/// "Video · 1920 × 1080 an eye · 0:42 · 38.2 MB"
-QString rowDetails(const FileRow &row);
+/// "Video · side by side, says the file · 1920 × 1080 per eye · 0:42 · 38.2 MB"
+QString rowDetails(const FileRow &row, const ConversionSettings &settings);
 
 /// How it has its eyes, and who says so: "spatial", "side by side, says the file", "looks over-under". Empty while that
 /// is not known.

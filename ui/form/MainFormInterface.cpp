@@ -84,8 +84,8 @@ void MainViewController::buildInterface() {
 
 /// Emits settingsChanged after any control has changed its setting.
 void MainViewController::reportChanges() {
-    for (QAbstractButton *button : std::initializer_list<QAbstractButton *>{
-             spatialToSBSButton, halfWidthCheck, swapLRCheck, copyAudioCheck, keepTimingCheck, enableResizeCheck})
+    for (QAbstractButton *button : std::initializer_list<QAbstractButton *>{halfWidthCheck, swapLRCheck, copyAudioCheck,
+                                                                            keepTimingCheck, enableResizeCheck})
         connect(button, &QAbstractButton::toggled, this, &MainViewController::settingsChanged);
     for (QComboBox *popup : {formatPopup, photoFormatPopup, inputLayoutPopup, resizeModePopup})
         connect(popup, &QComboBox::currentIndexChanged, this, &MainViewController::settingsChanged);
@@ -119,7 +119,6 @@ void MainViewController::buildHeader() {
     subtitleLabel->setProperty("secondary", true);
     filesButton = withName(new QPushButton(localizedText("files.title"), headerView), "filesButton");
     filesButton->setCheckable(true);
-    filesButton->setShortcut(Qt::Key_F9);
     filesButton->setToolTip(localizedText("files.button.help"));
     filesButton->setAutoDefault(true);
     connect(filesButton, &QPushButton::clicked, this, [this] {

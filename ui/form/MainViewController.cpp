@@ -42,7 +42,7 @@ MainViewController::MainViewController(FormServices services, QWidget *parent)
     applyFonts();
     applyColours();
     layoutOptionsArea();
-    spatialToSBSButton->setFocus(); // the first control, not the start button
+    focusFirstControl();
     batch_ = std::make_unique<BatchPresentation>(contentView, services_);
     connect(batch_.get(), &BatchPresentation::batchStarted, this, &MainViewController::batchStarted);
     connect(batch_.get(), &BatchPresentation::batchProgressed, this, &MainViewController::batchProgressed);
@@ -61,6 +61,10 @@ MainViewController::~MainViewController() {
         child->disconnect(this);
 }
 
+void MainViewController::focusFirstControl() {
+    (spatialToSBSButton->isChecked() ? spatialToSBSButton : sbsToSpatialButton)->setFocus();
+}
+
 void MainViewController::directionChanged(QAbstractButton *sender) {
     const bool toSBS = sender == spatialToSBSButton;
     settings->direction = toSBS ? ConversionDirection::spatialToSBS : ConversionDirection::sbsToSpatial;
@@ -69,6 +73,7 @@ void MainViewController::directionChanged(QAbstractButton *sender) {
     updateTabStop();
     layoutOptionsArea();
     updateResizePreview();
+    emit settingsChanged();
 }
 
 void MainViewController::fovSliderChanged(double value) {

@@ -81,6 +81,9 @@ public:
     /// them can be used; does nothing while a batch runs.
     bool addToInput(const std::vector<std::filesystem::path> &paths);
 
+    /// Gives the focus to the chosen direction, not to the start button.
+    void focusFirstControl();
+
     // For the panel of files. They do nothing while a batch runs.
     void setSwapped(bool swapped);
     void setDisparityAdjustment(double adjustment);

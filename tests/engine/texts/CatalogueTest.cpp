@@ -210,6 +210,7 @@ const std::map<std::string, std::string> arguments{
     {"files.layout.looks.format", "s"},
     {"files.report.failed.format", "s"},
     {"files.result.failed.format", "s"},
+    {"files.result.warning.format", "s"},
     {"files.result.skipped.format", "s"},
     {"files.size.eye.format", "dd"},
     {"files.size.format", "dd"},

@@ -1,0 +1,350 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The panel of files with real pictures.
+#include "ui/files/FilesPanel.h"
+#include "app/MainWindowController.h"
+#include "app/SidePanel.h"
+#include "engine/texts/Texts.h"
+#include "support/Scripted.h"
+#include "tests/support/StereoScenes.h"
+#include "tests/support/TestMedia.h"
+#include "ui/files/FileListView.h"
+#include "ui/files/PreviewCanvas.h"
+#include "ui/files/PreviewPane.h"
+#include "ui/form/MainViewController.h"
+#include "ui/progress/ProgressViewController.h"
+#include "ui/widgets/BackgroundThreads.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTest>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace lumetwin::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FilesPanelTest : public testing::Test {
+protected:
+    FilesPanelTest() : services(fakes.services()) { setTextLocale("en"); }
+    ~FilesPanelTest() override {
+        controller.reset();
+        BackgroundThreads::shared().waitForAll(testTimeout);
+        processPendingEvents();
+    }
+
+    /// Draws the input, and opens a window that is wide enough for the panel.
+    void open(ConversionDirection direction = ConversionDirection::sbsToSpatial) {
+        services.runBatch = [](VideoProcessor &processor) { processor.processAll(); };
+        controller = std::make_unique<MainWindowController>(services);
+        window().resize(1400, 900);
+        window().show();
+        form().settings->outputFolderURL = output.path;
+        if (direction == ConversionDirection::sbsToSpatial)
+            form().turnDirection();
+        form().openInput({input.path});
+        processPendingEvents();
+    }
+    fs::path pair(const std::string &name, unsigned seed = 1) {
+        StereoScene scene;
+        scene.seed = seed;
+        writePicture(besideEachOther(drawnEyes(scene)), input.path / name);
+        return input.path / name;
+    }
+    fs::path flat(const std::string &name) {
+        writePicture(drawnTexture(1280, 360), input.path / name);
+        return input.path / name;
+    }
+    fs::path text(const std::string &name) {
+        std::ofstream(input.path / name) << "no picture";
+        return input.path / name;
+    }
+    void waitForLooks() {
+        ASSERT_TRUE(waitUntil([this] {
+            return !rows().empty() && std::ranges::all_of(rows(), [](const FileRow &row) {
+                return row.kind == FileRow::Kind::unsupported ||
+                       (row.look && (!row.look->failure.empty() || row.look->facts.isSpatial || row.findings));
+            });
+        }));
+        ASSERT_TRUE(waitUntil([this] { return !totals().isEmpty(); }));
+        QTest::qWait(150); // totals and advice follow a little later
+    }
+    std::string state(const std::string &name) {
+        for (const FileRow &row : rows())
+            if (row.file.filename() == name)
+                return files().model().stateOf(row).text.toStdString();
+        return "no such row";
+    }
+
+    QMainWindow &window() { return *controller->window(); }
+    MainViewController &form() { return *controller->form(); }
+    FilesPanel &files() { return *controller->filesPanel(); }
+    const std::vector<FileRow> &rows() { return files().model().rows(); }
+    template <typename Widget> Widget &part(const char *name) { return control<Widget>(files(), name); }
+    QString totals() { return part<QLabel>("filesTotals").text(); }
+    PreviewCanvas &canvas() { return part<PreviewCanvas>("previewCanvas"); }
+    void select(int row) {
+        auto &list = part<FileListView>("fileList");
+        list.setCurrentIndex(list.model()->index(row, 0));
+    }
+    /// The picture of a mode, once it is drawn.
+    QImage shown(PreviewMode mode) {
+        canvas().setMessage({});
+        part<PreviewPane>("previewPane").setMode(mode);
+        part<PreviewPane>("previewPane").refresh();
+        EXPECT_TRUE(waitUntil([this] { return canvas().hasPicture(); }));
+        return canvas().picture();
+    }
+
+    FakeServices fakes;
+    FormServices services;
+    ScratchFolder input, output;
+    std::unique_ptr<MainWindowController> controller;
+};
+
+TEST_F(FilesPanelTest, SaysWhatEachFileIsAndWhatWillHappenToIt) {
+    pair("a.jpg");
+    flat("b.jpg");
+    text("c.jpg");
+    text("d.txt");
+    open();
+    waitForLooks();
+    EXPECT_TRUE(files().isVisible());
+    EXPECT_EQ(state("a.jpg"), "Becomes a_spatial.heic");
+    EXPECT_EQ(state("b.jpg"), "The picture does not look like two eyes.");
+    EXPECT_EQ(state("c.jpg").find("Cannot be read: "), 0u) << state("c.jpg");
+    EXPECT_EQ(state("d.txt"), "Not supported, will not be converted");
+    EXPECT_EQ(totals().toStdString(), "4 files, 2 will be skipped");
+    EXPECT_EQ(rows()[0].look->thumbnail.width() / 2, rows()[0].look->picture->width) << "both eyes";
+}
+
+TEST_F(FilesPanelTest, DeleteTakesAFileOutOfTheRun) {
+    pair("a.jpg");
+    pair("b.jpg", 2);
+    open();
+    waitForLooks();
+    select(0);
+    QTest::keyClick(&part<FileListView>("fileList"), Qt::Key_Delete);
+    EXPECT_EQ(state("a.jpg"), "Left out");
+    EXPECT_EQ(form().settings->leftOut, std::set<fs::path>{input.path / "a.jpg"});
+    form().startConversion();
+    ASSERT_TRUE(waitUntil([this] { return rows()[1].result.has_value(); }));
+    ASSERT_TRUE(waitUntil([this] {
+        return form().progressSheet() && form().progressSheet()->state() == ProgressViewController::State::finished;
+    }));
+    EXPECT_FALSE(rows()[0].result);
+    EXPECT_TRUE(fs::exists(output.path / "b_spatial.heic"));
+    EXPECT_FALSE(fs::exists(output.path / "a_spatial.heic"));
+    QTest::keyClick(&part<FileListView>("fileList"), Qt::Key_Space);
+    EXPECT_EQ(state("a.jpg"), "Becomes a_spatial.heic") << "taken back in";
+}
+
+TEST_F(FilesPanelTest, AdviceLeavesOutWhatIsNoStereo) {
+    pair("a.jpg");
+    flat("b.jpg");
+    open();
+    waitForLooks();
+    ASSERT_TRUE(waitUntil([this] { return part<QWidget>("filesAdvice").isVisible(); }));
+    EXPECT_FALSE(part<QPushButton>("filesTurnButton").isVisible());
+    part<QPushButton>("filesLeaveOutButton").click();
+    EXPECT_EQ(state("b.jpg"), "Left out");
+    EXPECT_EQ(form().settings->leftOut, std::set<fs::path>{input.path / "b.jpg"});
+    EXPECT_TRUE(waitUntil([this] { return !part<QWidget>("filesAdvice").isVisible(); }));
+}
+
+TEST_F(FilesPanelTest, AdviceTurnsTheDirectionRound) {
+    pair("a.jpg");
+    open(ConversionDirection::spatialToSBS);
+    waitForLooks();
+    EXPECT_EQ(state("a.jpg"), "Will be skipped: not spatial media");
+    ASSERT_TRUE(waitUntil([this] { return part<QPushButton>("filesTurnButton").isVisible(); }));
+    part<QPushButton>("filesTurnButton").click();
+    EXPECT_EQ(form().settings->direction, ConversionDirection::sbsToSpatial);
+    EXPECT_EQ(state("a.jpg"), "Becomes a_spatial.heic");
+}
+
+TEST_F(FilesPanelTest, ConvertsAgainWhatFailed) {
+    pair("a.jpg");
+    text("b.jpg");
+    open();
+    waitForLooks();
+    form().startConversion();
+    const auto isOver = [this] {
+        return form().progressSheet() && form().progressSheet()->state() == ProgressViewController::State::finished;
+    };
+    ASSERT_TRUE(waitUntil(isOver));
+    form().progressSheet()->closeTapped();
+    ASSERT_TRUE(waitUntil([this] { return !files().model().isRunning() && form().isVisible(); }));
+    EXPECT_EQ(state("b.jpg").find("Failed: "), 0u) << state("b.jpg");
+    const auto written = fs::last_write_time(output.path / "a_spatial.heic");
+    pair("b.jpg", 3); // now it is a picture
+    ASSERT_TRUE(waitUntil([this] { return part<QPushButton>("filesAgainButton").isVisible(); }));
+    part<QPushButton>("filesAgainButton").click();
+    ASSERT_TRUE(waitUntil(isOver));
+    ASSERT_TRUE(waitUntil([this] { return !files().model().isRunning(); }));
+    EXPECT_TRUE(fs::exists(output.path / "b_spatial.heic"));
+    EXPECT_EQ(fs::last_write_time(output.path / "a_spatial.heic"), written) << "it was converted already";
+    EXPECT_EQ(state("b.jpg").find("Converted"), 0u) << state("b.jpg");
+    EXPECT_TRUE(rows()[0].result->wasConverted()) << "the first result stays";
+    EXPECT_TRUE(form().settings->leftOut.empty()) << "the next run takes all files";
+}
+
+TEST_F(FilesPanelTest, ResultsStayAfterAStopUntilTheInputChanges) {
+    pair("a.jpg");
+    pair("b.jpg", 2);
+    open();
+    waitForLooks();
+    services.runBatch = {};
+    files().runBegan();
+    files().fileBegan("a.jpg");
+    files().fileProgressed(0.5);
+    EXPECT_EQ(state("a.jpg"), "Converting… 50%");
+    files().fileEnded(result(input.path / "a.jpg", FileState::cancelled));
+    files().fileEnded(result(input.path / "b.jpg", FileState::notReached));
+    files().runEnded();
+    EXPECT_EQ(state("a.jpg"), "Stopped");
+    EXPECT_EQ(state("b.jpg"), "Not reached");
+    form().openInput({input.path});
+    waitForLooks();
+    EXPECT_EQ(state("a.jpg"), "Becomes a_spatial.heic");
+}
+
+TEST_F(FilesPanelTest, FilesStayInTheRunWhileItGoesOn) {
+    pair("a.jpg");
+    open();
+    waitForLooks();
+    files().runBegan();
+    select(0);
+    QTest::keyClick(&part<FileListView>("fileList"), Qt::Key_Delete);
+    EXPECT_TRUE(form().settings->leftOut.empty());
+    files().runEnded();
+}
+
+TEST_F(FilesPanelTest, PreviewShowsEachEyeAndFollowsTheSwap) {
+    pair("a.jpg");
+    open();
+    waitForLooks();
+    select(0);
+    const QImage left = shown(PreviewMode::left), right = shown(PreviewMode::right);
+    EXPECT_NE(left, right);
+    part<QCheckBox>("previewSwapCheck").click();
+    EXPECT_TRUE(form().settings->swapLeftRight) << "the form's own setting";
+    EXPECT_TRUE(control<QCheckBox>(form(), "swapLRCheck").isChecked());
+    EXPECT_EQ(shown(PreviewMode::left), right);
+    EXPECT_EQ(shown(PreviewMode::right), left);
+}
+
+TEST_F(FilesPanelTest, PreviewOfEqualEyesHasNoDifference) {
+    const media::Picture wall = drawnTexture(640, 360);
+    writePicture(besideEachOther(media::EyePair<media::Picture>{wall, wall}), input.path / "a.png");
+    open();
+    waitForLooks();
+    select(0);
+    const QImage difference = shown(PreviewMode::difference);
+    int brightest = 0;
+    for (int y = 0; y < difference.height(); ++y)
+        for (int x = 0; x < difference.width(); ++x)
+            brightest = std::max(brightest, qGray(difference.pixel(x, y)));
+    EXPECT_LE(brightest, 2);
+    EXPECT_NE(shown(PreviewMode::anaglyph).pixel(100, 100), qRgb(0, 0, 0));
+}
+
+TEST_F(FilesPanelTest, KeysChangeTheViewOfThePreview) {
+    pair("a.jpg");
+    open();
+    waitForLooks();
+    select(0);
+    static_cast<void>(shown(PreviewMode::sideBySide));
+    QTest::keyClick(&canvas(), Qt::Key_4);
+    EXPECT_EQ(part<QComboBox>("previewModePopup").currentIndex(), static_cast<int>(PreviewMode::anaglyph));
+    QTest::keyClick(&canvas(), Qt::Key_2);
+    QTest::keyClick(&canvas(), Qt::Key_Z);
+    EXPECT_TRUE(canvas().isActualSize());
+    EXPECT_TRUE(waitUntil([this] { return canvas().picture().size() == QSize(640, 360); })) << "every pixel";
+}
+
+TEST_F(FilesPanelTest, SuggestedAdjustmentIsSetInTheForm) {
+    pair("a.jpg");
+    open();
+    waitForLooks();
+    select(0);
+    static_cast<void>(shown(PreviewMode::sideBySide));
+    auto &suggest = part<QPushButton>("suggestAdjustmentButton");
+    ASSERT_TRUE(waitUntil([&] { return suggest.isVisible(); }));
+    suggest.click();
+    EXPECT_NEAR(form().settings->disparityAdjustment, 1.0, 0.15) << "the wall is 1 % behind the screen";
+}
+
+TEST_F(FilesPanelTest, DropsOnTheWindowAddToTheInput) {
+    pair("a.jpg");
+    open();
+    waitForLooks();
+    ScratchFolder other;
+    StereoScene scene;
+    scene.seed = 9;
+    writePicture(besideEachOther(drawnEyes(scene)), other.path / "z.jpg");
+    QMimeData mime;
+    mime.setUrls({QUrl::fromLocalFile(QString::fromStdString((other.path / "z.jpg").string()))});
+    QDropEvent drop(QPointF(1200, 300), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&window(), &drop);
+    EXPECT_TRUE(drop.isAccepted());
+    waitForLooks();
+    ASSERT_EQ(rows().size(), 2u);
+    EXPECT_EQ(rows()[1].file.filename(), "z.jpg");
+}
+
+TEST_F(FilesPanelTest, CopiesTheReport) {
+    pair("a.jpg");
+    open();
+    files().fileEnded(result(input.path / "a.jpg", FileState::failed));
+    waitForLooks();
+    files().fileEnded(result(input.path / "a.jpg", FileState::failed));
+    emit part<FileListView>("fileList").reportAsked();
+    EXPECT_TRUE(QGuiApplication::clipboard()->text().contains(QStringLiteral("a.jpg")));
+}
+
+TEST_F(FilesPanelTest, OpensBesideTheFormAndGivesTheWindowItsSizeBack) {
+    pair("a.jpg");
+    controller = std::make_unique<MainWindowController>(services);
+    window().resize(720, 860);
+    window().show();
+    processPendingEvents();
+    SidePanel &side = *controller->sidePanel();
+    side.open();
+    EXPECT_EQ(form().isVisible(), side.isBeside());
+    EXPECT_TRUE(files().isVisible());
+    side.close();
+    EXPECT_TRUE(form().isVisible());
+    EXPECT_FALSE(files().isVisible());
+    EXPECT_EQ(window().size(), QSize(720, 860));
+}
+
+TEST_F(FilesPanelTest, TakesThePlaceOfTheFormOnASmallScreen) {
+    controller = std::make_unique<MainWindowController>(services);
+    window().resize(720, 600);
+    window().show();
+    processPendingEvents();
+    SidePanel &side = *controller->sidePanel();
+    ASSERT_FALSE(side.hasRoomForBoth()) << "the screen of the tests is small";
+    QTest::keyClick(&window(), Qt::Key_F9);
+    EXPECT_FALSE(form().isVisible());
+    auto &back = part<QPushButton>("filesBackButton");
+    EXPECT_TRUE(back.isVisible());
+    back.click();
+    EXPECT_TRUE(form().isVisible());
+    EXPECT_EQ(window().size(), QSize(720, 600));
+}
+
+} // namespace
+} // namespace lumetwin::test
