@@ -27,13 +27,22 @@ std::string reasonNotToRead(const StereoLayout &layout) {
     return {};
 }
 
+StereoFindings ofSwappedEyes(StereoFindings findings) {
+    findings.probablySwapped = false;
+    if (findings.disparity) {
+        const DisparityFigures seen = *findings.disparity;
+        findings.disparity = DisparityFigures{
+            .nearest = -seen.farthest, .middle = -seen.middle, .farthest = -seen.nearest, .vertical = -seen.vertical};
+    }
+    return findings;
+}
+
 std::vector<Warning> forecastWarnings(const MediaFacts &facts, const std::optional<StereoFindings> &findings,
                                       const ConversionSettings &settings) {
-    StereoLayout layout = layoutToRead(facts, settings);
+    const StereoLayout layout = layoutToRead(facts, settings);
     std::vector<Warning> warnings = layoutWarnings(layout, facts);
-    layout.rightEyeFirst = layout.rightEyeFirst != settings.swapLeftRight;
     if (findings)
-        for (Warning &warning : stereoWarnings(*findings, layout))
+        for (Warning &warning : stereoWarnings(settings.swapLeftRight ? ofSwappedEyes(*findings) : *findings, layout))
             warnings.push_back(std::move(warning));
     std::erase_if(warnings, [](const Warning &warning) { return isNote(warning.kind); });
     return warnings;

@@ -23,6 +23,9 @@ StereoLayout layoutToRead(const MediaFacts &facts, const ConversionSettings &set
 /// Why no decoder reads the eyes of such a file, in the user's language; empty when one does.
 std::string reasonNotToRead(const StereoLayout &layout);
 
+/// What the findings about a picture mean when its eyes are exchanged. Whether they look exchanged then is not known.
+StereoFindings ofSwappedEyes(StereoFindings findings);
+
 /// What the conversion of such a file will warn of, without notes. findings: of its picture, if it was examined.
 std::vector<Warning> forecastWarnings(const MediaFacts &facts, const std::optional<StereoFindings> &findings,
                                       const ConversionSettings &settings);

@@ -300,16 +300,11 @@ void PreviewPane::showJudgement() {
         adjustButton_->hide();
         return;
     }
-    StereoFindings shown = *findings_;
-    std::optional<DisparityFigures> figures = shown.disparity;
-    if (figures && settings_->swapLeftRight) { // seen by the other eye
-        figures = DisparityFigures{-figures->farthest, -figures->middle, -figures->nearest, -figures->vertical};
-        shown.disparity = figures;
-    }
-    disparityBar_->setFigures(figures);
+    const StereoFindings shown = settings_->swapLeftRight ? ofSwappedEyes(*findings_) : *findings_;
+    disparityBar_->setFigures(shown.disparity);
     wordsLabel_->setText(toQString(judgementWords(shown)));
     const bool writesAdjustment = settings_->direction == ConversionDirection::sbsToSpatial;
-    adjustButton_->setVisible(figures.has_value() && writesAdjustment);
+    adjustButton_->setVisible(shown.disparity.has_value() && writesAdjustment);
 }
 
 } // namespace lumetwin

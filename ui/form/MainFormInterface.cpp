@@ -114,9 +114,8 @@ QLabel *MainViewController::unit(QLabel *&label, const char *text, QWidget *pare
 
 void MainViewController::buildHeader() {
     headerView = withName(new HeaderBand(documentView), "headerView");
+    headerView->setAccessibleName(QStringLiteral("Lumetwin"));
     titleLabel = withName(new QLabel(QStringLiteral("Lumetwin"), headerView), "titleLabel");
-    subtitleLabel = withName(new QLabel(localizedText("app.subtitle"), headerView), "subtitleLabel");
-    subtitleLabel->setProperty("secondary", true);
     filesButton = withName(new QPushButton(localizedText("files.title"), headerView), "filesButton");
     filesButton->setCheckable(true);
     filesButton->setToolTip(localizedText("files.button.help"));
@@ -125,6 +124,8 @@ void MainViewController::buildHeader() {
         filesButton->setChecked(!filesButton->isChecked()); // until the panel is open
         emit filesPanelAsked();
     });
+    subtitleLabel = withName(new QLabel(localizedText("app.subtitle"), headerView), "subtitleLabel");
+    subtitleLabel->setProperty("secondary", true);
 }
 
 void MainViewController::buildDirection() {

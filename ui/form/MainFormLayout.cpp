@@ -130,7 +130,7 @@ void MainViewController::layoutSections() {
     titleLabel->setGeometry(scale.toQt({20, 30, 540, 28}, 68));
     titleLabel->setIndent(scale.horizontal(36));
     subtitleLabel->setGeometry(scale.toQt({22, 10, 540, 17}, 68));
-    filesButton->setGeometry(scale.toQt({580, 18, 120, 32}, 68));
+    filesButton->setGeometry(scale.toQt({580, 30, 120, 30}, 68));
     // Placed a little low, so that they do not touch the section's title.
     spatialToSBSButton->setGeometry(scale.toQt({16, 32, 380, 22}, 76));
     sbsToSpatialButton->setGeometry(scale.toQt({16, 8, 380, 22}, 76));

@@ -237,8 +237,7 @@ void MainViewController::turnDirection() {
 }
 
 void MainViewController::setLeftOut(const std::set<std::filesystem::path> &files) {
-    if (isIdle())
-        settings->leftOut = files;
+    settings->leftOut = files;
 }
 
 void MainViewController::showFilesPanelState(bool open) {

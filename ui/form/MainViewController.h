@@ -84,10 +84,11 @@ public:
     /// Gives the focus to the chosen direction, not to the start button.
     void focusFirstControl();
 
-    // For the panel of files. They do nothing while a batch runs.
+    // For the panel of files. The first three do nothing while a batch runs.
     void setSwapped(bool swapped);
     void setDisparityAdjustment(double adjustment);
     void turnDirection();
+    /// Not to be called while a batch runs.
     void setLeftOut(const std::set<std::filesystem::path> &files);
     /// Shows in the header whether the panel of files is open.
     void showFilesPanelState(bool open);

@@ -2,6 +2,7 @@
 #include "ui/widgets/Accessibility.h"
 
 #include "ui/files/DropFolderView.h"
+#include "ui/form/HeaderBand.h"
 #include "ui/form/SectionView.h"
 #include "ui/progress/ProgressViewController.h"
 #include "ui/widgets/ValueSlider.h"
@@ -62,6 +63,8 @@ QAccessibleInterface *accessibleFor(const QString &, QObject *object) {
         return new QAccessibleWidget(sheet, QAccessible::Dialog);
     if (auto *section = qobject_cast<SectionView *>(object))
         return new QAccessibleWidget(section, QAccessible::Grouping);
+    if (auto *band = qobject_cast<HeaderBand *>(object))
+        return new QAccessibleWidget(band, QAccessible::Grouping);
     return nullptr;
 }
 

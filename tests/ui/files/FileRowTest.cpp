@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the list says of a file, before, during and after a run.
+#include "engine/texts/Texts.h"
 #include "support/Scripted.h"
 #include "ui/files/RowTexts.h"
 
@@ -17,6 +18,14 @@ FileRow lookedAt(const std::string &name, bool isSpatial) {
     row.look->facts.isReadable = true;
     row.look->facts.isSpatial = isSpatial;
     return row;
+}
+
+StereoFindings seen(std::optional<EyeArrangement> arrangement, bool probablySwapped = false) {
+    StereoFindings findings;
+    findings.wasExamined = true;
+    findings.seen = arrangement;
+    findings.probablySwapped = probablySwapped;
+    return findings;
 }
 
 class FileRows : public testing::Test {
@@ -73,7 +82,7 @@ TEST_F(FileRows, WarnOfAnOrdinaryPicture) {
     towardsSpatial();
     FileRow row = lookedAt("cat.mp4", false);
     EXPECT_FALSE(isNoStereo(row, settings)) << "not examined yet";
-    row.findings = StereoFindings{.wasExamined = true};
+    row.findings = seen(std::nullopt);
     EXPECT_TRUE(isNoStereo(row, settings));
     EXPECT_EQ(state(row), "The picture does not look like two eyes.");
     EXPECT_EQ(rowLayout(row, settings).toStdString(), "does not look like stereo");
@@ -88,7 +97,7 @@ TEST_F(FileRows, TellHowTheEyesLieAndWhoSaysSo) {
         StereoLayout{.arrangement = EyeArrangement::overUnder, .isHalf = true, .source = LayoutSource::container};
     EXPECT_EQ(rowLayout(row, settings).toStdString(), "over-under, half height, says the file");
     row.look->facts.layout.reset();
-    row.findings = StereoFindings{.wasExamined = true, .seen = EyeArrangement::overUnder};
+    row.findings = seen(EyeArrangement::overUnder);
     EXPECT_EQ(rowLayout(row, settings).toStdString(), "looks over-under");
     EXPECT_EQ(rowLayout(lookedAt("trip.mov", true), settings).toStdString(), "spatial");
 }
@@ -96,7 +105,7 @@ TEST_F(FileRows, TellHowTheEyesLieAndWhoSaysSo) {
 TEST_F(FileRows, SwappedEyesThatAreSwappedBackAreNotWarnedOf) {
     towardsSpatial();
     FileRow row = lookedAt("film.mp4", false);
-    row.findings = StereoFindings{.wasExamined = true, .seen = EyeArrangement::sideBySide, .probablySwapped = true};
+    row.findings = seen(EyeArrangement::sideBySide, true);
     EXPECT_EQ(warningsOf(row, settings).size(), 1u);
     settings.swapLeftRight = true;
     EXPECT_TRUE(warningsOf(row, settings).empty()) << warningsOf(row, settings).size();

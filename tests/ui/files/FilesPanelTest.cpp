@@ -17,7 +17,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
-#include <QDropEvent>
+#include <QDragEnterEvent>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMainWindow>
@@ -100,10 +100,11 @@ protected:
     }
     /// The picture of a mode, once it is drawn.
     QImage shown(PreviewMode mode) {
-        canvas().setMessage({});
         part<PreviewPane>("previewPane").setMode(mode);
         part<PreviewPane>("previewPane").refresh();
-        EXPECT_TRUE(waitUntil([this] { return canvas().hasPicture(); }));
+        BackgroundThreads::shared().waitForAll(testTimeout);
+        processPendingEvents();
+        EXPECT_TRUE(canvas().hasPicture());
         return canvas().picture();
     }
 
@@ -296,8 +297,10 @@ TEST_F(FilesPanelTest, DropsOnTheWindowAddToTheInput) {
     writePicture(besideEachOther(drawnEyes(scene)), other.path / "z.jpg");
     QMimeData mime;
     mime.setUrls({QUrl::fromLocalFile(QString::fromStdString((other.path / "z.jpg").string()))});
-    QDropEvent drop(QPointF(1200, 300), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&window(), &drop);
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&part<QLabel>("filesTotals"), &enter); // anywhere in the window
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&part<QLabel>("filesTotals"), &drop);
     EXPECT_TRUE(drop.isAccepted());
     waitForLooks();
     ASSERT_EQ(rows().size(), 2u);
@@ -322,28 +325,34 @@ TEST_F(FilesPanelTest, OpensBesideTheFormAndGivesTheWindowItsSizeBack) {
     processPendingEvents();
     SidePanel &side = *controller->sidePanel();
     side.open();
-    EXPECT_EQ(form().isVisible(), side.isBeside());
-    EXPECT_TRUE(files().isVisible());
+    EXPECT_TRUE(form().isVisible() && files().isVisible());
+    EXPECT_GE(window().width(), 1280);
+    EXPECT_EQ(form().width(), 720) << "the form keeps its width";
     side.close();
     EXPECT_TRUE(form().isVisible());
     EXPECT_FALSE(files().isVisible());
     EXPECT_EQ(window().size(), QSize(720, 860));
 }
 
-TEST_F(FilesPanelTest, TakesThePlaceOfTheFormOnASmallScreen) {
+TEST_F(FilesPanelTest, TakesThePlaceOfTheFormWhereTextsAreLarge) {
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPointSizeF(before.pointSizeF() * 2);
+    QApplication::setFont(large);
     controller = std::make_unique<MainWindowController>(services);
-    window().resize(720, 600);
+    window().resize(1200, 700);
     window().show();
+    window().activateWindow();
     processPendingEvents();
-    SidePanel &side = *controller->sidePanel();
-    ASSERT_FALSE(side.hasRoomForBoth()) << "the screen of the tests is small";
+    ASSERT_FALSE(controller->sidePanel()->hasRoomForBoth());
     QTest::keyClick(&window(), Qt::Key_F9);
     EXPECT_FALSE(form().isVisible());
     auto &back = part<QPushButton>("filesBackButton");
     EXPECT_TRUE(back.isVisible());
     back.click();
     EXPECT_TRUE(form().isVisible());
-    EXPECT_EQ(window().size(), QSize(720, 600));
+    EXPECT_EQ(window().size(), QSize(1200, 700));
+    QApplication::setFont(before);
 }
 
 } // namespace

@@ -161,7 +161,7 @@ protected:
 TEST_P(FormAccessibility, EveryControlOfTheFormHasNameAndValue) {
     forEachState([this] {
         const AccessibleObjects controls = focusableControls(*form);
-        EXPECT_EQ(controls.size(), 16U + (form->settings->enableResize ? 3 : 0) +
+        EXPECT_EQ(controls.size(), 17U + (form->settings->enableResize ? 3 : 0) +
                                        (form->settings->direction == ConversionDirection::sbsToSpatial ? 3 : 0));
         expectNamesAndValues(controls);
     });
@@ -287,7 +287,7 @@ TEST_P(FormAccessibility, WhileTheSheetIsShownOnlyItsButtonIsReachable) {
     sheet.conversionFinished(true, "done");
     expectOnlyTheButton("button.close");
     sheet.closeTapped();
-    EXPECT_TRUE(waitUntil([this] { return focusableControls(*form).size() == 16; })) << "and then the form is back";
+    EXPECT_TRUE(waitUntil([this] { return focusableControls(*form).size() == 17; })) << "and then the form is back";
 }
 
 TEST_P(FormAccessibility, ProgressBarsHaveNamesAndValuesInEachOfTheirStates) {
