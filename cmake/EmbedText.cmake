@@ -10,11 +10,11 @@ file(WRITE "${OUTPUT}" "// Generated from ${name}. Edit that file instead.
 
 namespace lumetwin::embedded {
 
-static constexpr char bytes[] = {
+static constexpr char ${NAME}_bytes[] = {
 ${bytes}'\\0'};
 
 extern const std::string_view ${NAME};
-const std::string_view ${NAME}(bytes, sizeof bytes - 1);
+const std::string_view ${NAME}(${NAME}_bytes, sizeof ${NAME}_bytes - 1);
 
 } // namespace lumetwin::embedded
 ")

@@ -20,7 +20,7 @@ bool isCapableTerminal() {
     return isatty(STDERR_FILENO) && kind && *kind && std::string_view(kind) != "dumb";
 }
 
-void write(std::FILE *stream, const std::string &text) {
+void writeNow(std::FILE *stream, const std::string &text) {
     std::fwrite(text.data(), 1, text.size(), stream);
     std::fflush(stream);
 }
@@ -49,20 +49,20 @@ void Console::printError(const std::string &line) {
 void Console::printTo(std::FILE *stream, const std::string &line) {
     const std::string previousProgress = shownProgress_;
     clearProgress();
-    write(stream, printable(line) + '\n');
+    writeNow(stream, printable(line) + '\n');
     showProgress(previousProgress);
 }
 
 void Console::showProgress(const std::string &line) {
     if (!live_ || line == shownProgress_)
         return;
-    write(stderr, eraseLine + line);
+    writeNow(stderr, eraseLine + line);
     shownProgress_ = line;
 }
 
 void Console::clearProgress() {
     if (!std::exchange(shownProgress_, {}).empty())
-        write(stderr, eraseLine);
+        writeNow(stderr, eraseLine);
 }
 
 } // namespace lumetwin::batch

@@ -70,7 +70,7 @@ template <typename Step> auto confined(const Step &step) {
     try {
         return step();
     } catch (const std::system_error &error) {
-        throw processorError(words("error.worker.not.confined.format", std::string(error.what())));
+        throw processorError(lumetwin::words("error.worker.not.confined.format", std::string(error.what())));
     }
 }
 

@@ -5,7 +5,7 @@ namespace lumetwin {
 
 namespace {
 
-const char *keyOf(const StereoLayout &layout) {
+const char *arrangementKey(const StereoLayout &layout) {
     switch (layout.arrangement) {
     case EyeArrangement::sideBySide:
         return layout.isHalf ? "layout.side.by.side.half" : "layout.side.by.side";
@@ -27,7 +27,7 @@ const char *keyOf(const StereoLayout &layout) {
     return "";
 }
 
-const char *keyOf(LayoutSource source) {
+const char *sourceKey(LayoutSource source) {
     switch (source) {
     case LayoutSource::none:
         return "layout.source.none";
@@ -48,12 +48,12 @@ const char *keyOf(LayoutSource source) {
 } // namespace
 
 Words layoutWords(const StereoLayout &layout) {
-    const Words arrangement = words(keyOf(layout));
+    const Words arrangement = words(arrangementKey(layout));
     return layout.rightEyeFirst ? words("layout.right.first.format", arrangement) : arrangement;
 }
 
 Words sourceWords(LayoutSource source) {
-    return words(keyOf(source));
+    return words(sourceKey(source));
 }
 
 Words projectionWords(const std::string &projection) {

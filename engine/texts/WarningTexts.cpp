@@ -10,7 +10,7 @@
 namespace lumetwin {
 namespace {
 
-std::string_view keyOf(WarningKind kind) {
+std::string_view warningKey(WarningKind kind) {
     switch (kind) {
     case WarningKind::speedChanged:
         return "warning.speed.faster.format";
@@ -81,12 +81,12 @@ std::string_view keyOf(WarningKind kind) {
 std::string warningText(const Warning &warning) {
     if (warning.kind == WarningKind::speedChanged) {
         const double percent = std::get<double>(warning.values.at(0));
-        return formatted(percent < 0 ? "warning.speed.slower.format" : keyOf(warning.kind), std::abs(percent));
+        return formatted(percent < 0 ? "warning.speed.slower.format" : warningKey(warning.kind), std::abs(percent));
     }
     fmt::dynamic_format_arg_store<fmt::printf_context> values;
     for (const Warning::Value &value : warning.values)
         std::visit([&](const auto &held) { values.push_back(held); }, value);
-    return fmt::vsprintf(text(keyOf(warning.kind)), fmt::basic_format_args<fmt::printf_context>(values));
+    return fmt::vsprintf(text(warningKey(warning.kind)), fmt::basic_format_args<fmt::printf_context>(values));
 }
 
 } // namespace lumetwin

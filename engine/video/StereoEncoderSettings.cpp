@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/video/StereoEncoderSettings.h"
 
+#include "engine/video/BitRateRule.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -11,8 +13,6 @@ namespace lumetwin {
 
 namespace {
 
-constexpr double bitsPerPixel = 0.15;
-constexpr std::int64_t smallestBitRate = 1'000'000;
 constexpr std::uint32_t bgra = 0x42475241; // "BGRA"
 
 // The first system versions that have the projection and the field of view as encoder properties.

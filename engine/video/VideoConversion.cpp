@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/video/VideoConversion.h"
 
+#include "engine/video/BitRateRule.h"
 #include "media/MediaError.h"
 #include "media/NamedThread.h"
 
@@ -17,9 +18,7 @@ constexpr std::int64_t progressInterval = 8; // frames between two reports of pr
 constexpr int outputDepth = 8;               // bits per sample
 constexpr double tellableSpeed = 0.5;        // percent
 constexpr double tellableDistance = 0.06;    // seconds
-constexpr double bitsPerPixel = 0.15;
-constexpr std::int64_t smallestBitRate = 1'000'000;
-constexpr double largestBitRate = 9e18; // must fit into a 64-bit integer
+constexpr double largestBitRate = 9e18;      // must fit into a 64-bit integer
 
 void addNotes(VideoSource &source, bool copiesSound) {
     const media::OtherContents others = source.movie.otherContents();

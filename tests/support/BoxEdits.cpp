@@ -8,6 +8,16 @@ namespace lumetwin::test {
 
 namespace {
 
+/// Makes the boxes that hold the sample descriptions larger.
+void enlargeDescriptions(Bytes &content, std::uint32_t size) {
+    for (const char *parent : {"moov", "trak", "mdia", "minf", "stbl", "stsd"}) {
+        const std::size_t place = placeOfBox(content, parent);
+        putNumber(content, place, numberAt(content, place) + size);
+    }
+}
+
+} // namespace
+
 std::uint32_t numberAt(const Bytes &bytes, std::size_t place) {
     std::uint32_t number = 0;
     for (std::size_t index = 0; index < 4; ++index)
@@ -19,16 +29,6 @@ void putNumber(Bytes &bytes, std::size_t place, std::uint32_t number) {
     for (std::size_t index = 0; index < 4; ++index)
         bytes.at(place + index) = static_cast<std::uint8_t>(number >> (24 - 8 * index));
 }
-
-/// Makes the boxes that hold the sample descriptions larger.
-void enlargeDescriptions(Bytes &content, std::uint32_t size) {
-    for (const char *parent : {"moov", "trak", "mdia", "minf", "stbl", "stsd"}) {
-        const std::size_t place = placeOfBox(content, parent);
-        putNumber(content, place, numberAt(content, place) + size);
-    }
-}
-
-} // namespace
 
 void overwrite(const std::filesystem::path &file, std::size_t place, const Bytes &bytes) {
     Bytes content = readFile(file);

@@ -7,6 +7,10 @@
 
 namespace lumetwin::test {
 
+/// A number of four bytes, big endian, as boxes have them.
+std::uint32_t numberAt(const Bytes &bytes, std::size_t place);
+void putNumber(Bytes &bytes, std::size_t place, std::uint32_t number);
+
 /// Puts bytes over those at a place of a file.
 void overwrite(const std::filesystem::path &file, std::size_t place, const Bytes &bytes);
 

@@ -2,6 +2,7 @@
 #include "tests/support/SpatialPhotos.h"
 
 #include "tests/media/bmff/BoxBuilder.h"
+#include "tests/support/BoxEdits.h"
 #include "tests/support/Paths.h"
 
 #include <cmath>
@@ -14,16 +15,6 @@ namespace lumetwin::test {
 using namespace std::string_literals;
 
 namespace {
-
-std::uint32_t numberAt(const std::vector<std::uint8_t> &bytes, std::size_t place) {
-    return std::uint32_t{bytes.at(place)} << 24 | std::uint32_t{bytes.at(place + 1)} << 16 |
-           std::uint32_t{bytes.at(place + 2)} << 8 | bytes.at(place + 3);
-}
-
-void putNumber(std::vector<std::uint8_t> &bytes, std::size_t place, std::uint32_t number) {
-    for (std::size_t i = 0; i < 4; ++i)
-        bytes.at(place + i) = static_cast<std::uint8_t>(number >> (24 - 8 * i));
-}
 
 constexpr std::size_t idsInGroup = 20; // size, type, version and flags, group id, count
 

@@ -39,8 +39,8 @@ template <typename Error> void expectUnchanged(const Error &error) {
 
 TEST(ErrorCoding, KeepsTypeAndText) {
     setTextLocale("ja");
-    expectUnchanged(processorError(words("error.no.video.track")));
-    expectUnchanged(SpatialPhotoError::cannotOpenFile("a.heic", words("reason.damaged")));
+    expectUnchanged(processorError(lumetwin::words("error.no.video.track")));
+    expectUnchanged(SpatialPhotoError::cannotOpenFile("a.heic", lumetwin::words("reason.damaged")));
     expectUnchanged(SpatialPhotoError::invalidImage());
     expectUnchanged(media::MediaError("/a/b.mov", media::MediaOperation::decodeSound, -5, media::MediaReason::damaged));
     expectUnchanged(media::MediaError("/a/b.mov", media::MediaOperation::read, -1094995529, "a library's words"));

@@ -26,7 +26,7 @@
 namespace lumetwin::worker {
 namespace {
 
-void check(int error, const char *what) {
+void checkStart(int error, const char *what) {
     if (error != 0)
         throw std::system_error(error, std::generic_category(), what);
 }
@@ -43,10 +43,10 @@ constexpr int lastClosedStream = STDERR_FILENO;
 class FileActions {
 public:
     explicit FileActions(int descriptor) {
-        check(posix_spawn_file_actions_init(&actions_), "posix_spawn");
+        checkStart(posix_spawn_file_actions_init(&actions_), "posix_spawn");
         for (int stream = firstClosedStream; stream <= lastClosedStream; ++stream)
-            check(posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0), "posix_spawn");
-        check(posix_spawn_file_actions_adddup2(&actions_, descriptor, channelDescriptor), "posix_spawn");
+            checkStart(posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0), "posix_spawn");
+        checkStart(posix_spawn_file_actions_adddup2(&actions_, descriptor, channelDescriptor), "posix_spawn");
     }
     ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
     FileActions(const FileActions &) = delete;
@@ -72,7 +72,7 @@ std::vector<std::string> environmentOfWorker() {
 pid_t spawn(const std::filesystem::path &program, int descriptor) {
     // A number above those that the file actions use.
     const media::Descriptor high(fcntl(descriptor, F_DUPFD_CLOEXEC, channelDescriptor + 1));
-    check(!high ? errno : 0, "fcntl");
+    checkStart(!high ? errno : 0, "fcntl");
     const FileActions actions(high.get());
     std::string name = program.string();
     std::string parent = std::to_string(getpid());
@@ -83,7 +83,8 @@ pid_t spawn(const std::filesystem::path &program, int descriptor) {
         environment.push_back(entry.data());
     environment.push_back(nullptr);
     pid_t process = 0;
-    check(posix_spawn(&process, name.c_str(), actions.get(), nullptr, arguments, environment.data()), "posix_spawn");
+    checkStart(posix_spawn(&process, name.c_str(), actions.get(), nullptr, arguments, environment.data()),
+               "posix_spawn");
     return process;
 }
 

@@ -64,7 +64,7 @@ Json encodeWarning(const Warning &warning) {
     return {{"kind", numberOf(warning.kind)}, {"values", std::move(values)}};
 }
 
-Warning::Value decodeValue(const Json &value, char type) {
+Warning::Value decodeWarningValue(const Json &value, char type) {
     if (type == 'd')
         return integer(value);
     if (type == 'f')
@@ -79,7 +79,7 @@ Warning decodeWarning(const Json &content) {
     if (values.size() != types.size())
         throw ProtocolError("a warning's values are others");
     for (std::size_t index = 0; index < types.size(); ++index)
-        warning.values.push_back(decodeValue(values[index], types[index]));
+        warning.values.push_back(decodeWarningValue(values[index], types[index]));
     return warning;
 }
 

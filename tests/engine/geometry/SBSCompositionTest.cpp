@@ -2,6 +2,7 @@
 #include "engine/geometry/SBSComposition.h"
 
 #include "engine/stereo/EyeExtraction.h"
+#include "tests/engine/geometry/Resizing.h"
 #include "tests/support/Drawing.h"
 #include "tests/support/TestMedia.h"
 
@@ -16,13 +17,6 @@ namespace {
 using namespace test;
 using media::Compositor;
 using media::yuv420;
-
-void resizeTo(ConversionSettings &settings, std::int64_t width, std::int64_t height, ResizeMode mode) {
-    settings.enableResize = true;
-    settings.resizeWidth = width;
-    settings.resizeHeight = height;
-    settings.resizeMode = mode;
-}
 
 /// What the frame's memory held before, which nobody may see.
 Picture usedCanvas(std::int64_t width, std::int64_t height) {

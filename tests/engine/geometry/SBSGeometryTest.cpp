@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/geometry/SBSGeometry.h"
 
+#include "tests/engine/geometry/Resizing.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -9,13 +11,7 @@ namespace lumetwin {
 namespace {
 
 using media::Rect;
-
-void resizeTo(ConversionSettings &settings, std::int64_t width, std::int64_t height, ResizeMode mode) {
-    settings.enableResize = true;
-    settings.resizeWidth = width;
-    settings.resizeHeight = height;
-    settings.resizeMode = mode;
-}
+using test::resizeTo;
 
 void expectNear(const Rect &actual, const Rect &expected) {
     EXPECT_NEAR(actual.x, expected.x, 1e-9);

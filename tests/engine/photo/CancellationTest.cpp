@@ -74,27 +74,27 @@ protected:
     TemporaryFolder folder_;
 };
 
-constexpr int height = 600;
+constexpr int rows = 600;
 
 TEST_F(Cancelling, readersStopBetweenRows) {
     const auto reading = [](const std::filesystem::path &path) {
         return [path](const Cancellation &cancellation) { media::readImage(path, cancellation); };
     };
-    const Raster drawing = drawn(200, height);
+    const Raster drawing = drawn(200, rows);
     writeWithMagick(drawing, file("a.jpg"), {"-sampling-factor", "4:2:0"});
     writeWithMagick(drawing, file("a.png"));
     writeWithMagick(drawing, file("a.tiff"), {"-compress", "LZW"});
-    stopsEverywhere(reading(file("a.jpg")), height / 16);
-    stopsEverywhere(reading(file("a.png")), height);
-    stopsEverywhere(reading(file("a.tiff")), height);
+    stopsEverywhere(reading(file("a.jpg")), rows / 16);
+    stopsEverywhere(reading(file("a.png")), rows);
+    stopsEverywhere(reading(file("a.tiff")), rows);
 }
 
 TEST_F(Cancelling, readersStopInFilesThatAreDecodedWhole) {
-    const Raster drawing = drawn(200, height);
+    const Raster drawing = drawn(200, rows);
     writeWithMagick(drawing, file("a.jpg"), {"-interlace", "JPEG"});
     writeWithMagick(drawing, file("a.png"), {"-interlace", "PNG"});
     writeWithMagick(drawing, file("a.tiff"), {"-type", "Palette", "-define", "tiff:rows-per-strip=20"});
-    for (const auto &[name, fewest] : {std::pair("a.jpg", height / 16), {"a.png", height}, {"a.tiff", height / 20}})
+    for (const auto &[name, fewest] : {std::pair("a.jpg", rows / 16), {"a.png", rows}, {"a.tiff", rows / 20}})
         stopsEverywhere([&, path = file(name)](const Cancellation &asked) { media::readImage(path, asked); }, fewest);
 }
 
@@ -123,10 +123,10 @@ TEST_F(Cancelling, aGridThatIsCancelledIsNotRead) {
 }
 
 TEST_F(Cancelling, writersStopAndLeaveNothing) {
-    const std::array outputs{std::tuple("a.jpg", ImageKind::jpeg, 3), std::tuple("a.png", ImageKind::png, height),
-                             std::tuple("a.tiff", ImageKind::tiff, height), std::tuple("a.heic", ImageKind::heif, 5)};
+    const std::array outputs{std::tuple("a.jpg", ImageKind::jpeg, 3), std::tuple("a.png", ImageKind::png, rows),
+                             std::tuple("a.tiff", ImageKind::tiff, rows), std::tuple("a.heic", ImageKind::heif, 5)};
     for (const auto &[name, kind, fewest] : outputs) {
-        const Raster drawing = drawn(kind == ImageKind::heif ? 5000 : 200, height);
+        const Raster drawing = drawn(kind == ImageKind::heif ? 5000 : 200, rows);
         const auto write = [&, name = name, kind = kind](const Cancellation &asked) {
             media::writeImage(file(name), kind, {pictureOf(drawing), {}}, 0.3, asked);
         };
@@ -147,9 +147,9 @@ TEST_F(Cancelling, writersStopAndLeaveNothing) {
 TEST_F(Cancelling, anOlderOutputStays) {
     writeFile(file("a.png"), Bytes{1, 2, 3});
     Countdown countdown(100);
-    EXPECT_THROW(media::writeImage(file("a.png"), ImageKind::png, {pictureOf(drawn(64, height)), {}}, 1,
-                                   countdown.cancellation()),
-                 media::Cancelled);
+    EXPECT_THROW(
+        media::writeImage(file("a.png"), ImageKind::png, {pictureOf(drawn(64, rows)), {}}, 1, countdown.cancellation()),
+        media::Cancelled);
     EXPECT_EQ(readFile(file("a.png")), (Bytes{1, 2, 3}));
     EXPECT_FALSE(std::filesystem::exists(file("a.png.partial")));
 }
@@ -170,19 +170,19 @@ TEST_F(Cancelling, aPairStopsBetweenItsTiles) {
 }
 
 TEST_F(Cancelling, picturesStopBetweenRows) {
-    const media::Picture picture = pictureOf(drawn(300, height));
+    const media::Picture picture = pictureOf(drawn(300, rows));
     stopsEverywhere(
         [&](const Cancellation &asked) { media::convertColour(picture, media::yuv420, media::jpegColour, asked); }, 20);
     media::Picture canvas = media::makePicture(200, 400, picture.format, picture.colour);
     const media::Rect whole{0, 0, 200, 400};
     stopsEverywhere(
         [&](const Cancellation &asked) {
-            media::Compositor(asked).place(picture, {{0, 0, 300, height}, whole, whole}, canvas);
+            media::Compositor(asked).place(picture, {{0, 0, 300, rows}, whole, whole}, canvas);
         },
         20);
-    media::Picture wide = pictureOf(drawn(300, height));
+    media::Picture wide = pictureOf(drawn(300, rows));
     wide.colour.primaries = 12;
-    stopsEverywhere([&](const Cancellation &asked) { media::inSRGB(wide, {}, "a.png", asked); }, height / 64);
+    stopsEverywhere([&](const Cancellation &asked) { media::inSRGB(wide, {}, "a.png", asked); }, rows / 64);
 }
 
 TEST_F(Cancelling, aCancelledPhotoIsNotWritten) {

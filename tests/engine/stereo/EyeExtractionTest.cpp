@@ -1,24 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/stereo/EyeExtraction.h"
 
+#include "tests/engine/geometry/Resizing.h"
+
 #include <gtest/gtest.h>
 
 namespace lumetwin {
 namespace {
 
 using media::Rect;
+using test::resizeTo;
 
 EyeExtraction extract(const ConversionSettings &settings, std::int64_t width, std::int64_t height) {
     const EyeSize eye =
         settings.enableResize ? EyeSize{settings.resizeWidth, settings.resizeHeight} : EyeSize{width / 2, height};
     return eyeExtraction(settings, eye, eyeCells({}, width, height));
-}
-
-void resizeTo(ConversionSettings &settings, std::int64_t width, std::int64_t height, ResizeMode mode) {
-    settings.enableResize = true;
-    settings.resizeWidth = width;
-    settings.resizeHeight = height;
-    settings.resizeMode = mode;
 }
 
 TEST(EyeExtraction, cutsTheSourceIntoHalves) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/stereo/EyeOrder.h"
 #include "engine/stereo/DenseDisparity.h"
+#include "tests/engine/stereo/ReducedEyes.h"
 #include "tests/support/Drawing.h"
 #include "tests/support/StereoScenes.h"
 
@@ -10,10 +11,6 @@
 
 namespace lumetwin::test {
 namespace {
-
-LumaPlane planeOf(const Picture &picture) {
-    return reducedLuma(picture, all(picture), 512, 512 * picture.height / picture.width);
-}
 
 EyeOrderCues cuesOf(const media::EyePair<Picture> &eyes) {
     const media::EyePair<LumaPlane> planes{planeOf(eyes.left), planeOf(eyes.right)};

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/stereo/StereoEvidence.h"
+#include "tests/engine/stereo/ReducedEyes.h"
 #include "tests/support/Drawing.h"
 #include "tests/support/StereoScenes.h"
 
@@ -7,10 +8,6 @@
 
 namespace lumetwin::test {
 namespace {
-
-LumaPlane planeOf(const Picture &picture) {
-    return reducedLuma(picture, all(picture), 512, 512 * picture.height / picture.width);
-}
 
 StereoEvidence evidenceOf(const media::EyePair<Picture> &eyes) {
     return stereoEvidence(planeOf(eyes.left), planeOf(eyes.right));

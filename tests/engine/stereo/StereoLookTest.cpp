@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/stereo/StereoLook.h"
+#include "tests/engine/stereo/Layouts.h"
 #include "tests/support/Drawing.h"
 #include "tests/support/StereoScenes.h"
 
@@ -9,9 +10,6 @@
 
 namespace lumetwin::test {
 namespace {
-
-constexpr StereoLayout sideBySide{.arrangement = EyeArrangement::sideBySide};
-constexpr StereoLayout overUnder{.arrangement = EyeArrangement::overUnder};
 
 StereoFindings findingsOf(const Picture &frame, const StereoLayout &layout) {
     return findings(std::array{lookAtFrame(frame, layout)});

@@ -3,13 +3,12 @@
 
 #include "engine/texts/Texts.h"
 #include "engine/texts/WarningTexts.h"
+#include "tests/engine/stereo/Layouts.h"
 
 #include <gtest/gtest.h>
 
 namespace lumetwin::test {
 namespace {
-
-constexpr StereoLayout sideBySide{.arrangement = EyeArrangement::sideBySide};
 
 StereoFindings comfortable() {
     StereoFindings findings;

@@ -19,7 +19,7 @@ using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using Words = std::vector<std::string>;
+using Options = std::vector<std::string>;
 
 media::AudioTrack track(double sampleRate, int channels) {
     return {0, sampleRate, channels};
@@ -56,7 +56,7 @@ double onset(const std::filesystem::path &movie) {
 }
 
 /// A clip of a second whose sound begins at its half.
-Clip clickAtHalfASecond(const Words &audio, const std::string &layout, int rate) {
+Clip clickAtHalfASecond(const Options &audio, const std::string &layout, int rate) {
     Clip clip;
     clip.frames = 30;
     clip.audio = audio;
@@ -73,7 +73,7 @@ Clip clickAtHalfASecond(const Words &audio, const std::string &layout, int rate)
 
 struct Sound {
     std::string name;
-    Words codec;
+    Options codec;
     std::string layout;
     int rate;
     double tolerance = 0.012; ///< seconds; several codecs smear a sudden sound by some milliseconds

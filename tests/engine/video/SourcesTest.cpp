@@ -16,11 +16,11 @@ namespace {
 using test::Clip;
 using test::TemporaryFolder;
 using testing::HasSubstr;
-using Words = std::vector<std::string>;
+using Options = std::vector<std::string>;
 
 struct Source {
     std::string name; ///< file name; its extension says the container
-    Words video;
+    Options video;
     std::string format = "yuv420p"; ///< of the samples
     std::string filter = {};
 };
@@ -82,16 +82,16 @@ TEST_P(Sources, areShownToBothEyes) {
     EXPECT_TRUE(run.warnings.empty()) << run.warnings.front();
 }
 
-Words vpx(const std::string &encoder, const std::string &profile = "0") {
+Options vpx(const std::string &encoder, const std::string &profile = "0") {
     return {"-c:v", encoder, "-b:v", "4M", "-deadline", "realtime", "-cpu-used", "8", "-profile:v", profile};
 }
 
-Words x265(const std::string &parameters = "") {
+Options x265(const std::string &parameters = "") {
     return {"-c:v", "libx265", "-preset", "ultrafast", "-x265-params", "log-level=none:crf=8" + parameters};
 }
 
-Words x264(const Words &more = {}) {
-    Words words{"-c:v", "libx264", "-preset", "ultrafast", "-qp", "6"};
+Options x264(const Options &more = {}) {
+    Options words{"-c:v", "libx264", "-preset", "ultrafast", "-qp", "6"};
     words.insert(words.end(), more.begin(), more.end());
     return words;
 }

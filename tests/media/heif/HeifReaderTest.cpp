@@ -2,8 +2,7 @@
 #include "media/heif/HeifReader.h"
 #include "media/MediaError.h"
 #include "media/heif/HeifFile.h"
-#include "media/heif/ImageList.h"
-#include "tests/media/heif/HeifBuilder.h"
+#include "tests/media/heif/HeifFiles.h"
 #include "tests/support/Paths.h"
 #include "tests/support/TestMedia.h"
 
@@ -21,17 +20,11 @@ using test::fullBox;
 using test::HeifBuilder;
 using test::joined;
 using test::letters;
+using test::read;
 using test::u16;
 using test::u32;
 using test::u8;
 using testing::ElementsAre;
-
-HeifFile read(const Bytes &bytes) {
-    return heif::readHeif(*bmff::fromMemory(bytes));
-}
-HeifFile read(const HeifBuilder &heif) {
-    return read(heif.file());
-}
 
 std::vector<std::uint32_t> itemsOf(const HeifFile &file) {
     std::vector<std::uint32_t> items;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Cropping, rotation and mirroring of HEIF images.
-#include "media/heif/ImageList.h"
-#include "tests/media/heif/HeifBuilder.h"
+#include "tests/media/heif/HeifFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -14,13 +13,9 @@ using test::Bytes;
 using test::fullBox;
 using test::HeifBuilder;
 using test::joined;
+using test::read;
 using test::u32;
 using test::u8;
-
-HeifFile read(const HeifBuilder &heif) {
-    const Bytes bytes = heif.file();
-    return heif::readHeif(*bmff::fromMemory(bytes));
-}
 
 Bytes aperture(std::initializer_list<int> numbers) {
     Bytes bytes;
