@@ -10,6 +10,7 @@
 #include "media/OutputFile.h"
 #include "media/SignsOfLife.h"
 #include "tests/worker/Attempts.h"
+#include "tests/worker/OneProcessor.h"
 #include "worker/protocol/Answer.h"
 #include "worker/protocol/Channel.h"
 
@@ -17,10 +18,12 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <map>
 #include <memory>
 #include <new>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <system_error>
@@ -129,6 +132,17 @@ void workForLong(const Situation &now) {
     copyTheInput(now);
 }
 
+/// Needs 60 ms of the processor, gives no sign meanwhile, and lets others go first.
+void workBesideOthers(const Situation &now) {
+    useOneProcessor();
+    if (setpriority(PRIO_PROCESS, 0, 15) != 0)
+        throw std::system_error(errno, std::generic_category(), "setpriority");
+    timespec used{};
+    while (clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used) == 0 && used.tv_sec == 0 && used.tv_nsec < 60'000'000) {
+    }
+    copyTheInput(now);
+}
+
 void tellEveryFrame(const Situation &now) {
     for (std::int64_t frame = 1; frame <= 20'000; ++frame)
         now.control.onFrameProgress(frame, 20'000);
@@ -172,6 +186,7 @@ const std::map<std::string, Behaviour> behaviours{
     {"closes the channel", closeTheChannel},
     {"waits", waitUntilCancelled},
     {"works for long", workForLong},
+    {"works beside others", workBesideOthers},
     {"tells every frame", tellEveryFrame},
     {"counts descriptors", countDescriptors},
     {"tells its environment", tellEnvironment},

@@ -48,16 +48,15 @@ bool Conversation::isOverdue() const {
 
 /// Adds up waiting times instead of comparing clock times: time in which this program was suspended does not count.
 void Conversation::waitFor(std::chrono::milliseconds waited) {
-    waited_ += waited;
     if (pending_)
         reportProgress();
-    if (waited_ > timeouts_.answer)
+    if (silence_.add(waited) > timeouts_.answer)
         throw WorkerFailure{WorkerFailure::Kind::timeout,
                             static_cast<int>(std::chrono::ceil<std::chrono::seconds>(timeouts_.answer).count())};
 }
 
 bool Conversation::isFinal(const Answer &answer) {
-    waited_ = 0ms;
+    silence_.reset();
     if (const auto *ready = std::get_if<Ready>(&answer)) {
         if (ready->version != LUMETWIN_VERSION)
             throw WorkerFailure{WorkerFailure::Kind::invalidAnswer};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ConversionControl.h"
+#include "worker/parent/SilentTime.h"
 #include "worker/parent/WorkerProcess.h"
 
 #include <chrono>
@@ -12,7 +13,7 @@ namespace lumetwin::worker {
 
 /// How long a program waits for its worker.
 struct Timeouts {
-    std::chrono::milliseconds answer = std::chrono::minutes(2); ///< without any message while it should work
+    std::chrono::milliseconds answer = std::chrono::minutes(2); ///< of silence (see SilentTime) while it should work
     std::chrono::milliseconds stop = std::chrono::seconds(1);   ///< from the request to stop until it has stopped
 };
 
@@ -21,7 +22,7 @@ struct Timeouts {
 class Conversation {
 public:
     Conversation(WorkerProcess &worker, const ConversionControl &control, const Timeouts &timeouts)
-        : worker_(worker), control_(control), timeouts_(timeouts) {}
+        : worker_(worker), control_(control), timeouts_(timeouts), silence_(worker.number()) {}
 
     /// Returns what was asked for (such as MediaFacts or an Outcome), or Failure. When the user stops the conversion
     /// and the worker does not stop in time, returns an Outcome that says that nothing was written. Throws
@@ -44,7 +45,7 @@ private:
     WorkerProcess &worker_;
     const ConversionControl &control_;
     const Timeouts &timeouts_;
-    std::chrono::milliseconds waited_{0};
+    SilentTime silence_;
     std::optional<Clock::time_point> stopping_;
     std::optional<Progress> pending_;
     Clock::time_point lastReport_;
