@@ -5,6 +5,7 @@
 #include "media/MediaError.h"
 #include "media/SignsOfLife.h"
 
+#include <atomic>
 #include <cerrno>
 #include <utility>
 
@@ -14,12 +15,15 @@
 namespace lumetwin::media {
 
 struct OutputFile::Opened {
+    Opened(int theDescriptor, std::filesystem::path name) : descriptor(theDescriptor), finalName(std::move(name)) {}
+
     Descriptor descriptor;
     std::filesystem::path finalName;
+    mutable std::atomic<bool> isBegun = false;
 };
 
 OutputFile::OutputFile(int descriptor, std::filesystem::path finalName)
-    : opened_(std::make_shared<const Opened>(Opened{Descriptor(descriptor), std::move(finalName)})) {}
+    : opened_(std::make_shared<const Opened>(descriptor, std::move(finalName))) {}
 
 const std::filesystem::path &OutputFile::path() const {
     return opened_->finalName;
@@ -31,6 +35,7 @@ int OutputFile::descriptor() const {
 
 void OutputFile::writeAt(std::uint64_t position, std::span<const std::uint8_t> bytes) const {
     giveSignOfLife();
+    emptyOnce();
     while (!bytes.empty()) {
         const ssize_t count = ::pwrite(descriptor(), bytes.data(), bytes.size(), static_cast<off_t>(position));
         if (count < 0 && errno == EINTR)
@@ -40,6 +45,12 @@ void OutputFile::writeAt(std::uint64_t position, std::span<const std::uint8_t> b
         bytes = bytes.subspan(static_cast<std::size_t>(count));
         position += static_cast<std::uint64_t>(count);
     }
+}
+
+/// Devices have no size, and cannot be truncated.
+void OutputFile::emptyOnce() const {
+    if (!opened_->isBegun.exchange(true) && size() > 0)
+        truncate(0);
 }
 
 std::size_t OutputFile::readAt(std::uint64_t position, std::span<std::uint8_t> buffer) const {

@@ -10,7 +10,7 @@
 namespace lumetwin::media {
 
 /// A file opened for writing, and its final name for messages. PartialFile gives it that name. Copies share the
-/// descriptor, which is closed with the last copy.
+/// descriptor, which is closed with the last copy. What the file contained before is kept until the first write.
 class OutputFile {
 public:
     /// Takes ownership of a descriptor that is open for reading and writing.
@@ -20,6 +20,7 @@ public:
     int descriptor() const;
 
     // These throw MediaError, which names the output and the system's reason.
+    /// The first write replaces everything that the file contained before.
     void writeAt(std::uint64_t position, std::span<const std::uint8_t> bytes) const;
     /// Reads earlier written bytes into the buffer. Returns their number, which is smaller only at the end of the file.
     std::size_t readAt(std::uint64_t position, std::span<std::uint8_t> buffer) const;
@@ -28,6 +29,8 @@ public:
     void truncate(std::uint64_t size) const;
 
 private:
+    void emptyOnce() const;
+
     struct Opened;
     std::shared_ptr<const Opened> opened_;
 };

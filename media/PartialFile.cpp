@@ -35,7 +35,7 @@ std::string shortened(std::string name, std::size_t size) {
 }
 
 int created(const std::filesystem::path &partial, const std::filesystem::path &output) {
-    const int descriptor = ::open(partial.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    const int descriptor = ::open(partial.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
     if (descriptor < 0)
         fail(output, MediaOperation::create, errno);
     return descriptor;

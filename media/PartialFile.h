@@ -12,7 +12,8 @@ namespace lumetwin::media {
 /// called, the partial file stays, so that its data can be saved, unless nothing was written.
 class PartialFile {
 public:
-    /// Creates the partial file, or empties an existing one. Throws MediaError, which names the output.
+    /// Creates the partial file, or opens an existing one, which keeps its content until the first write. Throws
+    /// MediaError, which names the output.
     explicit PartialFile(std::filesystem::path output);
     ~PartialFile();
     PartialFile(const PartialFile &) = delete;

@@ -5,6 +5,7 @@
 #include "engine/texts/ProcessorError.h"
 #include "engine/texts/Texts.h"
 
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 
 namespace lumetwin {
@@ -14,12 +15,17 @@ namespace {
 constexpr double margin = 1.1;
 constexpr double headroom = 16.0 * 1024 * 1024; // bytes
 
-/// Negative when unknown: some network and device file systems report no size.
+/// What the file contains already is free, too: the first write replaces it. Negative when unknown: some network and
+/// device file systems report no size.
 double freeBytes(const media::OutputFile &output) {
     struct statvfs facts {};
     if (::fstatvfs(output.descriptor(), &facts) != 0 || facts.f_blocks == 0)
         return -1;
-    return static_cast<double>(facts.f_bavail) * static_cast<double>(facts.f_frsize);
+    constexpr double blockSize = 512; // of st_blocks
+    struct stat file {};
+    const bool isKnown = ::fstat(output.descriptor(), &file) == 0;
+    return static_cast<double>(facts.f_bavail) * static_cast<double>(facts.f_frsize) +
+           (isKnown ? static_cast<double>(file.st_blocks) * blockSize : 0);
 }
 
 } // namespace

@@ -38,6 +38,38 @@ TEST(PartialFile, writesUnderTheLongestNameOfAFile) {
     EXPECT_FALSE(std::filesystem::exists(PartialFile::nameFor(output)));
 }
 
+TEST(PartialFile, replacesWhatWasThereOnlyWhenFinished) {
+    const test::TemporaryFolder folder;
+    test::writeFile(folder / "a.heic", std::string("before"));
+    {
+        PartialFile partial(folder / "a.heic");
+        partial.file().writeAt(0, test::Bytes{1});
+        EXPECT_TRUE(std::filesystem::exists(folder / "a.heic.partial"));
+        EXPECT_EQ(test::readFile(folder / "a.heic"), (test::Bytes{'b', 'e', 'f', 'o', 'r', 'e'}));
+        partial.discard();
+        EXPECT_FALSE(std::filesystem::exists(folder / "a.heic.partial"));
+        partial.discard(); // nothing there: nothing happens
+    }
+    PartialFile partial(folder / "a.heic");
+    partial.file().writeAt(0, test::Bytes{2});
+    partial.finish();
+    EXPECT_EQ(test::readFile(folder / "a.heic"), test::Bytes{2});
+}
+
+TEST(PartialFile, ofAnEarlierRunIsKeptUntilTheFirstWrite) {
+    const test::TemporaryFolder folder;
+    const std::filesystem::path partial = PartialFile::nameFor(folder / "a.mov");
+    test::writeFile(partial, std::string("of an earlier run"));
+    { const PartialFile file(folder / "a.mov"); }
+    EXPECT_EQ(std::filesystem::file_size(partial), 17U);
+    {
+        const PartialFile file(folder / "a.mov");
+        file.file().writeAt(1, test::Bytes{5});
+        file.file().writeAt(0, test::Bytes{4});
+    }
+    EXPECT_EQ(test::readFile(partial), (test::Bytes{4, 5}));
+}
+
 TEST(PartialFile, staysWhereItIsNotFinishedUnlessItIsEmpty) {
     const test::TemporaryFolder folder;
     { const PartialFile file(folder / "empty.mov"); }

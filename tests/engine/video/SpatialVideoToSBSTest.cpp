@@ -275,6 +275,14 @@ TEST(SpatialVideoToSBS, failsWhereTheSourceCannotBeRead) {
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4.partial"));
 }
 
+TEST(SpatialVideoToSBS, keepsThePartialFileOfAnEarlierRunWhereTheSourceCannotBeRead) {
+    const TemporaryFolder folder;
+    test::writeFile(folder / "text.mov", std::string("no movie"));
+    test::writeFile(folder / "out.mp4.partial", std::string("saved pictures"));
+    EXPECT_NE(failure(folder / "text.mov", folder / "out.mp4"), "no error");
+    EXPECT_EQ(std::filesystem::file_size(folder / "out.mp4.partial"), 14U);
+}
+
 TEST(SpatialVideoToSBS, failsWhereTheOutputCannotBeCreated) {
     const TemporaryFolder folder;
     const auto input = drawStereo(folder / "in.mov");
