@@ -14,6 +14,7 @@
 #include "worker/protocol/Answer.h"
 #include "worker/protocol/Channel.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -244,6 +245,53 @@ StereoFindings examine(const ConversionInput &input, const StereoLayout &layout)
     return findings;
 }
 
+/// What a worker that was taken over tells of the pixels that it has drawn.
+PreviewFacts factsOfLies(const std::string &name, const PreviewRequest &request) {
+    PreviewFacts facts;
+    facts.width = request.maximumWidth;
+    facts.height = request.maximumHeight;
+    facts.hasBothEyes = true;
+    if (name == "lies about the width")
+        ++facts.width;
+    if (name == "lies about the height")
+        facts.height = 1 << 30;
+    if (name == "tells of no picture")
+        facts.width = 0;
+    return facts;
+}
+
+/// Waits until somebody writes "go" into the input.
+void waitForTheWord(const media::InputFile &input) {
+    std::array<std::uint8_t, 2> bytes{};
+    while (input.readAt(0, bytes) != bytes.size() || bytes[0] != 'g')
+        pauseFor(5ms);
+}
+
+/// Fills the pixels with the process id, and the second eye with the number of descriptors: 1 where the right eye has a
+/// file of its own.
+PreviewFacts draw(const ConversionInput &input, const PreviewRequest &request, const media::OutputFile &pixels) {
+    const std::string name = input.path().stem().string();
+    if (name == "falls over at a look")
+        std::raise(SIGSEGV);
+    if (name == "fails in media")
+        throw media::MediaError(input.path(), media::MediaOperation::decode, -7, media::MediaReason::endsEarly);
+    const PreviewFacts facts = factsOfLies(name, request);
+    const std::size_t bytes = std::size_t{4} * static_cast<unsigned>(request.maximumWidth * request.maximumHeight);
+    std::vector<std::uint8_t> eye(bytes);
+    const pid_t number = getpid();
+    std::memcpy(eye.data(), &number, std::min(bytes, sizeof number));
+    pixels.writeAt(0, eye);
+    std::ranges::fill(eye, input.rightEye ? std::uint8_t{1} : std::uint8_t{0});
+    pixels.writeAt(bytes, eye);
+    if (name == "cuts the pixels off")
+        pixels.truncate(bytes + 1);
+    if (name == "makes the pixels larger")
+        pixels.truncate(1 << 30);
+    if (name == "waits with a preview")
+        waitForTheWord(input);
+    return facts;
+}
+
 PictureSize measure(const media::InputFile &input) {
     std::array<std::uint8_t, 8> bytes{};
     return {static_cast<std::int64_t>(input.readAt(0, bytes)), 1};
@@ -256,6 +304,7 @@ MediaOperations misbehaviour() {
             .lookClosely = look,
             .examine = examine,
             .measure = measure,
+            .drawPreview = draw,
             .convertSpatialVideoToSBS = convert,
             .convertSBSVideoToSpatial = convert,
             .convertSpatialPhotoToSBS = convert,
