@@ -11,7 +11,7 @@
 
 namespace lumetwin::media {
 
-/// What the headers of a movie say of one of its video tracks; 0 when unknown.
+/// What is known of one of a movie's video tracks; 0 when unknown. Size and shape are certain from the first frame on.
 struct FilmFacts {
     double naturalWidth = 0; ///< pixels as stored, without rotation
     double naturalHeight = 0;
@@ -21,12 +21,21 @@ struct FilmFacts {
     int videoStreams = 0; ///< of the movie; cover pictures do not count
 };
 
+/// Which frame is given for a place in a film.
+enum class FrameChoice {
+    /// A random access picture: the last one before the place, or the next one where there is none before. Faster.
+    near,
+    /// The one that is shown there, up to ten seconds behind a random access picture; beyond, and in tracks without
+    /// times, the nearest one that is reached.
+    exact,
+};
+
 /// Decodes single frames of a movie's video track. Opening reads the headers only, not, as MovieFile does, the times of
 /// all frames. For one thread.
 class FilmFrames {
 public:
     /// Throws MediaError when the file is not a movie, lacks the track or a decoder for it, or is encrypted.
-    FilmFrames(const InputFile &file, Views views, VideoStream video = VideoStream::first);
+    FilmFrames(const InputFile &file, Views views, FrameChoice choice, VideoStream video = VideoStream::first);
     ~FilmFrames();
 
     const FilmFacts &facts() const;
@@ -36,13 +45,10 @@ public:
         double seconds = 0; ///< since the beginning of the track; 0 when the track has no times
     };
 
-    /// The frame that is shown at a position (0: the beginning, 1: the end), or a random access picture near it: the
-    /// last one before it, or the next one where there is none before. Exact is as far as ten seconds behind a random
-    /// access picture; then, and in tracks without times, the nearest frame that is reached. nullopt when nothing can
-    /// be decoded.
-    std::optional<Moment> frameAt(double position, bool exact);
-    /// The frame that is shown at a time in seconds since the beginning of the track.
-    std::optional<Moment> frameAtTime(double seconds, bool exact);
+    /// The frame for a position (0: the beginning, 1: the end). nullopt when nothing can be decoded. Throws MediaError.
+    std::optional<Moment> frameAt(double position);
+    /// The frame for a time in seconds since the beginning of the track.
+    std::optional<Moment> frameAtTime(double seconds);
 
 private:
     struct State;

@@ -59,14 +59,18 @@ PreviewFacts factsOf(const FilmFacts &film, double seconds) {
     return facts;
 }
 
+media::FrameChoice choiceOf(const PreviewRequest &request) {
+    return request.exact ? media::FrameChoice::exact : media::FrameChoice::near;
+}
+
 FilmFrames::Moment momentOf(FilmFrames &film, const ConversionInput &input, const PreviewRequest &request) {
-    if (std::optional<FilmFrames::Moment> moment = film.frameAt(request.position, request.exact))
+    if (std::optional<FilmFrames::Moment> moment = film.frameAt(request.position))
         return std::move(*moment);
     throw media::MediaError(input.path(), media::MediaOperation::decode, 0, media::MediaReason::noFrame);
 }
 
 PreviewSource spatialFilm(const ConversionInput &input, const PreviewRequest &request) {
-    FilmFrames film(input, media::Views::all);
+    FilmFrames film(input, media::Views::all, choiceOf(request));
     const FilmFrames::Moment moment = momentOf(film, input, request);
     const std::optional<FrameEyes> eyes = eyesOf(moment.frame);
     if (!eyes)
@@ -87,9 +91,9 @@ void requireSameSize(const FilmFacts &first, const FilmFacts &second) {
 /// The picture of the other stream at the time of the first one's; nullopt when there is none.
 std::optional<Picture> partnerOf(const FilmFrames::Moment &first, const FilmFacts &facts, const media::InputFile &file,
                                  media::VideoStream stream) {
-    FilmFrames partner(file, media::Views::base, stream);
+    FilmFrames partner(file, media::Views::base, media::FrameChoice::exact, stream);
     requireSameSize(facts, partner.facts());
-    const std::optional<FilmFrames::Moment> second = partner.frameAtTime(first.seconds, true);
+    const std::optional<FilmFrames::Moment> second = partner.frameAtTime(first.seconds);
     const double tolerance = facts.frameRate > 0 ? 0.5 / facts.frameRate : sameTime;
     if (!second || std::abs(second->seconds - first.seconds) > tolerance)
         return std::nullopt;
@@ -107,7 +111,7 @@ std::optional<Picture> secondPicture(const FilmFrames::Moment &first, const Film
 
 /// The eyes in the frames of one stream, or in those of two.
 PreviewSource packedFilm(const ConversionInput &input, const PreviewRequest &request) {
-    FilmFrames film(input, media::Views::base);
+    FilmFrames film(input, media::Views::base, choiceOf(request));
     const FilmFrames::Moment moment = momentOf(film, input, request);
     const Picture &picture = moment.frame.pictures[0].picture;
     PreviewSource source{factsOf(film.facts(), moment.seconds), {}, {}};

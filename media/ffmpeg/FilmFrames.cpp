@@ -54,17 +54,39 @@ FilmFacts factsOf(const AVFormatContext &input, const AVStream &stream) {
 
 } // namespace
 
+namespace {
+
+/// Whether the container's headers say what single random access pictures need. Then none of the film has to be decoded
+/// to open it.
+bool isDescribed(const AVFormatContext &input, VideoStream wanted) {
+    const AVStream *stream = ffmpeg::videoStream(input, wanted == VideoStream::second ? 1 : 0);
+    return stream && !ffmpeg::isWithoutTimes(input) && stream->codecpar->codec_id != AV_CODEC_ID_NONE &&
+           stream->codecpar->width > 0 && stream->codecpar->height > 0 && stream->avg_frame_rate.num > 0 &&
+           stream->start_time != AV_NOPTS_VALUE && factsOf(input, *stream).duration > 0;
+}
+
+ffmpeg::Input opened(const InputFile &file, FrameChoice choice, VideoStream video) {
+    if (choice == FrameChoice::near)
+        if (ffmpeg::Input input(file, ffmpeg::Opening::headers); isDescribed(*input, video))
+            return input;
+    return ffmpeg::Input(file);
+}
+
+} // namespace
+
 struct FilmFrames::State {
     InputFile file;
     ffmpeg::Input input;
     AVStream &stream;
     FilmFacts facts;
     bool bothViews;
+    FrameChoice choice;
     std::int64_t begin; ///< time of the first frame, in ticks
 
-    State(const InputFile &theFile, Views views, VideoStream video)
-        : file(theFile), input(file), stream(requiredStream(file, *input, video)), facts(factsOf(*input, stream)),
-          bothViews(views == Views::all), begin(stream.start_time == AV_NOPTS_VALUE ? 0 : stream.start_time) {
+    State(const InputFile &theFile, Views views, FrameChoice theChoice, VideoStream video)
+        : file(theFile), input(opened(file, theChoice, video)), stream(requiredStream(file, *input, video)),
+          facts(factsOf(*input, stream)), bothViews(views == Views::all), choice(theChoice),
+          begin(stream.start_time == AV_NOPTS_VALUE ? 0 : stream.start_time) {
         if (readStereoMovieFacts(file).encrypted)
             throw MediaError(file.path(), MediaOperation::decode, AVERROR(EACCES), MediaReason::encryptedMovie);
     }
@@ -79,8 +101,6 @@ struct FilmFrames::State {
         av_seek_frame(input.get(), stream.index, byte, AVSEEK_FLAG_BYTE);
     }
 
-    ffmpeg::FrameSearch search() { return {file.path(), *input, stream, bothViews}; }
-
     /// How much earlier, in ticks, to look for a random access picture from which the pictures that lead the next one
     /// can be decoded. Containers seek by the order of coding, from which pictures are at most 16 frames away.
     std::int64_t reordering() const {
@@ -89,37 +109,45 @@ struct FilmFrames::State {
         return static_cast<std::int64_t>(std::ceil(seconds / av_q2d(stream.time_base)));
     }
 
-    Moment momentOf(Frame frame) const {
+    Moment momentOf(Frame frame, const ffmpeg::FrameSearch &by) {
+        if (choice == FrameChoice::near) { // only the headers were read
+            facts.naturalWidth = frame.pictures[0].picture.width;
+            facts.naturalHeight = frame.pictures[0].picture.height;
+            facts.pixelAspect = ffmpeg::pixelAspect(stream, by.pixelShape());
+        }
         const double seconds = frame.time ? secondsOf(*frame.time - begin, stream.time_base) : 0;
         return {std::move(frame), seconds};
     }
 
     /// The next random access picture that can be decoded.
     std::optional<Moment> nearFrame() {
-        for (int attempt = 0; attempt < mostAttempts; ++attempt)
-            if (std::optional<Frame> frame = search().randomAccessFrame())
-                return momentOf(std::move(*frame));
+        for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+            ffmpeg::FrameSearch search(file.path(), *input, stream, bothViews);
+            if (std::optional<Frame> frame = search.randomAccessFrame())
+                return momentOf(std::move(*frame), search);
+        }
         return std::nullopt;
     }
 
     /// The last frame that is not later than a time.
     std::optional<Moment> exactFrame(std::int64_t time) {
         std::int64_t from = time;
-        std::optional<Frame> found;
+        std::optional<Moment> found;
         for (int attempt = 0; attempt < mostAttempts && seekToTime(from); ++attempt) {
-            const ffmpeg::FrameSearch::Result result = search().frameAt(time);
+            ffmpeg::FrameSearch search(file.path(), *input, stream, bothViews);
+            ffmpeg::FrameSearch::Result result = search.frameAt(time);
             if (result.frame && (!found || result.isReached))
-                found = result.frame;
+                found = momentOf(std::move(*result.frame), search);
             if (result.isReached || !result.begin || *result.begin <= begin)
                 break;
             from = *result.begin - (attempt + 1) * reordering();
         }
-        return found ? std::optional(momentOf(std::move(*found))) : std::nullopt;
+        return found;
     }
 };
 
-FilmFrames::FilmFrames(const InputFile &file, Views views, VideoStream video)
-    : state_(std::make_unique<State>(file, views, video)) {}
+FilmFrames::FilmFrames(const InputFile &file, Views views, FrameChoice choice, VideoStream video)
+    : state_(std::make_unique<State>(file, views, choice, video)) {}
 
 FilmFrames::~FilmFrames() = default;
 
@@ -127,21 +155,21 @@ const FilmFacts &FilmFrames::facts() const {
     return state_->facts;
 }
 
-std::optional<FilmFrames::Moment> FilmFrames::frameAt(double position, bool exact) {
+std::optional<FilmFrames::Moment> FilmFrames::frameAt(double position) {
     const double share = std::clamp(position, 0.0, 1.0);
     if (state_->facts.duration > 0)
-        return frameAtTime(share * state_->facts.duration, exact);
+        return frameAtTime(share * state_->facts.duration);
     if (share > 0)
         state_->seekToByte(share);
     return state_->nearFrame();
 }
 
-std::optional<FilmFrames::Moment> FilmFrames::frameAtTime(double seconds, bool exact) {
+std::optional<FilmFrames::Moment> FilmFrames::frameAtTime(double seconds) {
     // A quarter of a frame early is still this frame: times are rounded.
     const double slack = state_->facts.frameRate > 0 ? 0.25 / state_->facts.frameRate : 0.001;
     const double ticks = (std::max(0.0, seconds) + slack) / av_q2d(state_->stream.time_base);
     const std::int64_t time = state_->begin + static_cast<std::int64_t>(std::min(ticks, 0x1p62));
-    if (exact)
+    if (state_->choice == FrameChoice::exact)
         if (std::optional<Moment> moment = state_->exactFrame(time))
             return moment;
     if (!state_->seekToTime(time))

@@ -29,6 +29,11 @@ FrameSearch::FrameSearch(std::filesystem::path file, AVFormatContext &input, con
         packets_.guardViews(decoder_.configuration());
 }
 
+std::optional<Frame> FrameSearch::taken(FramePointer decoded) {
+    pixelShape_ = decoded->sample_aspect_ratio;
+    return pairing_.take(std::move(decoded));
+}
+
 const AVPacket *FrameSearch::nextKeyPacket() {
     for (int count = 0; count < mostPackets; ++count) {
         const AVPacket *packet = packets_.next();
@@ -46,7 +51,7 @@ std::optional<Frame> FrameSearch::randomAccessFrame() {
         return std::nullopt;
     std::optional<Frame> found;
     const auto sink = [&](FramePointer decoded) {
-        found = pairing_.take(std::move(decoded));
+        found = taken(std::move(decoded));
         return !found;
     };
     if (decoder_.decode(packet, sink) && decoder_.decode(nullptr, sink))
@@ -77,7 +82,7 @@ FrameSearch::Result FrameSearch::frameAt(std::int64_t time) {
         result.isReached |= !isLater;
         return !isLater;
     };
-    const auto sink = [&](FramePointer decoded) { return handOn(pairing_.take(std::move(decoded))); };
+    const auto sink = [&](FramePointer decoded) { return handOn(taken(std::move(decoded))); };
     for (int count = 0; packet && count < mostFrames; ++count, packet = packets_.next()) {
         giveSignOfLife();
         if (result.begin && isFarEnough(*packet, *result.begin))

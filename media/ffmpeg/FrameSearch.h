@@ -30,14 +30,18 @@ public:
     /// seconds of the film.
     Result frameAt(std::int64_t time);
 
+    /// Width and height of a pixel, as the last decoded picture says; 0 : 1 where it does not.
+    AVRational pixelShape() const { return pixelShape_; }
+
 private:
+    std::optional<Frame> taken(FramePointer decoded);
     /// Skips to the next random access picture; null when there is none.
     const AVPacket *nextKeyPacket();
-    void open(int threads);
     bool isFarEnough(const AVPacket &packet, std::int64_t begin) const;
 
     std::filesystem::path file_;
     AVRational tick_;
+    AVRational pixelShape_{0, 1};
     VideoDecoder decoder_;
     VideoPackets packets_;
     ViewPairing pairing_;

@@ -32,9 +32,11 @@ const AVStream *streamOf(const AVFormatContext &input, AVMediaType type, int num
 
 namespace ffmpeg {
 
-PixelAspect pixelAspect(const AVStream &stream) {
-    const AVRational ratio =
+PixelAspect pixelAspect(const AVStream &stream, AVRational ofPicture) {
+    AVRational ratio =
         stream.sample_aspect_ratio.num ? stream.sample_aspect_ratio : stream.codecpar->sample_aspect_ratio;
+    if (ratio.num == 0)
+        ratio = ofPicture;
     constexpr std::int64_t most = 4;
     const bool believable =
         ratio.num > 0 && ratio.den > 0 && ratio.num <= most * ratio.den && ratio.den <= most * ratio.num;

@@ -34,8 +34,8 @@ struct Cropping {
 Cropping cropping(const AVCodecParameters &parameters);
 
 /// The pixel aspect ratio of the container, otherwise of the stream. Ratios above 4 : 1 are treated as errors and
-/// ignored.
-PixelAspect pixelAspect(const AVStream &stream);
+/// ignored. `ofPicture` is what a decoded picture says; it counts where only the container's headers were read.
+PixelAspect pixelAspect(const AVStream &stream, AVRational ofPicture = {0, 1});
 
 /// The video stream with this number, from 0; null where there is none. Cover pictures do not count.
 const AVStream *videoStream(const AVFormatContext &input, int number);

@@ -200,6 +200,13 @@ TEST_F(FilmPreview, pixelsBecomeSquare) {
     EXPECT_NEAR(wide.pixelAspect, 1.5, 1e-9);
     EXPECT_EQ(wide.width, 64);
     EXPECT_EQ(wide.height, 32);
+    request.exact = false; // only the headers are read, and these pixels are told by the stream alone
+    options.back() = "format=yuv420p";
+    options.insert(options.end(), {"-x264-params", "sar=3/2"});
+    writeFilm(packed(128, 48, Arrangement::sideBySide), file("c.mp4"), options);
+    EXPECT_NEAR(at("c.mp4", 3).pixelAspect, 1.5, 1e-9);
+    options.resize(options.size() - 2);
+    request.exact = true;
     // Pixels that are twice as wide tell of halves; those have their true shape already.
     options.back() = "setsar=2/1";
     writeFilm(packed(128, 48, Arrangement::sideBySide), file("b.mp4"), options);
