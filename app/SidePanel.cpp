@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/SidePanel.h"
 
+#include "app/WindowSizes.h"
 #include "ui/widgets/Points.h"
 
 #include <QScreen>
@@ -15,7 +16,6 @@ namespace {
 // Points.
 constexpr double widthOfBoth = 1280;
 constexpr double widthOfForm = 720;
-constexpr int windowFrame = 8; // pixels, the most that common window managers add
 
 } // namespace
 
@@ -36,7 +36,8 @@ QWidget *SidePanel::content() const {
 
 bool SidePanel::hasRoomForBoth() const {
     const int wanted = PointScale::current().horizontal(widthOfBoth);
-    const int available = std::max(window_->width(), window_->screen()->availableGeometry().width() - windowFrame);
+    const int available =
+        std::max(window_->width(), window_->screen()->availableGeometry().width() - windowFrame.width());
     return available >= wanted;
 }
 
@@ -62,7 +63,7 @@ void SidePanel::openBeside() {
     if (window_->width() < wanted && !window_->isMaximized() && !window_->isFullScreen()) {
         sizeBefore_ = window_->size();
         const QRect available = window_->screen()->availableGeometry();
-        window_->resize(std::min(wanted, available.width() - windowFrame), window_->height());
+        window_->resize(std::min(wanted, available.width() - windowFrame.width()), window_->height());
         if (window_->isVisible() && window_->frameGeometry().right() > available.right())
             window_->move(available.center().x() - window_->frameGeometry().width() / 2, window_->y());
     }

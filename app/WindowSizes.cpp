@@ -3,12 +3,6 @@
 
 namespace lumetwin {
 
-namespace {
-
-constexpr QSize windowFrame(8, 44); // pixels, the most that common window managers add around a window
-
-} // namespace
-
 WindowSizes windowSizes(const PointScale &scale, QSize available, int menuBar) {
     const QSize contentSpace = available - windowFrame;
     const QSize initial(scale.horizontal(720), scale.vertical(860) + menuBar);

@@ -7,6 +7,9 @@
 
 namespace lumetwin {
 
+/// The most that common window managers add around a window, in pixels.
+inline constexpr QSize windowFrame(8, 44);
+
 /// Sizes of the main window in pixels, menu bar included.
 struct WindowSizes {
     QSize initial;

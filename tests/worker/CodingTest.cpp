@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/worker/SentContent.h"
 #include "worker/protocol/Answer.h"
 #include "worker/protocol/Channel.h"
 #include "worker/protocol/ProtocolError.h"
@@ -10,11 +11,6 @@
 
 namespace lumetwin::worker {
 namespace {
-
-/// The content after it was sent.
-nlohmann::json sent(const nlohmann::json &content) {
-    return contentOf(nlohmann::json::to_cbor(content));
-}
 
 std::shared_ptr<ConversionSettings> unusualSettings() {
     auto settings = std::make_shared<ConversionSettings>();
@@ -40,7 +36,7 @@ std::shared_ptr<ConversionSettings> unusualSettings() {
 TEST(Coding, SettingsArriveWhole) {
     const auto settings = unusualSettings();
     const nlohmann::json content = encodeSettings(*settings);
-    EXPECT_EQ(encodeSettings(*decodeSettings(sent(content))), content);
+    EXPECT_EQ(encodeSettings(*decodeSettings(sentContent(content))), content);
     EXPECT_NE(content, encodeSettings(ConversionSettings()));
     for (const auto &[name, value] : content.items())
         EXPECT_NE(value, encodeSettings(ConversionSettings())[name]) << name << " is not tested";
@@ -70,7 +66,7 @@ TEST(Coding, RequestsArriveWhole) {
                                  .language = "ja",
                                  .oneDecodingThread = true,
                                  .disparityAdjustment = -1.5};
-    const auto arrived = std::get<ConvertRequest>(decodeRequest(sent(encode(request))));
+    const auto arrived = std::get<ConvertRequest>(decodeRequest(sentContent(encode(request))));
     EXPECT_EQ(arrived.kind, request.kind);
     EXPECT_EQ(encodeSettings(*arrived.settings), encodeSettings(*request.settings));
     EXPECT_EQ(arrived.system, request.system);
@@ -79,12 +75,12 @@ TEST(Coding, RequestsArriveWhole) {
     EXPECT_EQ(arrived.language, "ja");
     EXPECT_TRUE(arrived.oneDecodingThread);
     EXPECT_EQ(arrived.disparityAdjustment, -1.5);
-    EXPECT_EQ(
-        std::get<LookRequest>(decodeRequest(sent(encode(LookRequest{LookRequest::Kind::measure, "/in/a.heic", "en"}))))
-            .input,
-        "/in/a.heic");
-    EXPECT_TRUE(std::holds_alternative<CancelRequest>(decodeRequest(sent(encode(CancelRequest{})))));
-    EXPECT_TRUE(std::holds_alternative<ForkRequest>(decodeRequest(sent(encode(ForkRequest{})))));
+    EXPECT_EQ(std::get<LookRequest>(
+                  decodeRequest(sentContent(encode(LookRequest{LookRequest::Kind::measure, "/in/a.heic", "en"}))))
+                  .input,
+              "/in/a.heic");
+    EXPECT_TRUE(std::holds_alternative<CancelRequest>(decodeRequest(sentContent(encode(CancelRequest{})))));
+    EXPECT_TRUE(std::holds_alternative<ForkRequest>(decodeRequest(sentContent(encode(ForkRequest{})))));
 }
 
 TEST(Coding, FactsArriveWhole) {
@@ -100,9 +96,9 @@ TEST(Coding, FactsArriveWhole) {
                            .hasRightEye = false,
                            .heroEye = MediaFacts::Eye::right,
                            .isMultilayer = true};
-    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(facts))))), facts);
-    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(MediaFacts()))))), MediaFacts());
-    EXPECT_EQ(std::get<PictureSize>(decodeAnswer(sent(encode(Answer(PictureSize{7680, 2160}))))),
+    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sentContent(encode(Answer(facts))))), facts);
+    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sentContent(encode(Answer(MediaFacts()))))), MediaFacts());
+    EXPECT_EQ(std::get<PictureSize>(decodeAnswer(sentContent(encode(Answer(PictureSize{7680, 2160}))))),
               (PictureSize{7680, 2160}));
 }
 
@@ -118,7 +114,7 @@ StereoFindings unusualFindings() {
 
 TEST(Coding, FindingsArriveWhole) {
     for (const StereoFindings &findings : {unusualFindings(), StereoFindings()})
-        EXPECT_EQ(std::get<StereoFindings>(decodeAnswer(sent(encode(Answer(findings))))), findings);
+        EXPECT_EQ(std::get<StereoFindings>(decodeAnswer(sentContent(encode(Answer(findings))))), findings);
 }
 
 TEST(Coding, EveryFindingIsNeeded) {
@@ -150,7 +146,7 @@ TEST(Coding, RequestsToExamineHaveALayout) {
     const StereoLayout layout{EyeArrangement::overUnder, true, true, LayoutSource::stream};
     const LookRequest request{
         .kind = LookRequest::Kind::examine, .input = "/in/a.jpg", .language = "ja", .layout = layout};
-    const auto arrived = std::get<LookRequest>(decodeRequest(sent(encode(request))));
+    const auto arrived = std::get<LookRequest>(decodeRequest(sentContent(encode(request))));
     EXPECT_EQ(arrived.kind, LookRequest::Kind::examine);
     EXPECT_EQ(arrived.layout, layout);
     nlohmann::json without = encode(request);
@@ -164,7 +160,7 @@ TEST(Coding, NumbersThatAreNoneAreAbsent) {
     MediaFacts facts;
     facts.values.horizontalFOV = std::nan("");
     facts.values.disparity = HUGE_VAL;
-    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sent(encode(Answer(facts))))), MediaFacts());
+    EXPECT_EQ(std::get<MediaFacts>(decodeAnswer(sentContent(encode(Answer(facts))))), MediaFacts());
 }
 
 TEST(Coding, WarningsArriveWhole) {
@@ -175,7 +171,7 @@ TEST(Coding, WarningsArriveWhole) {
                                        {WarningKind::framesMissing, {std::int64_t{10}, std::int64_t{12}}},
                                        {WarningKind::withoutSound, {std::string("why")}},
                                        {WarningKind::gainMapLeft, {}}}};
-    const auto arrived = std::get<Outcome>(decodeAnswer(sent(encode(Answer(outcome)))));
+    const auto arrived = std::get<Outcome>(decodeAnswer(sentContent(encode(Answer(outcome)))));
     EXPECT_TRUE(arrived.written);
     EXPECT_EQ(arrived.framesWritten, 10);
     EXPECT_EQ(arrived.framesExpected, 12);
@@ -187,12 +183,12 @@ TEST(Coding, WarningWithOtherValuesIsRefused) {
          {Warning{WarningKind::speedChanged, {}}, Warning{WarningKind::speedChanged, {std::int64_t{1}}},
           Warning{WarningKind::gainMapLeft, {0.5}}, Warning{WarningKind::withoutSound, {0.5}},
           Warning{static_cast<WarningKind>(99), {}}})
-        EXPECT_THROW(decodeAnswer(sent(encode(Answer(Outcome{true, 0, 0, {warning}})))), ProtocolError);
+        EXPECT_THROW(decodeAnswer(sentContent(encode(Answer(Outcome{true, 0, 0, {warning}})))), ProtocolError);
 }
 
 TEST(Coding, NumbersBelowZeroAreRefused) {
-    EXPECT_THROW(decodeAnswer(sent(encode(Answer(Progress{-1, 0})))), ProtocolError);
-    EXPECT_THROW(decodeAnswer(sent(encode(Answer(Outcome{true, -1, 0, {}})))), ProtocolError);
+    EXPECT_THROW(decodeAnswer(sentContent(encode(Answer(Progress{-1, 0})))), ProtocolError);
+    EXPECT_THROW(decodeAnswer(sentContent(encode(Answer(Outcome{true, -1, 0, {}})))), ProtocolError);
     EXPECT_THROW(decodeAnswer({{"answer", "progress"}, {"frame", ~std::uint64_t{0}}, {"frames", 0}}), ProtocolError);
     EXPECT_THROW(decodeAnswer({{"answer", "progress"}, {"frame", 1.0}, {"frames", 0}}), ProtocolError);
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/worker/SentContent.h"
 #include "worker/protocol/Answer.h"
 #include "worker/protocol/Channel.h"
 #include "worker/protocol/ProtocolError.h"
@@ -10,11 +11,6 @@
 
 namespace lumetwin::worker {
 namespace {
-
-/// The content after it was sent.
-nlohmann::json sent(const nlohmann::json &content) {
-    return contentOf(nlohmann::json::to_cbor(content));
-}
 
 DrawRequest unusualRequest() {
     return {.preview = {.layout = {EyeArrangement::overUnder, true, true, LayoutSource::stream},
@@ -42,7 +38,7 @@ PreviewFacts unusualFacts() {
 }
 
 PreviewFacts arrived(const PreviewFacts &facts) {
-    return std::get<PreviewFacts>(decodeAnswer(sent(encode(Answer(facts)))));
+    return std::get<PreviewFacts>(decodeAnswer(sentContent(encode(Answer(facts)))));
 }
 
 /// Everything in an object is needed, and of its own type.
@@ -59,7 +55,7 @@ void expectAllNeeded(const nlohmann::json &content, const nlohmann::json::json_p
 
 TEST(PreviewCoding, RequestsArriveWhole) {
     const DrawRequest request = unusualRequest();
-    const auto found = std::get<DrawRequest>(decodeRequest(sent(encode(request))));
+    const auto found = std::get<DrawRequest>(decodeRequest(sentContent(encode(request))));
     EXPECT_EQ(found.preview.layout, request.preview.layout);
     EXPECT_EQ(found.preview.position, 0.25);
     EXPECT_TRUE(found.preview.exact);
@@ -90,7 +86,7 @@ TEST(PreviewCoding, FactsThatCannotBeAreRefused) {
     const auto refuses = [](const char *name, const nlohmann::json &value) {
         nlohmann::json content = encode(Answer(unusualFacts()));
         content["preview"][name] = value;
-        EXPECT_THROW(decodeAnswer(sent(content)), ProtocolError) << name << " " << value;
+        EXPECT_THROW(decodeAnswer(sentContent(content)), ProtocolError) << name << " " << value;
     };
     for (const char *side : {"width", "height"})
         for (const std::int64_t value : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{1} << 40})
@@ -122,7 +118,7 @@ TEST(PreviewCoding, RequestsThatCannotBeAreRefused) {
     for (const double position : {-0.1, 1.1, std::nan("")}) {
         DrawRequest request = unusualRequest();
         request.preview.position = position;
-        EXPECT_THROW(decodeRequest(sent(encode(request))), ProtocolError) << position;
+        EXPECT_THROW(decodeRequest(sentContent(encode(request))), ProtocolError) << position;
     }
 }
 

@@ -7,10 +7,10 @@
 #include "ui/widgets/Localized.h"
 #include "ui/widgets/Palettes.h"
 #include "ui/widgets/Points.h"
+#include "ui/widgets/RowLayout.h"
 #include "ui/widgets/Symbol.h"
 
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -21,16 +21,6 @@
 namespace lumetwin {
 
 namespace {
-
-QString localizedText(const char *key) {
-    return toQString(text(key));
-}
-
-QHBoxLayout *rowIn(QWidget *row) {
-    auto *layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    return layout;
-}
 
 template <typename Widget> Widget *named(Widget *widget, const char *name) {
     widget->setObjectName(QLatin1String(name));
@@ -86,7 +76,7 @@ void FilesPanel::build() {
 
 QWidget *FilesPanel::buildHeader() {
     auto *header = new QWidget(this);
-    QHBoxLayout *layout = rowIn(header);
+    QHBoxLayout *layout = rowLayoutIn(header);
     backButton_ = button("files.back", "filesBackButton", header);
     backButton_->hide();
     titleLabel_ = named(new QLabel(localizedText("files.title"), header), "filesTitle");
@@ -111,7 +101,7 @@ QWidget *FilesPanel::buildAdvice() {
     adviceLabel_->setWordWrap(true);
     adviceLabel_->setTextFormat(Qt::PlainText);
     auto *buttons = new QWidget(advice_);
-    QHBoxLayout *row = rowIn(buttons);
+    QHBoxLayout *row = rowLayoutIn(buttons);
     leaveOutButton_ = button("files.advice.leave.out", "filesLeaveOutButton", buttons);
     turnButton_ = button("files.advice.turn", "filesTurnButton", buttons);
     connect(leaveOutButton_, &QPushButton::clicked, this,
@@ -128,7 +118,7 @@ QWidget *FilesPanel::buildAdvice() {
 
 QWidget *FilesPanel::buildFooter() {
     auto *footer = new QWidget(this);
-    QHBoxLayout *layout = rowIn(footer);
+    QHBoxLayout *layout = rowLayoutIn(footer);
     totalsLabel_ = named(new QLabel(footer), "filesTotals");
     totalsLabel_->setTextFormat(Qt::PlainText);
     totalsLabel_->setWordWrap(true);

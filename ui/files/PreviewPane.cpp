@@ -10,11 +10,11 @@
 #include "ui/widgets/Localized.h"
 #include "ui/widgets/Palettes.h"
 #include "ui/widgets/Points.h"
+#include "ui/widgets/RowLayout.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QSlider>
@@ -29,16 +29,6 @@ namespace {
 
 constexpr int sliderSteps = 1000;
 constexpr int wholePicture = 16384; // pixels; larger than any that is read
-
-QString localizedText(const char *key) {
-    return toQString(text(key));
-}
-
-QHBoxLayout *rowLayout(QWidget *row) {
-    auto *layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    return layout;
-}
 
 } // namespace
 
@@ -71,7 +61,7 @@ void PreviewPane::build() {
 
 QWidget *PreviewPane::buildTools() {
     auto *tools = new QWidget(this);
-    QHBoxLayout *layout = rowLayout(tools);
+    QHBoxLayout *layout = rowLayoutIn(tools);
     modePopup_ = new QComboBox(tools);
     modePopup_->setObjectName(QStringLiteral("previewModePopup"));
     modePopup_->setAccessibleName(localizedText("preview.mode"));
@@ -98,7 +88,7 @@ QWidget *PreviewPane::buildTools() {
 
 QWidget *PreviewPane::buildTimeLine() {
     timeLine_ = new QWidget(this);
-    QHBoxLayout *layout = rowLayout(timeLine_);
+    QHBoxLayout *layout = rowLayoutIn(timeLine_);
     timeSlider_ = new QSlider(Qt::Horizontal, timeLine_);
     timeSlider_->setObjectName(QStringLiteral("previewTimeSlider"));
     timeSlider_->setRange(0, sliderSteps);
@@ -126,7 +116,7 @@ QWidget *PreviewPane::buildJudgement() {
     wordsLabel_->setWordWrap(true);
     wordsLabel_->setTextFormat(Qt::PlainText);
     auto *buttons = new QWidget(judgement_);
-    QHBoxLayout *row = rowLayout(buttons);
+    QHBoxLayout *row = rowLayoutIn(buttons);
     swapCheck_ = new QCheckBox(localizedText("preview.swap"), buttons);
     swapCheck_->setObjectName(QStringLiteral("previewSwapCheck"));
     connect(swapCheck_, &QCheckBox::clicked, this, &PreviewPane::swapAsked);

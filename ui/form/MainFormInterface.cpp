@@ -32,10 +32,6 @@ template <typename Widget> Widget *withName(Widget *widget, const char *name) {
     return widget;
 }
 
-QString localizedText(const char *key) {
-    return toQString(text(key));
-}
-
 /// Makes the label the caption of the control, also for screen readers.
 void setCaption(QLabel *caption, QWidget *control) {
     caption->setBuddy(control);

@@ -14,6 +14,11 @@ inline QString toQString(const std::string &utf8) {
     return QString::fromStdString(utf8);
 }
 
+/// The text of a key.
+inline QString localizedText(const char *key) {
+    return toQString(text(key));
+}
+
 /// A path for display. Bytes that are not valid UTF-8 are replaced.
 inline QString displayPath(const std::filesystem::path &path) {
     return QString::fromStdString(path.string());
