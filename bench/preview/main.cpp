@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Draws previews of a file, one after another, and prints the seconds of each as a JSON list.
+// Draws previews of a file, one after another, and prints the seconds of each as a JSON list; in process, of the
+// processors' time.
 //
 //   lumetwin-preview [--in-process] [--exact] [--over-under] WIDTH HEIGHT FILE POSITION...
 //
@@ -12,6 +13,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <string_view>
 #include <vector>
@@ -42,16 +44,22 @@ Wishes wishesOf(int count, char **arguments) {
     return wishes;
 }
 
+/// Seconds: of all threads of this process, or on the wall's clock.
+double now(bool ofProcessors) {
+    if (ofProcessors)
+        return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
 nlohmann::json draw(const MediaOperations &operations, Wishes &wishes) {
-    using Clock = std::chrono::steady_clock;
     nlohmann::json seconds = nlohmann::json::array();
     wishes.request.maximumWidth = std::atoi(wishes.words[0]);
     wishes.request.maximumHeight = std::atoi(wishes.words[1]);
     for (std::size_t index = 3; index < wishes.words.size(); ++index) {
         wishes.request.position = std::atof(wishes.words[index]);
-        const auto began = Clock::now();
+        const double began = now(wishes.inProcess);
         const StereoPreview preview = operations.preview(std::filesystem::path(wishes.words[2]), wishes.request);
-        seconds.push_back(std::chrono::duration<double>(Clock::now() - began).count());
+        seconds.push_back(now(wishes.inProcess) - began);
         if (!preview.hasBothEyes)
             std::fputs("only one eye\n", stderr);
     }

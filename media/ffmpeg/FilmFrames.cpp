@@ -15,7 +15,7 @@ namespace lumetwin::media {
 
 namespace {
 
-constexpr int mostAttempts = 3; ///< random access pictures that are tried when one cannot be decoded
+constexpr int mostAttempts = 3; ///< random access pictures that are tried, and searches from one
 
 int videoStreams(const AVFormatContext &input) {
     int count = 0;
@@ -132,10 +132,15 @@ struct FilmFrames::State {
     /// The last frame that is not later than a time.
     std::optional<Moment> exactFrame(std::int64_t time) {
         std::int64_t from = time;
+        auto unreferenced = ffmpeg::FrameSearch::Unreferenced::leftOut;
         std::optional<Moment> found;
         for (int attempt = 0; attempt < mostAttempts && seekToTime(from); ++attempt) {
             ffmpeg::FrameSearch search(file.path(), *input, stream, bothViews);
-            ffmpeg::FrameSearch::Result result = search.frameAt(time);
+            ffmpeg::FrameSearch::Result result = search.frameAt(time, unreferenced);
+            if (result.isDoubtful) {
+                unreferenced = ffmpeg::FrameSearch::Unreferenced::decoded;
+                continue; // from the same place
+            }
             if (result.frame && (!found || result.isReached))
                 found = momentOf(std::move(*result.frame), search);
             if (result.isReached || !result.begin || *result.begin <= begin)

@@ -23,8 +23,8 @@ std::int64_t timeOf(const AVPacket &packet) {
 } // namespace
 
 FrameSearch::FrameSearch(std::filesystem::path file, AVFormatContext &input, const AVStream &stream, bool bothViews)
-    : file_(std::move(file)), tick_(stream.time_base), decoder_(file_, stream), packets_(file_, input, stream.index),
-      pairing_(cropping(*stream.codecpar), bothViews) {
+    : file_(std::move(file)), tick_(stream.time_base), codec_(stream.codecpar->codec_id), bothViews_(bothViews),
+      decoder_(file_, stream), packets_(file_, input, stream.index), pairing_(cropping(*stream.codecpar), bothViews) {
     if (bothViews && decoder_.askForBothViews())
         packets_.guardViews(decoder_.configuration());
 }
@@ -59,12 +59,24 @@ std::optional<Frame> FrameSearch::randomAccessFrame() {
     return found;
 }
 
+/// Whether the stream says of a picture for certain that no other one needs it. In HEVC, where there are no temporal
+/// layers, which its record tells (ISO/IEC 14496-15, 8.3.3.1): pictures of a higher one may need it.
+bool FrameSearch::knowsUnreferenced() const {
+    if (codec_ == AV_CODEC_ID_H264)
+        return true;
+    constexpr std::size_t layersAt = 21;
+    const std::span<const std::uint8_t> record = decoder_.configuration();
+    return codec_ == AV_CODEC_ID_HEVC && !bothViews_ && record.size() > layersAt && record[0] == 1 &&
+           (record[layersAt] >> 3 & 7) == 1;
+}
+
 bool FrameSearch::isFarEnough(const AVPacket &packet, std::int64_t begin) const {
     const std::int64_t time = timeOf(packet);
     return time != AV_NOPTS_VALUE && static_cast<double>(time - begin) * av_q2d(tick_) > longestGroup;
 }
 
-FrameSearch::Result FrameSearch::frameAt(std::int64_t time) {
+FrameSearch::Result FrameSearch::frameAt(std::int64_t time, Unreferenced unreferenced) {
+    const bool leavesOut = unreferenced == Unreferenced::leftOut && knowsUnreferenced();
     decoder_.useThreads(static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads)));
     decoder_.open();
     const AVPacket *packet = nextKeyPacket();
@@ -83,15 +95,26 @@ FrameSearch::Result FrameSearch::frameAt(std::int64_t time) {
         return !isLater;
     };
     const auto sink = [&](FramePointer decoded) { return handOn(taken(std::move(decoded))); };
-    for (int count = 0; packet && count < mostFrames; ++count, packet = packets_.next()) {
+    std::int64_t lastLeftOut = AV_NOPTS_VALUE; // the lowest number
+    bool isWanted = true;
+    bool isTooFar = false;
+    for (int count = 0; packet && isWanted; ++count, packet = packets_.next()) {
         giveSignOfLife();
-        if (result.begin && isFarEnough(*packet, *result.begin))
+        isTooFar = count >= mostFrames || (result.begin && isFarEnough(*packet, *result.begin));
+        if (isTooFar)
             break;
-        if (!decoder_.decode(packet, sink))
-            return result;
+        // The duration may be wrong; then the wanted picture is left out, which shows in the end.
+        const bool isBefore = leavesOut && packet->pts != AV_NOPTS_VALUE && packet->duration > 0 &&
+                              packet->pts + packet->duration <= time;
+        decoder_.leaveOutUnreferenced(isBefore);
+        if (isBefore)
+            lastLeftOut = std::max(lastLeftOut, packet->pts);
+        isWanted = decoder_.decode(packet, sink);
     }
-    if (decoder_.decode(nullptr, sink))
+    if (isWanted && decoder_.decode(nullptr, sink))
         handOn(pairing_.finish());
+    const bool isLeftOut = lastLeftOut != AV_NOPTS_VALUE && (!result.frame || result.frame->time < lastLeftOut);
+    result.isDoubtful = isLeftOut && !isTooFar;
     return result;
 }
 

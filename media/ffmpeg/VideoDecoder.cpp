@@ -52,6 +52,10 @@ void VideoDecoder::open() {
     check(avcodec_open2(codec_.get(), codec_->codec, nullptr), file_, MediaOperation::decode);
 }
 
+void VideoDecoder::leaveOutUnreferenced(bool leaveOut) {
+    codec_->skip_frame = leaveOut ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
+}
+
 bool VideoDecoder::decode(const AVPacket *packet, const Sink &sink) {
     for (;;) {
         const int code = avcodec_send_packet(codec_.get(), packet);

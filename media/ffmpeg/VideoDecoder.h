@@ -28,6 +28,8 @@ public:
     std::span<const std::uint8_t> configuration() const;
     void open();
 
+    /// From the next packet on, whether pictures that no other picture needs are left out.
+    void leaveOutUnreferenced(bool leaveOut);
     /// Sends a packet (null: gives out what is under way). False once no more frames are wanted.
     bool decode(const AVPacket *packet, const Sink &sink);
 

@@ -115,6 +115,24 @@ TEST_F(FilmPreview, picturesThatLeadARandomAccessPictureAreShown) {
         expectFrame(at("a.mp4", frame), frame, "open groups");
 }
 
+TEST_F(FilmPreview, framesOfUnevenDurationAreFound) {
+    // Each tenth frame is shown for ten times as long, and frames that no other one needs are between them.
+    auto options = reordered;
+    options.insert(options.end(),
+                   {"-vf", "setpts='(N+9*floor(N/10))/30/TB'", "-fps_mode", "vfr", "-video_track_timescale", "600"});
+    writeFilm(packed(128, 48, Arrangement::sideBySide), file("a.mp4"), options);
+    for (const int frame : {3, 8, 9, 10, 13, 19, 20, 27, 38}) {
+        const double seconds = (frame + 9 * (frame / 10)) / static_cast<double>(rate);
+        const double total = preview("a.mp4").duration;
+        for (const double later : {0.0, frame % 10 == 9 ? 0.25 : 0.01}) {
+            request.position = (seconds + later) / total;
+            const StereoPreview found = preview("a.mp4");
+            EXPECT_NEAR(found.seconds, seconds, 0.002) << frame;
+            EXPECT_NEAR(middleOf(found.left), leftGrey(frame), 1.4) << frame;
+        }
+    }
+}
+
 TEST_F(FilmPreview, ofOtherContainers) {
     for (const char *name : {"a.avi", "a.m4v"}) {
         writeFilm(packed(128, 48, Arrangement::sideBySide), file(name),
