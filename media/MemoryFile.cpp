@@ -32,7 +32,7 @@ OutputFile makeMemoryFile(std::uint64_t size, std::filesystem::path name) {
     if (!descriptor || ftruncate(descriptor.get(), static_cast<off_t>(size)) != 0 ||
         fcntl(descriptor.get(), F_ADD_SEALS, F_SEAL_GROW | F_SEAL_SEAL) != 0)
         throw MediaError::ofSystem(std::move(name), MediaOperation::create, errno);
-    return {descriptor.release(), std::move(name)};
+    return {descriptor.release(), std::move(name), OutputFile::OldContent::kept};
 }
 
 } // namespace lumetwin::media

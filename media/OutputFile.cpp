@@ -15,15 +15,16 @@
 namespace lumetwin::media {
 
 struct OutputFile::Opened {
-    Opened(int theDescriptor, std::filesystem::path name) : descriptor(theDescriptor), finalName(std::move(name)) {}
+    Opened(int theDescriptor, std::filesystem::path name, bool begun)
+        : descriptor(theDescriptor), finalName(std::move(name)), isBegun(begun) {}
 
     Descriptor descriptor;
     std::filesystem::path finalName;
-    mutable std::atomic<bool> isBegun = false;
+    mutable std::atomic<bool> isBegun; ///< nothing is removed any more
 };
 
-OutputFile::OutputFile(int descriptor, std::filesystem::path finalName)
-    : opened_(std::make_shared<const Opened>(descriptor, std::move(finalName))) {}
+OutputFile::OutputFile(int descriptor, std::filesystem::path finalName, OldContent oldContent)
+    : opened_(std::make_shared<const Opened>(descriptor, std::move(finalName), oldContent == OldContent::kept)) {}
 
 const std::filesystem::path &OutputFile::path() const {
     return opened_->finalName;

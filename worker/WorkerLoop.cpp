@@ -72,7 +72,7 @@ void WorkerLoop::handle(const LookRequest &request, std::vector<media::Descripto
 void WorkerLoop::handle(const DrawRequest &request, std::vector<media::Descriptor> descriptors) {
     expectDescriptors(descriptors, request.rightEye ? 3 : 2);
     setTextLocale(request.language);
-    const media::OutputFile pixels(descriptors.back().release(), request.input);
+    const media::OutputFile pixels(descriptors.back().release(), request.input, media::OutputFile::OldContent::kept);
     const ConversionInput input = inputOf(descriptors, request.input, request.rightEye);
     try {
         answer(operations_.drawPreview(input, request.preview, pixels));

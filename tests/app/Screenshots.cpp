@@ -9,19 +9,25 @@
 #include "app/Language.h"
 #include "app/MainMenu.h"
 #include "app/MainWindowController.h"
+#include "app/SidePanel.h"
 #include "app/WindowSizes.h"
 #include "support/Scripted.h"
+#include "tests/app/DrawnInput.h"
 #include "ui/alerts/CheckingDialog.h"
 #include "ui/files/DropFolderView.h"
+#include "ui/files/FilesPanel.h"
+#include "ui/files/PreviewLoader.h"
 #include "ui/form/MainViewController.h"
 #include "ui/form/PreflightChecks.h"
 #include "ui/form/SpatialCheck.h"
 #include "ui/progress/ProgressTexts.h"
 #include "ui/progress/ProgressViewController.h"
+#include "ui/widgets/BackgroundThreads.h"
 #include "ui/widgets/Localized.h"
 #include "ui/widgets/ScaledStyle.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QDragEnterEvent>
@@ -34,6 +40,7 @@
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTest>
 #include <QUrl>
 
 #include <iostream>
@@ -173,6 +180,39 @@ public:
         dialog->dismiss();
     }
 
+    /// The panel of files, with drawn photos.
+    void files() {
+        ScratchFolder input, output;
+        drawInput(input.path);
+        FormServices services = FakeServices().services();
+        services.runBatch = [](VideoProcessor &) {};
+        Window window(*this, services);
+        window.chooseOutput(output.path);
+        window.makeRoomForFiles();
+        window.saveWindow("files-none");
+        control<QRadioButton>(window.form(), "sbsToSpatialButton").click();
+        window.form().openInput({input.path});
+        window.waitForLooks();
+        window.saveWindow("files-list");
+        control<QComboBox>(window.files(), "previewModePopup").setCurrentIndex(static_cast<int>(PreviewMode::anaglyph));
+        control<QPushButton>(window.files(), "filesLeaveOutButton").click();
+        window.waitForLooks();
+        window.saveWindow("files-left-out-anaglyph");
+        window.files().runBegan();
+        window.files().fileEnded(result(input.path / "Arrival.png", FileState::converted));
+        window.files().fileBegan("Bridge, from the other side of the river.png");
+        window.files().fileProgressed(0.4);
+        window.waitForLooks();
+        window.saveWindow("files-running");
+        FileResult failed = result(input.path / "Bridge, from the other side of the river.png", FileState::failed);
+        failed.reason = "the disk is full";
+        window.files().fileEnded(failed);
+        window.files().fileEnded(result(input.path / "寺.png", FileState::notReached));
+        window.files().runEnded();
+        window.waitForLooks();
+        window.saveWindow("files-results");
+    }
+
     void about() {
         Window window(*this, {});
         AboutPanel::orderFront(window.window());
@@ -201,6 +241,22 @@ private:
         QMainWindow *window() const { return controller_.window(); }
         MainViewController &form() const { return *controller_.form(); }
 
+        FilesPanel &files() const { return *controller_.filesPanel(); }
+
+        void makeRoomForFiles() const {
+            const int width = PointScale::current().horizontal(1280);
+            if (width <= photographer_.screen_.width())
+                window()->resize(width, window()->height());
+            controller_.sidePanel()->open();
+        }
+        /// Waits until all files were looked at, and until the preview is drawn.
+        void waitForLooks() const {
+            for (int turn = 0; turn < 3; ++turn) {
+                processPendingEvents();
+                BackgroundThreads::shared().waitForAll(testTimeout);
+                QTest::qWait(120); // totals and advice follow a little later
+            }
+        }
         void chooseOutput(const fs::path &folder) const {
             panels_->choice = {folder};
             control<QPushButton>(form(), "outputSelectBtn").click();
@@ -306,6 +362,7 @@ void takePictures(QCommandLineParser &parser) {
     photographer.alerts();
     photographer.sheet();
     photographer.checking();
+    photographer.files();
     photographer.about();
 }
 

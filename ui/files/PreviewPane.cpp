@@ -57,6 +57,10 @@ void PreviewPane::build() {
     layout->addWidget(canvas_, 1);
     layout->addWidget(buildTimeLine());
     layout->addWidget(buildJudgement());
+    for (QWidget *control : std::initializer_list<QWidget *>{modePopup_, timeSlider_}) {
+        control->setFocusPolicy(Qt::StrongFocus); // the wheel does not give the focus
+        control->installEventFilter(this);
+    }
 }
 
 QWidget *PreviewPane::buildTools() {
@@ -70,7 +74,6 @@ QWidget *PreviewPane::buildTools() {
          {"preview.mode.side.by.side", "preview.mode.left", "preview.mode.right", "preview.mode.anaglyph",
           "preview.mode.wiggle", "preview.mode.difference", "preview.mode.as.written"})
         modePopup_->addItem(localizedText(key));
-    modePopup_->setFocusPolicy(Qt::StrongFocus);
     connect(modePopup_, &QComboBox::currentIndexChanged, this, [this] { load(isExact_); });
     actualSizeButton_ = new QToolButton(tools);
     actualSizeButton_->setObjectName(QStringLiteral("actualSizeButton"));
@@ -149,6 +152,12 @@ void PreviewPane::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange && canvas_)
         applyFonts();
+}
+
+/// The wheel does not change a control that it only passes.
+bool PreviewPane::eventFilter(QObject *watched, QEvent *event) {
+    const bool passes = event->type() == QEvent::Wheel && !static_cast<QWidget *>(watched)->hasFocus();
+    return passes || QWidget::eventFilter(watched, event);
 }
 
 void PreviewPane::showNothing() {
