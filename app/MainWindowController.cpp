@@ -113,6 +113,8 @@ void MainWindowController::connectFiles() {
     connect(files_, &FilesPanel::closeAsked, side_, &SidePanel::close);
     connect(side_, &SidePanel::changed, this, [this](bool open, bool beside) {
         form_->showFilesPanelState(open);
+        if (!open && !form_->isAncestorOf(window_->focusWidget()))
+            form_->focusFirstControl();
         files_->setReplacesForm(!beside);
         files_->setActive(open);
     });
@@ -141,7 +143,10 @@ void MainWindowController::connectFiles() {
 }
 
 void MainWindowController::toggleFiles() {
-    side_->isOpen() ? side_->close() : side_->open();
+    if (side_->isOpen())
+        return side_->close();
+    side_->open();
+    files_->focusFiles();
 }
 
 MainWindowController::~MainWindowController() {

@@ -103,14 +103,14 @@ def check_form(scene, program, count, *chosen):
 def check_forms(scene, program):
     to_sbs, to_spatial = "direction.spatial.to.sbs", "direction.sbs.to.spatial"
     sound, resizing = "option.copy.audio", "option.enable.resize"
-    check_form(scene, program, 16, to_sbs, sound)
+    check_form(scene, program, 17, to_sbs, sound)
     program.press("radio button", scene[to_spatial])
-    check_form(scene, program, 19, to_spatial, sound)
+    check_form(scene, program, 20, to_spatial, sound)
     program.press("check box", scene[resizing])
-    check_form(scene, program, 22, to_spatial, sound, resizing)
+    check_form(scene, program, 23, to_spatial, sound, resizing)
     program.press("check box", scene[sound])
     program.press("radio button", scene[to_sbs])
-    check_form(scene, program, 19, to_sbs, resizing)
+    check_form(scene, program, 20, to_sbs, resizing)
     program.press("check box", scene[resizing])
     program.press("radio button", scene[to_spatial])
 
@@ -134,7 +134,7 @@ def check_window(scene):
     check_sheet(scene, program, "button.cancel")
     program.press("push button", scene["button.cancel"])
     program.press("push button", scene["button.stop"])
-    check_controls(program, 19)
+    check_controls(program, 20)
     scene.quit(program)
 
 

@@ -19,7 +19,10 @@ def focused(program):
     def find_focus():
         found = None
         for thing in program.shown():
-            if has(thing, Atspi.StateType.FOCUSED):
+            # Qt reports the current item of a list as focused even when the list has not the focus.
+            is_item = role_of(thing) == "list item"
+            if has(thing, Atspi.StateType.FOCUSED) and not (is_item and not has(thing.get_parent(),
+                                                                                Atspi.StateType.FOCUSED)):
                 found = role_of(thing), thing.get_name()
         return found
     return wait_for("a focus", find_focus)

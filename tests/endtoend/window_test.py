@@ -59,6 +59,13 @@ class Scene:
                  "hstack,noise=alls=12:allf=t", "-frames:v", frames, "-pix_fmt", "yuv420p", "-c:v", "libx264",
                  "-preset", "ultrafast", target)
 
+    def draw_photo(self, target, seed, eyes=2):
+        """Draws a photo of two eyes beside each other, a little apart in depth, or a picture that is not two eyes."""
+        texture = ["-seed", seed, "-size", "650x360" if eyes == 2 else "1280x360", "plasma:fractal", "-modulate", "100,160"]
+        pair = ["(", "-clone", 0, "-crop", "640x360+0+0", "+repage", ")", "(", "-clone", 0, "-crop", "640x360+6+0",
+                "+repage", ")", "-delete", 0, "+append"]
+        self.run("convert", *texture, *(pair if eyes == 2 else []), "-quality", 95, target)
+
     def mean_luma_of_halves(self, movie):
         """The mean luma of the left and the right half of a movie's first frame."""
         planes = self.run(self.options.stack / "bin/ffmpeg", "-nostdin", "-v", "error", "-i", movie, "-frames:v", 1,

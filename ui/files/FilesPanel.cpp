@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSaveFile>
+#include <QToolButton>
 
 #include <algorithm>
 #include <utility>
@@ -58,6 +59,13 @@ void FilesPanel::settingsChanged() {
     preview_->refresh();
 }
 
+void FilesPanel::focusFiles() {
+    if (list_->isVisible())
+        list_->setFocus();
+    else
+        (backButton_->isHidden() ? static_cast<QWidget *>(closeButton_) : backButton_)->setFocus();
+}
+
 void FilesPanel::setActive(bool active) {
     isActive_ = active;
     if (!active)
@@ -87,7 +95,11 @@ void FilesPanel::listed(const std::vector<FileRow> &rows, const std::set<std::st
     model_.setRows(rows, outputs);
     emptyLabel_->setText(failure.isEmpty() ? toQString(text("files.empty")) : failure);
     emptyLabel_->setVisible(rows.empty());
+    const bool takesFocus =
+        !rows.empty() && !list_->isVisible() && (backButton_->hasFocus() || closeButton_->hasFocus());
     list_->setVisible(!rows.empty());
+    if (takesFocus)
+        list_->setFocus();
     if (!rows.empty())
         list_->setCurrentIndex(model_.index(std::min(current, model_.rowCount() - 1)));
     showCurrent();

@@ -47,6 +47,8 @@ public:
     void setInput();
     /// The settings have changed.
     void settingsChanged();
+    /// Gives the focus to the list, or to the way back while it is empty.
+    void focusFiles();
     /// Nothing is read from the disk while the panel is hidden.
     void setActive(bool active);
     /// Whether the panel stands where the form was, and its button leads back there.

@@ -46,6 +46,7 @@ PreviewPane::PreviewPane(std::shared_ptr<const ConversionSettings> settings, Med
 void PreviewPane::build() {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(buildTools());
     canvas_ = new PreviewCanvas(this);
     canvas_->setObjectName(QStringLiteral("previewCanvas"));
     canvas_->setAccessibleName(localizedText("preview.title"));
@@ -53,7 +54,6 @@ void PreviewPane::build() {
     connect(canvas_, &PreviewCanvas::resized, this, [this] { load(isExact_); });
     connect(canvas_, &PreviewCanvas::modeAsked, this, [this](int mode) { setMode(static_cast<PreviewMode>(mode)); });
     connect(canvas_, &PreviewCanvas::actualSizeAsked, this, &PreviewPane::setActualSize);
-    layout->addWidget(buildTools());
     layout->addWidget(canvas_, 1);
     layout->addWidget(buildTimeLine());
     layout->addWidget(buildJudgement());

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/widgets/Accessibility.h"
 
+#include "ui/files/DisparityBar.h"
 #include "ui/files/DropFolderView.h"
+#include "ui/files/PreviewCanvas.h"
 #include "ui/form/HeaderBand.h"
 #include "ui/form/SectionView.h"
 #include "ui/progress/ProgressViewController.h"
@@ -63,6 +65,8 @@ QAccessibleInterface *accessibleFor(const QString &, QObject *object) {
         return new QAccessibleWidget(sheet, QAccessible::Dialog);
     if (auto *section = qobject_cast<SectionView *>(object))
         return new QAccessibleWidget(section, QAccessible::Grouping);
+    if (qobject_cast<PreviewCanvas *>(object) || qobject_cast<DisparityBar *>(object))
+        return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Graphic);
     if (auto *band = qobject_cast<HeaderBand *>(object))
         return new QAccessibleWidget(band, QAccessible::Grouping);
     return nullptr;
