@@ -125,7 +125,7 @@ def check_sheet(scene, program, button):
 
 def check_window(scene):
     long = scene.folder / "long.mp4"
-    scene.draw(long, 3000, "640x360")
+    scene.draw_long(long)
     program = scene.start(long)
     check_forms(scene, program)
     scene.choose_output(program)

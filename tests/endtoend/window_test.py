@@ -66,6 +66,14 @@ class Scene:
                 "+repage", ")", "-delete", 0, "+append"]
         self.run("convert", *texture, *(pair if eyes == 2 else []), "-quality", 95, target)
 
+    def draw_long(self, target):
+        """Draws a film of 100 seconds: a short one again and again, so that drawing it costs little."""
+        part = self.folder / "part.mp4"
+        self.draw(part, 60, "640x360")
+        self.run(self.options.stack / "bin/ffmpeg", "-nostdin", "-v", "error", "-stream_loop", 49, "-i", part, "-c", "copy",
+                 target)
+        part.unlink()
+
     def mean_luma_of_halves(self, movie):
         """The mean luma of the left and the right half of a movie's first frame."""
         planes = self.run(self.options.stack / "bin/ffmpeg", "-nostdin", "-v", "error", "-i", movie, "-frames:v", 1,
@@ -137,7 +145,7 @@ def stop_and_close(scene):
     for old in scene.output.iterdir():
         old.unlink()
     long = scene.folder / "long.mp4"
-    scene.draw(long, 3000, "640x360")
+    scene.draw_long(long)
     program = scene.start(scene.clip, long)
     program.press("radio button", scene["direction.sbs.to.spatial"])
     scene.choose_output(program)
