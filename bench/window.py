@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Time until the window appears, and how long it does not respond while a thousand videos are checked before a run.
+"""Time until the window appears, and how long it does not respond while a thousand videos are checked before a run,
+and while a thousand photos of 12 megapixels are listed.
 
 The window is in a new X server. The time to the window runs from the start of the program until its window is mapped.
 The longest stop is the longest time that the program's interface thread takes to answer a request of the accessibility
@@ -114,6 +115,49 @@ def stops(folder):
     return idle, busy
 
 
+def peak_memory(process):
+    """The largest resident memory of a process, in MiB."""
+    status = pathlib.Path(f"/proc/{process.pid}/status").read_text()
+    return int(next(line for line in status.splitlines() if line.startswith("VmHWM")).split()[1]) / 1024
+
+
+def list_photos(folder):
+    """The longest stop in seconds while a thousand photos are looked at in the list, how long that takes, and the
+    memory of the window in MiB (without its workers)."""
+    from gi.repository import Atspi
+    from hands import user
+    from screen_reader import everything_below, role_of, wait_for
+    from window_test import Scene
+    options = argparse.Namespace(language="en", program=PROGRAM, batch=measure.BATCH, stack=measure.stack(),
+                                 texts=measure.SOURCE / "resources/text")
+    scene = Scene(options, folder)
+    photo = folder / "photo.jpg"
+    scene.run("convert", "-seed", 3, "-size", "5656x2121", "plasma:fractal", "-quality", 90, photo)
+    (folder / "photos").mkdir()
+    for number in range(CANDIDATES):
+        os.link(photo, folder / f"photos/photo{number:04}.jpg")
+    program = scene.start(folder / "photos")
+    wait_for("the window in front", program.is_in_front)
+    began = time.monotonic()
+    user.press_key("F9")
+
+    def last_row():
+        items = [thing for thing in everything_below(program.root) if role_of(thing) == "list item"]
+        return next((item for item in items if item.get_name().startswith(f"photo{CANDIDATES - 1:04}")), None)
+
+    row = wait_for("the last row", last_row)
+    program.root.set_cache_mask(Atspi.Cache.NONE)
+    stopwatch = Stopwatch()
+    while scene["files.state.looking"] in stopwatch.ask(row.get_name):
+        stopwatch.windows(program.root)
+        if time.monotonic() > began + 600:
+            raise SystemExit("the photos were not looked at in time")
+    took, memory = time.monotonic() - began, peak_memory(program.process)
+    program.process.kill()
+    program.process.wait()
+    return stopwatch.longest, took, memory
+
+
 def in_milliseconds(times):
     return f"{statistics.median(times) * 1000:6.0f} ms (median of {len(times)}, longest {max(times) * 1000:.0f})"
 
@@ -128,9 +172,13 @@ def main():
     times = [time_to_window() for _ in range(STARTS)]
     with tempfile.TemporaryDirectory(prefix="lumetwin-bench-") as folder:
         idle, busy = stops(pathlib.Path(folder))
+    with tempfile.TemporaryDirectory(prefix="lumetwin-bench-") as folder:
+        listing, took, memory = list_photos(pathlib.Path(folder))
     print(f"window up                  {in_milliseconds(times)}  limit 500")
     print(f"longest stop, at rest      {in_milliseconds(idle)}")
     print(f"longest stop, {CANDIDATES} videos  {in_milliseconds(busy)}  limit 50")
+    print(f"longest stop, {CANDIDATES} photos in the list  {listing * 1000:6.0f} ms  limit 50")
+    print(f"{CANDIDATES} photos of 12 megapixels looked at in {took:.0f} s; memory of the window {memory:.0f} MiB  limit 500")
 
 
 if __name__ == "__main__":

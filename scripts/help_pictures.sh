@@ -12,7 +12,7 @@ mkdir -p "$pictures"
 for language in en ja; do
     "$build/tests/app/screenshots" "$scratch/$language" --language "$language"
     for picture in form:form form-to-spatial:form-to-spatial form-resize-odd:resize filled:filled \
-        alert-overwrite:overwrite alert-check-spatial:check sheet-running:progress sheet-finished-problems:finished; do
+        alert-overwrite:overwrite alert-check-spatial:check sheet-running:progress sheet-finished-problems:finished files-list:files; do
         # 256 colours are enough for a window, and make the file a third as large.
         convert "$scratch/$language/${picture%%:*}.png" -strip -define png:compression-level=9 +dither -colors 256 \
             "PNG8:$pictures/${picture##*:}-$language.png"

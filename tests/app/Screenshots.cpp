@@ -199,7 +199,10 @@ public:
         window.waitForLooks();
         window.saveWindow("files-left-out-anaglyph");
         window.files().runBegan();
-        window.files().fileEnded(result(input.path / "Arrival.png", FileState::converted));
+        FileResult converted = result(input.path / "Arrival.png", FileState::converted);
+        converted.bytes = 2'400'000;
+        converted.seconds = 3;
+        window.files().fileEnded(converted);
         window.files().fileBegan("Bridge, from the other side of the river.png");
         window.files().fileProgressed(0.4);
         window.waitForLooks();

@@ -66,9 +66,16 @@ def choose_output(scene, program):
 
 
 def open_files(scene, program):
+    """Opens the panel, unless it opened by itself because the screen has room for it."""
     wait_for("the window in front", program.is_in_front)
-    user.press_key("F9")
-    program.wait("push button", scene["files.back"])
+    if not program.find("list", scene["files.title"]):
+        user.press_key("F9")
+        program.wait("list", scene["files.title"])
+
+
+def return_to_form(scene, program):
+    if program.find("push button", scene["files.back"]):
+        user.press_key("F9")
 
 
 def look_through(scene, program):
@@ -85,7 +92,7 @@ def look_through(scene, program):
     tab_to(program, "check box", scene["preview.swap"])
     user.press_key("space")
     wait_for("swapped eyes", lambda: program.checked("check box", scene["preview.swap"]))
-    user.press_key("F9")
+    return_to_form(scene, program)
     wait_for("the form", lambda: program.checked("check box", scene["option.swap.lr"]))
 
 

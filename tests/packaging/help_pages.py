@@ -118,7 +118,8 @@ class HelpPages(unittest.TestCase):
                 keys[language].append(found[0])
         self.assertEqual(keys["en"], keys["ja"])
         named = {key for key in self.texts["en"] if key.startswith("option.") and ".help" not in key}
-        wanted = named | {"resize.mode.label"}
+        wanted = named | {"resize.mode.label", "preview.mode.side.by.side", "preview.disparity", "preview.swap",
+                          "preview.suggest.adjustment"}
         self.assertEqual(set(keys["en"]), wanted)
 
     def test_every_button_is_explained(self):

@@ -22,6 +22,7 @@ constexpr double comfortFar = 2;
 
 DisparityBar::DisparityBar(QWidget *parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setMinimumHeight(sizeHint().height());
 }
 
 void DisparityBar::setFigures(const std::optional<DisparityFigures> &figures) {
@@ -55,7 +56,9 @@ void DisparityBar::paintEvent(QPaintEvent *) {
     if (figures_) {
         const double near = figures_->nearest, far = figures_->farthest;
         const bool isComfortable = near >= comfortNear - 0.05 && far <= comfortFar + 0.05;
-        painter.setBrush(isComfortable ? palette().color(QPalette::WindowText) : warningColour(palette()));
+        painter.setBrush(isHighContrast(palette()) ? palette().color(QPalette::HighlightedText)
+                         : isComfortable           ? palette().color(QPalette::WindowText)
+                                                   : warningColour(palette()));
         const double from = xOf(near), length = std::max(3.0, xOf(far) - from);
         painter.drawRoundedRect(QRectF(from, top + height / 2 - 2, length, 4), 2, 2);
         painter.drawEllipse(QPointF(xOf(figures_->middle), top + height / 2), 4, 4);

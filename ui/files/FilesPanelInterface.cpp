@@ -59,7 +59,7 @@ void FilesPanel::build() {
     preview_ = named(new PreviewPane(settings_, services_.operations, splitter_), "previewPane");
     splitter_->addWidget(upper);
     splitter_->addWidget(preview_);
-    upper->setMinimumHeight(scale.vertical(150));
+    upper->setMinimumHeight(scale.vertical(80));
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 1);
     splitter_->setSizes({scale.vertical(400), scale.vertical(400)});

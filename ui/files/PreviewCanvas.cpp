@@ -22,7 +22,7 @@ constexpr double keyStep = 40; // points
 
 PreviewCanvas::PreviewCanvas(QWidget *parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
-    setMinimumHeight(PointScale::current().vertical(120));
+    setMinimumHeight(PointScale::current().vertical(60));
     connect(&wiggle_, &QTimer::timeout, this, [this] {
         showsSecond_ = !showsSecond_;
         update();

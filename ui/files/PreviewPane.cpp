@@ -22,6 +22,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 
 namespace lumetwin {
 
@@ -287,7 +288,7 @@ std::string PreviewPane::judgementWords(const StereoFindings &findings) const {
     for (const Warning &warning : warnings)
         words += (words.empty() ? "" : "\n") + warningText(warning);
     if (words.empty() && findings.disparity)
-        words = formatted("preview.vertical.format", findings.disparity->vertical);
+        words = formatted("preview.vertical.format", std::abs(findings.disparity->vertical));
     return words;
 }
 
@@ -295,13 +296,14 @@ void PreviewPane::showJudgement() {
     swapCheck_->setChecked(settings_->swapLeftRight);
     if (!findings_ || !findings_->wasExamined) {
         disparityBar_->setFigures(std::nullopt);
-        wordsLabel_->clear();
+        wordsLabel_->hide();
         adjustButton_->hide();
         return;
     }
     const StereoFindings shown = settings_->swapLeftRight ? ofSwappedEyes(*findings_) : *findings_;
     disparityBar_->setFigures(shown.disparity);
     wordsLabel_->setText(toQString(judgementWords(shown)));
+    wordsLabel_->setVisible(!wordsLabel_->text().isEmpty());
     const bool writesAdjustment = settings_->direction == ConversionDirection::sbsToSpatial;
     adjustButton_->setVisible(shown.disparity.has_value() && writesAdjustment);
 }

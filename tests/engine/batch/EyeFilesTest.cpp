@@ -55,6 +55,18 @@ TEST_F(EyeFiles, stayAloneWithoutAPartner) {
     EXPECT_THAT(pairsOf({"hotel.jpg", "hoter.jpg"}, settings), ElementsAre("hotel.jpg", "hoter.jpg"));
 }
 
+TEST_F(EyeFiles, areLeftOutTogether) {
+    settings.leftOut = {"/in/a_L.jpg", "/in/c.jpg"};
+    std::vector<std::string> names;
+    for (const ListedFile &listed : inputsOfRun({{.file = "/in/a_L.jpg", .folder = {}},
+                                                 {.file = "/in/a_R.jpg", .folder = {}},
+                                                 {.file = "/in/b.jpg", .folder = {}},
+                                                 {.file = "/in/c.jpg", .folder = {}}},
+                                                settings))
+        names.push_back(listed.file.filename().string());
+    EXPECT_THAT(names, ElementsAre("b.jpg"));
+}
+
 TEST_F(EyeFiles, areJoinedOnlyTowardsSpatialMedia) {
     settings.direction = ConversionDirection::spatialToSBS;
     EXPECT_THAT(pairsOf({"a_L.heic", "a_R.heic"}, settings), ElementsAre("a_L.heic", "a_R.heic"));

@@ -32,6 +32,14 @@ TEST_F(ProcessAll, FolderIsNotSearchedDeeper) {
     EXPECT_THAT(progress, ElementsAre(Progress{0, 1, "top.mov"}));
 }
 
+TEST_F(ProcessAll, FilesThatTheUserLeftOutAreNoPartOfTheRun) {
+    file("a.mov");
+    settings->leftOut = {file("b.mov")};
+    useFolder();
+    run();
+    EXPECT_THAT(progress, ElementsAre(Progress{0, 1, "a.mov"}));
+}
+
 TEST_F(ProcessAll, NamesAreSortedPlainly) {
     settings->inputFiles = {file("IMG_9.heic"), file("a.mov"), file("IMG_10.heic"), file("B.mov"), file("é.mov")};
     run();

@@ -3,6 +3,7 @@
 #include "engine/texts/Texts.h"
 #include "support/Scripted.h"
 #include "ui/files/RowTexts.h"
+#include "ui/form/PreflightChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -186,6 +187,19 @@ TEST(InputRows, ShowUnsupportedFilesAndJoinPairs) {
     EXPECT_EQ(rows[2].kind, FileRow::Kind::unsupported);
     settings.direction = ConversionDirection::spatialToSBS;
     EXPECT_EQ(rowsOf(settings).size(), 4u) << "only eyes of the way to spatial media are joined";
+}
+
+TEST(InputRows, TheEyesOfAPairAreLeftOutOfTheChecksTogether) {
+    const ScratchFolder scratch;
+    for (const char *name : {"house_R.jpg", "house_L.jpg", "b.avi"})
+        scratch.file(name);
+    ConversionSettings settings;
+    settings.direction = ConversionDirection::sbsToSpatial;
+    settings.inputFolderURL = settings.outputFolderURL = scratch.path;
+    settings.leftOut = {scratch.path / "house_L.jpg"};
+    EXPECT_EQ(inputEntries(settings), std::vector{scratch.path / "b.avi"});
+    settings.leftOut = {scratch.path / "b.avi"};
+    EXPECT_FALSE(containsAVI(inputEntries(settings)));
 }
 
 } // namespace
