@@ -18,7 +18,7 @@ using media::FilmFacts;
 using media::FilmFrames;
 using media::Picture;
 
-constexpr double sameTime = 0.02; ///< seconds, where the frame rate is unknown
+constexpr double usualTolerance = 0.02; ///< seconds, where the frame rate is unknown
 
 /// What is usual for films that do not say it: limited range, and the matrix of their size. Matrices that are not
 /// linear, or reserved, count as not said.
@@ -94,7 +94,7 @@ std::optional<Picture> partnerOf(const FilmFrames::Moment &first, const FilmFact
     FilmFrames partner(file, media::Views::base, media::FrameChoice::exact, stream);
     requireSameSize(facts, partner.facts());
     const std::optional<FilmFrames::Moment> second = partner.frameAtTime(first.seconds);
-    const double tolerance = facts.frameRate > 0 ? 0.5 / facts.frameRate : sameTime;
+    const double tolerance = facts.frameRate > 0 ? 0.5 / facts.frameRate : usualTolerance;
     if (!second || std::abs(second->seconds - first.seconds) > tolerance)
         return std::nullopt;
     return second->frame.pictures[0].picture;

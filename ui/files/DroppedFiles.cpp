@@ -20,11 +20,6 @@ namespace {
 /// GTK uses both names for a transfer.
 constexpr const char *transferTypes[] = {"application/vnd.portal.filetransfer", "application/vnd.portal.files"};
 
-bool isFolder(const fs::path &path) {
-    std::error_code ignored;
-    return fs::is_directory(path, ignored);
-}
-
 /// The visible files of a folder; for anything else the item itself.
 std::vector<fs::path> filesIn(const fs::path &item) {
     if (!isFolder(item))
@@ -56,6 +51,11 @@ fs::path localPath(const QByteArray &url) {
 }
 
 } // namespace
+
+bool isFolder(const fs::path &path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
+}
 
 std::vector<fs::path> mediaFilesIn(const std::vector<fs::path> &items) {
     std::vector<fs::path> files;

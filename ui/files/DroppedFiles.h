@@ -22,6 +22,9 @@ struct DroppedInput {
     bool empty() const { return !folder && files.empty(); }
 };
 
+/// Whether a path is that of a folder; false also where that cannot be known.
+bool isFolder(const std::filesystem::path &path);
+
 /// The media files among the items: each media file itself, and the visible media files of each folder (not of its
 /// subfolders), sorted by name. A folder that cannot be listed adds nothing.
 std::vector<std::filesystem::path> mediaFilesIn(const std::vector<std::filesystem::path> &items);

@@ -5,6 +5,7 @@
 #include "engine/batch/Forecast.h"
 #include "engine/batch/InputList.h"
 #include "engine/inspection/MediaKinds.h"
+#include "ui/files/DroppedFiles.h"
 
 #include <algorithm>
 
@@ -36,11 +37,6 @@ FileRow unsupportedRow(const fs::path &file) {
     row.file = file;
     row.bytes = sizeOf(file);
     return row;
-}
-
-bool isFolder(const fs::path &path) {
-    std::error_code ignored;
-    return fs::is_directory(path, ignored);
 }
 
 bool isSpatial(const FileRow &row) {
