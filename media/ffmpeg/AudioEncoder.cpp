@@ -8,7 +8,7 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-constexpr MediaOperation operation = MediaOperation::encodeSound;
+constexpr MediaOperation soundOperation = MediaOperation::encodeSound;
 constexpr float fullScale = 1.0F / 32768.0F;
 
 } // namespace
@@ -24,11 +24,11 @@ AudioEncoder::AudioEncoder(const std::filesystem::path &file, const AudioEncodin
     codec_->time_base = {1, encoding.sampleRate};
     codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     av_channel_layout_default(&codec_->ch_layout, encoding.channels);
-    check(avcodec_open2(codec_.get(), aac, nullptr), file_, operation);
+    check(avcodec_open2(codec_.get(), aac, nullptr), file_, soundOperation);
 }
 
 void AudioEncoder::describe(AVStream &stream) {
-    check(avcodec_parameters_from_context(stream.codecpar, codec_.get()), file_, operation);
+    check(avcodec_parameters_from_context(stream.codecpar, codec_.get()), file_, soundOperation);
 }
 
 void AudioEncoder::encode(const AudioBlock &block, const PacketSink &sink) {
@@ -67,7 +67,7 @@ void AudioEncoder::send(const PacketSink &sink) {
     frame_->pts = sent_;
     sent_ += filled_;
     filled_ = 0;
-    check(avcodec_send_frame(codec_.get(), frame_.get()), file_, operation);
+    check(avcodec_send_frame(codec_.get(), frame_.get()), file_, soundOperation);
     frame_.reset(); // the encoder may keep a reference
     receive(sink);
 }
@@ -75,7 +75,7 @@ void AudioEncoder::send(const PacketSink &sink) {
 void AudioEncoder::finish(const PacketSink &sink) {
     if (filled_ > 0)
         send(sink);
-    check(avcodec_send_frame(codec_.get(), nullptr), file_, operation);
+    check(avcodec_send_frame(codec_.get(), nullptr), file_, soundOperation);
     receive(sink);
 }
 
@@ -84,7 +84,7 @@ void AudioEncoder::receive(const PacketSink &sink) {
         const int code = avcodec_receive_packet(codec_.get(), packet_.get());
         if (code == AVERROR(EAGAIN) || code == AVERROR_EOF)
             return;
-        check(code, file_, operation);
+        check(code, file_, soundOperation);
         sink(*packet_);
         av_packet_unref(packet_.get());
     }

@@ -6,6 +6,7 @@
 #include "media/ffmpeg/Input.h"
 #include "media/ffmpeg/MovieFileState.h"
 #include "media/ffmpeg/Pictures.h"
+#include "media/ffmpeg/VideoDecoder.h"
 
 #include <algorithm>
 #include <optional>
@@ -14,9 +15,8 @@ namespace lumetwin::media {
 
 namespace {
 
-constexpr std::int64_t largestFrame = std::int64_t{1} << 27; ///< pixels, as for conversions
-constexpr int mostPackets = 2000; ///< read after a position before a random access picture is found
-constexpr int mostAttempts = 3;   ///< random access pictures that are tried when one cannot be decoded
+constexpr int packetsToKeyFrame = 2000; ///< read after a position before a random access picture is found
+constexpr int keyFramesToTry = 3;       ///< random access pictures that are tried when one cannot be decoded
 
 /// The wanted video track, not counting cover pictures; the others are not demuxed. Throws MediaError.
 AVStream &onlyVideoStream(const InputFile &file, AVFormatContext &input, VideoStream wanted) {
@@ -43,7 +43,7 @@ public:
           codec_(ffmpeg::makeDecoder(file.path(), stream_)) {
         if (readStereoMovieFacts(file).encrypted)
             throw MediaError(file.path(), MediaOperation::decode, AVERROR(EACCES), MediaReason::encryptedMovie);
-        codec_->max_pixels = largestFrame;
+        codec_->max_pixels = ffmpeg::largestFrame;
         codec_->thread_count = 1;
         codec_->flags |= AV_CODEC_FLAG_OUTPUT_CORRUPT;
         codec_->skip_loop_filter = AVDISCARD_ALL;
@@ -54,7 +54,7 @@ public:
     SampledFrame frameAt(double position) {
         if (!seek(position))
             return {};
-        for (int attempt = 0; attempt < mostAttempts && nextKeyPacket(); ++attempt) {
+        for (int attempt = 0; attempt < keyFramesToTry && nextKeyPacket(); ++attempt) {
             if (packet_->pos == lastPosition_ && packet_->pts == lastTime_)
                 return {};
             if (ffmpeg::FramePointer frame = decoded()) {
@@ -86,7 +86,7 @@ private:
     }
 
     bool nextKeyPacket() {
-        for (int count = 0; count < mostPackets; ++count) {
+        for (int count = 0; count < packetsToKeyFrame; ++count) {
             av_packet_unref(packet_.get());
             if (av_read_frame(input_.get(), packet_.get()) < 0)
                 return false;

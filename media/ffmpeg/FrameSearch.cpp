@@ -11,10 +11,10 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-constexpr int mostPackets = 2000;   ///< read before a random access picture is found
-constexpr int mostFrames = 1200;    ///< decoded before the wanted one: ten seconds of 120 frames
-constexpr double longestGroup = 10; ///< seconds, the same
-constexpr unsigned mostThreads = 4; ///< each delays the first picture
+constexpr int packetsToRandomAccess = 2000; ///< read before a random access picture is found
+constexpr int mostFrames = 1200;            ///< decoded before the wanted one: ten seconds of 120 frames
+constexpr double longestGroup = 10;         ///< seconds, the same
+constexpr unsigned mostThreads = 4;         ///< each delays the first picture
 
 std::int64_t timeOf(const AVPacket &packet) {
     return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
@@ -35,7 +35,7 @@ std::optional<Frame> FrameSearch::taken(FramePointer decoded) {
 }
 
 const AVPacket *FrameSearch::nextKeyPacket() {
-    for (int count = 0; count < mostPackets; ++count) {
+    for (int count = 0; count < packetsToRandomAccess; ++count) {
         const AVPacket *packet = packets_.next();
         if (!packet || packet->flags & AV_PKT_FLAG_KEY)
             return packet;

@@ -13,13 +13,13 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-constexpr std::int64_t largestSide = 65535; // of what a header shows
+constexpr std::int64_t largestShownSide = 65535; // of what a header shows
 
 } // namespace
 
 void MovieCompletion::showPictures(int width, int height, PixelAspect aspect) {
     const std::int64_t shownWidth = std::int64_t{width} * aspect.width / aspect.height;
-    shown_ = Size{static_cast<int>(std::clamp<std::int64_t>(shownWidth, 1, largestSide)), height};
+    shown_ = Size{static_cast<int>(std::clamp<std::int64_t>(shownWidth, 1, largestShownSide)), height};
 }
 
 void MovieCompletion::apply(const OutputFile &file) const {

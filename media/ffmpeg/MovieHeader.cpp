@@ -18,7 +18,7 @@ namespace {
 using bmff::box;
 using bmff::FieldWriter;
 
-constexpr MediaOperation operation = MediaOperation::complete;
+constexpr MediaOperation completing = MediaOperation::complete;
 
 struct Placed {
     std::uint64_t offset;
@@ -45,7 +45,7 @@ Placed readHeader(const OutputFile &file) {
         }
         offset += size;
     }
-    throw MediaError(file.path(), operation, 0, MediaReason::headerNotFound);
+    throw MediaError(file.path(), completing, 0, MediaReason::headerNotFound);
 }
 
 struct TagName {

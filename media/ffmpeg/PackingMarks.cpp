@@ -15,7 +15,7 @@ namespace {
 using Arrangement = StereoPacking::Arrangement;
 
 // ISO/IEC 14496-12, 12.1.3: header, SampleEntry and VisualSampleEntry before the child boxes.
-constexpr std::size_t entryFields = 8 + 78;
+constexpr std::size_t entryHeader = 8 + 78;
 
 /// The value of `st3d`. Few programs know the one for the right eye first, and others warn of it.
 std::optional<std::uint8_t> frameMode(const StereoPacking &packing) {
@@ -45,10 +45,10 @@ void markTrack(MovieHeader &header, const StereoPacking &packing) {
     auto path = track ? descend(header, *track, {"mdia", "minf", "stbl", "stsd"}) : std::nullopt;
     // stsd is a full box with a count before its entries.
     const std::size_t begin = path ? path->back().begin + 16 : 0;
-    if (!mode || !path || begin + entryFields + 8 > path->back().end)
+    if (!mode || !path || begin + entryHeader + 8 > path->back().end)
         return;
     const std::size_t end = begin + get32(header.data() + begin);
-    const std::size_t configuration = begin + entryFields;
+    const std::size_t configuration = begin + entryHeader;
     const std::size_t place = configuration + get32(header.data() + configuration);
     if (place > end || end > path->back().end)
         return;

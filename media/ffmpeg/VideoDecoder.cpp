@@ -15,9 +15,6 @@ namespace lumetwin::media::ffmpeg {
 
 namespace {
 
-// 8192 × 8192 and then some: a header that asks for more is a lie or not for us.
-constexpr std::int64_t largestFrame = std::int64_t{1} << 27;
-
 /// Each thread more costs a little of what all of them do, and most processors are busy coding the frames again.
 int decodingThreads() {
     if (decodesWithOneThread())

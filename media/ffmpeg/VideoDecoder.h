@@ -11,6 +11,9 @@
 
 namespace lumetwin::media::ffmpeg {
 
+/// The largest frame in pixels, a little more than 8192 × 8192. A header that asks for more is not believed.
+inline constexpr std::int64_t largestFrame = std::int64_t{1} << 27;
+
 /// Turns a track's packets into decoded frames. Damaged ones are passed over.
 class VideoDecoder {
 public:

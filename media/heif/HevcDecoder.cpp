@@ -31,12 +31,12 @@ heif_error failure(const char *reason, heif_suberror_code part = heif_suberror_U
 constexpr heif_error noMemory{heif_error_Memory_allocation_error, heif_suberror_Unspecified, "not enough memory"};
 
 /// The NAL units of one picture, in Annex B format.
-struct Decoding {
+struct FrameDecoding {
     std::vector<std::uint8_t> stream;
 };
 
-Decoding &decodingOf(void *decoder) {
-    return *static_cast<Decoding *>(decoder);
+FrameDecoding &frameDecodingOf(void *decoder) {
+    return *static_cast<FrameDecoding *>(decoder);
 }
 
 const char *pluginName() {
@@ -48,18 +48,18 @@ int supports(heif_compression_format format) {
 }
 
 heif_error newDecoder(void **decoder) {
-    *decoder = new (std::nothrow) Decoding;
+    *decoder = new (std::nothrow) FrameDecoding;
     return *decoder ? success : noMemory;
 }
 
 void freeDecoder(void *decoder) {
-    delete static_cast<Decoding *>(decoder);
+    delete static_cast<FrameDecoding *>(decoder);
 }
 
 /// Parameter sets and slices come with length prefixes, as in the file.
 heif_error push(void *decoder, const void *data, std::size_t size) {
     try {
-        std::vector<std::uint8_t> &stream = decodingOf(decoder).stream;
+        std::vector<std::uint8_t> &stream = frameDecodingOf(decoder).stream;
         const auto *bytes = static_cast<const std::uint8_t *>(data);
         while (size > 0) {
             if (size < 4)
@@ -170,8 +170,8 @@ ffmpeg::FramePointer decodedSafely(const std::vector<std::uint8_t> &stream) {
     }
 }
 
-heif_error decode(void *decoder, heif_image **result) {
-    const ffmpeg::FramePointer frame = decodedSafely(decodingOf(decoder).stream);
+heif_error decodeFrame(void *decoder, heif_image **result) {
+    const ffmpeg::FramePointer frame = decodedSafely(frameDecodingOf(decoder).stream);
     if (!frame)
         return failure("a picture is damaged", heif_suberror_Decompression_invalid_data);
     const Layout layout = layoutOf(*frame);
@@ -200,7 +200,7 @@ constexpr heif_decoder_plugin plugin{
     .new_decoder = newDecoder,
     .free_decoder = freeDecoder,
     .push_data = push,
-    .decode_image = decode,
+    .decode_image = decodeFrame,
     .set_strict_decoding = nullptr,
     .id_name = "lumetwin-hevc",
 };

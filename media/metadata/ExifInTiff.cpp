@@ -10,9 +10,9 @@ namespace lumetwin::media::images {
 
 namespace {
 
-using Bytes = std::span<std::uint8_t>;
+using WritableBytes = std::span<std::uint8_t>;
 
-template <typename File> bool readAll(const File &file, std::uint64_t position, Bytes bytes) {
+template <typename File> bool readAll(const File &file, std::uint64_t position, WritableBytes bytes) {
     return file.readAt(position, bytes) == bytes.size();
 }
 

@@ -28,7 +28,7 @@ zimg_image_format greyFormat(int width, int height, int depth, bool fullRange) {
     return format;
 }
 
-bool aligned(const PlaneView &plane) {
+bool isAligned(const PlaneView &plane) {
     return reinterpret_cast<std::uintptr_t>(plane.data) % alignment == 0 && plane.stride > 0 &&
            static_cast<std::size_t>(plane.stride) % alignment == 0;
 }
@@ -69,7 +69,7 @@ PlaneFilter::PlaneFilter(const Resampling &resampling, Table table)
 }
 
 PlaneView PlaneFilter::prepared(const PlaneView &source, Workspace &workspace) const {
-    if (table_.empty() && aligned(source))
+    if (table_.empty() && isAligned(source))
         return source;
     const PlaneView copy = workspace.input(source.width, source.height, table_.empty() ? source.depth : 16);
     for (int row = 0; row < source.height; ++row) {
