@@ -5,7 +5,6 @@
 #include "ui/widgets/Localized.h"
 
 #include <algorithm>
-#include <map>
 
 namespace lumetwin {
 
@@ -23,8 +22,10 @@ void FileListModel::setRows(std::vector<FileRow> rows, std::set<std::string> out
             before != known.end() && before->second.rightEye == row.rightEye) {
             row.look = std::move(before->second.look);
             row.findings = std::move(before->second.findings);
-            row.result = std::move(before->second.result);
         }
+    for (FileRow &row : rows)
+        if (const auto result = results_.find(row.file); result != results_.end())
+            row.result = result->second;
     beginResetModel();
     rows_ = std::move(rows);
     outputs_ = std::move(outputs);
@@ -35,6 +36,7 @@ void FileListModel::setRows(std::vector<FileRow> rows, std::set<std::string> out
 void FileListModel::clear() {
     beginResetModel();
     rows_.clear();
+    results_.clear();
     running_ = -1;
     endResetModel();
 }
@@ -89,6 +91,7 @@ void FileListModel::beginRun() {
     for (FileRow &row : rows_)
         if (!row.isLeftOut)
             row.result.reset();
+    std::erase_if(results_, [this](const auto &entry) { return !settings_->leftOut.contains(entry.first); });
     isRunning_ = true;
     running_ = -1;
     refresh();
@@ -112,6 +115,7 @@ void FileListModel::setFraction(double fraction) {
 }
 
 void FileListModel::setResult(const FileResult &result) {
+    results_[result.input] = result;
     const int row = indexOf(result.input);
     if (row < 0)
         return;

@@ -6,6 +6,7 @@
 #include <QAbstractListModel>
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -25,7 +26,7 @@ public:
     RowState stateOf(const FileRow &row) const { return rowState(row, *settings_, outputs_); }
     const ConversionSettings &settings() const { return *settings_; }
 
-    /// Replaces the rows. A file that was there keeps its look, its findings and its result.
+    /// Replaces the rows. A file that was there keeps its look and its findings; results are kept of all.
     void setRows(std::vector<FileRow> rows, std::set<std::string> outputs);
     void clear();
     void setLook(const std::filesystem::path &file, const FileLook &look);
@@ -67,6 +68,7 @@ private:
     std::shared_ptr<const ConversionSettings> settings_;
     std::vector<FileRow> rows_;
     std::set<std::string> outputs_;
+    std::map<std::filesystem::path, FileResult> results_; ///< of the last run, also of files that are not listed yet
     bool isRunning_ = false;
     int running_ = -1; ///< the row that is converted; -1: none
 };

@@ -201,8 +201,11 @@ QString totalsText(const std::vector<FileRow> &rows, const ConversionSettings &s
     const std::int64_t left = std::ranges::count_if(rows, &FileRow::isLeftOut);
     const std::int64_t converted =
         std::ranges::count_if(rows, [&](const FileRow &row) { return willBeConverted(row, settings); });
-    const QString others =
-        listed({{"files.total.left.out.format", left}, {"files.total.will.skip.format", total - left - converted}});
+    const std::int64_t unreadable = std::ranges::count_if(
+        rows, [](const FileRow &row) { return !row.isLeftOut && row.look && !row.look->failure.empty(); });
+    const QString others = listed({{"files.total.left.out.format", left},
+                                   {"files.total.will.skip.format", total - left - converted - unreadable},
+                                   {"files.total.unreadable.format", unreadable}});
     if (total == 0)
         return {};
     const QString files = countedText("files.total.files.one", "files.total.files.format", total);

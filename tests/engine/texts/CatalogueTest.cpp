@@ -224,6 +224,7 @@ const std::map<std::string, std::string> arguments{
     {"files.total.left.out.format", "d"},
     {"files.total.skipped.format", "d"},
     {"files.total.stopped.format", "d"},
+    {"files.total.unreadable.format", "d"},
     {"files.total.warnings.format", "d"},
     {"files.total.will.skip.format", "d"},
     {"preview.disparity.format", "fff"},

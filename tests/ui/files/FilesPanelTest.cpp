@@ -126,7 +126,7 @@ TEST_F(FilesPanelTest, SaysWhatEachFileIsAndWhatWillHappenToIt) {
     EXPECT_EQ(state("b.jpg"), "The picture does not look like two eyes.");
     EXPECT_EQ(state("c.jpg").find("Cannot be read: "), 0u) << state("c.jpg");
     EXPECT_EQ(state("d.txt"), "Not supported, will not be converted");
-    EXPECT_EQ(totals().toStdString(), "4 files, 2 will be skipped");
+    EXPECT_EQ(totals().toStdString(), "4 files, 1 will be skipped, 1 cannot be read");
     EXPECT_EQ(rows()[0].look->thumbnail.width() / 2, rows()[0].look->picture->width) << "both eyes";
 }
 
@@ -219,6 +219,20 @@ TEST_F(FilesPanelTest, ResultsStayAfterAStopUntilTheInputChanges) {
     form().openInput({input.path});
     waitForLooks();
     EXPECT_EQ(state("a.jpg"), "Becomes a_spatial.heic");
+}
+
+TEST_F(FilesPanelTest, ResultsOfARunBeforeThePanelWasOpenedAreShown) {
+    pair("a.jpg");
+    open();
+    controller->sidePanel()->close();
+    form().openInput({input.path});
+    controller->sidePanel()->close();
+    files().runBegan();
+    files().fileEnded(result(input.path / "a.jpg", FileState::failed));
+    files().runEnded();
+    controller->sidePanel()->open();
+    waitForLooks();
+    EXPECT_EQ(state("a.jpg").find("Failed: "), 0u) << state("a.jpg");
 }
 
 TEST_F(FilesPanelTest, FilesStayInTheRunWhileItGoesOn) {
