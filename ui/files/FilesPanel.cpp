@@ -68,24 +68,25 @@ void FilesPanel::focusFiles() {
 
 void FilesPanel::setActive(bool active) {
     isActive_ = active;
-    if (!active)
-        looks_.end();
-    else if (needsListing_ || model_.rowCount() > 0)
+    if (active)
         list(true);
+    else
+        looks_.end();
 }
 
 /// Lists the files in the background. keepsLooks: what is known of a file is still true.
 void FilesPanel::list(bool keepsLooks) {
     listing_ = {settings_->direction, settings_->inputLayout, settings_->outputFolderURL};
-    needsListing_ = !isActive_;
-    if (needsListing_)
+    keepsLooks_ = keepsLooks_ && keepsLooks;
+    if (!isActive_)
         return;
     if (!settings_->inputFiles && !settings_->inputFolderURL)
         return model_.clear();
     std::set<fs::path> known;
     for (const FileRow &row : model_.rows())
-        if (keepsLooks && row.look && (row.findings || row.look->facts.isSpatial))
+        if (keepsLooks_ && row.look && (row.findings || row.look->facts.isSpatial))
             known.insert(row.file);
+    keepsLooks_ = true;
     looks_.begin(*settings_, std::move(known));
 }
 

@@ -107,7 +107,7 @@ private:
     FileLooks looks_;
     Listing listing_{};
     bool isActive_ = false;
-    bool needsListing_ = false;
+    bool keepsLooks_ = true; ///< no change since the last listing makes the looks at the files untrue
     std::optional<std::set<std::filesystem::path>> leftOutBefore_; ///< while what failed is converted again
     QTimer totalsTimer_;
 
