@@ -124,10 +124,10 @@ def peak_memory(process):
 def list_photos(folder):
     """The longest stop in seconds while a thousand photos are looked at in the list, how long that takes, and the
     memory of the window in MiB (without its workers)."""
-    from gi.repository import Atspi
     from hands import user
     from screen_reader import everything_below, role_of, wait_for
     from window_test import Scene
+    from gi.repository import Atspi
     options = argparse.Namespace(language="en", program=PROGRAM, batch=measure.BATCH, stack=measure.stack(),
                                  texts=measure.SOURCE / "resources/text")
     scene = Scene(options, folder)
