@@ -28,6 +28,9 @@ void FileListModel::setRows(std::vector<FileRow> rows, std::set<std::string> out
             row.result = result->second;
     beginResetModel();
     rows_ = std::move(rows);
+    indexes_.clear();
+    for (const FileRow &row : rows_)
+        indexes_.emplace(row.file, static_cast<int>(indexes_.size()));
     outputs_ = std::move(outputs);
     running_ = -1;
     endResetModel();
@@ -36,14 +39,15 @@ void FileListModel::setRows(std::vector<FileRow> rows, std::set<std::string> out
 void FileListModel::clear() {
     beginResetModel();
     rows_.clear();
+    indexes_.clear();
     results_.clear();
     running_ = -1;
     endResetModel();
 }
 
 int FileListModel::indexOf(const fs::path &file) const {
-    const auto found = std::ranges::find(rows_, file, &FileRow::file);
-    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+    const auto found = indexes_.find(file);
+    return found == indexes_.end() ? -1 : found->second;
 }
 
 void FileListModel::changed(int row) {

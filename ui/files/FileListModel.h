@@ -67,6 +67,7 @@ private:
 
     std::shared_ptr<const ConversionSettings> settings_;
     std::vector<FileRow> rows_;
+    std::map<std::filesystem::path, int> indexes_; ///< of the rows, by file
     std::set<std::string> outputs_;
     std::map<std::filesystem::path, FileResult> results_; ///< of the last run, also of files that are not listed yet
     bool isRunning_ = false;

@@ -9,13 +9,19 @@
 
 #include <QPointer>
 
-#include <algorithm>
 #include <atomic>
+#include <map>
 #include <mutex>
 
 namespace lumetwin {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+using Waiting = std::map<fs::path, FileRow>; ///< by file
+
+} // namespace
 
 /// Shared by the interface thread and the thread of the looks.
 struct FileLooks::Task {
@@ -29,13 +35,15 @@ struct FileLooks::Task {
     std::set<fs::path> preferred; // guarded by lock
 
     /// Takes a preferred file out of the ones that wait, or else the first one.
-    FileRow next(std::vector<FileRow> &waiting) {
+    FileRow next(Waiting &waiting) {
         const std::scoped_lock guard(lock);
-        auto chosen =
-            std::ranges::find_if(waiting, [this](const FileRow &row) { return preferred.contains(row.file); });
-        if (chosen == waiting.end())
-            chosen = waiting.begin();
-        FileRow row = std::move(*chosen);
+        auto chosen = waiting.begin();
+        for (const fs::path &file : preferred)
+            if (const auto found = waiting.find(file); found != waiting.end()) {
+                chosen = found;
+                break;
+            }
+        FileRow row = std::move(chosen->second);
         waiting.erase(chosen);
         return row;
     }
@@ -124,17 +132,17 @@ void FileLooks::run(const std::shared_ptr<Task> &task) {
     task->post(task, [rows, outputs = namesIn(task->settings->outputFolderURL), failure](FileLooks &self) {
         emit self.listed(rows, outputs, failure);
     });
-    std::erase_if(rows, [&](const FileRow &row) {
-        return row.kind == FileRow::Kind::unsupported || task->known.contains(row.file);
-    });
-    std::vector<FileRow> toExamine;
-    while (!rows.empty() && !task->cancelled) {
-        FileRow row = task->next(rows);
+    Waiting toLookAt, toExamine;
+    for (FileRow &row : rows)
+        if (row.kind != FileRow::Kind::unsupported && !task->known.contains(row.file))
+            toLookAt.emplace(row.file, std::move(row));
+    while (!toLookAt.empty() && !task->cancelled) {
+        FileRow row = task->next(toLookAt);
         row.look = lookAt(row, *task->settings, task->operations);
         task->post(task, [file = row.file, look = *row.look](FileLooks &self) { emit self.looked(file, look); });
         row.look->thumbnail = {};
         if (!row.look->facts.isSpatial && row.look->failure.empty())
-            toExamine.push_back(std::move(row));
+            toExamine.emplace(row.file, std::move(row));
     }
     while (!toExamine.empty() && !task->cancelled) {
         const FileRow row = task->next(toExamine);

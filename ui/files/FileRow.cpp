@@ -8,6 +8,7 @@
 #include "ui/files/DroppedFiles.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace lumetwin {
 
@@ -115,6 +116,14 @@ std::shared_ptr<const ConversionSettings> snapshotOf(const ConversionSettings &s
     copy->resizeHeight = settings.resizeHeight;
     copy->resizeMode = settings.resizeMode;
     return copy;
+}
+
+bool drawsAlike(const ConversionSettings &one, const ConversionSettings &other) {
+    const auto picture = [](const ConversionSettings &settings) {
+        return std::tuple(settings.direction, settings.halfWidth, settings.swapLeftRight, settings.enableResize,
+                          settings.resizeWidth, settings.resizeHeight, settings.resizeMode);
+    };
+    return picture(one) == picture(other);
 }
 
 } // namespace lumetwin

@@ -69,4 +69,7 @@ std::vector<Warning> warningsOf(const FileRow &row, const ConversionSettings &se
 /// The part of the settings that decides about rows, for use on another thread.
 std::shared_ptr<const ConversionSettings> snapshotOf(const ConversionSettings &settings);
 
+/// Whether previews with these settings look alike.
+bool drawsAlike(const ConversionSettings &one, const ConversionSettings &other);
+
 } // namespace lumetwin

@@ -20,6 +20,16 @@ namespace lumetwin {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+/// Whether the last run should have converted it, but did not.
+bool isUnfinished(const FileRow &row) {
+    return row.result && (row.result->state == FileState::failed || row.result->state == FileState::cancelled ||
+                          row.result->state == FileState::notReached);
+}
+
+} // namespace
+
 FilesPanel::FilesPanel(std::shared_ptr<const ConversionSettings> settings, FilesPanelServices services, QWidget *parent)
     : QWidget(parent), settings_(std::move(settings)), services_(std::move(services)), model_(settings_),
       looks_(services_.operations) {
@@ -55,8 +65,7 @@ void FilesPanel::settingsChanged() {
     const Listing now{settings_->direction, settings_->inputLayout, settings_->outputFolderURL};
     if (now != listing_)
         list(now.layout == listing_.layout && now.direction == listing_.direction);
-    model_.refresh();
-    preview_->refresh();
+    model_.refresh(); // and with it the preview of the current row
 }
 
 void FilesPanel::focusFiles() {
@@ -136,16 +145,19 @@ void FilesPanel::fileEnded(const FileResult &result) {
 void FilesPanel::runEnded() {
     preview_->setLocked(false);
     model_.endRun();
-    if (leftOutBefore_) {
-        std::vector<fs::path> files;
-        for (const FileRow &row : model_.rows())
-            if (!leftOutBefore_->contains(row.file))
-                files.push_back(row.file);
-        leftOutBefore_.reset();
-        model_.setLeftOut(files, false);
-    }
-    if (isActive_)
-        list(true);
+    takeBackIn();
+    list(true);
+}
+
+void FilesPanel::takeBackIn() {
+    if (!leftOutBefore_)
+        return;
+    std::vector<fs::path> files;
+    for (const FileRow &row : model_.rows())
+        if (!leftOutBefore_->contains(row.file))
+            files.push_back(row.file);
+    leftOutBefore_.reset();
+    model_.setLeftOut(files, false);
 }
 
 void FilesPanel::scheduleTotals() {
@@ -153,19 +165,12 @@ void FilesPanel::scheduleTotals() {
         totalsTimer_.start();
 }
 
-bool FilesPanel::hasFailed() const {
-    return std::ranges::any_of(model_.rows(), [](const FileRow &row) {
-        return row.result && (row.result->state == FileState::failed || row.result->state == FileState::cancelled ||
-                              row.result->state == FileState::notReached);
-    });
-}
-
 void FilesPanel::showTotals() {
     totalsLabel_->setText(totalsText(model_.rows(), *settings_));
     const bool hasResults =
         std::ranges::any_of(model_.rows(), [](const FileRow &row) { return row.result.has_value(); });
     reportButton_->setVisible(hasResults);
-    againButton_->setVisible(hasResults && hasFailed());
+    againButton_->setVisible(std::ranges::any_of(model_.rows(), isUnfinished));
     showAdvice();
 }
 
@@ -195,12 +200,11 @@ void FilesPanel::leaveOut(bool (*isMeant)(const FileRow &, const ConversionSetti
     model_.setLeftOut(files, true);
 }
 
-/// Starts a run of the files that have no result, and takes the others back in at its end.
+/// Starts a run of the unfinished files, and takes the others back in at its end.
 void FilesPanel::convertFailedAgain() {
     std::vector<fs::path> others;
     for (const FileRow &row : model_.rows())
-        if (!row.result || row.result->state == FileState::converted || row.result->state == FileState::skipped ||
-            row.result->state == FileState::convertedWithWarnings || row.result->state == FileState::upToDate)
+        if (!isUnfinished(row))
             others.push_back(row.file);
     leftOutBefore_ = settings_->leftOut;
     model_.setLeftOut(others, true);

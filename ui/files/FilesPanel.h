@@ -60,6 +60,8 @@ public:
     void fileProgressed(double fraction);
     void fileEnded(const FileResult &result);
     void runEnded();
+    /// Takes back in what was left out because only failed files were to be converted again.
+    void takeBackIn();
 
     const FileListModel &model() const { return model_; }
 
@@ -99,7 +101,6 @@ private:
     void convertFailedAgain();
     void copyReport();
     void saveReport();
-    bool hasFailed() const;
 
     std::shared_ptr<const ConversionSettings> settings_;
     FilesPanelServices services_;

@@ -55,10 +55,6 @@ bool isSameRequest(const PreviewRequest &one, const PreviewRequest &other) {
            one.maximumWidth == other.maximumWidth && one.maximumHeight == other.maximumHeight;
 }
 
-bool isSamePicture(const PreviewWish &one, const PreviewWish &other) {
-    return one.file == other.file && one.rightEye == other.rightEye && isSameRequest(one.request, other.request);
-}
-
 QImage fitted(const QImage &image, QSize room) {
     if (image.isNull() || room.isEmpty() || (image.width() <= room.width() && image.height() <= room.height()))
         return image;
@@ -106,6 +102,10 @@ PreviewShow show(const PreviewWish &wish, const StereoPreview &eyes) {
 }
 
 } // namespace
+
+bool isSamePicture(const PreviewWish &one, const PreviewWish &other) {
+    return one.file == other.file && one.rightEye == other.rightEye && isSameRequest(one.request, other.request);
+}
 
 PreviewLoader::PreviewLoader(MediaOperations operations, QObject *parent)
     : QObject(parent), task_(std::make_shared<Task>()) {

@@ -26,6 +26,9 @@ struct PreviewWish {
     std::shared_ptr<const ConversionSettings> settings; ///< for swapped eyes, and for the result as it will be written
 };
 
+/// Whether both need the same decoded eyes.
+bool isSamePicture(const PreviewWish &one, const PreviewWish &other);
+
 /// What is shown.
 struct PreviewShow {
     QImage picture;

@@ -165,7 +165,7 @@ void PreviewPane::showNothing() {
     row_.reset();
     facts_.reset();
     findings_.reset();
-    loader_.clear();
+    forgetWish();
     canvas_->setMessage(localizedText("preview.nothing"));
     timeLine_->hide();
     judgement_->hide();
@@ -180,7 +180,7 @@ void PreviewPane::showRow(const FileRow &row) {
     if (isOther) {
         facts_.reset();
         findings_.reset();
-        loader_.clear();
+        forgetWish();
         canvas_->setMessage({});
         timeLine_->setVisible(row.kind == FileRow::Kind::video);
         judgement_->hide();
@@ -218,8 +218,14 @@ void PreviewPane::setActualSize(bool actualSize) {
     load(isExact_);
 }
 
+void PreviewPane::forgetWish() {
+    wish_.reset();
+    loader_.clear();
+}
+
+/// Asks for the picture, unless it is asked for already or nobody can see it.
 void PreviewPane::load(bool exact) {
-    if (!row_ || !row_->look || row_->kind == FileRow::Kind::unsupported || canvas_->room().isEmpty())
+    if (!row_ || !row_->look || row_->kind == FileRow::Kind::unsupported || !isVisible() || canvas_->room().isEmpty())
         return;
     isExact_ = exact;
     const bool isSpatial = isSpatialMedia(row_->look->facts);
@@ -234,7 +240,11 @@ void PreviewPane::load(bool exact) {
         wish.room = canvas_->room();
     wish.request.maximumWidth = canvas_->isActualSize() ? wholePicture : wish.room.width();
     wish.request.maximumHeight = canvas_->isActualSize() ? wholePicture : wish.room.height();
+    if (wish_ && isSamePicture(*wish_, wish) && wish_->mode == wish.mode && wish_->room == wish.room &&
+        drawsAlike(*wish_->settings, *settings_))
+        return;
     wish.settings = snapshotOf(*settings_);
+    wish_ = wish;
     loader_.load(std::move(wish));
 }
 

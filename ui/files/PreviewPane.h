@@ -55,6 +55,7 @@ private:
     QWidget *buildJudgement();
     void applyFonts();
     void load(bool exact);
+    void forgetWish();
     void setActualSize(bool actualSize);
     void positionMoved();
     void drawn(const PreviewShow &show);
@@ -67,6 +68,7 @@ private:
     std::shared_ptr<const ConversionSettings> settings_;
     PreviewLoader loader_;
     std::optional<FileRow> row_;
+    std::optional<PreviewWish> wish_; ///< the newest one
     std::optional<PreviewFacts> facts_;
     std::optional<StereoFindings> findings_; ///< of the picture that is shown
     bool isExact_ = true;                    ///< the newest wish was for exactly this time

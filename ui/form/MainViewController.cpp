@@ -248,7 +248,11 @@ void MainViewController::startConversion() {
     if (!isIdle())
         return;
     preflight_ = new PreflightSequence(*this, services_);
-    connect(preflight_, &QObject::destroyed, this, &MainViewController::showCheckResult);
+    connect(preflight_, &QObject::destroyed, this, [this] {
+        if (batch_->state() == BatchPresentation::State::idle)
+            emit startRefused();
+        showCheckResult();
+    });
     preflight_->start();
 }
 

@@ -117,6 +117,8 @@ signals:
     void inputChanged();
     /// A control has changed the settings.
     void settingsChanged();
+    /// The checks have ended without a run.
+    void startRefused();
     /// The user wants to open or close the panel of files.
     void filesPanelAsked();
 

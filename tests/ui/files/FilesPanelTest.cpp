@@ -21,6 +21,7 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
@@ -28,7 +29,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <fstream>
+#include <iterator>
 
 namespace lumetwin::test {
 namespace {
@@ -201,6 +204,25 @@ TEST_F(FilesPanelTest, ConvertsAgainWhatFailed) {
     EXPECT_TRUE(form().settings->leftOut.empty()) << "the next run takes all files";
 }
 
+TEST_F(FilesPanelTest, ARunOfFailedFilesThatIsRefusedLeavesNothingOut) {
+    pair("a.jpg");
+    pair("b.jpg", 2);
+    open();
+    waitForLooks();
+    files().runBegan();
+    files().fileEnded(result(input.path / "a.jpg", FileState::converted));
+    files().fileEnded(result(input.path / "b.jpg", FileState::failed));
+    files().runEnded();
+    waitForLooks();
+    std::ofstream(output.path / "b_spatial.heic") << "it exists";
+    fakes.alerts->answers = {1}; // cancels at the question whether to replace it
+    ASSERT_TRUE(waitUntil([this] { return part<QPushButton>("filesAgainButton").isVisible(); }));
+    part<QPushButton>("filesAgainButton").click();
+    ASSERT_TRUE(waitUntil([this] { return form().settings->leftOut.empty(); }));
+    EXPECT_EQ(fakes.alerts->shown.size(), 1u);
+    EXPECT_FALSE(form().progressSheet());
+}
+
 TEST_F(FilesPanelTest, ResultsStayAfterAStopUntilTheInputChanges) {
     pair("a.jpg");
     pair("b.jpg", 2);
@@ -329,6 +351,47 @@ TEST_F(FilesPanelTest, CopiesTheReport) {
     files().fileEnded(result(input.path / "a.jpg", FileState::failed));
     emit part<FileListView>("fileList").reportAsked();
     EXPECT_TRUE(QGuiApplication::clipboard()->text().contains(QStringLiteral("a.jpg")));
+}
+
+TEST_F(FilesPanelTest, SavesTheReportOrSaysWhyNot) {
+    pair("a.jpg");
+    open();
+    waitForLooks();
+    files().fileEnded(result(input.path / "a.jpg", FileState::failed));
+    QAction *save = part<QPushButton>("filesReportButton").menu()->actions().constLast();
+    fakes.panels->choice = {output.path / "report.txt"};
+    save->trigger();
+    std::ifstream report(output.path / "report.txt");
+    EXPECT_NE(std::string(std::istreambuf_iterator<char>(report), {}).find("a.jpg"), std::string::npos);
+    fakes.panels->choice = {output.path / "no such folder/report.txt"};
+    save->trigger();
+    EXPECT_EQ(totals().toStdString().find("The report was not saved: "), 0u) << totals().toStdString();
+}
+
+TEST_F(FilesPanelTest, NothingIsDrawnAgainWhileNothingChanges) {
+    pair("a.jpg");
+    std::atomic<int> drawings{0};
+    services.operations.drawPreview =
+        [&drawings, draw = services.operations.drawPreview](const ConversionInput &file, const PreviewRequest &request,
+                                                            const media::OutputFile &pixels) {
+            ++drawings;
+            return draw(file, request, pixels);
+        };
+    open();
+    waitForLooks();
+    static_cast<void>(shown(PreviewMode::left));
+    const int before = drawings;
+    files().runBegan();
+    files().fileBegan("a.jpg");
+    for (const double fraction : {0.2, 0.4, 0.6})
+        files().fileProgressed(fraction);
+    static_cast<void>(shown(PreviewMode::right));
+    EXPECT_EQ(drawings, before) << "the decoded eyes are still there";
+    controller->sidePanel()->close();
+    form().setSwapped(true);
+    BackgroundThreads::shared().waitForAll(testTimeout);
+    EXPECT_EQ(drawings, before) << "nobody sees it";
+    files().runEnded();
 }
 
 TEST_F(FilesPanelTest, OpensBesideTheFormAndGivesTheWindowItsSizeBack) {
