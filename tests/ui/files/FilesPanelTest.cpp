@@ -1,121 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The panel of files with real pictures.
-#include "ui/files/FilesPanel.h"
-#include "app/MainWindowController.h"
-#include "app/SidePanel.h"
-#include "engine/texts/Texts.h"
-#include "support/Scripted.h"
-#include "tests/support/StereoScenes.h"
-#include "tests/support/TestMedia.h"
-#include "ui/files/FileListView.h"
-#include "ui/files/PreviewCanvas.h"
-#include "ui/files/PreviewPane.h"
-#include "ui/form/MainViewController.h"
-#include "ui/progress/ProgressViewController.h"
-#include "ui/widgets/BackgroundThreads.h"
-
-#include <QCheckBox>
-#include <QClipboard>
-#include <QComboBox>
-#include <QDragEnterEvent>
-#include <QGuiApplication>
-#include <QLabel>
-#include <QMainWindow>
-#include <QMenu>
-#include <QMimeData>
-#include <QPushButton>
-#include <QTest>
-#include <QUrl>
-
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <fstream>
-#include <iterator>
+#include "support/PanelFixture.h"
 
 namespace lumetwin::test {
 namespace {
-
-namespace fs = std::filesystem;
-
-class FilesPanelTest : public testing::Test {
-protected:
-    FilesPanelTest() : services(fakes.services()) { setTextLocale("en"); }
-    ~FilesPanelTest() override {
-        controller.reset();
-        BackgroundThreads::shared().waitForAll(testTimeout);
-        processPendingEvents();
-    }
-
-    /// Draws the input, and opens a window that is wide enough for the panel.
-    void open(ConversionDirection direction = ConversionDirection::sbsToSpatial) {
-        services.runBatch = [](VideoProcessor &processor) { processor.processAll(); };
-        controller = std::make_unique<MainWindowController>(services);
-        window().resize(1400, 900);
-        window().show();
-        form().settings->outputFolderURL = output.path;
-        if (direction == ConversionDirection::sbsToSpatial)
-            form().turnDirection();
-        form().openInput({input.path});
-        processPendingEvents();
-    }
-    fs::path pair(const std::string &name, unsigned seed = 1) {
-        StereoScene scene;
-        scene.seed = seed;
-        writePicture(besideEachOther(drawnEyes(scene)), input.path / name);
-        return input.path / name;
-    }
-    fs::path flat(const std::string &name) {
-        writePicture(drawnTexture(1280, 360), input.path / name);
-        return input.path / name;
-    }
-    fs::path text(const std::string &name) {
-        std::ofstream(input.path / name) << "no picture";
-        return input.path / name;
-    }
-    void waitForLooks() {
-        ASSERT_TRUE(waitUntil([this] {
-            return !rows().empty() && std::ranges::all_of(rows(), [](const FileRow &row) {
-                return row.kind == FileRow::Kind::unsupported ||
-                       (row.look && (!row.look->failure.empty() || row.look->facts.isSpatial || row.findings));
-            });
-        }));
-        ASSERT_TRUE(waitUntil([this] { return !totals().isEmpty(); }));
-        QTest::qWait(150); // totals and advice follow a little later
-    }
-    std::string state(const std::string &name) {
-        for (const FileRow &row : rows())
-            if (row.file.filename() == name)
-                return files().model().stateOf(row).text.toStdString();
-        return "no such row";
-    }
-
-    QMainWindow &window() { return *controller->window(); }
-    MainViewController &form() { return *controller->form(); }
-    FilesPanel &files() { return *controller->filesPanel(); }
-    const std::vector<FileRow> &rows() { return files().model().rows(); }
-    template <typename Widget> Widget &part(const char *name) { return control<Widget>(files(), name); }
-    QString totals() { return part<QLabel>("filesTotals").text(); }
-    PreviewCanvas &canvas() { return part<PreviewCanvas>("previewCanvas"); }
-    void select(int row) {
-        auto &list = part<FileListView>("fileList");
-        list.setCurrentIndex(list.model()->index(row, 0));
-    }
-    /// The picture of a mode, once it is drawn.
-    QImage shown(PreviewMode mode) {
-        part<PreviewPane>("previewPane").setMode(mode);
-        part<PreviewPane>("previewPane").refresh();
-        BackgroundThreads::shared().waitForAll(testTimeout);
-        processPendingEvents();
-        EXPECT_TRUE(canvas().hasPicture());
-        return canvas().picture();
-    }
-
-    FakeServices fakes;
-    FormServices services;
-    ScratchFolder input, output;
-    std::unique_ptr<MainWindowController> controller;
-};
 
 TEST_F(FilesPanelTest, SaysWhatEachFileIsAndWhatWillHappenToIt) {
     pair("a.jpg");
@@ -268,61 +156,6 @@ TEST_F(FilesPanelTest, FilesStayInTheRunWhileItGoesOn) {
     files().runEnded();
 }
 
-TEST_F(FilesPanelTest, PreviewShowsEachEyeAndFollowsTheSwap) {
-    pair("a.jpg");
-    open();
-    waitForLooks();
-    select(0);
-    const QImage left = shown(PreviewMode::left), right = shown(PreviewMode::right);
-    EXPECT_NE(left, right);
-    part<QCheckBox>("previewSwapCheck").click();
-    EXPECT_TRUE(form().settings->swapLeftRight) << "the form's own setting";
-    EXPECT_TRUE(control<QCheckBox>(form(), "swapLRCheck").isChecked());
-    EXPECT_EQ(shown(PreviewMode::left), right);
-    EXPECT_EQ(shown(PreviewMode::right), left);
-}
-
-TEST_F(FilesPanelTest, PreviewOfEqualEyesHasNoDifference) {
-    const media::Picture wall = drawnTexture(640, 360);
-    writePicture(besideEachOther(media::EyePair<media::Picture>{wall, wall}), input.path / "a.png");
-    open();
-    waitForLooks();
-    select(0);
-    const QImage difference = shown(PreviewMode::difference);
-    int brightest = 0;
-    for (int y = 0; y < difference.height(); ++y)
-        for (int x = 0; x < difference.width(); ++x)
-            brightest = std::max(brightest, qGray(difference.pixel(x, y)));
-    EXPECT_LE(brightest, 2);
-    EXPECT_NE(shown(PreviewMode::anaglyph).pixel(100, 100), qRgb(0, 0, 0));
-}
-
-TEST_F(FilesPanelTest, KeysChangeTheViewOfThePreview) {
-    pair("a.jpg");
-    open();
-    waitForLooks();
-    select(0);
-    static_cast<void>(shown(PreviewMode::sideBySide));
-    QTest::keyClick(&canvas(), Qt::Key_4);
-    EXPECT_EQ(part<QComboBox>("previewModePopup").currentIndex(), static_cast<int>(PreviewMode::anaglyph));
-    QTest::keyClick(&canvas(), Qt::Key_2);
-    QTest::keyClick(&canvas(), Qt::Key_Z);
-    EXPECT_TRUE(canvas().isActualSize());
-    EXPECT_TRUE(waitUntil([this] { return canvas().picture().size() == QSize(640, 360); })) << "every pixel";
-}
-
-TEST_F(FilesPanelTest, SuggestedAdjustmentIsSetInTheForm) {
-    pair("a.jpg");
-    open();
-    waitForLooks();
-    select(0);
-    static_cast<void>(shown(PreviewMode::sideBySide));
-    auto &suggest = part<QPushButton>("suggestAdjustmentButton");
-    ASSERT_TRUE(waitUntil([&] { return suggest.isVisible(); }));
-    suggest.click();
-    EXPECT_NEAR(form().settings->disparityAdjustment, 1.0, 0.15) << "the wall is 1 % behind the screen";
-}
-
 TEST_F(FilesPanelTest, DropsOnTheWindowAddToTheInput) {
     pair("a.jpg");
     open();
@@ -366,32 +199,6 @@ TEST_F(FilesPanelTest, SavesTheReportOrSaysWhyNot) {
     fakes.panels->choice = {output.path / "no such folder/report.txt"};
     save->trigger();
     EXPECT_EQ(totals().toStdString().find("The report was not saved: "), 0u) << totals().toStdString();
-}
-
-TEST_F(FilesPanelTest, NothingIsDrawnAgainWhileNothingChanges) {
-    pair("a.jpg");
-    std::atomic<int> drawings{0};
-    services.operations.drawPreview =
-        [&drawings, draw = services.operations.drawPreview](const ConversionInput &file, const PreviewRequest &request,
-                                                            const media::OutputFile &pixels) {
-            ++drawings;
-            return draw(file, request, pixels);
-        };
-    open();
-    waitForLooks();
-    static_cast<void>(shown(PreviewMode::left));
-    const int before = drawings;
-    files().runBegan();
-    files().fileBegan("a.jpg");
-    for (const double fraction : {0.2, 0.4, 0.6})
-        files().fileProgressed(fraction);
-    static_cast<void>(shown(PreviewMode::right));
-    EXPECT_EQ(drawings, before) << "the decoded eyes are still there";
-    controller->sidePanel()->close();
-    form().setSwapped(true);
-    BackgroundThreads::shared().waitForAll(testTimeout);
-    EXPECT_EQ(drawings, before) << "nobody sees it";
-    files().runEnded();
 }
 
 TEST_F(FilesPanelTest, OpensBesideTheFormAndGivesTheWindowItsSizeBack) {
