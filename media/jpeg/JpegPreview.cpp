@@ -4,13 +4,12 @@
 #include "media/Image.h"
 #include "media/colour/ColourProfile.h"
 #include "media/jpeg/JpegErrors.h"
+#include "media/jpeg/JpegProfile.h"
 #include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <vector>
 
 namespace lumetwin::media::images {
@@ -77,14 +76,6 @@ void readHeader(Decoder &decoder, std::FILE *stream) {
         jpeg_read_header(&codec, TRUE);
     });
     checkSize(decoder.file, codec.image_width, codec.image_height);
-}
-
-std::vector<std::uint8_t> profileIn(Decoder &decoder) {
-    JOCTET *data = nullptr;
-    unsigned length = 0;
-    decoder.run([&] { jpeg_read_icc_profile(&decoder.codec, &data, &length); });
-    const std::unique_ptr<JOCTET, void (*)(void *)> owner(data, std::free);
-    return {data, data + length};
 }
 
 constexpr PictureFormat greySamples{ColourModel::grey, 8, 0, 0};

@@ -4,13 +4,13 @@
 #include "media/MediaError.h"
 #include "media/colour/ColourProfile.h"
 #include "media/jpeg/JpegErrors.h"
+#include "media/jpeg/JpegProfile.h"
 #include "media/samples/FileStream.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -81,14 +81,6 @@ void readHeader(Decoder &decoder, std::FILE *stream) {
 
 template <std::size_t size> bool beginsWith(const jpeg_marker_struct &marker, const char (&mark)[size]) {
     return marker.data_length >= size && std::memcmp(marker.data, mark, size) == 0;
-}
-
-std::vector<std::uint8_t> profileIn(Decoder &decoder) {
-    JOCTET *data = nullptr;
-    unsigned length = 0;
-    decoder.run([&] { jpeg_read_icc_profile(&decoder.codec, &data, &length); });
-    const std::unique_ptr<JOCTET, void (*)(void *)> owner(data, std::free);
-    return {data, data + length};
 }
 
 ImageMetadata metadataIn(Decoder &decoder) {
