@@ -28,6 +28,8 @@ public:
     ConversionDirection direction = ConversionDirection::spatialToSBS;
     std::optional<std::filesystem::path> inputFolderURL;          ///< the input, when it is a folder
     std::optional<std::vector<std::filesystem::path>> inputFiles; ///< the input, when it is a set of files
+    std::vector<std::filesystem::path>
+        otherFiles;                          ///< selected along with inputFiles, but of kinds that are not converted
     std::set<std::filesystem::path> leftOut; ///< files of the input that are not converted; of a pair, the left eye's
     std::optional<std::filesystem::path> outputFolderURL; ///< receives the outputs
     double horizontalFOV = fovRange.start;                ///< degrees, written as stereo metadata

@@ -161,7 +161,7 @@ bool DropFolderView::acceptPaths(const std::vector<fs::path> &paths) {
     } else {
         showFiles(input.files);
         if (onFilesDropped)
-            onFilesDropped(input.files);
+            onFilesDropped(input);
     }
     return true;
 }

@@ -29,8 +29,8 @@ public:
 
     /// Called during the drop.
     std::function<void(const std::filesystem::path &folder)> onFolderDropped;
-    /// Called during the drop. The files are sorted by name.
-    std::function<void(const std::vector<std::filesystem::path> &files)> onFilesDropped;
+    /// Called during the drop.
+    std::function<void(const DroppedInput &files)> onFilesDropped;
     /// Called when the user clicks the box or presses Space or Enter in it.
     std::function<void()> onActivated;
     /// Returns a message for the user when a folder cannot be used, otherwise an empty string. Optional.

@@ -2,6 +2,7 @@
 #include "ui/files/DroppedFiles.h"
 
 #include "engine/batch/InputList.h"
+#include "engine/inspection/MediaKinds.h"
 #include "ui/desktop/PortalFiles.h"
 
 #include <QMimeData>
@@ -57,26 +58,30 @@ bool isFolder(const fs::path &path) {
     return fs::is_directory(path, ignored);
 }
 
-std::vector<fs::path> mediaFilesIn(const std::vector<fs::path> &items) {
+DroppedInput filesAmong(const std::vector<fs::path> &items) {
     std::vector<fs::path> files;
     for (const fs::path &item : items)
         for (fs::path &file : filesIn(item))
             files.push_back(std::move(file));
-    std::vector<fs::path> media;
+    DroppedInput input;
     for (ListedFile &listed : mediaFiles(files))
-        media.push_back(std::move(listed.file));
-    return media;
+        input.files.push_back(std::move(listed.file));
+    for (fs::path &file : files)
+        if (!isMediaFile(file) && !isFolder(file))
+            input.others.push_back(std::move(file));
+    std::ranges::sort(input.others);
+    return input;
 }
 
 DroppedInput classifyDrop(const std::vector<fs::path> &dropped) {
     if (dropped.size() == 1 && isFolder(dropped.front()))
-        return {dropped.front(), {}};
-    return {std::nullopt, mediaFilesIn(dropped)};
+        return {.folder = dropped.front()};
+    return filesAmong(dropped);
 }
 
 DroppedInput classifyChoice(const std::vector<fs::path> &chosen) {
     if (chosen.size() == 1 && !isFolder(chosen.front()))
-        return {std::nullopt, chosen};
+        return {.files = chosen};
     return classifyDrop(chosen);
 }
 

@@ -16,8 +16,9 @@ namespace lumetwin {
 /// The result of a drop or a choice: one folder, or media files sorted by name. Both are empty when nothing can be
 /// used.
 struct DroppedInput {
-    std::optional<std::filesystem::path> folder;
-    std::vector<std::filesystem::path> files;
+    std::optional<std::filesystem::path> folder = {};
+    std::vector<std::filesystem::path> files = {};
+    std::vector<std::filesystem::path> others = {}; ///< files of other kinds, sorted by path
 
     bool empty() const { return !folder && files.empty(); }
 };
@@ -25,11 +26,11 @@ struct DroppedInput {
 /// Whether a path is that of a folder; false also where that cannot be known.
 bool isFolder(const std::filesystem::path &path);
 
-/// The media files among the items: each media file itself, and the visible media files of each folder (not of its
-/// subfolders), sorted by name. A folder that cannot be listed adds nothing.
-std::vector<std::filesystem::path> mediaFilesIn(const std::vector<std::filesystem::path> &items);
+/// The files among the items: each file itself, and the visible files of each folder (not of its subfolders). A folder
+/// that cannot be listed adds nothing.
+DroppedInput filesAmong(const std::vector<std::filesystem::path> &items);
 
-/// A single folder is used as the folder. For everything else the result is mediaFilesIn.
+/// A single folder is used as the folder. For everything else the result is filesAmong.
 DroppedInput classifyDrop(const std::vector<std::filesystem::path> &dropped);
 
 /// The same for a choice in a file dialog, where a single file of any type is accepted.

@@ -60,6 +60,7 @@ std::vector<FileRow> rowsOf(const ConversionSettings &settings) {
     std::vector<FileRow> rows;
     for (const ListedFile &listed : pairEyes(mediaFiles(entries), settings))
         rows.push_back(rowOf(listed, settings));
+    entries.insert(entries.end(), settings.otherFiles.begin(), settings.otherFiles.end());
     std::ranges::sort(entries);
     for (const fs::path &entry : entries)
         if (!isMediaFile(entry) && !isFolder(entry))
@@ -104,6 +105,7 @@ std::shared_ptr<const ConversionSettings> snapshotOf(const ConversionSettings &s
     copy->direction = settings.direction;
     copy->inputFolderURL = settings.inputFolderURL;
     copy->inputFiles = settings.inputFiles;
+    copy->otherFiles = settings.otherFiles;
     copy->leftOut = settings.leftOut;
     copy->outputFolderURL = settings.outputFolderURL;
     copy->inputLayout = settings.inputLayout;

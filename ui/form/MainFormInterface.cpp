@@ -3,6 +3,7 @@
 #include "ui/form/MainViewController.h"
 
 #include "ui/files/DropFolderView.h"
+#include "ui/files/DroppedFiles.h"
 #include "ui/files/WritableFolder.h"
 #include "ui/form/FormValues.h"
 #include "ui/form/HeaderBand.h"
@@ -150,7 +151,7 @@ void MainViewController::buildInput() {
         setInputFolder(folder);
         warnAboutAVI();
     };
-    inputDropView->onFilesDropped = [this](const auto &files) {
+    inputDropView->onFilesDropped = [this](const DroppedInput &files) {
         setInputFiles(files);
         warnAboutAVI();
     };

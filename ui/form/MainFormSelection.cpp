@@ -14,12 +14,24 @@
 
 #include <QPushButton>
 
-#include <algorithm>
+#include <set>
 #include <utility>
 
 namespace lumetwin {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+/// Adds each file that is not among the files yet.
+void addMissing(std::vector<fs::path> &files, const std::vector<fs::path> &added) {
+    std::set<fs::path> known(files.begin(), files.end());
+    for (const fs::path &file : added)
+        if (known.insert(file).second)
+            files.push_back(file);
+}
+
+} // namespace
 
 bool MainViewController::openInput(const std::vector<fs::path> &paths) {
     return inputDropView->acceptPaths(paths);
@@ -40,7 +52,7 @@ void MainViewController::inputChosen(const std::vector<fs::path> &paths) {
         setInputFolder(*input.folder);
         inputDropView->showFolder(*input.folder);
     } else {
-        setInputFiles(input.files);
+        setInputFiles(input);
         inputDropView->showFiles(input.files);
     }
     warnAboutAVI();
@@ -49,12 +61,15 @@ void MainViewController::inputChosen(const std::vector<fs::path> &paths) {
 void MainViewController::setInputFolder(const fs::path &folder) {
     settings->inputFolderURL = folder;
     settings->inputFiles.reset();
+    settings->otherFiles.clear();
     showPath(inputPathLabel, displayPath(folder));
     inputWasSet();
 }
 
-void MainViewController::setInputFiles(const std::vector<fs::path> &files) {
+void MainViewController::setInputFiles(const DroppedInput &input) {
+    const std::vector<fs::path> &files = input.files;
     settings->inputFiles = files;
+    settings->otherFiles = input.others;
     settings->inputFolderURL.reset();
     showPath(inputPathLabel, files.size() == 1 ? displayPath(files.front())
                                                : toQString(filesSelectedText(static_cast<std::int64_t>(files.size()))));
@@ -72,17 +87,17 @@ bool MainViewController::addToInput(const std::vector<fs::path> &paths) {
         return false;
     if (!settings->inputFiles && !settings->inputFolderURL)
         return openInput(paths);
-    const std::vector<fs::path> added = mediaFilesIn(paths);
+    const DroppedInput added = filesAmong(paths);
     if (added.empty())
         return openInput(paths); // says why
-    std::vector<fs::path> files =
-        settings->inputFiles ? *settings->inputFiles : mediaFilesIn({*settings->inputFolderURL});
-    for (const fs::path &file : added)
-        if (std::ranges::find(files, file) == files.end())
-            files.push_back(file);
+    DroppedInput input = settings->inputFiles
+                             ? DroppedInput{.files = *settings->inputFiles, .others = settings->otherFiles}
+                             : filesAmong({*settings->inputFolderURL});
+    addMissing(input.files, added.files);
+    addMissing(input.others, added.others);
     const std::set<fs::path> leftOut = settings->leftOut;
-    setInputFiles(files);
-    inputDropView->showFiles(files);
+    setInputFiles(input);
+    inputDropView->showFiles(input.files);
     settings->leftOut = leftOut;
     warnAboutAVI();
     return true;

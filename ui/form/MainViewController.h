@@ -37,6 +37,7 @@ class PreflightSequence;
 class ProgressViewController;
 class SectionView;
 class ValueSlider;
+struct DroppedInput;
 struct NumberRange;
 
 /// The form of the main window. It has a control for every field of the settings and copies each change into them, runs
@@ -177,7 +178,7 @@ private:
     void readSizeFields();
     void updateResizePreview();
     void setInputFolder(const std::filesystem::path &folder);
-    void setInputFiles(const std::vector<std::filesystem::path> &files);
+    void setInputFiles(const DroppedInput &input);
     void inputChosen(const std::vector<std::filesystem::path> &paths);
     void setOutputFolder(const std::filesystem::path &folder);
     void outputChosen(const std::filesystem::path &folder);

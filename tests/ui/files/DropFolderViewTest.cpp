@@ -25,7 +25,10 @@ class DropView : public testing::Test {
 protected:
     DropView() {
         view.onFolderDropped = [this](const fs::path &folder) { folders.push_back(folder); };
-        view.onFilesDropped = [this](const std::vector<fs::path> &files) { fileSets.push_back(files); };
+        view.onFilesDropped = [this](const DroppedInput &input) {
+            fileSets.push_back(input.files);
+            others.push_back(input.others);
+        };
         view.setAccessibleName(QStringLiteral("Input"));
         view.resize(320, 36);
         view.show();
@@ -62,7 +65,7 @@ protected:
     ScratchFolder scratch;
     DropFolderView view;
     std::vector<fs::path> folders;
-    std::vector<std::vector<fs::path>> fileSets;
+    std::vector<std::vector<fs::path>> fileSets, others;
 };
 
 TEST_F(DropView, IsEmptyAtFirst) {
@@ -105,6 +108,7 @@ TEST_F(DropView, AFolderAmongFilesContributesItsMedia) {
     EXPECT_TRUE(drop({single, folder}));
     ASSERT_EQ(fileSets.size(), 1U);
     EXPECT_EQ(fileSets.front(), (std::vector{folder / "Z.MOV", single, folder / "b.heic"}));
+    EXPECT_EQ(others.front(), std::vector{folder / "notes.txt"});
     EXPECT_TRUE(folders.empty());
 }
 

@@ -187,6 +187,11 @@ TEST(InputRows, ShowUnsupportedFilesAndJoinPairs) {
     EXPECT_EQ(rows[2].kind, FileRow::Kind::unsupported);
     settings.direction = ConversionDirection::spatialToSBS;
     EXPECT_EQ(rowsOf(settings).size(), 4u) << "only eyes of the way to spatial media are joined";
+    settings.inputFolderURL.reset();
+    settings.inputFiles = {scratch.path / "b.mov"};
+    settings.otherFiles = {scratch.path / "notes.txt"};
+    ASSERT_EQ(rowsOf(settings).size(), 2u);
+    EXPECT_EQ(rowsOf(settings)[1].kind, FileRow::Kind::unsupported) << "selected along with the media";
 }
 
 TEST(InputRows, TheEyesOfAPairAreLeftOutOfTheChecksTogether) {

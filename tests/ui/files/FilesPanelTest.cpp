@@ -165,15 +165,19 @@ TEST_F(FilesPanelTest, DropsOnTheWindowAddToTheInput) {
     scene.seed = 9;
     writePicture(besideEachOther(drawnEyes(scene)), other.path / "z.jpg");
     QMimeData mime;
-    mime.setUrls({QUrl::fromLocalFile(QString::fromStdString((other.path / "z.jpg").string()))});
+    const fs::path notes = other.file("notes.txt");
+    mime.setUrls({QUrl::fromLocalFile(QString::fromStdString((other.path / "z.jpg").string())),
+                  QUrl::fromLocalFile(QString::fromStdString(notes.string()))});
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&part<QLabel>("filesTotals"), &enter); // anywhere in the window
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&part<QLabel>("filesTotals"), &drop);
     EXPECT_TRUE(drop.isAccepted());
     waitForLooks();
-    ASSERT_EQ(rows().size(), 2u);
+    ASSERT_EQ(rows().size(), 3u);
     EXPECT_EQ(rows()[1].file.filename(), "z.jpg");
+    EXPECT_EQ(rows()[2].file.filename(), "notes.txt");
+    EXPECT_EQ(rows()[2].kind, FileRow::Kind::unsupported);
 }
 
 TEST_F(FilesPanelTest, CopiesTheReport) {
