@@ -16,6 +16,8 @@ namespace {
 // Points.
 constexpr double widthOfBoth = 1280;
 constexpr double widthOfForm = 720;
+constexpr double leastOfForm = 680;
+constexpr double leastOfPanel = 440;
 
 } // namespace
 
@@ -67,13 +69,25 @@ void SidePanel::openBeside() {
         if (window_->isVisible() && window_->frameGeometry().right() > available.right())
             window_->move(available.center().x() - window_->frameGeometry().width() / 2, window_->y());
     }
+    setLeastWidths(PointScale::current().horizontal(leastOfForm), PointScale::current().horizontal(leastOfPanel));
     splitter_->setSizes({form, std::max(1, window_->width() - form)});
+}
+
+/// Keeps form and panel from being cut off by the splitter or by a narrow window. Two zeros: the window as it was.
+void SidePanel::setLeastWidths(int form, int panel) {
+    if (form > 0)
+        leastBefore_ = window_->minimumWidth();
+    form_->setMinimumWidth(form);
+    panel_->setMinimumWidth(panel);
+    window_->setMinimumWidth(form > 0 ? std::max(leastBefore_, form + splitter_->handleWidth() + panel) : leastBefore_);
 }
 
 void SidePanel::close() {
     if (!isOpen_)
         return;
     isOpen_ = false;
+    if (isBeside_)
+        setLeastWidths(0, 0);
     panel_->hide();
     form_->show();
     if (!sizeBefore_.isEmpty() && !window_->isMaximized() && !window_->isFullScreen())

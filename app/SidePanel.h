@@ -34,6 +34,7 @@ signals:
 
 private:
     void openBeside();
+    void setLeastWidths(int form, int panel);
 
     QWidget *window_;
     QWidget *form_;
@@ -41,7 +42,8 @@ private:
     QSplitter *splitter_;
     bool isOpen_ = false;
     bool isBeside_ = false;
-    QSize sizeBefore_; ///< of the window, before the panel was opened beside the form; empty when it was not resized
+    int leastBefore_ = 0; ///< the window's minimum width without the panel
+    QSize sizeBefore_;    ///< of the window, before the panel was opened beside the form; empty when it was not resized
 };
 
 } // namespace lumetwin

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Checks that no text is cut off and no widgets overlap, in each language and at each text size.
+#include "support/Looks.h"
 #include "engine/texts/Texts.h"
 #include "support/Scripted.h"
 #include "ui/form/MainViewController.h"
@@ -34,78 +35,8 @@
 namespace lumetwin::test {
 namespace {
 
-struct Conditions {
-    const char *language;
-    int textPercent;
-};
-
-void PrintTo(const Conditions &conditions, std::ostream *stream) {
-    *stream << conditions.language << conditions.textPercent;
-}
-
-class Looks : public testing::TestWithParam<Conditions> {
+class Looks : public testing::TestWithParam<TextConditions> {
 protected:
-    Looks() {
-        setTextLocale(GetParam().language);
-        QFont font = usual_;
-        font.setPointSizeF(10.0 * GetParam().textPercent / 100);
-        QApplication::setFont(font);
-        QApplication::setStyle(new ScaledStyle);
-    }
-    ~Looks() override {
-        setTextLocale("en");
-        QApplication::setFont(usual_);
-    }
-
-    static std::string widgetName(const QWidget &widget) {
-        return (widget.objectName().isEmpty() ? QLatin1String(widget.metaObject()->className()) : widget.objectName())
-            .toStdString();
-    }
-
-    /// The width that a widget's text needs.
-    static int neededWidth(const QWidget &widget) {
-        if (const auto *label = qobject_cast<const QLabel *>(&widget))
-            return label->wordWrap() ? 0 : label->fontMetrics().horizontalAdvance(withoutMnemonic(label->text()));
-        if (const auto *button = qobject_cast<const QPushButton *>(&widget)) // its edges may come close
-            return button->fontMetrics().horizontalAdvance(withoutMnemonic(button->text())) + 2;
-        if (qobject_cast<const QAbstractButton *>(&widget) || qobject_cast<const QComboBox *>(&widget))
-            return widget.sizeHint().width();
-        if (const auto *field = qobject_cast<const QLineEdit *>(&widget))
-            return field->fontMetrics().horizontalAdvance(field->text()) + 12;
-        return 0;
-    }
-
-    static void expectNothingCutOff(const QWidget &window) {
-        for (const QWidget *widget : window.findChildren<QWidget *>()) {
-            if (!widget->isVisibleTo(&window) || qobject_cast<const ElidedLabel *>(widget))
-                continue;
-            EXPECT_LE(neededWidth(*widget), widget->width())
-                << widgetName(*widget) << " " << widget->accessibleName().toStdString();
-            const auto *label = qobject_cast<const QLabel *>(widget);
-            if (label && label->wordWrap()) {
-                EXPECT_LE(label->heightForWidth(label->width()), label->height()) << label->text().toStdString();
-            }
-        }
-    }
-
-    /// Expects that no two visible widgets of a window overlap, except a widget and its descendants.
-    static void expectNoOverlaps(const QWidget &window) {
-        QList<const QWidget *> shown;
-        for (const QWidget *widget : window.findChildren<QWidget *>())
-            if (widget->isVisibleTo(&window) && !widget->isWindow() && widget->window() == window.window())
-                shown << widget;
-        // Widgets that are scrolled out of view lie behind other parts of the window.
-        const auto place = [&window](const QWidget *widget) {
-            return widget->visibleRegion().boundingRect().translated(widget->mapTo(&window, QPoint()));
-        };
-        for (qsizetype i = 0; i < shown.size(); ++i)
-            for (qsizetype j = i + 1; j < shown.size(); ++j)
-                if (!shown[i]->isAncestorOf(shown[j]) && !shown[j]->isAncestorOf(shown[i])) {
-                    EXPECT_FALSE(place(shown[i]).intersects(place(shown[j])))
-                        << widgetName(*shown[i]) << " and " << widgetName(*shown[j]);
-                }
-    }
-
     /// Expects that the texts of a dialog have enough space.
     static void expectTextsHaveSpace(const QWidget &dialog) {
         for (const QLabel *label : dialog.findChildren<QLabel *>()) {
@@ -127,7 +58,7 @@ protected:
     FakeServices fakes;
 
 private:
-    const QFont usual_ = QApplication::font();
+    const TextsUnder texts_{GetParam()};
 };
 
 TEST_P(Looks, NothingInTheFormIsCutOffOrOverlaps) {
@@ -294,13 +225,7 @@ TEST(AlertLooks, ButtonsHaveNoIcons) {
         EXPECT_TRUE(button->icon().isNull()) << button->text().toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(Everywhere, Looks,
-                         testing::Values(Conditions{"en", 100}, Conditions{"en", 125}, Conditions{"en", 150},
-                                         Conditions{"en", 200}, Conditions{"ja", 100}, Conditions{"ja", 125},
-                                         Conditions{"ja", 150}, Conditions{"ja", 200}),
-                         [](const auto &testInfo) {
-                             return std::string(testInfo.param.language) + std::to_string(testInfo.param.textPercent);
-                         });
+INSTANTIATE_TEST_SUITE_P(Everywhere, Looks, testing::ValuesIn(allTextConditions), conditionsName);
 
 } // namespace
 } // namespace lumetwin::test
