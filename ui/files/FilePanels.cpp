@@ -98,9 +98,8 @@ void DialogPanels::chooseInput(QWidget *parent, ChosenCallback chosen) {
     });
     QObject::connect(menu->addAction(toQString(text("menu.choose.folder"))), &QAction::triggered, parent,
                      [=, this] { openDialog(makeDialog(parent, title, QFileDialog::Directory), lastFolder_, chosen); });
-    const QWidget *source = parent->focusWidget() ? parent->focusWidget() : parent;
-    const bool pointerInside = source->rect().contains(source->mapFromGlobal(QCursor::pos()));
-    menu->popup(pointerInside ? QCursor::pos() : source->mapToGlobal(source->rect().bottomLeft()));
+    const bool pointerInside = parent->rect().contains(parent->mapFromGlobal(QCursor::pos()));
+    menu->popup(pointerInside ? QCursor::pos() : parent->mapToGlobal(parent->rect().bottomLeft()));
 }
 
 void DialogPanels::chooseOutputFolder(QWidget *parent, ChosenCallback chosen) {

@@ -19,7 +19,7 @@ public:
 
     virtual ~FilePanels() = default;
 
-    /// Chooses any number of folders and files.
+    /// Chooses any number of folders and files. Where a menu asks which, it opens at the parent.
     virtual void chooseInput(QWidget *parent, ChosenCallback chosen) = 0;
     /// Chooses one folder.
     virtual void chooseOutputFolder(QWidget *parent, ChosenCallback chosen) = 0;

@@ -38,7 +38,8 @@ bool MainViewController::openInput(const std::vector<fs::path> &paths) {
 }
 
 void MainViewController::selectInputFolder() {
-    services_.panels->chooseInput(this, [form = QPointer(this)](const std::vector<fs::path> &paths) {
+    QWidget *source = inputDropView->hasFocus() ? static_cast<QWidget *>(inputDropView) : inputSelectBtn;
+    services_.panels->chooseInput(source, [form = QPointer(this)](const std::vector<fs::path> &paths) {
         if (form)
             form->inputChosen(paths);
     });
