@@ -3,9 +3,11 @@
 
 #include "app/AboutPanel.h"
 #include "app/HelpPages.h"
+#include "app/LaunchOptions.h"
 #include "app/MainMenu.h"
 #include "app/MainWindowController.h"
 #include "engine/texts/Texts.h"
+#include "ui/form/MainViewController.h"
 #include "ui/widgets/BackgroundThreads.h"
 #include "ui/widgets/MainThreadQueue.h"
 
@@ -22,14 +24,16 @@ AppDelegate::AppDelegate() {
 
 AppDelegate::~AppDelegate() = default;
 
-void AppDelegate::applicationDidFinishLaunching(const QStringList &arguments) {
+void AppDelegate::applicationDidFinishLaunching(const LaunchOptions &options) {
     mainWindowController = std::make_unique<MainWindowController>();
     QMainWindow *window = mainWindowController->window();
     installMainMenu(*window, *this);
     mainWindowController->showWindow();
     window->raise();
     window->activateWindow();
-    mainWindowController->openInput(arguments);
+    if (options.direction)
+        mainWindowController->form()->setDirection(*options.direction);
+    mainWindowController->openInput(options.inputs);
 }
 
 void AppDelegate::applicationWillTerminate() {

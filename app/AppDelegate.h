@@ -2,13 +2,13 @@
 #pragma once
 
 #include <QObject>
-#include <QStringList>
 
 #include <memory>
 
 namespace lumetwin {
 
 class MainWindowController;
+struct LaunchOptions;
 
 /// Creates the program's only window and its menu. The program ends when the window closes.
 class AppDelegate : public QObject {
@@ -18,8 +18,8 @@ public:
     AppDelegate();
     ~AppDelegate() override;
 
-    /// Opens the window. arguments: files, folders or file URLs to use as input.
-    void applicationDidFinishLaunching(const QStringList &arguments);
+    /// Opens the window.
+    void applicationDidFinishLaunching(const LaunchOptions &options);
     bool applicationShouldTerminateAfterLastWindowClosed() const { return true; }
     /// Waits up to ten seconds until a stopped batch has removed its partial files.
     void applicationWillTerminate();

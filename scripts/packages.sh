@@ -18,7 +18,7 @@ packages_test=(
     libgtest-dev libgmock-dev libbenchmark-dev ffmpeg mediainfo libimage-exiftool-perl
     libheif-examples imagemagick gettext desktop-file-utils appstream xvfb xauth xdotool openbox
     dbus-x11 at-spi2-core gir1.2-atspi-2.0 gir1.2-gtk-3.0 python3-gi sway grim wtype
-    man-db x11-utils libxml2-utils python3-yaml file
+    man-db x11-utils libxml2-utils python3-yaml file shared-mime-info zsh fish
 )
 
 # missing_packages NAME…: prints the packages that are not installed.

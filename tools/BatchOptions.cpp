@@ -2,8 +2,10 @@
 #include "tools/BatchOptions.h"
 
 #include "engine/inspection/MediaKinds.h"
+#include "tools/Completion.h"
 #include "tools/OptionTable.h"
 
+#include <algorithm>
 #include <system_error>
 
 namespace lumetwin::batch {
@@ -93,6 +95,13 @@ void parseInspection(Arguments arguments, BatchOptions &options) {
         throw UsageError("no file to inspect");
 }
 
+void parseCompletion(Arguments arguments, BatchOptions &options) {
+    options.command = Command::completion;
+    if (arguments.size() != 1 || std::ranges::find(shellNames, std::string_view(arguments.front())) == shellNames.end())
+        throw UsageError("completion needs the name of a shell: bash, zsh or fish");
+    options.shell = arguments.front();
+}
+
 bool containsOption(Arguments arguments, std::string_view option, std::string_view shortOption) {
     for (const std::string_view argument : arguments) {
         if (argument == "--")
@@ -129,6 +138,8 @@ BatchOptions parseOptions(Arguments arguments) {
         options.command = Command::version;
     else if (!arguments.empty() && std::string_view(arguments.front()) == "inspect")
         parseInspection(arguments.subspan(1), options);
+    else if (!arguments.empty() && std::string_view(arguments.front()) == "completion")
+        parseCompletion(arguments.subspan(1), options);
     else
         parseConversion(arguments, options);
     return options;

@@ -9,6 +9,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumetwin::batch {
@@ -19,13 +20,14 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-enum class Command { convert, inspect, help, version };
+enum class Command { convert, inspect, completion, help, version };
 
 /// The parsed command line.
 struct BatchOptions {
     Command command = Command::convert;
     std::vector<std::filesystem::path> inputs;
     bool json = false;                           ///< only for inspect
+    std::string_view shell;                      ///< only for completion; one of shellNames
     std::optional<std::filesystem::path> report; ///< receives the results as JSON; "-" is standard output
     bool strict = false;                         ///< warnings count as failures for the exit status
     bool inProcess = false;                      ///< files are worked on in this process, not in a confined one

@@ -2,6 +2,7 @@
 #include "tools/Commands.h"
 
 #include "engine/texts/FileNames.h"
+#include "tools/Completion.h"
 #include "worker/ConfinedOperations.h"
 
 #include <fmt/format.h>
@@ -56,6 +57,9 @@ int run(BatchOptions options, const std::function<MediaOperations()> &operations
         return printVersion(console);
     case Command::inspect:
         return statusAfterFlush(inspectCommand(options, console, operationsFor(options, operations)));
+    case Command::completion:
+        std::fputs(completionScript(options.shell).c_str(), stdout);
+        return statusAfterFlush(allSucceeded);
     case Command::convert:
         break;
     }

@@ -57,6 +57,17 @@ std::int64_t parseSize(std::string_view value, const std::string &option) {
     return size;
 }
 
+template <typename Case, std::size_t count>
+constexpr std::array<std::string_view, count> firstOfEach(const CaseNames<Case, count> &names) {
+    std::array<std::string_view, count> words{};
+    std::ranges::transform(names, words.begin(), [](const auto &entry) { return entry.first; });
+    return words;
+}
+
+/// The names of the cases, which the option takes as its value.
+template <const auto &names> constexpr auto wordsOf = firstOfEach(names);
+constexpr std::array<std::string_view, 1> automaticWord{"auto"};
+
 using Options = BatchOptions;
 using Value = std::string_view;
 using Name = const std::string &;
@@ -64,7 +75,8 @@ using Name = const std::string &;
 // First the options of ConversionSettings, in the order of its fields. The ranges are the same as in the window.
 constexpr std::array options{
     Option{"--direction", "DIRECTION", "spatialToSBS (default) or sbsToSpatial",
-           [](Options &o, Value v, Name n) { o.settings->direction = parseCase(directionNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->direction = parseCase(directionNames, v, n); }, nullptr,
+           wordsOf<directionNames>},
     Option{"--output", "FOLDER", "receives the results",
            [](Options &o, Value v, Name n) {
                if (v.empty())
@@ -75,22 +87,26 @@ constexpr std::array options{
            [](Options &o, Value v, Name n) { o.settings->horizontalFOV = parseInRange(v, fovRange, n); }, &fovRange},
     Option{"--disparity-adjustment", "PERCENT", "disparity adjustment to write: auto, or ",
            [](Options &o, Value v, Name n) {
-               o.settings->automaticDisparity = v == "auto";
+               o.settings->automaticDisparity = v == automaticWord[0];
                if (!o.settings->automaticDisparity)
                    o.settings->disparityAdjustment = parseInRange(v, disparityRange, n);
            },
-           &disparityRange},
+           &disparityRange, automaticWord},
     Option{"--stereo-baseline", "MILLIMETRES", "distance of the lenses to write, ",
            [](Options &o, Value v, Name n) { o.settings->stereoBaseline = parseInRange(v, baselineRange, n); },
            &baselineRange},
     Option{"--stereo-values", "WHENCE", "from-options (default), or from-file where the file has them",
-           [](Options &o, Value v, Name n) { o.settings->stereoValuesSource = parseCase(stereoValuesNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->stereoValuesSource = parseCase(stereoValuesNames, v, n); },
+           nullptr, wordsOf<stereoValuesNames>},
     Option{"--input-layout", "LAYOUT", "automatic (default), side-by-side, half-side-by-side, over-under, ...",
-           [](Options &o, Value v, Name n) { o.settings->inputLayout = parseCase(inputLayoutNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->inputLayout = parseCase(inputLayoutNames, v, n); }, nullptr,
+           wordsOf<inputLayoutNames>},
     Option{"--sbs-output-format", "FORMAT", "of side-by-side video: mp4H264 (default), mp4H265, movHEVC",
-           [](Options &o, Value v, Name n) { o.settings->sbsOutputFormat = parseCase(videoFormatNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->sbsOutputFormat = parseCase(videoFormatNames, v, n); },
+           nullptr, wordsOf<videoFormatNames>},
     Option{"--sbs-photo-output-format", "FORMAT", "of side-by-side photos: jpg (default), png, tiff, heic",
-           [](Options &o, Value v, Name n) { o.settings->sbsPhotoOutputFormat = parseCase(photoFormatNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->sbsPhotoOutputFormat = parseCase(photoFormatNames, v, n); },
+           nullptr, wordsOf<photoFormatNames>},
     Option{"--compression-quality", "QUALITY", "",
            [](Options &o, Value v, Name n) { o.settings->compressionQuality = parseInRange(v, qualityRange, n); },
            &qualityRange},
@@ -104,7 +120,8 @@ constexpr std::array options{
     Option{"--resize-height", "PIXELS", "height of one eye, even (1080)",
            [](Options &o, Value v, Name n) { o.settings->resizeHeight = parseSize(v, n); }},
     Option{"--resize-mode", "MODE", "stretch, cropFill or letterbox (default)",
-           [](Options &o, Value v, Name n) { o.settings->resizeMode = parseCase(resizeModeNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->resizeMode = parseCase(resizeModeNames, v, n); }, nullptr,
+           wordsOf<resizeModeNames>},
     Option{"--no-copy-audio", "", "leave the sound out",
            [](Options &o, Value, Name) { o.settings->copyAudio = false; }},
     Option{"--keep-timing", "", "show each frame at its own time, instead of at a constant rate",
@@ -118,7 +135,8 @@ constexpr std::array options{
     Option{"--skip-existing", "", "leave alone what an earlier run finished from the same source",
            [](Options &o, Value, Name) { o.settings->skipExisting = true; }},
     Option{"--on-existing", "WHAT", "a file of a result's name: replace (default), keep-both, skip",
-           [](Options &o, Value v, Name n) { o.settings->onExisting = parseCase(onExistingNames, v, n); }},
+           [](Options &o, Value v, Name n) { o.settings->onExisting = parseCase(onExistingNames, v, n); }, nullptr,
+           wordsOf<onExistingNames>},
     Option{"--report", "FILE", "write what became of each file as JSON; - is standard output",
            [](Options &o, Value v, Name n) {
                if (v.empty())
@@ -142,30 +160,27 @@ const Option *findOption(std::string_view name) {
     return found == options.end() ? nullptr : &*found;
 }
 
-namespace {
-
-/// The numbers that an option takes, and its default: "10 to 180 (63.4)".
-std::string rangeText(const Option &option) {
-    if (!option.range)
-        return {};
-    return fmt::format("{} to {} ({})", option.range->minimum, option.range->maximum, option.range->start);
+std::string description(const Option &option) {
+    std::string text(option.help);
+    if (option.range)
+        text += fmt::format("{} to {} ({})", option.range->minimum, option.range->maximum, option.range->start);
+    return text;
 }
-
-} // namespace
 
 std::string helpText() {
     std::string text = "Usage: lumetwin-batch [OPTION]... --output FOLDER INPUT...\n"
                        "       lumetwin-batch inspect [--json] [--in-process] FILE...\n"
+                       "       lumetwin-batch completion bash|zsh|fish\n"
                        "\n"
                        "Converts stereoscopic videos and photos between spatial media (MV-HEVC movies, stereo HEIC\n"
                        "photos) and side-by-side media. INPUT is one folder, whose files are taken, or files. Files\n"
                        "that do not suit the direction are skipped.\n"
                        "\n";
     for (const Option &option : optionTable())
-        text += fmt::format("  {:<38} {}\n", fmt::format("{} {}", option.name, option.argument),
-                            std::string(option.help) + rangeText(option));
+        text += fmt::format("  {:<38} {}\n", fmt::format("{} {}", option.name, option.argument), description(option));
     return text + "\n"
                   "inspect tells whether files are spatial media, and their stereo values; with --json, for programs.\n"
+                  "completion prints the script that completes this program's options in a shell.\n"
                   "\n"
                   "  -h, --help                             this text\n"
                   "  --version                              the version, and how files are confined\n"

@@ -18,10 +18,14 @@ struct Option {
     std::string_view help;     ///< the description in the help text
     /// Sets the field. name: the option's name for the message. Throws UsageError when the value is not valid.
     void (*apply)(BatchOptions &options, std::string_view value, const std::string &name);
-    const NumberRange *range = nullptr; ///< of a number; the help text ends in it
+    const NumberRange *range = nullptr;           ///< of a number; the help text ends in it
+    std::span<const std::string_view> words = {}; ///< the values that are words
 };
 
 std::span<const Option> optionTable();
+
+/// The help text of an option, with the numbers that it takes and its default.
+std::string description(const Option &option);
 
 /// The option of that name, or null.
 const Option *findOption(std::string_view name);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The window and its menu: closing, quitting, the keys of the menu, small sizes.
 #include "app/AppDelegate.h"
+#include "app/LaunchOptions.h"
 #include "app/MainMenu.h"
 #include "app/MainWindowController.h"
 #include "app/WindowSizes.h"
@@ -135,6 +136,35 @@ TEST_F(MainWindowTest, ShowsEverythingAtItsMinimumSize) {
             EXPECT_GE(section->x(), 0) << section->objectName().toStdString();
             EXPECT_LE(section->geometry().right(), document.width()) << section->objectName().toStdString();
         }
+}
+
+TEST(LaunchOptions, TakeADirectionAndInputs) {
+    const auto parsed = [](const QStringList &arguments) {
+        return launchOptions(QStringList{QStringLiteral("lumetwin")} + arguments);
+    };
+    const LaunchOptions plain = parsed({QStringLiteral("a.mov"), QStringLiteral("file:///b.heic")});
+    EXPECT_FALSE(plain.direction);
+    EXPECT_EQ(plain.inputs, (QStringList{QStringLiteral("a.mov"), QStringLiteral("file:///b.heic")}));
+    EXPECT_EQ(plain.error + plain.output, QString());
+    const LaunchOptions spatial = parsed({QStringLiteral("--direction"), QStringLiteral("sbsToSpatial"),
+                                          QStringLiteral("--"), QStringLiteral("-odd name.jpg")});
+    EXPECT_EQ(spatial.direction, ConversionDirection::sbsToSpatial);
+    EXPECT_EQ(spatial.inputs, QStringList{QStringLiteral("-odd name.jpg")});
+    EXPECT_EQ(parsed({QStringLiteral("--direction=spatialToSBS")}).direction, ConversionDirection::spatialToSBS);
+    EXPECT_TRUE(parsed({QStringLiteral("--direction=up")}).error.contains(QStringLiteral("\"up\"")));
+    EXPECT_FALSE(parsed({QStringLiteral("--direction")}).error.isEmpty()) << "without a value";
+    EXPECT_FALSE(parsed({QStringLiteral("--unknown")}).error.isEmpty());
+    EXPECT_TRUE(parsed({QStringLiteral("--help")}).output.contains(QStringLiteral("--direction")));
+    EXPECT_EQ(parsed({QStringLiteral("--version")}).output, QStringLiteral("lumetwin " LUMETWIN_VERSION "\n"));
+}
+
+TEST(LaunchOptions, TheDirectionIsChosenInTheForm) {
+    for (const auto direction : {ConversionDirection::sbsToSpatial, ConversionDirection::spatialToSBS}) {
+        AppDelegate delegate;
+        delegate.applicationDidFinishLaunching({.direction = direction});
+        EXPECT_EQ(delegate.windowController()->form()->settings->direction, direction);
+        delegate.applicationWillTerminate();
+    }
 }
 
 } // namespace

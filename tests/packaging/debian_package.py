@@ -66,6 +66,11 @@ class DebianPackage(unittest.TestCase):
             "usr/share/lintian/overrides/lumetwin",
             "usr/share/man/man1/lumetwin-batch.1.gz", "usr/share/man/man1/lumetwin.1.gz",
             f"usr/share/metainfo/{ID}.metainfo.xml",
+            f"usr/share/mime/packages/{ID}.xml", "usr/share/kio/servicemenus/lumetwin.desktop",
+            "usr/share/nautilus-python/extensions/lumetwin.py", "usr/share/nemo/actions/lumetwin-to-side-by-side.nemo_action",
+            "usr/share/nemo/actions/lumetwin-to-spatial.nemo_action",
+            "usr/share/bash-completion/completions/lumetwin-batch.bash", "usr/share/zsh/vendor-completions/_lumetwin-batch",
+            "usr/share/fish/vendor_completions.d/lumetwin-batch.fish",
         } | {f"usr/{page}" for page in HELP_FILES})
 
     def test_folders_are_readable_by_all(self):

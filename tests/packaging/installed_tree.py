@@ -14,6 +14,11 @@ TREE = {
     f"share/icons/hicolor/scalable/apps/{ID}.svg", f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
     "share/man/man1/lumetwin-batch.1", "share/man/man1/lumetwin.1",
     f"share/metainfo/{ID}.metainfo.xml",
+    f"share/mime/packages/{ID}.xml", "share/kio/servicemenus/lumetwin.desktop",
+    "share/nautilus-python/extensions/lumetwin.py", "share/nemo/actions/lumetwin-to-side-by-side.nemo_action",
+    "share/nemo/actions/lumetwin-to-spatial.nemo_action",
+    "share/bash-completion/completions/lumetwin-batch.bash", "share/zsh/vendor-completions/_lumetwin-batch",
+    "share/fish/vendor_completions.d/lumetwin-batch.fish",
 } | HELP_FILES
 
 

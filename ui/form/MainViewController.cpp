@@ -236,6 +236,11 @@ void MainViewController::turnDirection() {
         (spatialToSBSButton->isChecked() ? sbsToSpatialButton : spatialToSBSButton)->setChecked(true);
 }
 
+void MainViewController::setDirection(ConversionDirection direction) {
+    if (settings->direction != direction)
+        turnDirection();
+}
+
 void MainViewController::setLeftOut(const std::set<std::filesystem::path> &files) {
     settings->leftOut = files;
 }

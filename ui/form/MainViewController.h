@@ -84,6 +84,8 @@ public:
 
     /// Gives the focus to the chosen direction, not to the start button.
     void focusFirstControl();
+    /// Chooses a direction. Does nothing while a batch runs.
+    void setDirection(ConversionDirection direction);
 
     // For the panel of files. The first three do nothing while a batch runs.
     void setSwapped(bool swapped);
