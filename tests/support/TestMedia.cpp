@@ -93,6 +93,12 @@ ProgramResult runProgram(const std::vector<std::string> &command) {
     return result;
 }
 
+ProgramResult runProgramAsUser(std::vector<std::string> command) {
+    if (geteuid() == 0)
+        command.insert(command.begin(), {"setpriv", "--bounding-set", "-dac_override,-dac_read_search", "--"});
+    return runProgram(command);
+}
+
 std::string output(const std::vector<std::string> &command) {
     const ProgramResult result = runProgram(command);
     if (result.status != 0)

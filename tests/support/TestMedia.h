@@ -40,6 +40,8 @@ struct ProgramResult {
 
 /// Runs a program with arguments, no shell in between.
 ProgramResult runProgram(const std::vector<std::string> &command);
+/// The same without root's right to read and write everything.
+ProgramResult runProgramAsUser(std::vector<std::string> command);
 
 /// Runs a program that must succeed; its standard output.
 std::string output(const std::vector<std::string> &command);
