@@ -76,6 +76,9 @@ int runBatchTool(int count, const char *const *arguments, const std::function<Me
     } catch (const UsageError &error) {
         fmt::print(stderr, "lumetwin-batch: {}\nTry 'lumetwin-batch --help'.\n", printable(error.what()));
         return wrongUsage;
+    } catch (const std::exception &error) { // no thread, no memory: nothing can be begun
+        fmt::print(stderr, "lumetwin-batch: {}\n", printable(error.what()));
+        return someFailed;
     }
 }
 

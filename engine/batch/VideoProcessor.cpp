@@ -120,7 +120,12 @@ void VideoProcessor::log(const std::string &line) {
 }
 
 void VideoProcessor::processAll() {
-    const Ending ending = run();
+    Ending ending;
+    try {
+        ending = run();
+    } catch (const std::exception &error) { // no memory for the list of files, for example
+        ending = {false, errorMessage(error)};
+    }
     call(onComplete, ending.success, ending.message);
 }
 

@@ -35,9 +35,9 @@ public:
     /// May be set from any thread to stop the run. Checked before each file and between frames. Never reset.
     std::atomic<bool> cancelRequested{false};
 
-    // Callbacks. Empty ones are not called; none may throw. They are called on the thread of processAll, except
-    // onFrameProgress, which is called on the conversion's thread. File names are those of the file system: they may
-    // contain control characters or bytes that are not valid UTF-8.
+    // Callbacks. Empty ones are not called; one that throws ends the run. They are called on the thread of processAll,
+    // except onFrameProgress, which is called on the conversion's thread. File names are those of the file system: they
+    // may contain control characters or bytes that are not valid UTF-8.
 
     /// A file begins, even one that is then skipped. index: from 0.
     std::function<void(std::int64_t index, std::int64_t total, const std::string &fileName)> onProgress;

@@ -43,6 +43,16 @@ TEST_F(Failure, FolderThatIsAFile) {
     EXPECT_THAT(completions, ElementsAre(Completion{false, "The input folder cannot be read: Not a directory"}));
 }
 
+TEST_F(Failure, WithoutMemoryBetweenFilesTheRunEndsWithThatReason) {
+    spatial("1.mov");
+    onConvert("1.mov", [this](const ConversionControl *) {
+        processor->onResult = [](const FileResult &) { throw std::bad_alloc(); };
+    });
+    useFolder();
+    run();
+    EXPECT_THAT(completions, ElementsAre(Completion{false, "There is not enough memory."}));
+}
+
 TEST_F(Failure, OneBadFileDoesNotStopTheOthers) {
     for (const char *name : {"1.mov", "2.mov", "3.mov", "4.mov", "5.mov"})
         spatial(name);
