@@ -2,6 +2,7 @@
 """Places that fill up, are read-only, vanish, lose a file, or are slow: the batch goes on and names file and cause.
 Needs root, for small file systems of its own."""
 import pathlib
+import random
 import shutil
 import subprocess
 import tempfile
@@ -64,8 +65,10 @@ def full(folder, inputs):
     """Room for the photos, not for the film."""
     big = folder / "big"
     big.mkdir()
-    media.ffmpeg("-f", "lavfi", "-i", "nullsrc=size=1024x288:rate=15:duration=3,geq=random(1)*255:128:128", "-c:v",
-                 "libx264", "-crf", "10", big / "a film.mp4")
+    noise = folder / "noise.yuv"
+    noise.write_bytes(random.Random(1).randbytes(1024 * 288 * 3 // 2 * 45))
+    media.ffmpeg("-f", "rawvideo", "-pixel_format", "yuv420p", "-video_size", "1024x288", "-framerate", "15", "-i", noise,
+                 "-c:v", "libx264", "-preset", "ultrafast", "-crf", "20", big / "a film.mp4")
     for name in ("b photo.jpg", "c photo.jpg"):
         shutil.copy(inputs / name, big / name)
     place = mounted(folder / "full", "size=700k")
