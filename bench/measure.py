@@ -22,8 +22,9 @@ def stack():
     """The folder of the media stack that ./run has built."""
     cache = os.environ.get("LUMETWIN_CACHE") or os.path.join(
         os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache"), "lumetwin")
-    recipe = hashlib.sha256((SOURCE / "scripts/stack.sh").read_bytes()).hexdigest()[:12]
-    return pathlib.Path(cache, f"stack-{recipe}")
+    parts = [SOURCE / "scripts/stack.sh", *sorted((SOURCE / "scripts/patches").glob("*.patch"))]
+    sums = "".join(hashlib.sha256(part.read_bytes()).hexdigest() + "\n" for part in parts)
+    return pathlib.Path(cache, f"stack-{hashlib.sha256(sums.encode()).hexdigest()[:12]}")
 
 
 def tool(name):

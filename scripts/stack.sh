@@ -1,10 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # The media stack: x265 with multiview, FFmpeg and libheif, built static and minimal from Debian's source
-# packages into the per-user cache. Its folder is named after a hash of this file: another recipe,
-# another folder. Sourced by ./run and ./test; finished parts are never built twice.
+# packages into the per-user cache. Its folder is named after a hash of this file and of the patches beside it:
+# another recipe, another folder. Sourced by ./run and ./test; finished parts are never built twice.
 
 stack_suite=trixie # the first Debian release whose sources are new enough
-stack_recipe=$(sha256sum "${BASH_SOURCE[0]}" | cut -c1-12)
+stack_patches=$(cd "$(dirname "${BASH_SOURCE[0]}")/patches" && pwd)
+# Of the sums of the files, a line each; cmake/MediaStack.cmake and bench/measure.py reckon the same.
+stack_recipe=$(sha256sum "${BASH_SOURCE[0]}" "$stack_patches"/*.patch | cut -d' ' -f1 | sha256sum | cut -c1-12)
 stack_prefix="$lumetwin_cache/stack-$stack_recipe"
 stack_sources="$lumetwin_cache/sources"
 stack_work="$lumetwin_cache/build-$stack_recipe"
@@ -67,6 +69,14 @@ fetch_sources() {
     done
 }
 
+# mend NAME FOLDER: our own patches of a library, in the order of their names; each says at its head what it is for.
+mend() {
+    local patch
+    for patch in "$stack_patches/$1"-*.patch; do
+        patch -d "$2" -p1 --forward <"$patch" || return 1
+    done
+}
+
 # unpack NAME_VERSION-PREFIX TARGET [patched]: the newest upstream archive; `patched` adds the
 # distribution's patches (security fixes among them).
 unpack() {
@@ -83,7 +93,7 @@ unpack() {
 }
 
 build_x265() {
-    unpack x265_4 "$stack_work/x265" || return 1
+    unpack x265_4 "$stack_work/x265" && mend x265 "$stack_work/x265" || return 1
     # CMake 4 has forgotten the old behaviours that it asks for; none of them matters here.
     sed -i -E 's/(cmake_policy\(SET CMP[0-9]+) OLD\)/\1 NEW)/' "$stack_work/x265/source/CMakeLists.txt" || return 1
     # Multiview is the reason for building it; distributions leave it off.

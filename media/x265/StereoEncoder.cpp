@@ -34,6 +34,14 @@ constexpr std::uint32_t mostMergeCandidates = 5;
 // The largest picture of HEVC levels 6 to 6.2 (ITU-T H.265, table A.8). No device supports more, and it limits memory.
 constexpr std::int64_t mostSamples = 35'651'584;
 
+// The x265 that scripts/patches mends keeps the bit rate of both views together by itself. Others see layer 0 alone,
+// and are told after each access unit what to aim at.
+#ifdef X265_BITRATE_OF_ALL_VIEWS
+constexpr bool keepsRateOfBothViews = true;
+#else
+constexpr bool keepsRateOfBothViews = false;
+#endif
+
 // The 3D reference displays information SEI (ITU-T H.265, G.14): one display, left view 0, right view 1. x265 4.1
 // writes its mantissa one bit too long, and adds three messages with made-up constants.
 constexpr std::array<std::uint8_t, 9> referenceDisplays{0x4E, 0x01, 0xB0, 0x04, 0x04, 0x0D, 0x00, 0x20, 0x80};
@@ -84,12 +92,12 @@ void setStructure(x265_param &parameters, double frameRate) {
     parameters.logLevel = X265_LOG_NONE;
 }
 
-void setRate(x265_param &parameters, const CodingLevel &level, double baseRate) {
+void setRate(x265_param &parameters, const CodingLevel &level, double rate) {
     parameters.levelIdc = level.number;
     parameters.bHighTier = 0;
     parameters.rc.rateControlMode = X265_RC_ABR;
-    parameters.rc.bitrate = kilobits(baseRate);
-    parameters.bConfigRCFrame = 1;
+    parameters.rc.bitrate = kilobits(rate);
+    parameters.bConfigRCFrame = !keepsRateOfBothViews;
 }
 
 hevc::NalBytes bytesOf(const x265_nal &nal) {
@@ -139,7 +147,7 @@ struct StereoEncoder::State {
         setColour(*parameters, format.colour);
         setStructure(*parameters, frameRate);
         level = codingLevel(parameters->sourceWidth, parameters->sourceHeight, frameRate, format.averageBitRate);
-        setRate(*parameters, level, baseRate());
+        setRate(*parameters, level, askedRate());
         decodingTimes.emplace(reordering());
         encoder = openEncoder(*parameters);
         if (!encoder)
@@ -147,7 +155,10 @@ struct StereoEncoder::State {
     }
 
     /// A bit rate above the limit of the level would change the level, which the encoder refuses.
-    double baseRate() const { return std::min(loop.baseRate(), static_cast<double>(level.highestBitRate)); }
+    double askedRate() const {
+        const double rate = keepsRateOfBothViews ? static_cast<double>(format.averageBitRate) : loop.baseRate();
+        return std::min(rate, static_cast<double>(level.highestBitRate));
+    }
 
     void collectParameterSets() {
         x265_nal *nals = nullptr;
@@ -204,7 +215,8 @@ struct StereoEncoder::State {
         std::array<double, 2> bits{};
         for (std::uint32_t index = 0; index < count; ++index)
             collect(bytesOf(nals[index]), unit, bits);
-        steer(unit, bits);
+        if (!keepsRateOfBothViews)
+            steer(unit, bits);
         sink(unit);
         return true;
     }
@@ -224,7 +236,7 @@ struct StereoEncoder::State {
         if (stills.endedAt(unit.time) && unit.keyFrame)
             loop.restart(); // a scene cut: the encoder's rate control starts again
         loop.account(bits[0], bits[0] + bits[1]);
-        const int asked = kilobits(baseRate());
+        const int asked = kilobits(askedRate());
         if (asked == parameters->rc.bitrate)
             return; // without a change of rate, the encoder would treat it as a change of other parameters
         parameters->rc.bitrate = asked;
@@ -252,7 +264,8 @@ void StereoEncoder::encode(const Picture &left, const Picture &right, std::int64
     const int codedHeight = codedSide(state.format.height);
     const Picture leftCoded = padded(left, codedWidth, codedHeight, state.pool);
     const Picture rightCoded = padded(right, codedWidth, codedHeight, state.pool);
-    state.stills.show(leftCoded, time);
+    if (!keepsRateOfBothViews)
+        state.stills.show(leftCoded, time);
     state.decodingTimes->add(time, duration > 0 ? duration : state.format.frameDuration);
     std::array<x265_picture, 2> input{state.inputOf(leftCoded, time), state.inputOf(rightCoded, time)};
     state.step(input.data(), sink);

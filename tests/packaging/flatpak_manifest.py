@@ -31,7 +31,7 @@ class FlatpakManifest(unittest.TestCase):
 
     def test_every_source_is_pinned(self):
         for name, module in self.modules.items():
-            kinds = [source["type"] for source in module["sources"] if source["type"] != "shell"]
+            kinds = [source["type"] for source in module["sources"] if source["type"] not in ("shell", "patch")]
             self.assertIn(kinds, [["dir"]] if name == "lumetwin" else [["archive"], ["git"]], name)
             for source in module["sources"]:
                 if source["type"] in ("archive", "git"):
@@ -53,6 +53,12 @@ class FlatpakManifest(unittest.TestCase):
     def test_spatial_video_can_be_written(self):
         self.assertIn("-DENABLE_MULTIVIEW=ON", self.options("x265"))
         self.assertIn("-DLUMETWIN_SYSTEM_MEDIA=ON", self.options("lumetwin"))
+
+    def test_x265_is_mended_as_in_the_media_stack(self):
+        paths = [path for source in self.modules["x265"]["sources"] for path in source.get("paths", [])]
+        folder = packaging.SOURCE / "scripts/patches"
+        self.assertEqual(paths, [f"../scripts/patches/{patch.name}" for patch in sorted(folder.glob("x265-*.patch"))])
+        self.assertTrue(paths)
 
     def test_ffmpeg_reads_what_the_media_stack_reads(self):
         for kind in ("decoder", "demuxer", "parser"):

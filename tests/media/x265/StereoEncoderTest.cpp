@@ -4,6 +4,7 @@
 #include "media/MediaError.h"
 #include "media/hevc/NalUnits.h"
 #include "media/x265/ConformanceWindow.h"
+#include "media/x265/Encoder.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -100,6 +101,30 @@ TEST(StereoEncoder, LosesNoFrameAtTheEnd) {
     }
 }
 
+TEST(StereoEncoder, KeepsTimesThatAreNotEvenlySpaced) {
+    StereoEncoder encoder("test.mov", formatOf(128, 96));
+    std::vector<std::int64_t> times;
+    std::vector<AccessUnit> units;
+    const auto sink = [&](const AccessUnit &unit) { units.push_back(unit); };
+    std::int64_t time = 0;
+    for (int frame = 0; frame < 20; ++frame) {
+        times.push_back(time);
+        encoder.encode(scene(128, 96, frame, false), scene(128, 96, frame, true), time, sink);
+        time += 1 + frame * 7 % 50;
+    }
+    encoder.finish(sink);
+    std::vector<std::int64_t> shown;
+    std::int64_t before = -1000;
+    for (const AccessUnit &unit : units) {
+        shown.push_back(unit.time);
+        EXPECT_GT(unit.decodingTime, before);
+        EXPECT_LE(unit.decodingTime, unit.time);
+        before = unit.decodingTime;
+    }
+    std::sort(shown.begin(), shown.end());
+    EXPECT_EQ(shown, times);
+}
+
 TEST(StereoEncoder, EndsWithoutAnyFrame) {
     EXPECT_TRUE(encode(formatOf(128, 96), 0).units.empty());
 }
@@ -179,6 +204,20 @@ TEST(StereoEncoder, SpendsWhatAStillPassageSaved) {
     encoder.finish(sink);
     EXPECT_NEAR(encoded.bits() / 30 / bitRate, 1, 0.03);
 }
+
+#ifdef X265_BITRATE_OF_ALL_VIEWS
+
+TEST(StereoEncoder, GivesTheSameBytesInEveryRun) {
+    const Encoded once = encode(formatOf(192, 112, 300'000), 90, 4);
+    for (int run = 0; run < 3; ++run) {
+        const Encoded again = encode(formatOf(192, 112, 300'000), 90, 4);
+        ASSERT_EQ(again.units.size(), once.units.size());
+        for (std::size_t index = 0; index < once.units.size(); ++index)
+            ASSERT_TRUE(again.units[index].bytes == once.units[index].bytes) << "access unit " << index;
+    }
+}
+
+#endif
 
 std::vector<std::uint8_t> lumaOf(const Picture &picture) {
     std::vector<std::uint8_t> luma;
