@@ -193,7 +193,7 @@ Coded twoViews(const Scene &scene) {
     return Coder(scene, 2, 0).code();
 }
 
-Coded film(const Scene &scene, int eye) {
+[[maybe_unused]] Coded film(const Scene &scene, int eye) {
     return Coder(scene, 1, eye).code();
 }
 
