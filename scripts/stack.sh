@@ -96,11 +96,24 @@ build_x265() {
     unpack x265_4 "$stack_work/x265" && mend x265 "$stack_work/x265" || return 1
     # CMake 4 has forgotten the old behaviours that it asks for; none of them matters here.
     sed -i -E 's/(cmake_policy\(SET CMP[0-9]+) OLD\)/\1 NEW)/' "$stack_work/x265/source/CMakeLists.txt" || return 1
-    # Multiview is the reason for building it; distributions leave it off.
-    cmake -S "$stack_work/x265/source" -B "$stack_work/x265-build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    # A library has one depth. The one for 8 bits contains the one for ten, and hands it out (x265_api_get).
+    local ten="$stack_work/x265-ten-build/libx265.a"
+    configure_x265 x265-ten-build -DHIGH_BIT_DEPTH=ON -DEXPORT_C_API=OFF -DENABLE_CLI=OFF &&
+        cmake --build "$stack_work/x265-ten-build" &&
+        configure_x265 x265-build -DENABLE_CLI=ON -DEXTRA_LIB="$ten" -DLINKED_10BIT=ON &&
+        cmake --build "$stack_work/x265-build" && cmake --install "$stack_work/x265-build" || return 1
+    cd "$stack_prefix/lib" && mv libx265.a libx265_8.a && mv "$ten" libx265_10.a || return 1
+    printf '%s\n' 'CREATE libx265.a' 'ADDLIB libx265_8.a' 'ADDLIB libx265_10.a' SAVE END | ar -M &&
+        rm libx265_8.a libx265_10.a
+}
+
+# configure_x265 FOLDER OPTION…: multiview is the reason for building it; distributions leave it off.
+configure_x265() {
+    local folder=$1
+    shift
+    cmake -S "$stack_work/x265/source" -B "$stack_work/$folder" -G Ninja -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_POLICY_VERSION_MINIMUM=3.5 -DCMAKE_INSTALL_PREFIX="$stack_prefix" -DLIB_INSTALL_DIR=lib \
-        -DCMAKE_POSITION_INDEPENDENT_CODE=ON -DENABLE_MULTIVIEW=ON -DENABLE_SHARED=OFF -DENABLE_CLI=ON &&
-        cmake --build "$stack_work/x265-build" && cmake --install "$stack_work/x265-build"
+        -DCMAKE_POSITION_INDEPENDENT_CODE=ON -DENABLE_MULTIVIEW=ON -DENABLE_SHARED=OFF "$@"
 }
 
 build_ffmpeg() {
@@ -138,7 +151,7 @@ part() {
     [ -e "$stack_prefix/.done-$1" ] && return 0
     step "building $1" "$2"
     touch "$stack_prefix/.done-$1"
-    rm -rf "$stack_work/$1" "$stack_work/$1-build"
+    rm -rf "$stack_work/$1" "$stack_work/$1"-*build
 }
 
 ensure_stack() {

@@ -43,7 +43,7 @@ class FlatpakManifest(unittest.TestCase):
 
     def test_each_library_comes_before_its_users(self):
         order = list(self.modules)
-        for library, user in (("nasm", "x264"), ("nasm", "x265"), ("nasm", "dav1d"), ("x264", "ffmpeg"), ("x265", "ffmpeg"),
+        for library, user in (("nasm", "x264"), ("nasm", "x265-ten"), ("x265-ten", "x265"), ("nasm", "dav1d"), ("x264", "ffmpeg"), ("x265", "ffmpeg"),
                               ("dav1d", "ffmpeg"), ("ffmpeg", "libheif"), ("zimg", "lumetwin"), ("fmt", "lumetwin"),
                               ("rubberband", "lumetwin"), ("nlohmann-json", "lumetwin"), ("pugixml", "lumetwin"),
                               ("utfcpp", "lumetwin"), ("libseccomp", "lumetwin")):
@@ -51,14 +51,24 @@ class FlatpakManifest(unittest.TestCase):
         self.assertEqual(order[-1], "lumetwin")
 
     def test_spatial_video_can_be_written(self):
-        self.assertIn("-DENABLE_MULTIVIEW=ON", self.options("x265"))
+        for depth in ("x265-ten", "x265"):
+            self.assertIn("-DENABLE_MULTIVIEW=ON", self.options(depth))
         self.assertIn("-DLUMETWIN_SYSTEM_MEDIA=ON", self.options("lumetwin"))
 
     def test_x265_is_mended_as_in_the_media_stack(self):
-        paths = [path for source in self.modules["x265"]["sources"] for path in source.get("paths", [])]
         folder = packaging.SOURCE / "scripts/patches"
-        self.assertEqual(paths, [f"../scripts/patches/{patch.name}" for patch in sorted(folder.glob("x265-*.patch"))])
-        self.assertTrue(paths)
+        patches = [f"../scripts/patches/{patch.name}" for patch in sorted(folder.glob("x265-*.patch"))]
+        self.assertTrue(patches)
+        for depth in ("x265-ten", "x265"):
+            paths = [path for source in self.modules[depth]["sources"] for path in source.get("paths", [])]
+            self.assertEqual(paths, patches)
+
+    def test_x265_has_both_depths_as_in_the_media_stack(self):
+        for option in ("-DHIGH_BIT_DEPTH=ON", "-DEXPORT_C_API=OFF"):
+            self.assertIn(option, self.options("x265-ten"))
+            self.assertIn(option, packaging.read("scripts/stack.sh"))
+        self.assertIn("-DLINKED_10BIT=ON", self.options("x265"))
+        self.assertIn("-DLINKED_10BIT=ON", packaging.read("scripts/stack.sh"))
 
     def test_ffmpeg_reads_what_the_media_stack_reads(self):
         for kind in ("decoder", "demuxer", "parser"):
