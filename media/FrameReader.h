@@ -26,6 +26,7 @@ struct Frame {
     int count = 0;
     std::optional<std::int64_t> time; ///< presentation time in the track's ticks; nullopt when the track has no times
     std::int64_t duration = 0;        ///< in ticks, 0 when unknown
+    LightLevels levels;               ///< those of the stream
     std::span<const TaggedPicture> views() const { return {pictures.data(), static_cast<std::size_t>(count)}; }
 };
 
@@ -41,6 +42,8 @@ public:
     ~FrameReader();
     /// The next frame in presentation order; nullopt at the end.
     std::optional<Frame> next();
+    /// The frame that next() will return, without taking it; null at the end. Valid until next() is called.
+    const Frame *ahead();
     /// Whether data was damaged or missing. Valid after next() has returned nullopt.
     bool damaged() const;
 

@@ -3,6 +3,7 @@
 
 #include "media/FrameTimes.h"
 #include "media/InputFile.h"
+#include "media/LightLevels.h"
 #include "media/MovieTags.h"
 #include "media/Picture.h"
 #include "media/PixelAspect.h"
@@ -33,6 +34,7 @@ struct VideoTrack {
     int rotation = 0;     ///< rotation to apply, in degrees clockwise: 0 to 359
     PictureFormat format;
     ColourTags colour;
+    LightLevels levels; ///< those of the container
 };
 
 /// Facts about a movie's first audio track; 0 when unknown.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/AudioBlock.h"
+#include "media/LightLevels.h"
 #include "media/MovieFile.h"
 #include "media/MovieTags.h"
 #include "media/OutputFile.h"
@@ -19,7 +20,7 @@ namespace lumetwin::media {
 enum class Container { mpeg4, quickTime };
 enum class VideoCodec { h264, hevc };
 
-/// An ordinary video track: 8-bit 4:2:0 pictures with a constant rate. Odd sizes are padded for coding and cropped
+/// An ordinary video track: 4:2:0 pictures with a constant rate. Odd sizes are padded for coding and cropped
 /// again by the file, so that viewers show the exact size.
 struct VideoEncoding {
     VideoCodec codec = VideoCodec::h264;
@@ -27,7 +28,9 @@ struct VideoEncoding {
     int height = 0;
     std::int64_t averageBitRate = 0; ///< bits per second
     double frameRate = 30;           ///< for the encoder's rate control
+    int depth = 8;                   ///< bits per sample: 8 or 10, at most deepestVideo()
     ColourTags colour;
+    LightLevels levels; ///< only of HEVC
     PixelAspect pixelAspect;
     /// Announced by the stream (frame packing SEI in each random access picture) and by the file (`st3d`), if the
     /// frames have both eyes, beside or above each other. Only HEVC can say that they are half: the shape of the pixels
@@ -42,7 +45,9 @@ struct StereoVideoEncoding {
     int height = 0;
     std::int64_t averageBitRate = 0; ///< bits per second, both layers together
     double frameRate = 30;
+    int depth = 8; ///< bits per sample: 8 or 10, at most deepestSpatialVideo()
     ColourTags colour;
+    LightLevels levels;
     PixelAspect pixelAspect;
     std::uint32_t baseline = 0;              ///< micrometres
     std::uint32_t horizontalFieldOfView = 0; ///< thousandths of a degree

@@ -9,7 +9,7 @@ namespace lumetwin::media {
 int codedSize(int size, int smallest);
 
 /// The picture itself if it has the given size; otherwise a copy from the pool that repeats its last column and row up
-/// to that size. Only for 8-bit pictures.
+/// to that size.
 Picture padded(const Picture &picture, int width, int height, PicturePool &pool);
 
 } // namespace lumetwin::media

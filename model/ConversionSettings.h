@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/BitDepth.h"
 #include "model/ConversionDirection.h"
 #include "model/InputLayout.h"
 #include "model/OnExisting.h"
@@ -47,12 +48,13 @@ public:
     std::int64_t resizeWidth = startWidth;          ///< pixels of one eye
     std::int64_t resizeHeight = startHeight;        ///< pixels of one eye
     ResizeMode resizeMode = ResizeMode::letterbox;
-    bool copyAudio = true;     ///< copy the source's audio track
-    bool keepTiming = false;   ///< keep the time of each frame, instead of a constant rate in units of 1/600 s
-    bool checkStereo = true;   ///< look at the picture before a conversion to spatial media, and warn
-    bool recursive = false;    ///< also convert the subfolders of the input folder, and keep their tree
-    bool skipExisting = false; ///< skip inputs whose output an earlier run has finished
-    bool dryRun = false;       ///< do everything up to the conversion of each file, and write nothing
+    bool copyAudio = true;   ///< copy the source's audio track
+    bool keepTiming = false; ///< keep the time of each frame, instead of a constant rate in units of 1/600 s
+    BitDepth bitDepth = BitDepth::automatic; ///< of videos
+    bool checkStereo = true;                 ///< look at the picture before a conversion to spatial media, and warn
+    bool recursive = false;                  ///< also convert the subfolders of the input folder, and keep their tree
+    bool skipExisting = false;               ///< skip inputs whose output an earlier run has finished
+    bool dryRun = false;                     ///< do everything up to the conversion of each file, and write nothing
     OnExisting onExisting = OnExisting::replace;
 };
 

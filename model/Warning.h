@@ -33,7 +33,9 @@ enum class WarningKind {
     subtitlesLeft,   ///< number of subtitle tracks
     chaptersLeft,    ///< number of chapters
     rotationLeft,    ///< rotation of the video, in degrees clockwise
-    depthReduced,    ///< bits per sample of the source
+    depthReduced,    ///< bits per sample of the source, and of the output
+    encoderDepth,    ///< bits per sample of the output: the encoder codes no more
+    standardRange,   ///< the colours of an HDR source were converted
     gainMapLeft,
     depthMapLeft,
     motionFilmLeft,
@@ -90,6 +92,10 @@ constexpr std::string_view rawValue(WarningKind kind) {
         return "rotationLeft";
     case WarningKind::depthReduced:
         return "depthReduced";
+    case WarningKind::encoderDepth:
+        return "encoderDepth";
+    case WarningKind::standardRange:
+        return "standardRange";
     case WarningKind::gainMapLeft:
         return "gainMapLeft";
     case WarningKind::depthMapLeft:

@@ -2,6 +2,7 @@
 #include "tools/Commands.h"
 
 #include "engine/texts/FileNames.h"
+#include "engine/video/OutputDepth.h"
 #include "tools/Completion.h"
 #include "worker/ConfinedOperations.h"
 
@@ -39,6 +40,7 @@ int printVersion(Console &console) {
     } catch (const std::exception &error) {
         console.print(std::string("Files cannot be worked on: ") + error.what());
     }
+    console.print(fmt::format("Spatial video is written with up to {} bits per sample.", deepestSpatialVideo()));
     return statusAfterFlush(allSucceeded);
 }
 

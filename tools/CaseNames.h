@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/BitDepth.h"
 #include "model/ConversionDirection.h"
 #include "model/InputLayout.h"
 #include "model/OnExisting.h"
@@ -40,6 +41,8 @@ inline constexpr CaseNames<SBSPhotoOutputFormat, 4> photoFormatNames{{{"jpg", SB
                                                                       {"heic", SBSPhotoOutputFormat::heic}}};
 inline constexpr CaseNames<ResizeMode, 3> resizeModeNames{
     {{"stretch", ResizeMode::stretch}, {"cropFill", ResizeMode::cropFill}, {"letterbox", ResizeMode::letterbox}}};
+inline constexpr CaseNames<BitDepth, 3> bitDepthNames{
+    {{"auto", BitDepth::automatic}, {"8", BitDepth::eight}, {"10", BitDepth::ten}}};
 inline constexpr CaseNames<OnExisting, 3> onExistingNames{
     {{"replace", OnExisting::replace}, {"keep-both", OnExisting::keepBoth}, {"skip", OnExisting::skip}}};
 

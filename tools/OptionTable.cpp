@@ -126,6 +126,9 @@ constexpr std::array options{
            [](Options &o, Value, Name) { o.settings->copyAudio = false; }},
     Option{"--keep-timing", "", "show each frame at its own time, instead of at a constant rate",
            [](Options &o, Value, Name) { o.settings->keepTiming = true; }},
+    Option{"--bit-depth", "BITS", "of video: auto (default: 10 for deeper sources, otherwise 8), 8, 10",
+           [](Options &o, Value v, Name n) { o.settings->bitDepth = parseCase(bitDepthNames, v, n); }, nullptr,
+           wordsOf<bitDepthNames>},
     Option{"--no-check-stereo", "", "do not look for mistakes in the picture before converting",
            [](Options &o, Value, Name) { o.settings->checkStereo = false; }},
     Option{"--dry-run", "", "do everything up to the conversions, and write nothing",
@@ -183,7 +186,7 @@ std::string helpText() {
                   "completion prints the script that completes this program's options in a shell.\n"
                   "\n"
                   "  -h, --help                             this text\n"
-                  "  --version                              the version, and how files are confined\n"
+                  "  --version                              the version, how files are confined, and what is coded\n"
                   "\n"
                   "Ctrl+C stops cleanly, a second one at once. Exit status: 0 all files were converted or skipped,\n"
                   "1 some failed (or, with --strict, have warnings), 2 wrong usage, 130 stopped.\n";

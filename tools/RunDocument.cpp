@@ -49,6 +49,7 @@ Json settingsJson(const ConversionSettings &settings) {
             {"resizeMode", caseName(settings.resizeMode, resizeModeNames)},
             {"copyAudio", settings.copyAudio},
             {"keepTiming", settings.keepTiming},
+            {"bitDepth", caseName(settings.bitDepth, bitDepthNames)},
             {"dryRun", settings.dryRun},
             {"recursive", settings.recursive},
             {"skipExisting", settings.skipExisting},

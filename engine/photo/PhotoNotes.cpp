@@ -8,7 +8,7 @@ namespace lumetwin {
 std::vector<Warning> photoNotes(const media::ImageFile &input, int depth, int outputDepth) {
     std::vector<Warning> notes;
     if (depth > outputDepth)
-        notes.push_back({WarningKind::depthReduced, {std::int64_t{depth}}});
+        notes.push_back({WarningKind::depthReduced, {std::int64_t{depth}, std::int64_t{outputDepth}}});
     const media::PhotoExtras extras = input.extras();
     if (extras.gainMap)
         notes.push_back({WarningKind::gainMapLeft, {}});

@@ -3,14 +3,14 @@
 
 namespace lumetwin {
 
-EyeCutter::EyeCutter(const EyeExtraction &extraction, const EyeSize &eye, const media::ColourTags &colour)
-    : extraction_(extraction), colour_(colour),
-      pool_(static_cast<int>(eye.width), static_cast<int>(eye.height), media::yuv420, colour) {}
+EyeCutter::EyeCutter(const EyeExtraction &extraction, const EyeSize &eye, const media::ColourTags &colour, int depth)
+    : extraction_(extraction), format_{media::ColourModel::yuv, depth, 1, 1}, colour_(colour),
+      pool_(static_cast<int>(eye.width), static_cast<int>(eye.height), format_, colour) {}
 
 /// Whether the eye can be a view into the memory of the frame.
 bool EyeCutter::isPartOf(const media::Picture &frame, const media::Placement &placement) const {
     const media::Rect &cell = placement.source;
-    return extraction_.unscaled && frame.format == media::yuv420 && frame.colour == colour_ &&
+    return extraction_.unscaled && frame.format == format_ && frame.colour == colour_ &&
            static_cast<int>(cell.x) % 2 == 0 && static_cast<int>(cell.y) % 2 == 0 &&
            cell.x + cell.width <= frame.width && cell.y + cell.height <= frame.height;
 }

@@ -7,10 +7,11 @@
 
 namespace lumetwin {
 
-/// Cuts the 8-bit 4:2:0 pictures of the two eyes out of the frames of a video. For one thread.
+/// Cuts the 4:2:0 pictures of the two eyes out of the frames of a video. For one thread.
 class EyeCutter {
 public:
-    EyeCutter(const EyeExtraction &extraction, const EyeSize &eye, const media::ColourTags &colour);
+    /// depth: bits per sample of the eyes.
+    EyeCutter(const EyeExtraction &extraction, const EyeSize &eye, const media::ColourTags &colour, int depth = 8);
 
     media::Picture left(const media::Picture &frame) { return cut(frame, extraction_.left); }
     media::Picture right(const media::Picture &frame) { return cut(frame, extraction_.right); }
@@ -20,6 +21,7 @@ private:
     media::Picture cut(const media::Picture &frame, const media::Placement &placement);
 
     EyeExtraction extraction_;
+    media::PictureFormat format_;
     media::ColourTags colour_;
     media::PicturePool pool_;
     media::Compositor compositor_;

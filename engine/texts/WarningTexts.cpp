@@ -54,6 +54,10 @@ std::string_view warningKey(WarningKind kind) {
         return "note.rotation.left.format";
     case WarningKind::depthReduced:
         return "note.depth.reduced.format";
+    case WarningKind::encoderDepth:
+        return "note.encoder.depth.format";
+    case WarningKind::standardRange:
+        return "note.standard.range";
     case WarningKind::gainMapLeft:
         return "note.gain.map.left";
     case WarningKind::depthMapLeft:

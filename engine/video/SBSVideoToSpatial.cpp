@@ -9,6 +9,7 @@
 #include "engine/video/PartnerStream.h"
 #include "engine/video/StereoEncoderSettings.h"
 #include "engine/video/VideoConversion.h"
+#include "media/CodingDepth.h"
 
 #include <optional>
 
@@ -83,11 +84,13 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const Conve
     media::StereoVideoEncoding encoding = stereoVideoEncoding(
         settings, eye, source.timing.rate, system, stereoMetadata(settings, facts, input.disparityAdjustment));
     encoding.frameRate = source.frameRate();
+    encoding.depth = source.depth(settings.bitDepth, media::deepestSpatialVideo());
     encoding.colour = info.track.colour;
+    encoding.levels = lightLevels(info, reader);
     encoding.pixelAspect = eyePixelAspect(layout, outputPixelAspect(settings, info));
     requireSpace(output, source.estimatedBytes(encoding.averageBitRate));
 
-    EyeFrames frames(EyeCutter(eyeExtraction(settings, eye, cells), eye, info.track.colour),
+    EyeFrames frames(EyeCutter(eyeExtraction(settings, eye, cells), eye, info.track.colour, encoding.depth),
                      settings.swapLeftRight != layout.rightEyeFirst);
     if (!isInOnePicture(layout))
         takeSecondEye(frames, layout, input, info.track, control);

@@ -6,6 +6,7 @@
 #include "engine/video/FrameEyes.h"
 #include "engine/video/OutputSpace.h"
 #include "engine/video/VideoConversion.h"
+#include "media/CodingDepth.h"
 
 #include <algorithm>
 #include <limits>
@@ -50,7 +51,11 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const Conve
         averageBitRate(source.timing.rate, static_cast<double>(geometry.outW) * static_cast<double>(geometry.outH),
                        settings.compressionQuality);
     encoding.frameRate = source.frameRate();
+    const bool isHEVC = encoding.codec == media::VideoCodec::hevc;
+    encoding.depth = source.depth(settings.bitDepth, media::deepestVideo(encoding.codec), !isHEVC);
     encoding.colour = info.track.colour;
+    if (isHEVC)
+        encoding.levels = lightLevels(info, reader);
     encoding.pixelAspect = outputPixelAspect(settings, info);
     encoding.packing =
         media::StereoPacking{media::StereoPacking::Arrangement::sideBySide, settings.swapLeftRight, settings.halfWidth};
@@ -63,7 +68,8 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const Conve
     writer.start(source.timing.timeScale);
 
     SBSComposition composition(geometry);
-    media::PicturePool pool(encoding.width, encoding.height, media::yuv420, info.track.colour);
+    media::PicturePool pool(encoding.width, encoding.height, {media::ColourModel::yuv, encoding.depth, 1, 1},
+                            info.track.colour);
     const auto writeFrame = [&](const media::Frame &frame, OutputClock &clock) {
         const std::optional<FrameEyes> eyes = eyesOf(frame);
         if (!eyes)

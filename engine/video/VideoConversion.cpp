@@ -2,6 +2,7 @@
 #include "engine/video/VideoConversion.h"
 
 #include "engine/video/BitRateRule.h"
+#include "engine/video/OutputDepth.h"
 #include "media/MediaError.h"
 #include "media/NamedThread.h"
 
@@ -15,7 +16,6 @@ namespace {
 
 constexpr std::chrono::milliseconds cancelInterval{20};
 constexpr std::int64_t progressInterval = 8; // frames between two reports of progress
-constexpr int outputDepth = 8;               // bits per sample
 constexpr double tellableSpeed = 0.5;        // percent
 constexpr double tellableDistance = 0.06;    // seconds
 constexpr double largestBitRate = 9e18;      // must fit into a 64-bit integer
@@ -31,8 +31,6 @@ void addNotes(VideoSource &source, bool copiesSound) {
     note(WarningKind::subtitlesLeft, others.subtitleTracks);
     note(WarningKind::chaptersLeft, others.chapters);
     note(WarningKind::rotationLeft, source.info.track.rotation);
-    if (source.info.track.format.depth > outputDepth)
-        note(WarningKind::depthReduced, source.info.track.format.depth);
 }
 
 struct FrameLoopResult {
@@ -94,6 +92,23 @@ std::int64_t VideoSource::expectedFrames() const {
 double VideoSource::estimatedBytes(std::int64_t videoBitRate) const {
     const double soundBitRate = audio ? static_cast<double>(audio->encoding.bitRate) : 0;
     return (static_cast<double>(videoBitRate) + soundBitRate) * info.duration * timing.stretch / 8;
+}
+
+int VideoSource::depth(BitDepth wish, int deepest, bool limitOfCodec) {
+    OutputDepth result = outputDepth(wish, info.track.format.depth, deepest, limitOfCodec);
+    for (Warning &note : result.notes)
+        warnings.add(note.kind, std::move(note.values));
+    return result.bits;
+}
+
+media::LightLevels lightLevels(const VideoInfo &info, media::FrameReader &reader) {
+    media::LightLevels levels = info.track.levels;
+    const media::Frame *first = reader.ahead();
+    if (first && first->levels.mastering)
+        levels.mastering = first->levels.mastering;
+    if (first && first->levels.content)
+        levels.content = first->levels.content;
+    return levels;
 }
 
 double VideoSource::frameRate() const {

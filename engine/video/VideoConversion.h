@@ -33,7 +33,13 @@ public:
     double estimatedBytes(std::int64_t videoBitRate) const;
     /// The frame rate for the encoder.
     double frameRate() const;
+    /// The bits per sample of the output, 8 or 10; adds what is to be said about it. See outputDepth().
+    int depth(BitDepth wish, int deepest, bool limitOfCodec = false);
 };
+
+/// The light levels of a film: those of its stream, otherwise those of its container. The reader has not given out a
+/// frame yet.
+media::LightLevels lightLevels(const VideoInfo &info, media::FrameReader &reader);
 
 /// The average video bit rate: 0.15 bits for each pixel of each frame at full quality, truncated, at least 1 Mbit/s.
 /// Computed in 64-bit floats, multiplied in the order of the arguments.

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/Ffmpeg.h"
 
+extern "C" {
+#include <libavutil/mem.h>
+}
+
+#include <algorithm>
 #include <cerrno>
 #include <new>
 
@@ -61,6 +66,16 @@ int check(int code, const std::filesystem::path &file, MediaOperation operation)
     if (code < 0)
         throw error(file, operation, code);
     return code;
+}
+
+void setExtradata(AVCodecParameters &parameters, std::span<const std::uint8_t> bytes) {
+    auto *copy = static_cast<std::uint8_t *>(av_mallocz(bytes.size() + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (!copy)
+        throw std::bad_alloc();
+    std::ranges::copy(bytes, copy);
+    av_freep(&parameters.extradata);
+    parameters.extradata = copy;
+    parameters.extradata_size = static_cast<int>(bytes.size());
 }
 
 Codec makeDecoder(const std::filesystem::path &file, const AVStream &stream) {

@@ -12,8 +12,10 @@ extern "C" {
 
 #include "media/MediaError.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace lumetwin::media::ffmpeg {
@@ -45,6 +47,9 @@ MediaError error(const std::filesystem::path &file, MediaOperation operation, in
 
 /// Throws MediaError when the code is an error; otherwise returns the code.
 int check(int code, const std::filesystem::path &file, MediaOperation operation);
+
+/// Gives a track the parameter sets and the like that its sample entry contains.
+void setExtradata(AVCodecParameters &parameters, std::span<const std::uint8_t> bytes);
 
 /// Creates a decoder for a stream, not yet opened. Throws MediaError when there is none.
 Codec makeDecoder(const std::filesystem::path &file, const AVStream &stream);

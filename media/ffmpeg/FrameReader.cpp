@@ -26,6 +26,7 @@ struct FrameReader::State {
     ffmpeg::ViewPairing pairing;
     const AVPacket *packet = nullptr; ///< the one to decode next
     BoundedQueue<Frame> frames{framesAhead};
+    std::optional<Frame> ahead; ///< taken out of the queue, and not asked for yet
     NamedThread thread;
 
     State(const InputFile &file, AVFormatContext &input, int stream, bool bothViews)
@@ -70,7 +71,15 @@ FrameReader::FrameReader(MovieFile &movie, const VideoTrack &track, Views views)
 FrameReader::~FrameReader() = default;
 
 std::optional<Frame> FrameReader::next() {
+    if (state_->ahead)
+        return std::exchange(state_->ahead, std::nullopt);
     return state_->frames.pop();
+}
+
+const Frame *FrameReader::ahead() {
+    if (!state_->ahead)
+        state_->ahead = state_->frames.pop();
+    return state_->ahead ? &*state_->ahead : nullptr;
 }
 
 bool FrameReader::damaged() const {

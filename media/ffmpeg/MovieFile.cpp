@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/FrameScan.h"
+#include "media/ffmpeg/LightLevelData.h"
 #include "media/ffmpeg/MovieFileState.h"
 #include "media/ffmpeg/Pictures.h"
 
@@ -119,6 +120,7 @@ std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const Inp
     track.startTime = seconds(stream->start_time, stream->time_base);
     track.format = ffmpeg::planarFormat(static_cast<AVPixelFormat>(parameters.format)).value_or(yuv420);
     track.colour = ffmpeg::colourTags(parameters);
+    track.levels = ffmpeg::lightLevels(parameters);
     return track;
 }
 

@@ -117,6 +117,14 @@ std::optional<PictureFormat> planarFormat(AVPixelFormat format) {
     return PictureFormat{ColourModel::yuv, depth, description->log2_chroma_w, description->log2_chroma_h};
 }
 
+AVPixelFormat pixelFormat(const PictureFormat &format) {
+    if (format == PictureFormat{ColourModel::yuv, 8, 1, 1})
+        return AV_PIX_FMT_YUV420P;
+    if (format == PictureFormat{ColourModel::yuv, 10, 1, 1})
+        return AV_PIX_FMT_YUV420P10;
+    throw std::logic_error("only 4:2:0 pictures of 8 or 10 bits are encoded");
+}
+
 ColourTags colourTags(const AVFrame &frame) {
     ColourTags colour =
         tags(frame.color_primaries, frame.color_trc, frame.colorspace, frame.color_range, frame.chroma_location);
@@ -192,10 +200,8 @@ FramePointer PictureImporter::unpacked(const AVFrame &frame) {
 }
 
 FramePointer frameOf(const Picture &picture) {
-    if (picture.format != yuv420)
-        throw std::logic_error("only 8-bit 4:2:0 pictures are encoded");
     FramePointer frame = makeFrame();
-    frame->format = AV_PIX_FMT_YUV420P;
+    frame->format = pixelFormat(picture.format);
     frame->width = picture.width;
     frame->height = picture.height;
     for (int plane = 0; plane < 3; ++plane) {

@@ -12,6 +12,9 @@ namespace lumetwin::media::ffmpeg {
 /// formats.
 std::optional<PictureFormat> planarFormat(AVPixelFormat format);
 
+/// The pixel format of pictures for an encoder: 4:2:0 of 8 or 10 bits.
+AVPixelFormat pixelFormat(const PictureFormat &format);
+
 ColourTags colourTags(const AVFrame &frame);
 ColourTags colourTags(const AVCodecParameters &parameters);
 void setColour(AVCodecContext &codec, const ColourTags &colour);
@@ -28,7 +31,7 @@ private:
     Scaler scaler_;
 };
 
-/// A frame that shares the storage of an 8-bit 4:2:0 picture.
+/// A frame that shares the storage of a 4:2:0 picture of 8 or 10 bits.
 FramePointer frameOf(const Picture &picture);
 
 } // namespace lumetwin::media::ffmpeg

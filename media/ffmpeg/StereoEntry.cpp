@@ -98,8 +98,9 @@ bool completeStereoEntry(MovieHeader &header, const StereoVideoEncoding &encodin
     if (layered.empty() || !markComplete(configuration))
         return false;
     const MovieHeader boxes =
-        joined({configuration, layered, taken("colr"), taken("fiel"), videoExtendedUsage(encoding),
-                box("hfov", FieldWriter().u32(encoding.horizontalFieldOfView)), taken("pasp"), taken("clap")});
+        joined({configuration, layered, taken("colr"), taken("clli"), taken("mdcv"), taken("fiel"),
+                videoExtendedUsage(encoding), box("hfov", FieldWriter().u32(encoding.horizontalFieldOfView)),
+                taken("pasp"), taken("clap")});
     nameCodec(header, entry->begin + 8);
     path->push_back(*entry);
     replace(header, *path, begin, entry->end, boxes);

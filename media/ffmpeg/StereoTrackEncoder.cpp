@@ -3,6 +3,7 @@
 
 #include "media/Padding.h"
 #include "media/ffmpeg/Aperture.h"
+#include "media/ffmpeg/LightLevelData.h"
 #include "media/ffmpeg/Pictures.h"
 #include "media/x265/StereoEncoder.h"
 
@@ -66,27 +67,23 @@ public:
         : file_(file), encoding_(encoding), width_(codedSize(encoding.width, 2)),
           height_(codedSize(encoding.height, 2)),
           duration_(std::max<std::int64_t>(1, std::llround(timeScale / encoding.frameRate))),
-          pool_(width_, height_, yuv420, encoding.colour),
           encoder_(file, {width_, height_, encoding.averageBitRate, timeScale, duration_, encoding.colour,
-                          x265::shippedPreset}) {}
+                          x265::shippedPreset, encoding.depth, encoding.levels}),
+          format_{ColourModel::yuv, encoding.depth, 1, 1}, pool_(width_, height_, format_, encoding.colour) {}
 
     void describe(AVStream &stream) override {
         AVCodecParameters &parameters = *stream.codecpar;
         parameters.codec_type = AVMEDIA_TYPE_VIDEO;
         parameters.codec_id = AV_CODEC_ID_HEVC;
         parameters.codec_tag = MKTAG('h', 'v', 'c', '1');
-        parameters.format = AV_PIX_FMT_YUV420P;
+        parameters.format = pixelFormat(format_);
         parameters.width = width_;
         parameters.height = height_;
         parameters.field_order = AV_FIELD_PROGRESSIVE;
         parameters.video_delay = encoder_.reordering();
         setColour(parameters, encoding_.colour);
-        const std::vector<std::uint8_t> &sets = encoder_.parameterSets();
-        parameters.extradata = static_cast<std::uint8_t *>(av_mallocz(sets.size() + AV_INPUT_BUFFER_PADDING_SIZE));
-        if (!parameters.extradata)
-            throw std::bad_alloc();
-        std::memcpy(parameters.extradata, sets.data(), sets.size());
-        parameters.extradata_size = static_cast<int>(sets.size());
+        setExtradata(parameters, encoder_.parameterSets());
+        setLightLevels(parameters, encoding_.levels);
         attachStereoFacts(parameters, encoding_);
         setAperture(stream, encoding_.width, encoding_.height);
         setPixelAspect(stream, encoding_.pixelAspect);
@@ -122,8 +119,9 @@ private:
     int width_;
     int height_;
     std::int64_t duration_;
-    PicturePool pool_;
     x265::StereoEncoder encoder_;
+    PictureFormat format_;
+    PicturePool pool_;
     Packet packet_ = makePacket();
 };
 

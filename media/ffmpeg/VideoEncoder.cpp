@@ -4,8 +4,11 @@
 #include "media/DecodingTimes.h"
 #include "media/Padding.h"
 #include "media/ffmpeg/Aperture.h"
+#include "media/ffmpeg/LightLevelData.h"
 #include "media/ffmpeg/PackingMarks.h"
 #include "media/ffmpeg/Pictures.h"
+#include "media/hevc/LightLevelUnits.h"
+#include "media/hevc/NalUnits.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -39,7 +42,8 @@ class LibraryEncoder : public VideoTrackEncoder {
 public:
     LibraryEncoder(const std::filesystem::path &file, const VideoEncoding &encoding, int timeScale)
         : file_(file), encoding_(encoding), width_(codedSize(encoding.width, smallestSide())),
-          height_(codedSize(encoding.height, smallestSide())), pool_(width_, height_, yuv420, encoding.colour) {
+          height_(codedSize(encoding.height, smallestSide())), format_{ColourModel::yuv, encoding.depth, 1, 1},
+          pool_(width_, height_, format_, encoding.colour) {
         const bool hevc = encoding.codec == VideoCodec::hevc;
         const AVCodec *library = avcodec_find_encoder_by_name(hevc ? "libx265" : "libx264");
         codec_.reset(avcodec_alloc_context3(library));
@@ -47,7 +51,7 @@ public:
             throw std::bad_alloc();
         codec_->width = width_;
         codec_->height = height_;
-        codec_->pix_fmt = AV_PIX_FMT_YUV420P;
+        codec_->pix_fmt = pixelFormat(format_);
         codec_->time_base = {1, timeScale};
         codec_->framerate = av_d2q(encoding.frameRate, 1001 * 1000);
         codec_->bit_rate = encoding.averageBitRate;
@@ -66,6 +70,8 @@ public:
         check(avcodec_parameters_from_context(stream.codecpar, codec_.get()), file_, MediaOperation::encode);
         if (encoding_.codec == VideoCodec::hevc)
             stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
+        if (encoding_.codec == VideoCodec::hevc)
+            announceLightLevels(*stream.codecpar);
         stream.avg_frame_rate = codec_->framerate;
         setAperture(stream, encoding_.width, encoding_.height);
         setPixelAspect(stream, encoding_.pixelAspect);
@@ -95,6 +101,15 @@ private:
     /// two.
     int reordering() const { return encoding_.codec == VideoCodec::hevc ? 2 : codec_->has_b_frames; }
 
+    /// In the sample entry, for decoders and for who reads no stream.
+    void announceLightLevels(AVCodecParameters &parameters) const {
+        std::vector<std::uint8_t> sets(parameters.extradata, parameters.extradata + parameters.extradata_size);
+        for (const std::vector<std::uint8_t> &unit : hevc::lightLevelUnits(encoding_.levels))
+            hevc::appendAnnexB(sets, unit);
+        setExtradata(parameters, sets);
+        setLightLevels(parameters, encoding_.levels);
+    }
+
     DecodingTimes &decodingTimes() {
         if (!decodingTimes_)
             decodingTimes_.emplace(reordering());
@@ -122,6 +137,7 @@ private:
     VideoEncoding encoding_;
     int width_;
     int height_;
+    PictureFormat format_;
     PicturePool pool_;
     Codec codec_;
     Packet packet_ = makePacket();

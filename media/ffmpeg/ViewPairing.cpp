@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/ViewPairing.h"
 
+#include "media/ffmpeg/LightLevelData.h"
+
 extern "C" {
 #include <libavutil/stereo3d.h>
 }
@@ -45,6 +47,7 @@ std::optional<Frame> ViewPairing::take(FramePointer decoded) {
     const std::int64_t duration = decoded->duration;
     const std::int64_t shown = time != AV_NOPTS_VALUE ? time : decoded->best_effort_timestamp;
     const int view = viewId(*decoded);
+    const LightLevels levels = lightLevels(*decoded);
     TaggedPicture tagged;
     tagged.view = viewOrConvention(*decoded, bothViews_);
     tagged.picture = cropToAperture(importer_.import(std::move(decoded)));
@@ -59,6 +62,7 @@ std::optional<Frame> ViewPairing::take(FramePointer decoded) {
     if (shown != AV_NOPTS_VALUE)
         begun.time = shown;
     begun.duration = duration;
+    begun.levels = levels;
     pendingTime_ = time;
     pendingView_ = view;
     return std::exchange(pending_, std::move(begun));

@@ -16,12 +16,17 @@ struct ParameterDeleter {
 };
 using Parameters = std::unique_ptr<x265_param, ParameterDeleter>;
 
+/// The functions of the library for a depth of 8 or 10 bits; null when it was built without it.
+const x265_api *libraryFor(int depth);
+
 struct EncoderDeleter {
-    void operator()(x265_encoder *encoder) const { x265_encoder_close(encoder); }
+    const x265_api *library = nullptr;
+    void operator()(x265_encoder *encoder) const { library->encoder_close(encoder); }
 };
 using Encoder = std::unique_ptr<x265_encoder, EncoderDeleter>;
 
-/// Opens an encoder; may be called on any thread. Null when the library refuses the parameters.
+/// Opens an encoder of the parameters' depth; may be called on any thread. Null when the library refuses the
+/// parameters.
 Encoder openEncoder(x265_param &parameters);
 
 /// Sets the colour description of the stream (ITU-T H.265, E.2.1). An unspecified chroma location is not written.

@@ -4,6 +4,7 @@
 #include "media/DecodingTimes.h"
 #include "media/MediaError.h"
 #include "media/Padding.h"
+#include "media/hevc/LightLevelUnits.h"
 #include "media/hevc/NalUnits.h"
 #include "media/x265/CodingLevel.h"
 #include "media/x265/ConformanceWindow.h"
@@ -62,8 +63,8 @@ int kilobits(double bitsPerSecond) {
 void setPictureFormat(x265_param &parameters, const StereoFormat &format) {
     parameters.sourceWidth = codedSide(format.width);
     parameters.sourceHeight = codedSide(format.height);
-    parameters.sourceBitDepth = 8;
-    parameters.internalBitDepth = 8;
+    parameters.sourceBitDepth = format.depth;
+    parameters.internalBitDepth = format.depth;
     parameters.internalCsp = X265_CSP_I420;
     const auto common = std::gcd(format.timeScale, format.frameDuration);
     parameters.fpsNum = static_cast<std::uint32_t>(format.timeScale / common);
@@ -109,7 +110,8 @@ hevc::NalBytes bytesOf(const x265_nal &nal) {
 struct StereoEncoder::State {
     std::filesystem::path file;
     StereoFormat format;
-    Parameters parameters{x265_param_alloc()};
+    const x265_api *library;
+    Parameters parameters;
     Encoder encoder;
     CodingLevel level;
     StereoRateLoop loop;
@@ -120,8 +122,9 @@ struct StereoEncoder::State {
     bool finished = false;
 
     State(const std::filesystem::path &name, const StereoFormat &stream)
-        : file(name), format(stream), loop(static_cast<double>(stream.averageBitRate), frameRateOf(stream)),
-          pool(codedSide(stream.width), codedSide(stream.height), yuv420, stream.colour) {
+        : file(name), format(stream), library(libraryFor(stream.depth)),
+          loop(static_cast<double>(stream.averageBitRate), frameRateOf(stream)),
+          pool(codedSide(stream.width), codedSide(stream.height), stream.pictureFormat(), stream.colour) {
         open();
         collectParameterSets();
     }
@@ -136,12 +139,15 @@ struct StereoEncoder::State {
     }
 
     void open() {
+        if (!library)
+            throw failure(0, "no library for " + std::to_string(format.depth) + " bits");
+        parameters.reset(library->param_alloc());
         if (!parameters)
             throw std::bad_alloc();
         if (static_cast<std::int64_t>(codedSide(format.width)) * codedSide(format.height) > mostSamples)
             throw refusal(); // two such views are above the limits of HEVC
         const double frameRate = frameRateOf(format);
-        if (x265_param_default_preset(parameters.get(), format.preset.c_str(), nullptr) < 0)
+        if (library->param_default_preset(parameters.get(), format.preset.c_str(), nullptr) < 0)
             throw MediaError(file, operation, 0, "there is no preset " + format.preset);
         setPictureFormat(*parameters, format);
         setColour(*parameters, format.colour);
@@ -163,7 +169,7 @@ struct StereoEncoder::State {
     void collectParameterSets() {
         x265_nal *nals = nullptr;
         std::uint32_t count = 0;
-        if (x265_encoder_headers(encoder.get(), &nals, &count) < 0)
+        if (library->encoder_headers(encoder.get(), &nals, &count) < 0)
             throw failure(0, "no parameter sets");
         for (std::uint32_t index = 0; index < count; ++index) {
             const hevc::NalBytes unit = bytesOf(nals[index]);
@@ -181,18 +187,20 @@ struct StereoEncoder::State {
             hevc::appendAnnexB(parameterSets, *smaller);
         }
         hevc::appendAnnexB(parameterSets, referenceDisplays);
+        for (const std::vector<std::uint8_t> &unit : hevc::lightLevelUnits(format.levels))
+            hevc::appendAnnexB(parameterSets, unit);
     }
 
     int reordering() const { return parameters->bframes > 1 && parameters->bBPyramid ? 2 : parameters->bframes > 0; }
 
     x265_picture inputOf(const Picture &picture, std::int64_t time) const {
         x265_picture input;
-        x265_picture_init(parameters.get(), &input);
+        library->picture_init(parameters.get(), &input);
         for (int plane = 0; plane < 3; ++plane) {
             input.planes[plane] = picture.planes[plane].data;
             input.stride[plane] = static_cast<int>(picture.planes[plane].stride);
         }
-        input.bitDepth = 8;
+        input.bitDepth = format.depth;
         input.colorSpace = X265_CSP_I420;
         input.pts = time;
         return input;
@@ -202,10 +210,10 @@ struct StereoEncoder::State {
     bool step(x265_picture *input, const AccessUnitSink &sink) {
         std::array<x265_picture, 2> output;
         for (x265_picture &picture : output)
-            x265_picture_init(parameters.get(), &picture);
+            library->picture_init(parameters.get(), &picture);
         x265_nal *nals = nullptr;
         std::uint32_t count = 0;
-        const int result = x265_encoder_encode(encoder.get(), &nals, &count, input, output.data());
+        const int result = library->encoder_encode(encoder.get(), &nals, &count, input, output.data());
         if (result < 0)
             throw failure(result, {});
         if (result == 0 || count == 0)
@@ -240,9 +248,22 @@ struct StereoEncoder::State {
         if (asked == parameters->rc.bitrate)
             return; // without a change of rate, the encoder would treat it as a change of other parameters
         parameters->rc.bitrate = asked;
-        x265_encoder_reconfig(encoder.get(), parameters.get());
+        library->encoder_reconfig(encoder.get(), parameters.get());
     }
 };
+
+bool codesTwoViews(int depth) {
+    StereoFormat format;
+    format.width = format.height = smallestSide;
+    format.averageBitRate = 1'000'000;
+    format.depth = depth;
+    try {
+        const StereoEncoder encoder({}, format);
+        return true;
+    } catch (const MediaError &) {
+        return false;
+    }
+}
 
 StereoEncoder::StereoEncoder(const std::filesystem::path &file, const StereoFormat &format)
     : state_(std::make_unique<State>(file, format)) {}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/LightLevels.h"
 #include "media/Picture.h"
 
 #include <cstdint>
@@ -26,7 +27,14 @@ struct StereoFormat {
     std::int64_t frameDuration = 20; ///< ticks from one frame to the next
     ColourTags colour;
     std::string preset = shippedPreset;
+    int depth = 8;      ///< bits per sample: 8 or 10
+    LightLevels levels; ///< announced with the parameter sets
+
+    PictureFormat pictureFormat() const { return {ColourModel::yuv, depth, 1, 1}; }
 };
+
+/// Whether the library codes two views of that depth. Asks it by opening a small encoder.
+bool codesTwoViews(int depth);
 
 /// One access unit of both layers, layer 0 first, as Annex B bytes. Times are in the caller's ticks.
 struct AccessUnit {
@@ -49,15 +57,16 @@ public:
     StereoEncoder(const StereoEncoder &) = delete;
     StereoEncoder &operator=(const StereoEncoder &) = delete;
 
-    /// VPS with its extension, SPS and PPS of both layers, and the SEI that assigns the views to the eyes, in Annex B
-    /// format.
+    /// VPS with its extension, SPS and PPS of both layers, the SEI that assigns the views to the eyes, and the light
+    /// levels, in Annex B format. They belong into the sample entry: a repetition within the access units would end
+    /// them.
     const std::vector<std::uint8_t> &parameterSets() const;
 
     /// The reordering delay in access units.
     int reordering() const;
 
-    /// Both pictures are 8-bit 4:2:0 with the size of the format. Samples are copied before this returns. The duration,
-    /// in ticks, is only used for the last frame; 0 means that of the format. Throws MediaError.
+    /// Both pictures are 4:2:0 with the size and depth of the format. Samples are copied before this returns. The
+    /// duration, in ticks, is only used for the last frame; 0 means that of the format. Throws MediaError.
     void encode(const Picture &left, const Picture &right, std::int64_t time, const AccessUnitSink &sink,
                 std::int64_t duration = 0);
     /// Encodes the remaining access units.

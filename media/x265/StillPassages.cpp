@@ -13,7 +13,8 @@ constexpr int shortestPassage = 30;
 
 /// Only luma is compared, because the encoder's look-ahead uses only luma.
 bool sameLuma(const Picture &one, const Picture &other) {
-    const auto width = static_cast<std::size_t>(one.width);
+    const std::size_t width =
+        static_cast<std::size_t>(one.width) * static_cast<std::size_t>(one.format.bytesPerSample());
     for (int row = 0; row < one.height; ++row)
         if (std::memcmp(one.planes[0].data + row * one.planes[0].stride,
                         other.planes[0].data + row * other.planes[0].stride, width) != 0)

@@ -12,7 +12,7 @@ namespace lumetwin::media::x265 {
 /// history, which its caller must know.
 class StillPassages {
 public:
-    /// Call with each picture in presentation order: 8-bit, all of one size. A picture is kept until the next one.
+    /// Call with each picture in presentation order: all of one size and depth. A picture is kept until the next one.
     void show(const Picture &picture, std::int64_t time);
 
     /// Whether the picture of this time was the first different one after a still passage. Can be asked once for each

@@ -53,6 +53,7 @@ TEST(Options, DefaultsAreThoseOfTheSettings) {
     EXPECT_EQ(settings.resizeMode, fresh.resizeMode);
     EXPECT_EQ(settings.copyAudio, fresh.copyAudio);
     EXPECT_EQ(settings.keepTiming, fresh.keepTiming);
+    EXPECT_EQ(settings.bitDepth, BitDepth::automatic);
     EXPECT_EQ(settings.automaticDisparity, fresh.automaticDisparity);
     EXPECT_EQ(settings.stereoValuesSource, fresh.stereoValuesSource);
     EXPECT_EQ(settings.inputLayout, fresh.inputLayout);
@@ -96,6 +97,8 @@ TEST(Options, EveryFieldHasItsOption) {
                                         "stretch",
                                         "--no-copy-audio",
                                         "--keep-timing",
+                                        "--bit-depth",
+                                        "10",
                                         "--recursive",
                                         "--skip-existing",
                                         "--on-existing",
@@ -125,6 +128,7 @@ TEST(Options, EveryFieldHasItsOption) {
     EXPECT_EQ(settings.resizeMode, ResizeMode::stretch);
     EXPECT_FALSE(settings.copyAudio);
     EXPECT_TRUE(settings.keepTiming);
+    EXPECT_EQ(settings.bitDepth, BitDepth::ten);
     EXPECT_TRUE(settings.recursive);
     EXPECT_TRUE(settings.skipExisting);
     EXPECT_EQ(settings.onExisting, OnExisting::skip);

@@ -30,6 +30,7 @@ std::shared_ptr<ConversionSettings> unusualSettings() {
     settings->resizeHeight = 480;
     settings->resizeMode = ResizeMode::stretch;
     settings->copyAudio = false;
+    settings->bitDepth = BitDepth::ten;
     return settings;
 }
 

@@ -43,9 +43,12 @@ std::string_view typesOf(WarningKind kind) {
     case WarningKind::subtitlesLeft:
     case WarningKind::chaptersLeft:
     case WarningKind::rotationLeft:
-    case WarningKind::depthReduced:
+    case WarningKind::encoderDepth:
     case WarningKind::morePicturesLeft:
         return "d";
+    case WarningKind::depthReduced:
+        return "dd";
+    case WarningKind::standardRange:
     case WarningKind::gainMapLeft:
     case WarningKind::depthMapLeft:
     case WarningKind::motionFilmLeft:

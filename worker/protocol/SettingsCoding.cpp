@@ -26,7 +26,8 @@ Json encodeSettings(const ConversionSettings &settings) {
             {"resizeHeight", settings.resizeHeight},
             {"resizeMode", numberOf(settings.resizeMode)},
             {"copyAudio", settings.copyAudio},
-            {"keepTiming", settings.keepTiming}};
+            {"keepTiming", settings.keepTiming},
+            {"bitDepth", numberOf(settings.bitDepth)}};
 }
 
 std::shared_ptr<ConversionSettings> decodeSettings(const Json &content) {
@@ -50,6 +51,7 @@ std::shared_ptr<ConversionSettings> decodeSettings(const Json &content) {
     settings->resizeMode = caseOf(field(content, "resizeMode"), allResizeModes.back());
     settings->copyAudio = boolean(field(content, "copyAudio"));
     settings->keepTiming = boolean(field(content, "keepTiming"));
+    settings->bitDepth = caseOf(field(content, "bitDepth"), allBitDepths.back());
     return settings;
 }
 

@@ -134,7 +134,8 @@ TEST_F(PhotoNotes, aSideBySidePhotoTellsWhatItLosesOnItsWay) {
                 ElementsAre(Warning{WarningKind::gainMapLeft, {}}, Warning{WarningKind::depthMapLeft, {}},
                             Warning{WarningKind::motionFilmLeft, {}}));
     writeWithMagick(drawn(64, 32), file("deep.png"), {"-depth", "16", "-define", "png:bit-depth=16"});
-    EXPECT_THAT(notesOf("deep.png"), ElementsAre(Warning{WarningKind::depthReduced, {std::int64_t{16}}}));
+    EXPECT_THAT(notesOf("deep.png"),
+                ElementsAre(Warning{WarningKind::depthReduced, {std::int64_t{16}, std::int64_t{8}}}));
     writeWithMagick(drawn(64, 32), file("plain.png"));
     EXPECT_THAT(notesOf("plain.png"), IsEmpty());
 }
@@ -155,7 +156,7 @@ TEST_F(PhotoNotes, depthIsOnlyReducedWhereTheOutputHoldsLess) {
     EXPECT_THAT(photoNotes(media::ImageFile(media::InputFile(file("in.heic"))), 10, 16), IsEmpty());
     EXPECT_THAT(photoNotes(media::ImageFile(media::InputFile(file("in.heic"))), 8, 8), IsEmpty());
     EXPECT_THAT(photoNotes(media::ImageFile(media::InputFile(file("in.heic"))), 10, 8),
-                ElementsAre(Warning{WarningKind::depthReduced, {std::int64_t{10}}}));
+                ElementsAre(Warning{WarningKind::depthReduced, {std::int64_t{10}, std::int64_t{8}}}));
 }
 
 TEST_F(PhotoNotes, theSamples) {
@@ -163,7 +164,7 @@ TEST_F(PhotoNotes, theSamples) {
     if (!samples)
         GTEST_SKIP() << "the folder of sample media is not there";
     EXPECT_THAT(convertSBSImageToSpatial({}, *samples / "ordinary" / "rgb10_128x128.heif", file("out.heic")).warnings,
-                ElementsAre(Warning{WarningKind::depthReduced, {std::int64_t{10}}}));
+                ElementsAre(Warning{WarningKind::depthReduced, {std::int64_t{10}, std::int64_t{8}}}));
     EXPECT_THAT(convertSBSImageToSpatial({}, *samples / "sbs-image" / "calf_3840x1080.jpg", file("out.heic")).warnings,
                 IsEmpty());
     EXPECT_THAT(
