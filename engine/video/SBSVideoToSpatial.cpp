@@ -85,13 +85,16 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const Conve
         settings, eye, source.timing.rate, system, stereoMetadata(settings, facts, input.disparityAdjustment));
     encoding.frameRate = source.frameRate();
     encoding.depth = source.depth(settings.bitDepth, media::deepestSpatialVideo());
-    encoding.colour = info.track.colour;
-    encoding.levels = lightLevels(info, reader);
+    RangeConversion range =
+        source.rangeConversion(lightLevels(info, reader), encoding.depth, false, encoding.width, encoding.height);
+    encoding.colour = range.colour();
+    encoding.levels = range.levels();
     encoding.pixelAspect = eyePixelAspect(layout, outputPixelAspect(settings, info));
     requireSpace(output, source.estimatedBytes(encoding.averageBitRate));
 
-    EyeFrames frames(EyeCutter(eyeExtraction(settings, eye, cells), eye, info.track.colour, encoding.depth),
-                     settings.swapLeftRight != layout.rightEyeFirst);
+    EyeFrames frames(
+        EyeCutter(eyeExtraction(settings, eye, cells), eye, info.track.colour, range.workingDepth(encoding.depth)),
+        settings.swapLeftRight != layout.rightEyeFirst);
     if (!isInOnePicture(layout))
         takeSecondEye(frames, layout, input, info.track, control);
 
@@ -106,7 +109,7 @@ Outcome convertSBSVideoToSpatial(const ConversionSettings &settings, const Conve
         if (!eyes)
             return false;
         const OutputClock::Moment moment = clock.next(frame);
-        writer.append(eyes->left, eyes->right, moment.time, moment.duration);
+        writer.append(range.apply(eyes->left), range.apply(eyes->right), moment.time, moment.duration);
         return true;
     };
     return runVideoConversion(source, reader, writer, {"spatial.video", "spatial.audio"}, control, writeFrame);

@@ -47,15 +47,17 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const Conve
     encoding.codec = codecOf(settings.sbsOutputFormat);
     encoding.width = pixels(geometry.outW);
     encoding.height = pixels(geometry.outH);
+    media::MovieWriter::requireSize(output.path(), encoding.width, encoding.height);
     encoding.averageBitRate =
         averageBitRate(source.timing.rate, static_cast<double>(geometry.outW) * static_cast<double>(geometry.outH),
                        settings.compressionQuality);
     encoding.frameRate = source.frameRate();
     const bool isHEVC = encoding.codec == media::VideoCodec::hevc;
     encoding.depth = source.depth(settings.bitDepth, media::deepestVideo(encoding.codec), !isHEVC);
-    encoding.colour = info.track.colour;
-    if (isHEVC)
-        encoding.levels = lightLevels(info, reader);
+    RangeConversion range =
+        source.rangeConversion(lightLevels(info, reader), encoding.depth, !isHEVC, encoding.width, encoding.height);
+    encoding.colour = range.colour();
+    encoding.levels = range.levels();
     encoding.pixelAspect = outputPixelAspect(settings, info);
     encoding.packing =
         media::StereoPacking{media::StereoPacking::Arrangement::sideBySide, settings.swapLeftRight, settings.halfWidth};
@@ -68,8 +70,8 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const Conve
     writer.start(source.timing.timeScale);
 
     SBSComposition composition(geometry);
-    media::PicturePool pool(encoding.width, encoding.height, {media::ColourModel::yuv, encoding.depth, 1, 1},
-                            info.track.colour);
+    media::PicturePool pool(encoding.width, encoding.height,
+                            {media::ColourModel::yuv, range.workingDepth(encoding.depth), 1, 1}, info.track.colour);
     const auto writeFrame = [&](const media::Frame &frame, OutputClock &clock) {
         const std::optional<FrameEyes> eyes = eyesOf(frame);
         if (!eyes)
@@ -78,7 +80,7 @@ Outcome convertSpatialVideoToSBS(const ConversionSettings &settings, const Conve
         const bool swap = settings.swapLeftRight;
         composition.compose(swap ? eyes->right : eyes->left, swap ? eyes->left : eyes->right, canvas);
         const OutputClock::Moment moment = clock.next(frame);
-        writer.append(canvas, moment.time, moment.duration);
+        writer.append(range.apply(canvas), moment.time, moment.duration);
         return true;
     };
     return runVideoConversion(source, reader, writer, {"sbs.video", "sbs.audio"}, control, writeFrame);

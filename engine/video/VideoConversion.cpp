@@ -101,6 +101,15 @@ int VideoSource::depth(BitDepth wish, int deepest, bool limitOfCodec) {
     return result.bits;
 }
 
+RangeConversion VideoSource::rangeConversion(const media::LightLevels &levels, int depth, bool isH264, int width,
+                                             int height) {
+    const bool losesDepth = depth == 8 && info.track.format.depth > 8;
+    RangeConversion conversion(isH264 || losesDepth, info.track.colour, levels, width, height);
+    if (conversion.converts())
+        warnings.add(WarningKind::standardRange);
+    return conversion;
+}
+
 media::LightLevels lightLevels(const VideoInfo &info, media::FrameReader &reader) {
     media::LightLevels levels = info.track.levels;
     const media::Frame *first = reader.ahead();

@@ -5,6 +5,7 @@
 #include "engine/Outcome.h"
 #include "engine/inspection/VideoInfo.h"
 #include "engine/video/AudioCopy.h"
+#include "engine/video/RangeConversion.h"
 #include "engine/video/VideoTiming.h"
 #include "media/MovieWriter.h"
 #include "model/ConversionSettings.h"
@@ -35,6 +36,9 @@ public:
     double frameRate() const;
     /// The bits per sample of the output, 8 or 10; adds what is to be said about it. See outputDepth().
     int depth(BitDepth wish, int deepest, bool limitOfCodec = false);
+    /// The conversion to standard range for an output of that depth, and its note. Eight bits are too few for a film of
+    /// high dynamic range; and players of H.264 ignore its tags.
+    RangeConversion rangeConversion(const media::LightLevels &levels, int depth, bool isH264, int width, int height);
 };
 
 /// The light levels of a film: those of its stream, otherwise those of its container. The reader has not given out a

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 
 namespace lumetwin {
@@ -241,6 +242,32 @@ TEST(TenBitVideo, KeepsTheTagsOfHlg) {
     toSBS(settings, folder / "out.mov", folder / "back.mp4");
     EXPECT_THAT(test::ffprobe(folder / "back.mp4", "stream=color_primaries,color_transfer,color_space"), hlg);
     EXPECT_THAT(test::output({"mediainfo", (folder / "back.mp4").string()}), HasSubstr("HLG"));
+}
+
+TEST(TenBitVideo, BecomesStandardRangeWhereEightBitsAreWritten) {
+    SKIP_WITHOUT_TEN_BITS();
+    const TemporaryFolder folder;
+    const auto source = draw(folder / "in.mp4", hdr10());
+    const auto standard = AllOf(HasSubstr("pix_fmt=yuv420p\n"), HasSubstr("color_primaries=bt709"),
+                                HasSubstr("color_transfer=bt709"), HasSubstr("color_space=bt709"));
+    const auto factsOf = [](const std::filesystem::path &movie) {
+        return test::ffprobe(movie, "stream=pix_fmt,color_primaries,color_transfer,color_space:stream_side_data");
+    };
+    const std::string note = "HDR became standard dynamic range, because this format cannot show HDR.";
+    ConversionSettings settings;
+    toSpatial(settings, source, folder / "spatial.mov");
+    EXPECT_THAT(toSBS(settings, folder / "spatial.mov", folder / "out.mp4").notes,
+                ElementsAre("10 bits a sample became 8.", note));
+    EXPECT_THAT(factsOf(folder / "out.mp4"), AllOf(standard, testing::Not(HasSubstr("max_luminance"))));
+    // Luma 60, 150 and 220 of 8 bits are PQ signals of 20, 61 and 93 %: 0.8, 265 and 5,300 cd/m², of a film of 1,000.
+    const test::LumaFrames shown = test::decodeLuma(folder / "out.mp4");
+    EXPECT_NEAR(shown.mean(0, 100, 60, 60, 30), 16 + 219 * std::pow(2.4 / 203, 1 / 2.4), 10);
+    EXPECT_NEAR(shown.mean(0, 300, 60, 60, 30), 200, 12);
+    EXPECT_GT(shown.mean(0, 8, 8, 24, 8), 230);
+    settings.bitDepth = BitDepth::eight;
+    EXPECT_THAT(toSpatial(settings, source, folder / "eight.mov").notes,
+                ElementsAre("10 bits a sample became 8.", note));
+    EXPECT_THAT(factsOf(folder / "eight.mov"), AllOf(standard, testing::Not(HasSubstr("max_luminance"))));
 }
 
 } // namespace

@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/StandardRange.h"
+
+#include "media/colour/ToneCurve.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <vector>
+
+namespace lumetwin::media {
+
+namespace {
+
+using colour::Triple;
+using Matrix = std::array<Triple, 3>;
+
+// Code points of ITU-T H.273.
+constexpr int bt709 = 1;
+constexpr int displayP3 = 12;
+constexpr int pq = 16;
+constexpr int hlg = 18;
+constexpr int srgb = 13;
+constexpr int bt601 = 6;
+
+/// The weights of red, green and blue in the luminance of the primaries.
+Triple luminanceWeights(int primaries) {
+    if (primaries == bt709)
+        return {0.2126, 0.7152, 0.0722};
+    return primaries == displayP3 ? Triple{0.2290, 0.6917, 0.0793} : Triple{0.2627, 0.6780, 0.0593};
+}
+
+/// Those in the luma of a matrix. What is not said is BT.2020.
+Triple lumaWeights(int matrix) {
+    if (matrix == bt601 || matrix == 5)
+        return {0.299, 0.587, 0.114};
+    return matrix == bt709 ? Triple{0.2126, 0.7152, 0.0722} : Triple{0.2627, 0.6780, 0.0593};
+}
+
+/// Linear light of the primaries as light of BT.709 (ITU-R BT.2087, 3.2 for BT.2020).
+Matrix toBt709(int primaries) {
+    if (primaries == bt709)
+        return {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+    if (primaries == displayP3)
+        return {{{1.2249, -0.2249, 0}, {-0.0420, 1.0420, 0}, {-0.0197, -0.0786, 1.0983}}};
+    return {{{1.6605, -0.5876, -0.0729}, {-0.1246, 1.1329, -0.0083}, {-0.0182, -0.1006, 1.1188}}};
+}
+
+double product(const Triple &one, const Triple &other) {
+    return one[0] * other[0] + one[1] * other[1] + one[2] * other[2];
+}
+
+/// The signal for a screen of ITU-R BT.1886, also of light below 0, which the screen does not have.
+double bt1886(double light) {
+    return std::copysign(std::pow(std::abs(light), 1 / 2.4), light);
+}
+
+double srgbOf(double signal) {
+    const double light = std::pow(signal, 2.4);
+    return light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+}
+
+/// Y between 0 and 1, Cb and Cr between -0.5 and 0.5.
+Triple rgbOf(const Triple &yuv, const Triple &weights) {
+    const double red = yuv[0] + 2 * (1 - weights[0]) * yuv[2];
+    const double blue = yuv[0] + 2 * (1 - weights[2]) * yuv[1];
+    const double green = (yuv[0] - weights[0] * red - weights[2] * blue) / weights[1];
+    return {std::clamp(red, 0.0, 1.0), std::clamp(green, 0.0, 1.0), std::clamp(blue, 0.0, 1.0)};
+}
+
+Triple yuvOf(const Triple &rgb, const Triple &weights) {
+    const double luma = product(rgb, weights);
+    return {luma, (rgb[2] - luma) / (2 * (1 - weights[2])), (rgb[0] - luma) / (2 * (1 - weights[0]))};
+}
+
+/// One colour from high to standard range, both as YCbCr.
+class Conversion {
+public:
+    Conversion(const ColourTags &source, double peak, const ColourTags &target)
+        : source_(source), target_(target), peak_(peak), weights_(luminanceWeights(source.primaries)),
+          sourceLuma_(lumaWeights(source.matrix)), targetLuma_(lumaWeights(target.matrix)),
+          toBt709_(toBt709(source.primaries)) {}
+
+    Triple operator()(const Triple &yuv) const {
+        Triple light = rgbOf(yuv, sourceLuma_);
+        if (source_.transfer == hlg)
+            light = colour::lightOfHlg(light, weights_);
+        else
+            for (double &value : light)
+                value = colour::luminanceOfPq(value);
+        const double luminance = product(light, weights_);
+        const double shown = colour::standardLuminance(luminance, peak_);
+        const double gain = luminance > 0 ? shown / luminance : 0;
+        Triple rgb{};
+        for (std::size_t index = 0; index < rgb.size(); ++index)
+            rgb.at(index) = bt1886(product(toBt709_.at(index), light) * gain);
+        rgb = colour::withinGamut(rgb, bt1886(shown));
+        for (double &value : rgb)
+            value = target_.transfer == srgb ? srgbOf(value) : value;
+        return yuvOf(rgb, targetLuma_);
+    }
+
+private:
+    ColourTags source_;
+    ColourTags target_;
+    double peak_;
+    Triple weights_;
+    Triple sourceLuma_;
+    Triple targetLuma_;
+    Matrix toBt709_;
+};
+
+double peakOf(const ColourTags &source, const LightLevels &levels) {
+    constexpr double luminanceUnits = 10'000;
+    constexpr double brightest = 10'000; // of PQ
+    double peak = colour::usualPeak;
+    if (source.transfer == hlg)
+        return peak;
+    if (levels.mastering && levels.mastering->highest > 0)
+        peak = levels.mastering->highest / luminanceUnits;
+    if (levels.content && levels.content->highest > 0)
+        peak = std::min<double>(peak, levels.content->highest);
+    return std::clamp(peak, colour::standardWhite, brightest);
+}
+
+// Thresholds of ordered dither: each number from 0 to 15 once, neighbours far apart.
+constexpr int ditherSide = 4;
+constexpr std::array<std::array<int, ditherSide>, ditherSide> dither{
+    {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}}};
+
+std::uint8_t dithered(float value, int x, int y) {
+    const float threshold = (static_cast<float>(dither[y % ditherSide][x % ditherSide]) + 0.5F) / 16;
+    return static_cast<std::uint8_t>(std::clamp(value + threshold, 0.0F, 255.0F));
+}
+
+} // namespace
+
+bool isHighDynamicRange(const ColourTags &colour) {
+    return colour.transfer == pq || colour.transfer == hlg;
+}
+
+/// The converted colours at the points of a grid over the samples' values.
+struct StandardRange::Table {
+    static constexpr int lumaSteps = 64;
+    static constexpr int chromaSteps = 64;
+    static constexpr std::size_t lumaPoints = lumaSteps + 1;
+    static constexpr std::size_t chromaPoints = chromaSteps + 1;
+
+    std::array<std::vector<float>, 3> values; ///< 8-bit Y, Cb, Cr; luma changes fastest, then Cr
+    ColourTags target;
+
+    Table(const ColourTags &source, const LightLevels &levels, const ColourTags &wanted) : target(wanted) {
+        const Conversion convert(source, peakOf(source, levels), target);
+        for (std::vector<float> &channel : values)
+            channel.reserve(lumaPoints * chromaPoints * chromaPoints);
+        for (int cb = 0; cb <= chromaSteps; ++cb)
+            for (int cr = 0; cr <= chromaSteps; ++cr)
+                for (int luma = 0; luma <= lumaSteps; ++luma)
+                    add(convert(meaning(source, luma, cb, cr)));
+    }
+
+    static Triple meaning(const ColourTags &source, int luma, int cb, int cr) {
+        const double y = static_cast<double>(luma) / lumaSteps;
+        const double blue = static_cast<double>(cb) / chromaSteps - 0.5;
+        const double red = static_cast<double>(cr) / chromaSteps - 0.5;
+        if (source.range == ColourRange::full)
+            return {y, blue, red};
+        return {(y * 256 - 16) / 219, blue * 256 / 224, red * 256 / 224};
+    }
+
+    void add(const Triple &yuv) {
+        const bool isFull = target.range == ColourRange::full;
+        values[0].push_back(static_cast<float>(isFull ? yuv[0] * 255 : 16 + yuv[0] * 219));
+        for (std::size_t channel : {1U, 2U})
+            values.at(channel).push_back(static_cast<float>(128 + yuv.at(channel) * (isFull ? 255 : 224)));
+    }
+
+    /// The colours of one Cb and Cr, for each luma.
+    class Curve {
+    public:
+        Curve(const Table &table, float cb, float cr) : table_(table) {
+            const int blue = std::min(static_cast<int>(cb), chromaSteps - 1);
+            const int red = std::min(static_cast<int>(cr), chromaSteps - 1);
+            const float blueShare = cb - static_cast<float>(blue);
+            const float redShare = cr - static_cast<float>(red);
+            shares_ = {(1 - blueShare) * (1 - redShare), (1 - blueShare) * redShare, blueShare * (1 - redShare),
+                       blueShare * redShare};
+            const std::size_t first =
+                (static_cast<std::size_t>(blue) * chromaPoints + static_cast<std::size_t>(red)) * lumaPoints;
+            places_ = {first, first + lumaPoints, first + chromaPoints * lumaPoints,
+                       first + (chromaPoints + 1) * lumaPoints};
+        }
+
+        float at(std::size_t channel, float luma) const {
+            const auto step = static_cast<std::size_t>(std::min(static_cast<int>(luma), lumaSteps - 1));
+            const float share = luma - static_cast<float>(step);
+            const float *values = table_.values[channel].data() + step;
+            float below = 0;
+            float above = 0;
+            for (std::size_t corner = 0; corner < 4; ++corner) {
+                below += shares_[corner] * values[places_[corner]];
+                above += shares_[corner] * values[places_[corner] + 1];
+            }
+            return below + (above - below) * share;
+        }
+
+    private:
+        const Table &table_;
+        std::array<float, 4> shares_{};
+        std::array<std::size_t, 4> places_{};
+    };
+};
+
+StandardRange::StandardRange(const ColourTags &source, const LightLevels &levels, const ColourTags &target)
+    : table_(std::make_shared<Table>(source, levels, target)) {}
+
+ColourTags StandardRange::video(const ColourTags &source) {
+    return {bt709, bt709, bt709, ColourRange::limited, source.chromaLocation};
+}
+
+ColourTags StandardRange::photo(const ColourTags &source) {
+    return {bt709, srgb, bt601, ColourRange::full, source.chromaLocation};
+}
+
+void StandardRange::convert(const Picture &picture, Picture &result) const {
+    const PictureFormat &format = picture.format;
+    if (format.model != ColourModel::yuv || format.depth <= 8 ||
+        result.format != PictureFormat{ColourModel::yuv, 8, format.chromaShiftX, format.chromaShiftY})
+        throw std::logic_error("only deep YCbCr becomes standard range");
+    // The value of a full-range sample is a share of the largest code, of a limited one of the number of codes.
+    const bool isFull = picture.colour.range == ColourRange::full;
+    const int codes = (1 << format.depth) - (isFull ? 1 : 0);
+    const float lumaScale = static_cast<float>(Table::lumaSteps) / static_cast<float>(codes);
+    const float chromaScale = static_cast<float>(Table::chromaSteps) / static_cast<float>(codes);
+    const auto sample = [&](int plane, int x, int y) {
+        const Picture::Plane &from = picture.planes[static_cast<std::size_t>(plane)];
+        return static_cast<float>(reinterpret_cast<const std::uint16_t *>(from.data + y * from.stride)[x]);
+    };
+    const auto target = [&](int plane, int x, int y) -> std::uint8_t & {
+        const Picture::Plane &to = result.planes[static_cast<std::size_t>(plane)];
+        return to.data[y * to.stride + x];
+    };
+    const int across = 1 << format.chromaShiftX;
+    const int down = 1 << format.chromaShiftY;
+    for (int row = 0; row < picture.planeHeight(1); ++row)
+        for (int column = 0; column < picture.planeWidth(1); ++column) {
+            const Table::Curve curve(*table_, std::min(sample(1, column, row) * chromaScale, float{Table::chromaSteps}),
+                                     std::min(sample(2, column, row) * chromaScale, float{Table::chromaSteps}));
+            float sum = 0;
+            int count = 0;
+            for (int y = row * down; y < std::min((row + 1) * down, picture.height); ++y)
+                for (int x = column * across; x < std::min((column + 1) * across, picture.width); ++x, ++count) {
+                    const float luma = std::min(sample(0, x, y) * lumaScale, float{Table::lumaSteps});
+                    sum += luma;
+                    target(0, x, y) = dithered(curve.at(0, luma), x, y);
+                }
+            const float mean = sum / static_cast<float>(count);
+            target(1, column, row) = dithered(curve.at(1, mean), column, row);
+            target(2, column, row) = dithered(curve.at(2, mean), column + 2, row + 1);
+        }
+}
+
+} // namespace lumetwin::media
