@@ -128,6 +128,9 @@ constexpr int ditherSide = 4;
 constexpr std::array<std::array<int, ditherSide>, ditherSide> dither{
     {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}}};
 
+/// Four numbers that are computed with at once.
+using Four = float __attribute__((vector_size(16)));
+
 std::uint8_t dithered(float value, int x, int y) {
     const float threshold = (static_cast<float>(dither[y % ditherSide][x % ditherSide]) + 0.5F) / 16;
     return static_cast<std::uint8_t>(std::clamp(value + threshold, 0.0F, 255.0F));
@@ -146,17 +149,16 @@ struct StandardRange::Table {
     static constexpr std::size_t lumaPoints = lumaSteps + 1;
     static constexpr std::size_t chromaPoints = chromaSteps + 1;
 
-    std::array<std::vector<float>, 3> values; ///< 8-bit Y, Cb, Cr; luma changes fastest, then Cr
+    std::vector<Four> colours; ///< of 8 bits: Y, Cb, Cr, nothing; luma changes fastest, then Cr
     ColourTags target;
 
     Table(const ColourTags &source, const LightLevels &levels, const ColourTags &wanted) : target(wanted) {
         const Conversion convert(source, peakOf(source, levels), target);
-        for (std::vector<float> &channel : values)
-            channel.reserve(lumaPoints * chromaPoints * chromaPoints);
+        colours.reserve(lumaPoints * chromaPoints * chromaPoints);
         for (int cb = 0; cb <= chromaSteps; ++cb)
             for (int cr = 0; cr <= chromaSteps; ++cr)
                 for (int luma = 0; luma <= lumaSteps; ++luma)
-                    add(convert(meaning(source, luma, cb, cr)));
+                    colours.push_back(coded(convert(meaning(source, luma, cb, cr))));
     }
 
     static Triple meaning(const ColourTags &source, int luma, int cb, int cr) {
@@ -168,46 +170,53 @@ struct StandardRange::Table {
         return {(y * 256 - 16) / 219, blue * 256 / 224, red * 256 / 224};
     }
 
-    void add(const Triple &yuv) {
+    Four coded(const Triple &yuv) const {
         const bool isFull = target.range == ColourRange::full;
-        values[0].push_back(static_cast<float>(isFull ? yuv[0] * 255 : 16 + yuv[0] * 219));
-        for (std::size_t channel : {1U, 2U})
-            values.at(channel).push_back(static_cast<float>(128 + yuv.at(channel) * (isFull ? 255 : 224)));
+        const double luma = isFull ? yuv[0] * 255 : 16 + yuv[0] * 219;
+        const double chroma = isFull ? 255 : 224;
+        return Four{static_cast<float>(luma), static_cast<float>(128 + yuv[1] * chroma),
+                    static_cast<float>(128 + yuv[2] * chroma), 0};
     }
 
     /// The colours of one Cb and Cr, for each luma.
     class Curve {
     public:
-        Curve(const Table &table, float cb, float cr) : table_(table) {
+        Curve(const Table &table, float cb, float cr) {
             const int blue = std::min(static_cast<int>(cb), chromaSteps - 1);
             const int red = std::min(static_cast<int>(cr), chromaSteps - 1);
             const float blueShare = cb - static_cast<float>(blue);
             const float redShare = cr - static_cast<float>(red);
             shares_ = {(1 - blueShare) * (1 - redShare), (1 - blueShare) * redShare, blueShare * (1 - redShare),
                        blueShare * redShare};
-            const std::size_t first =
+            const Four *first =
+                table.colours.data() +
                 (static_cast<std::size_t>(blue) * chromaPoints + static_cast<std::size_t>(red)) * lumaPoints;
-            places_ = {first, first + lumaPoints, first + chromaPoints * lumaPoints,
-                       first + (chromaPoints + 1) * lumaPoints};
+            corners_ = {first, first + lumaPoints, first + chromaPoints * lumaPoints,
+                        first + (chromaPoints + 1) * lumaPoints};
         }
 
-        float at(std::size_t channel, float luma) const {
-            const auto step = static_cast<std::size_t>(std::min(static_cast<int>(luma), lumaSteps - 1));
-            const float share = luma - static_cast<float>(step);
-            const float *values = table_.values[channel].data() + step;
-            float below = 0;
-            float above = 0;
-            for (std::size_t corner = 0; corner < 4; ++corner) {
-                below += shares_[corner] * values[places_[corner]];
-                above += shares_[corner] * values[places_[corner] + 1];
-            }
-            return below + (above - below) * share;
+        Four at(float luma) {
+            const int step = std::min(static_cast<int>(luma), lumaSteps - 1);
+            if (step != step_)
+                moveTo(step);
+            return below_ + (above_ - below_) * (luma - static_cast<float>(step));
         }
 
     private:
-        const Table &table_;
+        void moveTo(int step) {
+            step_ = step;
+            below_ = above_ = Four{};
+            for (std::size_t corner = 0; corner < corners_.size(); ++corner) {
+                below_ += corners_[corner][step] * shares_[corner];
+                above_ += corners_[corner][step + 1] * shares_[corner];
+            }
+        }
+
         std::array<float, 4> shares_{};
-        std::array<std::size_t, 4> places_{};
+        std::array<const Four *, 4> corners_{};
+        int step_ = -1; ///< neighbouring samples are mostly between the same points
+        Four below_{};
+        Four above_{};
     };
 };
 
@@ -244,19 +253,18 @@ void StandardRange::convert(const Picture &picture, Picture &result) const {
     const int down = 1 << format.chromaShiftY;
     for (int row = 0; row < picture.planeHeight(1); ++row)
         for (int column = 0; column < picture.planeWidth(1); ++column) {
-            const Table::Curve curve(*table_, std::min(sample(1, column, row) * chromaScale, float{Table::chromaSteps}),
-                                     std::min(sample(2, column, row) * chromaScale, float{Table::chromaSteps}));
-            float sum = 0;
+            Table::Curve curve(*table_, std::min(sample(1, column, row) * chromaScale, float{Table::chromaSteps}),
+                               std::min(sample(2, column, row) * chromaScale, float{Table::chromaSteps}));
+            Four sum{};
             int count = 0;
             for (int y = row * down; y < std::min((row + 1) * down, picture.height); ++y)
                 for (int x = column * across; x < std::min((column + 1) * across, picture.width); ++x, ++count) {
-                    const float luma = std::min(sample(0, x, y) * lumaScale, float{Table::lumaSteps});
-                    sum += luma;
-                    target(0, x, y) = dithered(curve.at(0, luma), x, y);
+                    const Four colour = curve.at(std::min(sample(0, x, y) * lumaScale, float{Table::lumaSteps}));
+                    target(0, x, y) = dithered(colour[0], x, y);
+                    sum += colour;
                 }
-            const float mean = sum / static_cast<float>(count);
-            target(1, column, row) = dithered(curve.at(1, mean), column, row);
-            target(2, column, row) = dithered(curve.at(2, mean), column + 2, row + 1);
+            target(1, column, row) = dithered(sum[1] / static_cast<float>(count), column, row);
+            target(2, column, row) = dithered(sum[2] / static_cast<float>(count), column + 2, row + 1);
         }
 }
 
