@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "media/Cancellation.h"
 #include "media/LightLevels.h"
 #include "media/Picture.h"
 
@@ -27,6 +28,10 @@ public:
 
     /// picture: YCbCr of more than 8 bits and the source's colours. result: the same size and subsampling, 8 bits.
     void convert(const Picture &picture, Picture &result) const;
+
+    /// A photo's picture, of any depth, for formats of standard range: 8-bit YCbCr with the colours of photo(). Grey
+    /// pictures and those of standard range stay as they are. Throws like convertColour().
+    static Picture ofPhoto(Picture picture, const Cancellation &cancellation = {});
 
 private:
     struct Table;

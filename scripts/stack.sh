@@ -161,7 +161,7 @@ ensure_stack() {
     exec 9>"$lock" # two set-ups at once would build into each other
     flock -n 9 || { say "waiting for another set-up that builds the media stack"; flock 9; }
     if [ ! -e "$stack_prefix/.complete" ]; then
-        say "building the media stack once, into $stack_prefix (about five minutes on two cores)"
+        say "building the media stack once, into $stack_prefix (about seven minutes on two cores)"
         [ -e "$stack_prefix/.done-sources" ] || step "fetching sources" fetch_sources
         touch "$stack_prefix/.done-sources"
         part x265 build_x265

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/photo/PhotoNotes.h"
 
+#include "media/StandardRange.h"
+
 #include <cstdint>
 
 namespace lumetwin {
@@ -17,6 +19,11 @@ std::vector<Warning> photoNotes(const media::ImageFile &input, int depth, int ou
     if (extras.film)
         notes.push_back({WarningKind::motionFilmLeft, {}});
     return notes;
+}
+
+bool isHighDynamicRange(const media::StillImage &image) {
+    return image.metadata.iccProfile.empty() && image.picture.format.model != media::ColourModel::grey &&
+           media::isHighDynamicRange(image.picture.colour);
 }
 
 } // namespace lumetwin

@@ -12,4 +12,7 @@ namespace lumetwin {
 /// picture as it was read, and the maximum of the output.
 std::vector<Warning> photoNotes(const media::ImageFile &input, int depth, int outputDepth);
 
+/// Whether a photo is of high dynamic range by its tags, and not by a profile, which every format can hold.
+bool isHighDynamicRange(const media::StillImage &image);
+
 } // namespace lumetwin

@@ -179,6 +179,8 @@ std::vector<Warning> convert(const ConversionSettings &settings, const Conversio
         warnings.push_back({WarningKind::morePicturesLeft, {std::int64_t{facts.furtherPictures}}});
     std::ranges::move(photoNotes(file, sources->first.picture.format.depth, spatialDepth),
                       std::back_inserter(warnings));
+    if (isHighDynamicRange(sources->first)) // it becomes sRGB
+        warnings.push_back({WarningKind::standardRange, {}});
     const media::ImageMetadata metadata{{}, sources->first.metadata.exif, sources->first.metadata.xmp};
     Eyes eyes = renderedEyes(settings, layout, *sources, input.path(), cancellation);
     sources.reset();

@@ -13,6 +13,7 @@
 #include "media/Image.h"
 #include "media/Memory.h"
 #include "media/SpatialPhoto.h"
+#include "media/StandardRange.h"
 
 #include <limits>
 #include <optional>
@@ -165,6 +166,11 @@ Outcome convertSpatialPhotoToSBS(const ConversionSettings &settings, const Conve
         StillImage image = composedImage(settings, photo, kind, cancellation);
         cancellation.check();
         std::vector<Warning> notes = photoNotes(photo, image.picture.format.depth, depthOf(kind));
+        // Viewers of JPEG know nothing of it.
+        if (kind == ImageKind::jpeg && isHighDynamicRange(image)) {
+            image.picture = media::StandardRange::ofPhoto(std::move(image.picture), cancellation);
+            notes.push_back({WarningKind::standardRange, {}});
+        }
         writeSBSImage(settings, std::move(image), kind, output, cancellation);
         return Outcome::ofPhoto(std::move(notes));
     } catch (const media::Cancelled &) {

@@ -3,6 +3,7 @@
 
 #include "media/ColourConversion.h"
 #include "media/Image.h"
+#include "media/StandardRange.h"
 #include "media/colour/ColourProfile.h"
 
 namespace lumetwin::media {
@@ -10,6 +11,8 @@ namespace lumetwin::media {
 Picture inSRGB(Picture picture, const std::vector<std::uint8_t> &iccProfile, const std::filesystem::path &file,
                const Cancellation &cancellation) {
     const bool grey = picture.format.model == ColourModel::grey;
+    if (iccProfile.empty() && !grey && isHighDynamicRange(picture.colour))
+        return StandardRange::ofPhoto(std::move(picture), cancellation);
     const std::vector<std::uint8_t> &profile =
         iccProfile.empty() && !grey ? images::profileOf(picture.colour) : iccProfile;
     if (profile.empty() || (!grey && images::isSRGB(profile))) {

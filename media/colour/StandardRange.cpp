@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/StandardRange.h"
 
+#include "media/ColourConversion.h"
 #include "media/colour/ToneCurve.h"
 
 #include <algorithm>
@@ -15,8 +16,11 @@ namespace {
 using colour::Triple;
 using Matrix = std::array<Triple, 3>;
 
+constexpr int workingDepth = 10; // for pictures that have to be converted first
+
 // Code points of ITU-T H.273.
 constexpr int bt709 = 1;
+constexpr int bt2020 = 9;
 constexpr int displayP3 = 12;
 constexpr int pq = 16;
 constexpr int hlg = 18;
@@ -229,6 +233,27 @@ ColourTags StandardRange::video(const ColourTags &source) {
 
 ColourTags StandardRange::photo(const ColourTags &source) {
     return {bt709, srgb, bt601, ColourRange::full, source.chromaLocation};
+}
+
+Picture StandardRange::ofPhoto(Picture picture, const Cancellation &cancellation) {
+    if (picture.format.model == ColourModel::grey || !isHighDynamicRange(picture.colour))
+        return picture;
+    if (picture.format.model == ColourModel::rgb) {
+        ColourTags colour = picture.colour;
+        colour.matrix = bt2020;
+        colour.range = ColourRange::full;
+        picture = convertColour(picture, {ColourModel::yuv, workingDepth, 0, 0}, colour, cancellation);
+    }
+    PictureFormat format = picture.format;
+    if (format.depth <= 8) {
+        format.depth = workingDepth;
+        picture = convertColour(picture, format, picture.colour, cancellation);
+    }
+    const ColourTags target = photo(picture.colour);
+    format.depth = 8;
+    Picture result = makePicture(picture.width, picture.height, format, target);
+    StandardRange(picture.colour, {}, target).convert(picture, result);
+    return result;
 }
 
 void StandardRange::convert(const Picture &picture, Picture &result) const {

@@ -10,7 +10,8 @@
 
 namespace lumetwin::media::x265 {
 
-/// One picture coded as an HEVC Main Still Picture.
+/// One picture coded as an HEVC Main Still Picture. Eight bits also for deeper sources: the spatial photos that phones
+/// and headsets write are all of this profile, so it is what their viewers are made for.
 struct CodedStill {
     int width = 0; ///< decoded size: the picture's size rounded up to even
     int height = 0;

@@ -151,6 +151,25 @@ TEST_F(PhotoNotes, aSpatialPhotoTellsWhatItLosesOnItsWay) {
     }
 }
 
+TEST_F(PhotoNotes, aPhotoOfHighDynamicRangeBecomesAnOrdinaryJpeg) {
+    Raster grey(64, 64);
+    test::fill(grey, 0, 0, 64, 64, {148, 148, 148}); // 58 % of PQ: white of 203 cd/m²
+    media::Picture eye = test::pictureOf(grey);
+    eye.colour.primaries = 9;
+    eye.colour.transfer = 16;
+    media::writeSpatialPhoto(file("in.heic"), eye, eye, test::factsFor(64, 64), {});
+    EXPECT_THAT(convertSpatialPhotoToSBS({}, file("in.heic"), file("out.jpg")).warnings,
+                ElementsAre(Warning{WarningKind::standardRange, {}}));
+    const Raster shown = test::readWithMagick(file("out.jpg"));
+    for (const int sample : shown.colour(30, 30))
+        EXPECT_NEAR(sample, 212, 4) << "bright, with room above it for what is brighter";
+    EXPECT_THAT(convertSpatialPhotoToSBS({}, file("in.heic"), file("sbs.heic")).warnings, IsEmpty());
+    EXPECT_THAT(convertSBSImageToSpatial({}, file("sbs.heic"), file("back.heic")).warnings,
+                ElementsAre(Warning{WarningKind::standardRange, {}}));
+    for (const int sample : test::readWithOurs(file("back.heic")).colour(30, 30))
+        EXPECT_NEAR(sample, 212, 4);
+}
+
 TEST_F(PhotoNotes, depthIsOnlyReducedWhereTheOutputHoldsLess) {
     writeSpatialPhoto(file("in.heic"), drawn(64, 64), drawn(64, 64, 2));
     EXPECT_THAT(photoNotes(media::ImageFile(media::InputFile(file("in.heic"))), 10, 16), IsEmpty());
