@@ -13,9 +13,9 @@ namespace lumetwin::media {
 bool isHighDynamicRange(const ColourTags &colour);
 
 /// Converts pictures of high dynamic range to what screens of standard range show: 203 cd/m² (the reference white of
-/// ITU-R BT.2408) becomes white; what is brighter is compressed by the curve of ITU-R BT.2390 (5.4.1), applied to the
-/// luminance; colours outside BT.709 are moved toward grey, softly. HLG is shown as on a screen of 1000 cd/m². Samples
-/// are dithered. The chroma samples stay where they are. May be used on any thread.
+/// ITU-R BT.2408) becomes white; what is brighter is compressed by the curve of ITU-R BT.2390 (5.4.1), for the
+/// brightest of red, green and blue; colours outside BT.709 are moved toward grey, softly. HLG is shown as on a screen
+/// of 1000 cd/m². Samples are dithered. The chroma samples stay where they are. May be used on any thread.
 class StandardRange {
 public:
     /// What the light levels do not say is taken as 1000 cd/m². `target` is one of the two below.

@@ -92,9 +92,10 @@ public:
         else
             for (double &value : light)
                 value = colour::luminanceOfPq(value);
-        const double luminance = product(light, weights_);
-        const double shown = colour::standardLuminance(luminance, peak_);
-        const double gain = luminance > 0 ? shown / luminance : 0;
+        // The curve for the luminance would turn bright lights of one colour pale.
+        const double brightest = *std::ranges::max_element(light);
+        const double gain = brightest > 0 ? colour::standardLuminance(brightest, peak_) / brightest : 0;
+        const double shown = product(light, weights_) * gain;
         Triple rgb{};
         for (std::size_t index = 0; index < rgb.size(); ++index)
             rgb.at(index) = bt1886(product(toBt709_.at(index), light) * gain);

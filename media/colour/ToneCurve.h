@@ -20,7 +20,7 @@ double pqOfLuminance(double luminance);
 Triple lightOfHlg(const Triple &signals, const Triple &weights);
 
 /// The luminance in standard range, 1 is white, of a luminance in cd/m² (ITU-R BT.2390-10, 5.4.1, without lifted
-/// black). peak: the brightest of the film, cd/m².
+/// black, and with an earlier knee). peak: the brightest of the film, cd/m².
 double standardLuminance(double luminance, double peak);
 
 /// The colour moved toward the given grey as far as it is needed to lie within 0 and 1. Colours near the bounds are

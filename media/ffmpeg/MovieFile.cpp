@@ -118,7 +118,7 @@ std::optional<VideoTrack> readVideoTrack(const AVFormatContext &input, const Inp
     readTiming(input, *stream, file, cancelled, track);
     track.rotation = rotation(parameters);
     track.startTime = seconds(stream->start_time, stream->time_base);
-    track.format = ffmpeg::planarFormat(static_cast<AVPixelFormat>(parameters.format)).value_or(yuv420);
+    track.format = ffmpeg::importedFormat(static_cast<AVPixelFormat>(parameters.format));
     track.colour = ffmpeg::colourTags(parameters);
     track.levels = ffmpeg::lightLevels(parameters);
     return track;

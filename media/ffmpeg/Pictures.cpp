@@ -117,6 +117,16 @@ std::optional<PictureFormat> planarFormat(AVPixelFormat format) {
     return PictureFormat{ColourModel::yuv, depth, description->log2_chroma_w, description->log2_chroma_h};
 }
 
+PictureFormat importedFormat(AVPixelFormat format) {
+    if (const auto planar = planarFormat(format))
+        return *planar;
+    const AVPixFmtDescriptor *description = av_pix_fmt_desc_get(format);
+    if (!description)
+        return yuv420;
+    const AVPixelFormat unpacked = avcodec_find_best_pix_fmt_of_list(unpackedFormats, format, 0, nullptr);
+    return planarFormat(unpacked).value_or(yuv420);
+}
+
 AVPixelFormat pixelFormat(const PictureFormat &format) {
     if (format == PictureFormat{ColourModel::yuv, 8, 1, 1})
         return AV_PIX_FMT_YUV420P;

@@ -12,6 +12,9 @@ namespace lumetwin::media::ffmpeg {
 /// formats.
 std::optional<PictureFormat> planarFormat(AVPixelFormat format);
 
+/// The format in which PictureImporter gives pictures of this pixel format.
+PictureFormat importedFormat(AVPixelFormat format);
+
 /// The pixel format of pictures for an encoder: 4:2:0 of 8 or 10 bits.
 AVPixelFormat pixelFormat(const PictureFormat &format);
 

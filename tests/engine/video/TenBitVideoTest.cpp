@@ -123,6 +123,17 @@ TEST(TenBitVideo, HasTheDepthThatIsWished) {
     test::expectViews(folder / "out.mov", 192, 96);
 }
 
+TEST(TenBitVideo, KnowsTheDepthOfRgb) {
+    SKIP_WITHOUT_TEN_BITS();
+    const TemporaryFolder folder;
+    Clip clip = deep();
+    for (const auto &[format, wanted] : {std::pair{"gbrp10le", "pix_fmt=yuv420p10le"}, {"bgr0", "pix_fmt=yuv420p\n"}}) {
+        clip.format = format;
+        toSpatial({}, draw(folder / "rgb.mkv", clip), folder / "out.mov");
+        EXPECT_THAT(test::ffprobe(folder / "out.mov", "stream=pix_fmt", {"-select_streams", "v"}), HasSubstr(wanted));
+    }
+}
+
 TEST(TenBitVideo, IsEightBitsInH264) {
     SKIP_WITHOUT_TEN_BITS();
     const TemporaryFolder folder;
@@ -253,7 +264,7 @@ TEST(TenBitVideo, BecomesStandardRangeWhereEightBitsAreWritten) {
     const auto factsOf = [](const std::filesystem::path &movie) {
         return test::ffprobe(movie, "stream=pix_fmt,color_primaries,color_transfer,color_space:stream_side_data");
     };
-    const std::string note = "HDR became standard dynamic range, because this format cannot show HDR.";
+    const std::string note = "HDR became standard dynamic range, because the result has 8 bits a sample.";
     ConversionSettings settings;
     toSpatial(settings, source, folder / "spatial.mov");
     EXPECT_THAT(toSBS(settings, folder / "spatial.mov", folder / "out.mp4").notes,
