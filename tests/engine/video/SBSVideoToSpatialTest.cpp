@@ -258,7 +258,6 @@ TEST(SBSVideoToSpatial, readsEveryDepthSubsamplingAndRange) {
 TEST(SBSVideoToSpatial, keepsColourTagsAndRange) {
     const TemporaryFolder folder;
     Clip clip;
-    clip.format = "yuv420p10le";
     clip.filter = "setparams=range=full:color_primaries=bt2020:color_trc=smpte2084:colorspace=bt2020nc";
     clip.video = {"-c:v", "libx265", "-x265-params", "log-level=none", "-tag:v", "hvc1"};
     toSpatial({}, draw(folder / "in.mp4", clip), folder / "out.mov");

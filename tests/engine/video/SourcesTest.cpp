@@ -70,6 +70,8 @@ TEST_P(Sources, areShownToBothEyes) {
     const auto source = draw();
     ConversionSettings settings;
     settings.compressionQuality = 1;
+    if (std::string_view(GetParam().name).find("pq") != std::string_view::npos)
+        settings.sbsOutputFormat = SBSOutputFormat::mp4H265; // H.264 makes standard range of it
     const test::Conversion run = test::toSBS(settings, source, folder / "out.mp4");
     const auto written = test::decodeLuma(folder / "out.mp4");
     const auto judged = test::decodeLuma(source);
