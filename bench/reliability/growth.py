@@ -37,13 +37,13 @@ def memory(processes):
 
 
 def watched(command):
-    """Runs a command; its memory about twenty times a second."""
+    """Runs a command; its memory up to fifty times a second."""
     values = []
     with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                           env=media.ENVIRONMENT) as process:
         while process.poll() is None:
             values.append(memory(family(process.pid)))
-            time.sleep(0.05)
+            time.sleep(0.02)
     return process.returncode, values
 
 
@@ -51,8 +51,9 @@ def judged(name, status, values):
     """The second fifth against the last one, of the highest values of short spans."""
     if status != 0:
         return f"{name}: ended with {status}"
-    peaks = [max(values[i:i + 10]) for i in range(0, len(values) - 10, 10)]
-    if len(peaks) < 10:
+    span = max(1, len(values) // 50)
+    peaks = [max(values[i:i + span]) for i in range(0, len(values), span)]
+    if len(peaks) < 20:
         return f"{name}: too short to be judged ({len(values)} samples)"
     fifth = len(peaks) // 5
     early, late = statistics.median(peaks[fifth:2 * fifth]), statistics.median(peaks[-fifth:])
