@@ -53,6 +53,14 @@ def expect(found, failed, words, converted):
     return None
 
 
+def later(seconds, action):
+    """Something to do during a batch."""
+    def wait_and_act():
+        time.sleep(seconds)
+        action()
+    return wait_and_act
+
+
 def inputs_of(folder, cases):
     inputs = folder / "in"
     inputs.mkdir()
@@ -90,33 +98,21 @@ def unplugged(folder, inputs):
     place = mounted(folder / "stick", "size=64m")
     output = place / "out"
     output.mkdir()
-
-    def pull():
-        time.sleep(0.15)
-        unmounted(place)
-    found = batch("sbsToSpatial", inputs, output, folder / "report.json", pull)
+    found = batch("sbsToSpatial", inputs, output, folder / "report.json", later(0.15, lambda: unmounted(place)))
     return expect(found, ["c photo.jpg"], ["does not exist", "No such file"], [])
 
 
 def vanished_output(folder, inputs):
     output = folder / "vanishing"
     output.mkdir()
-
-    def remove():
-        time.sleep(0.15)
-        shutil.rmtree(output)
-    found = batch("sbsToSpatial", inputs, output, folder / "report.json", remove)
+    found = batch("sbsToSpatial", inputs, output, folder / "report.json", later(0.15, lambda: shutil.rmtree(output)))
     return expect(found, ["c photo.jpg"], ["does not exist", "No such file"], [])
 
 
 def vanished_input(folder, inputs):
     output = folder / "out-of-vanished"
     output.mkdir()
-
-    def remove():
-        time.sleep(0.05)
-        (inputs / "b photo.jpg").unlink()
-    found = batch("sbsToSpatial", inputs, output, folder / "report.json", remove)
+    found = batch("sbsToSpatial", inputs, output, folder / "report.json", later(0.05, (inputs / "b photo.jpg").unlink))
     shutil.copy(inputs / "c photo.jpg", inputs / "b photo.jpg")
     return expect(found, ["b photo.jpg"], ["No such file"], ["a film.mp4", "c photo.jpg"])
 

@@ -6,6 +6,7 @@
 
 #include "media/hevc/BitReader.h"
 #include "media/hevc/CodedUnits.h"
+#include "tests/media/x265/CodingParameters.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <new>
 
 namespace lumetwin::media::x265 {
 namespace {
@@ -39,29 +39,9 @@ Samples plane(int view, int frame, int columns, int rows, int mean) {
 }
 
 Parameters tenBitParameters(const x265_api &library) {
-    Parameters parameters(library.param_alloc());
-    if (!parameters || library.param_default_preset(parameters.get(), "veryfast", nullptr) < 0)
-        throw std::bad_alloc();
-    parameters->sourceWidth = deepWidth;
-    parameters->sourceHeight = deepHeight;
+    Parameters parameters = codingParameters(library, deepWidth, deepHeight, 2, 20);
     parameters->sourceBitDepth = parameters->internalBitDepth = 10;
-    parameters->internalCsp = X265_CSP_I420;
     parameters->maxCUSize = 32;
-    parameters->fpsNum = 25;
-    parameters->fpsDenom = 1;
-    parameters->keyframeMax = 25;
-    parameters->keyframeMin = 1;
-    parameters->bOpenGOP = 0;
-    parameters->bRepeatHeaders = 0;
-    parameters->bEmitInfoSEI = 0;
-    parameters->frameNumThreads = 2;
-    parameters->logLevel = X265_LOG_NONE;
-    parameters->rc.rateControlMode = X265_RC_CRF;
-    parameters->rc.rfConstant = 20;
-    parameters->numViews = parameters->numLayers = 2;
-    parameters->format = 0;
-    ++parameters->maxNumReferences;
-    ++parameters->maxNumMergeCand;
     return parameters;
 }
 

@@ -3,6 +3,7 @@
 // with its reconstruction bit for bit, and two views never cost more than two films.
 #include "media/x265/Encoder.h"
 
+#include "tests/media/x265/CodingParameters.h"
 #include "tests/support/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +11,6 @@
 #include <array>
 #include <cmath>
 #include <functional>
-#include <new>
 
 namespace lumetwin::media::x265 {
 namespace {
@@ -81,38 +81,12 @@ struct Coded {
     }
 };
 
-Parameters parametersOf(int views) {
-    Parameters parameters(x265_param_alloc());
-    if (!parameters || x265_param_default_preset(parameters.get(), "veryfast", nullptr) < 0)
-        throw std::bad_alloc();
-    parameters->sourceWidth = width;
-    parameters->sourceHeight = height;
-    parameters->internalCsp = X265_CSP_I420;
-    parameters->fpsNum = 25;
-    parameters->fpsDenom = 1;
-    parameters->keyframeMax = 25;
-    parameters->keyframeMin = 1;
-    parameters->bOpenGOP = 0;
-    parameters->bRepeatHeaders = 0;
-    parameters->bEmitInfoSEI = 0;
-    parameters->frameNumThreads = 2;
-    parameters->logLevel = X265_LOG_NONE;
-    parameters->rc.rateControlMode = X265_RC_CRF;
-    parameters->rc.rfConstant = 28;
-    if (views == 2) {
-        parameters->numViews = parameters->numLayers = 2;
-        parameters->format = 0;
-        ++parameters->maxNumReferences;
-        ++parameters->maxNumMergeCand;
-    }
-    return parameters;
-}
-
 class Coder {
 public:
     Coder(const Scene &scene, int views, int firstEye)
-        : scene_(scene), views_(views), firstEye_(firstEye), parameters_(parametersOf(views)),
-          encoder_(openEncoder(*parameters_)) {}
+        : scene_(scene), views_(views), firstEye_(firstEye),
+          parameters_(codingParameters(*libraryFor(8), width, height, views, 28)), encoder_(openEncoder(*parameters_)) {
+    }
 
     Coded code() {
         x265_nal *units = nullptr;
