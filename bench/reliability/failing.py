@@ -19,20 +19,28 @@ def build(folder):
     return library
 
 
+def was_told(result):
+    """Whether a result that is missing or not whole is told of: skipped, or with frames missing."""
+    return result["state"] == "skipped" or any(warning["kind"] == "framesMissing" for warning in result["warnings"])
+
+
 def fault_of(case, run, output, report, source):
     """What is wrong after a failed call, or None."""
     if run.returncode < 0:
         return f"ended by signal {-run.returncode}"
-    result = output / case.result
     if media.digest(case.source) != source:
         return "the input was changed"
+    file = output / case.result
+    is_whole = file.exists() and media.is_whole(case, file)
+    results = media.results(report) if report.exists() else []
     if run.returncode == 0:
-        return None if result.exists() and media.is_whole(case, result) else "success without a whole result"
-    if result.exists() and not media.is_whole(case, result):
+        return None if is_whole or (results and was_told(results[0])) else "success without a whole result"
+    if file.exists() and not is_whole:
         return "half a file has the finished name"
-    if run.returncode == 1 and report.exists():
-        return None if media.results(report)[0].get("reason") else "failed without a reason"
-    return None if run.stderr.strip() else f"ended with {run.returncode} and no word"
+    if is_whole and report.exists() and media.ending(report):
+        return None  # converted, but something was missing for the words about it
+    has_reason = any(result.get("reason") for result in results) or run.stderr.replace("FAILED", "").strip()
+    return None if has_reason else f"ended with {run.returncode} and no word"
 
 
 def try_once(case, library, kind, number, folder):
