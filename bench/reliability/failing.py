@@ -37,8 +37,6 @@ def fault_of(case, run, output, report, source):
         return None if is_whole or (results and was_told(results[0])) else "success without a whole result"
     if file.exists() and not is_whole:
         return "half a file has the finished name"
-    if is_whole and report.exists() and media.ending(report):
-        return None  # converted, but something was missing for the words about it
     has_reason = any(result.get("reason") for result in results) or run.stderr.replace("FAILED", "").strip()
     return None if has_reason else f"ended with {run.returncode} and no word"
 

@@ -65,8 +65,3 @@ def is_whole(case, file):
 
 def results(report):
     return json.loads(report.read_text("utf-8"))["files"]
-
-
-def ending(report):
-    """What the report says of the run as a whole."""
-    return json.loads(report.read_text("utf-8"))["message"]

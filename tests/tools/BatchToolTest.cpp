@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The program's output and exit status without a terminal.
 #include "tests/tools/BatchFixture.h"
+#include "tools/Commands.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace lumetwin::test {
@@ -25,6 +27,17 @@ protected:
         return run(inputs);
     }
 };
+
+TEST_F(BatchTool, WithoutThreadsItEndsWithThatReason) {
+    const std::string input = file("a.mov");
+    const char *const arguments[] = {"lumetwin-batch", "inspect", input.c_str()};
+    testing::internal::CaptureStderr();
+    const int status = batch::runBatchTool(3, arguments, []() -> MediaOperations {
+        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+    });
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "lumetwin-batch: Resource temporarily unavailable\n");
+    EXPECT_EQ(status, batch::someFailed);
+}
 
 TEST_F(BatchTool, PlainLinesReportEachFile) {
     for (const char *name : {"a.mov", "fail.heic", "plain.mov", "notes.txt"})
