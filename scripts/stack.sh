@@ -14,11 +14,11 @@ stack_work="$lumetwin_cache/build-$stack_recipe"
 # The decoders, demuxers and protocols are those that Lumetwin's inputs need: a smaller surface for hostile
 # files. Encoders, filters and muxers beyond Lumetwin's own serve the tests and benchmarks, which
 # draw their media with the ffmpeg of this stack.
-ffmpeg_decoders=h264,hevc,mpeg4,msmpeg4v1,msmpeg4v2,msmpeg4v3,h263,mjpeg,mjpegb,vp8,vp9,libdav1d,prores,dnxhd,cfhd,ffv1,huffyuv,ffvhuff,utvideo,dvvideo,mpeg1video,mpeg2video,png,rawvideo,wrapped_avframe,aac,aac_latm,mp1float,mp2float,mp3float,ac3,eac3,dca,truehd,alac,flac,opus,vorbis,amrnb,amrwb,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s24be,pcm_s32le,pcm_s32be,pcm_f32le,pcm_f32be,pcm_f64le,pcm_f64be,pcm_u8,pcm_s8,pcm_alaw,pcm_mulaw,adpcm_ms,adpcm_ima_wav,adpcm_ima_qt
-ffmpeg_demuxers=mov,matroska,avi,hevc,h264,rawvideo,yuv4mpegpipe,wav,pcm_s16le
-ffmpeg_parsers=h264,hevc,mpeg4video,mjpeg,vp8,vp9,av1,aac,aac_latm,mpegaudio,ac3,dca,flac,opus,vorbis,h263,mpegvideo,dvbsub,png,dnxhd
-ffmpeg_encoders=libx264,libx265,aac,ac3,alac,flac,mp2,mpeg4,msmpeg4v3,mjpeg,prores_ks,dnxhd,ffv1,huffyuv,png,rawvideo,wrapped_avframe,pcm_s16le,pcm_s16be,pcm_s24le,pcm_f32le
-ffmpeg_muxers=image2,mov,mp4,matroska,avi,hevc,h264,rawvideo,yuv4mpegpipe,wav,pcm_s16le,null,framemd5,framecrc,md5,crc
+ffmpeg_decoders=h264,hevc,mpeg4,msmpeg4v1,msmpeg4v2,msmpeg4v3,h263,mjpeg,mjpegb,vp8,vp9,libdav1d,prores,dnxhd,cfhd,ffv1,huffyuv,ffvhuff,utvideo,dvvideo,mpeg1video,mpeg2video,vc1,wmv1,wmv2,wmv3,png,rawvideo,wrapped_avframe,aac,aac_latm,mp1float,mp2float,mp3float,ac3,eac3,dca,truehd,alac,flac,opus,vorbis,amrnb,amrwb,wmav1,wmav2,wmapro,pcm_bluray,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s24be,pcm_s32le,pcm_s32be,pcm_f32le,pcm_f32be,pcm_f64le,pcm_f64be,pcm_u8,pcm_s8,pcm_alaw,pcm_mulaw,adpcm_ms,adpcm_ima_wav,adpcm_ima_qt
+ffmpeg_demuxers=mov,matroska,avi,mpegts,asf,hevc,h264,rawvideo,yuv4mpegpipe,wav,pcm_s16le
+ffmpeg_parsers=h264,hevc,mpeg4video,mjpeg,vp8,vp9,av1,aac,aac_latm,mpegaudio,ac3,dca,flac,opus,vorbis,h263,mpegvideo,vc1,dvbsub,png,dnxhd
+ffmpeg_encoders=libx264,libx265,aac,ac3,alac,flac,mp2,mpeg4,msmpeg4v3,wmv2,wmav2,mjpeg,prores_ks,dnxhd,ffv1,huffyuv,png,rawvideo,wrapped_avframe,pcm_s16le,pcm_s16be,pcm_s24le,pcm_f32le
+ffmpeg_muxers=image2,mov,mp4,matroska,avi,mpegts,asf,hevc,h264,rawvideo,yuv4mpegpipe,wav,pcm_s16le,null,framemd5,framecrc,md5,crc
 ffmpeg_filters=aevalsrc,aformat,amerge,anoisesrc,anull,anullsrc,aresample,asetpts,atrim,color,concat,crop,drawbox,format,fps,gblur,geq,hflip,hstack,mandelbrot,noise,null,overlay,pad,pan,psnr,scale,scroll,select,setfield,setparams,setpts,settb,sine,split,asplit,ssim,testsrc,testsrc2,tinterlace,transpose,trim,tpad,volume,vstack
 ffmpeg_bsfs=hevc_mp4toannexb,h264_mp4toannexb,hevc_metadata,h264_metadata,extract_extradata,aac_adtstoasc,vp9_superframe,vp9_superframe_split,av1_frame_merge,trace_headers,null,noise
 

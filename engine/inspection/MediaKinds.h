@@ -10,7 +10,7 @@ namespace lumetwin {
 
 inline constexpr std::array<std::string_view, 6> videoExtensions{"mov", "mp4", "m4v", "hevc", "avi", "mkv"};
 /// Of other videos that are taken as well.
-inline constexpr std::array<std::string_view, 2> furtherVideoExtensions{"webm", "3gp"};
+inline constexpr std::array<std::string_view, 6> furtherVideoExtensions{"webm", "3gp", "ts", "m2ts", "mts", "wmv"};
 inline constexpr std::array<std::string_view, 7> photoExtensions{"heic", "heif", "jpg", "jpeg", "png", "tiff", "tif"};
 /// Photos of stereo cameras and viewers: JPEG and PNG files under other names.
 inline constexpr std::array<std::string_view, 3> furtherPhotoExtensions{"mpo", "jps", "pns"};

@@ -15,7 +15,7 @@ namespace lumetwin::media {
 
 namespace {
 
-constexpr int mostAttempts = 3; ///< random access pictures that are tried, and searches from one
+constexpr int mostAttempts = 4; ///< random access pictures that are tried, and searches from one
 
 int videoStreams(const AVFormatContext &input) {
     int count = 0;
@@ -92,21 +92,24 @@ struct FilmFrames::State {
     }
 
     bool seekToTime(std::int64_t time) {
+        if (time <= begin && ffmpeg::seeksToAnyPicture(*input))
+            return av_seek_frame(input.get(), stream.index, 0, AVSEEK_FLAG_BYTE) >= 0;
         return av_seek_frame(input.get(), stream.index, time, AVSEEK_FLAG_BACKWARD) >= 0;
     }
 
     /// Where there are no times to seek by. Where that is impossible, too, the file is read on from where it is.
     void seekToByte(double position) {
-        const auto byte = static_cast<std::int64_t>(position * static_cast<double>(file.size()));
+        const auto byte = static_cast<std::int64_t>(std::min(1.0, position) * static_cast<double>(file.size()));
         av_seek_frame(input.get(), stream.index, byte, AVSEEK_FLAG_BYTE);
     }
 
     /// How much earlier, in ticks, to look for a random access picture from which the pictures that lead the next one
     /// can be decoded. Containers seek by the order of coding, from which pictures are at most 16 frames away.
-    std::int64_t reordering() const {
+    /// Transport streams seek to any picture, so that later attempts look farther back.
+    std::int64_t stepBack(int attempt) const {
         constexpr double leastSeconds = 0.5;
         const double seconds = facts.frameRate > 0 ? std::max(leastSeconds, 16 / facts.frameRate) : leastSeconds;
-        return static_cast<std::int64_t>(std::ceil(seconds / av_q2d(stream.time_base)));
+        return static_cast<std::int64_t>(std::ceil(seconds / av_q2d(stream.time_base))) << 2 * attempt;
     }
 
     Moment momentOf(Frame frame, const ffmpeg::FrameSearch &by) {
@@ -120,13 +123,25 @@ struct FilmFrames::State {
     }
 
     /// The next random access picture that can be decoded.
-    std::optional<Moment> nearFrame() {
+    std::optional<Moment> nextFrame() {
         for (int attempt = 0; attempt < mostAttempts; ++attempt) {
             ffmpeg::FrameSearch search(file.path(), *input, stream, bothViews);
             if (std::optional<Frame> frame = search.randomAccessFrame())
                 return momentOf(std::move(*frame), search);
         }
         return std::nullopt;
+    }
+
+    /// A random access picture near a time.
+    std::optional<Moment> nearFrame(std::int64_t time) {
+        for (int attempt = 0; attempt < mostAttempts && seekToTime(time); ++attempt) {
+            std::optional<Moment> found = nextFrame();
+            if (found || time <= begin)
+                return found;
+            time = std::max(begin, time - stepBack(attempt));
+        }
+        seekToByte(facts.duration > 0 ? secondsOf(time - begin, stream.time_base) / facts.duration : 0);
+        return nextFrame();
     }
 
     /// The last frame that is not later than a time.
@@ -143,9 +158,9 @@ struct FilmFrames::State {
             }
             if (result.frame && (!found || result.isReached))
                 found = momentOf(std::move(*result.frame), search);
-            if (result.isReached || !result.begin || *result.begin <= begin)
+            if (result.isReached || from <= begin || result.begin.value_or(time) <= begin)
                 break;
-            from = *result.begin - (attempt + 1) * reordering();
+            from = std::max(begin, std::min(time, result.begin.value_or(time)) - stepBack(attempt));
         }
         return found;
     }
@@ -166,7 +181,7 @@ std::optional<FilmFrames::Moment> FilmFrames::frameAt(double position) {
         return frameAtTime(share * state_->facts.duration);
     if (share > 0)
         state_->seekToByte(share);
-    return state_->nearFrame();
+    return state_->nextFrame();
 }
 
 std::optional<FilmFrames::Moment> FilmFrames::frameAtTime(double seconds) {
@@ -177,9 +192,7 @@ std::optional<FilmFrames::Moment> FilmFrames::frameAtTime(double seconds) {
     if (state_->choice == FrameChoice::exact)
         if (std::optional<Moment> moment = state_->exactFrame(time))
             return moment;
-    if (!state_->seekToTime(time))
-        state_->seekToByte(state_->facts.duration > 0 ? std::min(1.0, seconds / state_->facts.duration) : 0);
-    return state_->nearFrame();
+    return state_->nearFrame(time);
 }
 
 } // namespace lumetwin::media

@@ -51,9 +51,18 @@ public:
     }
 
     /// The picture at a position; nothing when there is none, or it is the one that was returned last.
-    SampledFrame frameAt(double position) {
-        if (!seek(position))
-            return {};
+    SampledFrame frameAt(double position) { return seek(position) ? nextFrame() : SampledFrame{}; }
+
+    /// Whether a position may be behind the only random access picture.
+    bool maySeekTooFar() const { return ffmpeg::seeksToAnyPicture(*input_); }
+
+    SampledFrame firstFrame() {
+        avcodec_flush_buffers(codec_.get());
+        return av_seek_frame(input_.get(), stream_.index, 0, AVSEEK_FLAG_BYTE) >= 0 ? nextFrame() : SampledFrame{};
+    }
+
+private:
+    SampledFrame nextFrame() {
         for (int attempt = 0; attempt < keyFramesToTry && nextKeyPacket(); ++attempt) {
             if (packet_->pos == lastPosition_ && packet_->pts == lastTime_)
                 return {};
@@ -66,7 +75,6 @@ public:
         return {};
     }
 
-private:
     double secondsOf(const AVPacket &packet) const {
         return packet.pts == AV_NOPTS_VALUE ? 0 : static_cast<double>(packet.pts) * av_q2d(stream_.time_base);
     }
@@ -133,11 +141,17 @@ private:
 void sampleFrames(const InputFile &file, std::span<const double> positions,
                   const std::function<bool(SampledFrame frame)> &take, VideoStream video) {
     Sampler sampler(file, video);
+    bool isAnyTaken = false;
     for (const double position : positions) {
         SampledFrame frame = sampler.frameAt(position);
+        isAnyTaken |= static_cast<bool>(frame.picture);
         if (frame.picture && !take(std::move(frame)))
             return;
     }
+    if (isAnyTaken || !sampler.maySeekTooFar())
+        return;
+    if (SampledFrame frame = sampler.firstFrame(); frame.picture)
+        take(std::move(frame));
 }
 
 } // namespace lumetwin::media

@@ -91,6 +91,10 @@ bool isWithoutTimes(const AVFormatContext &input) {
     return (input.iformat->flags & AVFMT_NOTIMESTAMPS) != 0;
 }
 
+bool seeksToAnyPicture(const AVFormatContext &input) {
+    return std::string_view(input.iformat->name) == "mpegts";
+}
+
 bool countsAsCoded(const AVFormatContext &input) {
     return std::string_view(input.iformat->name) == "avi";
 }

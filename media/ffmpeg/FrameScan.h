@@ -12,6 +12,9 @@ namespace lumetwin::media::ffmpeg {
 /// Whether a container has no time stamps, such as a raw stream.
 bool isWithoutTimes(const AVFormatContext &input);
 
+/// Whether a container (a transport stream) is sought to a picture before which there may be no random access picture.
+bool seeksToAnyPicture(const AVFormatContext &input);
+
 /// Whether a container only numbers coded frames, so that presentation times follow only from all of them together.
 bool countsAsCoded(const AVFormatContext &input);
 

@@ -68,7 +68,7 @@ class Names(unittest.TestCase):
         self.assertEqual(self.metainfo.find("provides/binary").text, "lumetwin")
         kinds = set(self.entry["MimeType"].rstrip(";").split(";"))
         for kind in ("video/quicktime", "video/mp4", "video/x-msvideo", "video/x-matroska", "video/webm",
-                     "video/3gpp", "image/heif", "image/jpeg",
+                     "video/3gpp", "video/mp2t", "video/x-ms-wmv", "image/heif", "image/jpeg",
                      "image/png", "image/tiff"):
             self.assertIn(kind, kinds)
         # A desktop without a default would open every folder with Lumetwin, even for "Show in Folder".

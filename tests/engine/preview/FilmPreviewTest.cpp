@@ -145,6 +145,18 @@ TEST_F(FilmPreview, ofOtherContainers) {
     }
 }
 
+TEST_F(FilmPreview, ofTransportStreams) {
+    // They are sought to any picture, so that the random access picture lies farther back.
+    for (const char *name : {"a.ts", "a.m2ts"})
+        for (const char *distance : {"10", "99"}) {
+            auto options = reordered;
+            options[5] = options[7] = distance;
+            writeFilm(packed(128, 48, Arrangement::sideBySide), file(name), options);
+            for (const int frame : {0, 1, 9, 10, 15, 25, 39})
+                expectFrame(at(name, frame), frame, std::string(name) + " " + distance);
+        }
+}
+
 TEST_F(FilmPreview, ofARawStream) {
     writeFilm(
         packed(128, 48, Arrangement::sideBySide), file("a.hevc"),

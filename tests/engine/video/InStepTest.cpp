@@ -125,6 +125,27 @@ TEST(Timing, VariableRateKeepsItsTimes) {
     EXPECT_EQ(timeScaleOf(folder / "kept.mov"), 90000);
 }
 
+TEST(Timing, TransportStreamsAndWindowsMediaAreInStep) {
+    TemporaryFolder folder;
+    FlashClip clip = FlashClip::constant({25, 1}, 10);
+    const std::vector<std::string> x264{"-c:v", "libx264", "-preset", "ultrafast", "-bf", "2"};
+    const std::vector<std::string> wmv{"-c:v", "wmv2", "-q:v", "3"};
+    for (const auto &[name, picture, sound] : {std::tuple("aac.ts", x264, "aac"),
+                                               {"ac3.m2ts", x264, "ac3"},
+                                               {"mp2.mts", x264, "mp2"},
+                                               {"wma.wmv", wmv, "wmav2"}}) {
+        clip.options = picture;
+        clip.options.insert(clip.options.end(), {"-c:a", sound});
+        if (std::string_view(name).ends_with("mts"))
+            clip.options.insert(clip.options.end(), {"-f", "mpegts"});
+        const auto source = test::draw(folder / name, clip);
+        EXPECT_THAT(test::toSpatial({}, source, folder / "out.mov").warnings, IsEmpty()) << name;
+        EXPECT_THAT(test::toSBS({}, folder / "out.mov", folder / "out.mp4").warnings, IsEmpty()) << name;
+        EXPECT_LE(test::farthestApart(test::eventsOf(folder / "out.mov"), 9), inStep) << name;
+        EXPECT_LE(test::farthestApart(test::eventsOf(folder / "out.mp4"), 9), inStep) << name;
+    }
+}
+
 TEST(Timing, VariableRateInMatroskaKeepsItsTimes) {
     TemporaryFolder folder;
     FlashClip clip;
