@@ -10,14 +10,14 @@ namespace lumetwin {
 namespace {
 
 // A block that is less uneven than this (standard deviation of its samples) correlates with nothing.
-constexpr double flatness = 0.5;
+constexpr float flatness = 0.5F;
 
 } // namespace
 
-BlockSearch::BlockSearch(const LumaPlane &plane, int blockSize) : plane_(plane), size_(blockSize) {
+SummedPlane::SummedPlane(const LumaPlane &of) : plane(of) {
     const std::size_t stride = static_cast<std::size_t>(plane.width) + 1;
-    sums_.resize(stride * (plane.height + 1));
-    squares_.resize(sums_.size());
+    sums.resize(stride * (plane.height + 1));
+    squares.resize(sums.size());
     for (int y = 0; y < plane.height; ++y) {
         double rowSum = 0;
         double rowSquares = 0;
@@ -26,8 +26,8 @@ BlockSearch::BlockSearch(const LumaPlane &plane, int blockSize) : plane_(plane),
             rowSum += value;
             rowSquares += value * value;
             const std::size_t at = stride * (y + 1) + x + 1;
-            sums_[at] = sums_[at - stride] + rowSum;
-            squares_[at] = squares_[at - stride] + rowSquares;
+            sums[at] = sums[at - stride] + rowSum;
+            squares[at] = squares[at - stride] + rowSquares;
         }
     }
 }
@@ -37,17 +37,28 @@ BlockSearch::Area BlockSearch::around(int x, int y, int reachX, int reachY) cons
             std::min(plane_.height - size_, y + reachY)};
 }
 
-double BlockSearch::sum(const std::vector<double> &integral, int x, int y) const {
+/// The deviations of the blocks at `count` places of a row.
+void BlockSearch::deviations(int x, int y, int count, float *target) const {
     const std::size_t stride = static_cast<std::size_t>(plane_.width) + 1;
-    const double *upper = integral.data() + stride * y + x;
-    const double *lower = upper + stride * size_;
-    return lower[size_] - lower[0] - upper[size_] + upper[0];
+    const std::size_t upper = stride * y + x;
+    const std::size_t lower = upper + stride * size_;
+    const double share = 1.0 / (static_cast<double>(size_) * size_);
+    const auto mean = [&](const double *integral, int place) {
+        const double *above = integral + upper + place;
+        const double *below = integral + lower + place;
+        return (below[size_] - below[0] - above[size_] + above[0]) * share;
+    };
+    for (int place = 0; place < count; ++place) {
+        const double middle = mean(summed_.sums.data(), place);
+        const double square = mean(summed_.squares.data(), place);
+        target[place] = static_cast<float>(std::sqrt(std::max(0.0, square - middle * middle)));
+    }
 }
 
 double BlockSearch::deviation(int x, int y) const {
-    const double count = static_cast<double>(size_) * size_;
-    const double mean = sum(sums_, x, y) / count;
-    return std::sqrt(std::max(0.0, sum(squares_, x, y) / count - mean * mean));
+    float value = 0;
+    deviations(x, y, 1, &value);
+    return value;
 }
 
 void BlockSearch::takeBlock(const LumaPlane &from, int x, int y) {
@@ -65,22 +76,23 @@ void BlockSearch::takeBlock(const LumaPlane &from, int x, int y) {
 
 /// Correlates the block with `count` places of a row.
 void BlockSearch::correlateRow(int y, int left, int count, float *target) {
-    row_.assign(static_cast<std::size_t>(count), 0.0F);
-    float *products = row_.data();
+    std::fill_n(target, count, 0.0F);
     for (int line = 0; line < size_; ++line) {
         const float *source = plane_.row(y + line) + left;
         for (int column = 0; column < size_; ++column) {
             const float value = block_[static_cast<std::size_t>(line) * size_ + column];
             for (int place = 0; place < count; ++place)
-                products[place] += value * source[column + place];
+                target[place] += value * source[column + place];
         }
     }
+    row_.resize(static_cast<std::size_t>(count));
+    deviations(left, y, count, row_.data());
+    const auto length = static_cast<float>(norm_ * size_);
+    const bool isFlat = norm_ < flatness * size_;
     for (int place = 0; place < count; ++place) {
-        const double uneven = deviation(left + place, y);
-        const double length = norm_ * uneven * size_;
-        target[place] = uneven < flatness || norm_ < flatness * size_
-                            ? -1.0F
-                            : static_cast<float>(std::clamp(products[place] / length, -1.0, 1.0));
+        const float uneven = row_[static_cast<std::size_t>(place)];
+        const float correlation = std::clamp(target[place] / (length * std::max(uneven, flatness)), -1.0F, 1.0F);
+        target[place] = isFlat || uneven < flatness ? -1.0F : correlation;
     }
 }
 

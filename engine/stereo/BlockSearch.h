@@ -7,6 +7,15 @@
 
 namespace lumetwin {
 
+/// A plane with integral images of its samples and of their squares, of one row and column more than the plane.
+struct SummedPlane {
+    const LumaPlane &plane;
+    std::vector<double> sums;
+    std::vector<double> squares;
+
+    explicit SummedPlane(const LumaPlane &of);
+};
+
 /// A plane that blocks of one size are searched in.
 class BlockSearch {
 public:
@@ -24,7 +33,7 @@ public:
         int bottom = 0;
     };
 
-    BlockSearch(const LumaPlane &plane, int blockSize);
+    BlockSearch(const SummedPlane &summed, int blockSize) : summed_(summed), plane_(summed.plane), size_(blockSize) {}
 
     const LumaPlane &plane() const { return plane_; }
     int blockSize() const { return size_; }
@@ -43,17 +52,16 @@ public:
 
 private:
     const std::vector<float> &correlations(const LumaPlane &other, int x, int y, const Area &area);
-    double sum(const std::vector<double> &integral, int x, int y) const;
     void takeBlock(const LumaPlane &from, int x, int y);
+    void deviations(int x, int y, int count, float *target) const;
     void correlateRow(int y, int left, int count, float *target);
 
+    const SummedPlane &summed_;
     const LumaPlane &plane_;
     int size_;
-    std::vector<double> sums_; ///< integral images, one row and column more than the plane
-    std::vector<double> squares_;
     std::vector<float> block_; ///< the block that is searched, minus its mean
     double norm_ = 0;
-    std::vector<float> row_;
+    std::vector<float> row_; ///< the deviations of a row of places
     std::vector<float> found_;
 };
 

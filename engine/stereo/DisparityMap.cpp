@@ -39,12 +39,23 @@ double peakOffset(double before, double peak, double after) {
     return curve < 0 ? std::clamp((before - after) / (2 * curve), -0.5, 0.5) : 0;
 }
 
+/// One eye, for searches in it.
+struct EyePlanes {
+    LumaPlane half;
+    SummedPlane fullSums;
+    SummedPlane halfSums;
+
+    explicit EyePlanes(const LumaPlane &full) : half(halved(full)), fullSums(full), halfSums(half) {}
+    EyePlanes(const EyePlanes &) = delete;
+};
+
 /// The search for blocks of one eye in the other one, coarse to fine.
 class EyeSearch {
 public:
-    EyeSearch(const LumaPlane &full, const LumaPlane &half) : full_(full, blockSize), half_(half, blockSize / 2) {
-        coarseX_ = coarseReach(full);
-        coarseY_ = static_cast<int>(std::ceil(full.width * reachY / 2));
+    explicit EyeSearch(const EyePlanes &planes)
+        : full_(planes.fullSums, blockSize), half_(planes.halfSums, blockSize / 2) {
+        coarseX_ = coarseReach(full());
+        coarseY_ = static_cast<int>(std::ceil(full().width * reachY / 2));
     }
 
     const LumaPlane &full() const { return full_.plane(); }
@@ -114,15 +125,15 @@ DisparityMap disparityMap(const LumaPlane &left, const LumaPlane &right) {
     if (left.width != right.width || left.height != right.height || left.width < 2 * blockSize ||
         left.height < 2 * blockSize)
         return map;
-    const LumaPlane leftHalf = halved(left);
-    const LumaPlane rightHalf = halved(right);
+    const EyePlanes leftPlanes(left);
+    const EyePlanes rightPlanes(right);
     const int columns = left.width / blockSize;
     const int rows = left.height / blockSize;
     const int marginX = (left.width - columns * blockSize) / 4 * 2;
     const int marginY = (left.height - rows * blockSize) / 4 * 2;
     const auto matchRows = [&](int first, int end) {
-        EyeSearch leftSearch(left, leftHalf);
-        EyeSearch rightSearch(right, rightHalf);
+        EyeSearch leftSearch(leftPlanes);
+        EyeSearch rightSearch(rightPlanes);
         std::vector<BlockMatch> blocks;
         for (int row = first; row < end; ++row)
             for (int column = 0; column < columns; ++column)
@@ -140,13 +151,14 @@ DisparityMap disparityMap(const LumaPlane &left, const LumaPlane &right) {
 bool isRepeatedPattern(const LumaPlane &eye) {
     const LumaPlane half = halved(eye);
     constexpr int size = blockSize / 2;
-    BlockSearch search(half, size);
+    const SummedPlane sums(half);
+    BlockSearch search(sums, size);
     const int reach = coarseReach(eye);
     int textured = 0;
     int repeated = 0;
-    // Every second block is enough.
-    for (int y = 0; y + size <= half.height; y += 2 * size)
-        for (int x = 0; x + size <= half.width; x += 2 * size) {
+    // Every second block is enough; as on a chessboard, because the lines of a pattern may all lie between others.
+    for (int y = 0; y + size <= half.height; y += size)
+        for (int x = y / size % 2 * size; x + size <= half.width; x += 2 * size) {
             if (search.deviation(x, y) < leastTexture)
                 continue;
             ++textured;

@@ -78,6 +78,20 @@ TEST(StereoEvidence, aRepeatedPatternIsNoPairOfEyes) {
     }
 }
 
+TEST(StereoEvidence, brickworkIsNoPairOfEyes) {
+    // Lines between bricks, each second row moved by half a brick; of any size, so also beside the blocks that are
+    // asked.
+    for (const int brick : {40, 64, 94, 120})
+        for (const int line : {3, 6}) {
+            const auto wall = drawn(512, 288, grey8, [&](int, int x, int y) {
+                const int row = y / (brick / 2);
+                const bool isLine = y % (brick / 2) < line || (x + row % 2 * brick / 2) % brick < line;
+                return isLine ? 0 : 255;
+            });
+            EXPECT_FALSE(evidenceOf({wall, wall}).isStereo()) << brick << ", " << line;
+        }
+}
+
 TEST(StereoEvidence, evenPicturesTellNothing) {
     EXPECT_FALSE(evidenceOf({flat(640, 360, grey8, 90), flat(640, 360, grey8, 130)}).isTelling());
 }
