@@ -11,8 +11,8 @@
 namespace lumetwin::media {
 
 /// Reads an image file for a look at it, fast where its format allows that: a JPEG file as grey, at an eighth, a
-/// quarter, or half of its size, but not smaller than `width` × `height` where it is larger; others as
-/// ImageFile::read() does. Pictures that are damaged may be read. Throws MediaError.
+/// quarter, or half of its size, but not smaller than `width` × `height` where it is larger, and without the last bits
+/// of a progressive one; others as ImageFile::read() does. Pictures that are damaged may be read. Throws MediaError.
 Picture readPreview(const InputFile &file, int width, int height);
 
 struct PixelSize {

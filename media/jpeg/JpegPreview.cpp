@@ -10,6 +10,7 @@
 #include "media/samples/Rows.h"
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
 namespace lumetwin::media::images {
@@ -81,8 +82,35 @@ void readHeader(Decoder &decoder, std::FILE *stream) {
 constexpr PictureFormat greySamples{ColourModel::grey, 8, 0, 0};
 constexpr PictureFormat rgbSamples{ColourModel::rgb, 8, 0, 0};
 
+enum class Detail {
+    all,
+    coarse, ///< brightness without its last bits, where the file has them in later scans
+};
+
+/// Whether the scans so far have the brightness of a picture that is reduced so much, but for the last bit.
+bool hasCoarseBrightness(const jpeg_decompress_struct &codec, unsigned reduction) {
+    // The coefficients of the reduced blocks (8, 4, 2, 1 along each side) lie before this one in zigzag order.
+    const std::size_t end = reduction == 1 ? DCTSIZE2 : reduction == 2 ? 25 : reduction == 4 ? 5 : 1;
+    const std::span<const int> missingBits(codec.coef_bits[0], end); // -1: nothing yet
+    return std::ranges::all_of(missingBits, [](int bits) { return bits == 0 || bits == 1; });
+}
+
+/// Reads the scans of a progressive file until they suffice, and starts to decode what they have.
+void startCoarse(jpeg_decompress_struct &codec) {
+    codec.buffered_image = TRUE;
+    codec.do_block_smoothing = FALSE;
+    jpeg_start_decompress(&codec);
+    int status = jpeg_consume_input(&codec);
+    while (status != JPEG_REACHED_EOI &&
+           !(status == JPEG_SCAN_COMPLETED && hasCoarseBrightness(codec, codec.scale_denom))) {
+        limitScans(reinterpret_cast<j_common_ptr>(&codec));
+        status = jpeg_consume_input(&codec);
+    }
+    jpeg_start_output(&codec, codec.input_scan_number);
+}
+
 /// Decodes reduced to grey or to RGB.
-Picture decode(Decoder &decoder, unsigned reduction, bool isGrey) {
+Picture decode(Decoder &decoder, unsigned reduction, bool isGrey, Detail detail) {
     jpeg_decompress_struct &codec = decoder.codec;
     jpeg_progress_mgr progress{};
     progress.progress_monitor = limitScans;
@@ -90,7 +118,13 @@ Picture decode(Decoder &decoder, unsigned reduction, bool isGrey) {
     codec.out_color_space = isGrey ? JCS_GRAYSCALE : JCS_RGB;
     codec.scale_num = 1;
     codec.scale_denom = reduction;
-    decoder.run([&] { jpeg_start_decompress(&codec); });
+    const bool isCoarse = detail == Detail::coarse && codec.progressive_mode;
+    decoder.run([&] {
+        if (isCoarse)
+            startCoarse(codec);
+        else
+            jpeg_start_decompress(&codec);
+    });
     const auto width = static_cast<int>(codec.output_width);
     const auto height = static_cast<int>(codec.output_height);
     ColourTags colour = jpegColour;
@@ -119,7 +153,7 @@ Picture readJpegPreview(const InputFile &file, int width, int height) {
     if (!hasBrightness(decoder.codec))
         return {};
     decoder.codec.dct_method = JDCT_IFAST;
-    return decode(decoder, denominator(decoder.codec, width, height), true);
+    return decode(decoder, denominator(decoder.codec, width, height), true, Detail::coarse);
 }
 
 std::optional<ReducedImage> readReducedJpeg(const InputFile &file, const ImagePlace &place, const NeededSize &needed) {
@@ -134,7 +168,7 @@ std::optional<ReducedImage> readReducedJpeg(const InputFile &file, const ImagePl
     const unsigned reduction = denominator(decoder.codec, size.width, size.height);
     reduced.reduction = static_cast<int>(reduction);
     reduced.image.metadata.iccProfile = profileIn(decoder);
-    reduced.image.picture = decode(decoder, reduction, decoder.codec.jpeg_color_space == JCS_GRAYSCALE);
+    reduced.image.picture = decode(decoder, reduction, decoder.codec.jpeg_color_space == JCS_GRAYSCALE, Detail::all);
     if (decoder.errors.damaged)
         decoder.fail();
     if (!matchesChannels(reduced.image.metadata.iccProfile, reduced.image.picture.format.planeCount()))

@@ -158,6 +158,25 @@ TEST_F(StereoCheck, samplesFramesBySeeking) {
     }
 }
 
+TEST_F(StereoCheck, samplesTransportStreamsAndWindowsMedia) {
+    const std::array positions{0.0, 0.3, 0.6};
+    for (const auto &[name, codec] : {std::pair("a.ts", "libx264"), {"a.m2ts", "libx264"}, {"a.wmv", "wmv2"}}) {
+        writeSteps(name, 40, {"-c:v", codec, "-qmin", "2", "-qmax", "6", "-g", "10", "-bf", "0"});
+        const std::vector<int> steps = sampledSteps(name, positions);
+        EXPECT_GE(steps.size(), std::string_view(name) == "a.wmv" ? 1U : 2U) << name;
+        for (const int step : steps)
+            EXPECT_EQ(step % 10, 0) << name;
+        EXPECT_TRUE(std::ranges::is_sorted(steps, std::less_equal{})) << name;
+    }
+}
+
+TEST_F(StereoCheck, samplesTheOnlyRandomAccessPicture) {
+    for (const char *name : {"a.mp4", "a.ts", "a.m2ts"}) {
+        writeSteps(name, 40, {"-c:v", "libx264", "-qp", "6", "-g", "99", "-sc_threshold", "0"});
+        EXPECT_EQ(sampledSteps(name, std::array{0.1, 0.5, 0.9}), std::vector{0}) << name;
+    }
+}
+
 TEST_F(StereoCheck, samplesARawStream) {
     writeSteps(
         "a.hevc", 40,
@@ -191,6 +210,33 @@ TEST_F(StereoCheck, previewsAreReducedButNotTooMuch) {
     EXPECT_EQ(sizeFor(100, 300), std::pair(800, 400));
     EXPECT_EQ(sizeFor(10, 10), std::pair(200, 100));
     EXPECT_EQ(sizeFor(9000, 9000), std::pair(1600, 800));
+}
+
+TEST_F(StereoCheck, previewsOfProgressivePhotosAreNearlyExact) {
+    writePicture(drawnTexture(1600, 800), file("a.png"));
+    for (const int reduction : {1, 2, 4, 8}) {
+        const auto previewOf = [&](const std::string &name, const std::string &interlace) {
+            output({"convert", file("a.png").string(), "-interlace", interlace, "-quality", "92", file(name).string()});
+            return media::readPreview(media::InputFile(file(name)), 1600 / reduction, 800 / reduction);
+        };
+        const Picture exact = previewOf("b.jpg", "none");
+        const Picture early = previewOf("c.jpg", "JPEG");
+        ASSERT_EQ(early.width, 1600 / reduction);
+        ASSERT_EQ(early.height, exact.height);
+        double sum = 0;
+        for (int y = 0; y < exact.height; ++y)
+            for (int x = 0; x < exact.width; ++x)
+                sum += std::abs(sample(exact, 0, x, y) - sample(early, 0, x, y));
+        EXPECT_LT(sum / exact.width / exact.height, 3) << reduction;
+    }
+}
+
+TEST_F(StereoCheck, aProgressivePhotoThatIsCutOffIsStillSeen) {
+    writePicture(besideEachOther(drawnEyes({})), file("a.png"));
+    output({"convert", file("a.png").string(), "-interlace", "JPEG", file("a.jpg").string()});
+    const Bytes bytes = readFile(file("a.jpg"));
+    writeFile(file("b.jpg"), Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() * 9 / 10)));
+    EXPECT_EQ(examine(media::InputFile(file("b.jpg")), sideBySide).seen, EyeArrangement::sideBySide);
 }
 
 TEST_F(StereoCheck, previewsOfInksAreRead) {
