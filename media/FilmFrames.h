@@ -23,7 +23,8 @@ struct FilmFacts {
 
 /// Which frame is given for a place in a film.
 enum class FrameChoice {
-    /// A random access picture: the last one before the place, or the next one where there is none before. Faster.
+    /// A random access picture: the last one before the place, or the next one where there is none before. Its blocks
+    /// are not smoothed. Faster.
     near,
     /// The one that is shown there, up to ten seconds behind a random access picture; beyond, and in tracks without
     /// times, the nearest one that is reached.

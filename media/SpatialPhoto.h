@@ -28,6 +28,7 @@ enum class Eye { left, right };
 
 enum class PhotoSamples {
     coded, ///< as coded: Y'CbCr planes with their subsampling
+    rough, ///< the same without the filter that smooths the edges of blocks: for a reduced picture that is shown soon
     rgb,   ///< converted to RGB
 };
 
@@ -41,7 +42,9 @@ struct StereoPhotoFacts {
 
     bool hasStereoGroup = false; ///< a group of the type `ster` (ISO/IEC 23008-12)
     bool hasBothEyes = false;    ///< and the file has the images of it, or at least two
-    std::optional<Lens> lens;    ///< of the first image that states it
+    std::uint32_t width = 0;     ///< pixels of the left eye, 0 without both eyes
+    std::uint32_t height = 0;
+    std::optional<Lens> lens; ///< of the first image that states it
     /// The x position of the first camera that is not at the origin, in micrometres.
     std::optional<std::int32_t> cameraPosition;
     std::optional<std::int32_t> disparityAdjustment; ///< ten-thousandths of the image width: the left eye's, else the

@@ -86,9 +86,17 @@ PreviewSource inTwoPictures(media::EyePair<ReducedImage> photos, const StereoLay
     return sourceOf(cells, eyeIn(photos.left, cells.left), eyeIn(photos.right, cells.right));
 }
 
-PreviewSource ofStereoGroup(const media::ImageFile &photo) {
+/// Nobody sees the edges of blocks in a picture that is reduced to half its size.
+media::PhotoSamples samplesFor(const media::StereoPhotoFacts &facts, const PreviewRequest &request) {
+    const PreviewSize limits = previewLimits(request);
+    const bool isHalf = facts.width / 2 >= static_cast<unsigned>(limits.width) ||
+                        facts.height / 2 >= static_cast<unsigned>(limits.height);
+    return isHalf ? media::PhotoSamples::rough : media::PhotoSamples::coded;
+}
+
+PreviewSource ofStereoGroup(const media::ImageFile &photo, media::PhotoSamples samples) {
     media::EyePair<media::StillImage> eyes;
-    media::readSpatialPhoto(photo, media::PhotoSamples::coded, [&](media::Eye eye, media::StillImage image) {
+    media::readSpatialPhoto(photo, samples, [&](media::Eye eye, media::StillImage image) {
         (eye == media::Eye::left ? eyes.left : eyes.right) = std::move(image);
     });
     const media::Picture &left = eyes.left.picture;
@@ -110,7 +118,7 @@ PreviewSource photoSource(const ConversionInput &input, const PreviewRequest &re
     const StereoLayout &layout = request.layout;
     if (isSpatialPhoto(lookAt(input)))
         if (const media::ImageFile photo(input); media::stereoPhotoFacts(photo).hasBothEyes)
-            return ofStereoGroup(photo);
+            return ofStereoGroup(photo, samplesFor(media::stereoPhotoFacts(photo), request));
     const auto needed = [&](const media::PixelSize &whole) {
         return neededSize(whole, wholeCells(whole.width, whole.height), request);
     };

@@ -126,7 +126,7 @@ struct FilmFrames::State {
     std::optional<Moment> nextFrame() {
         for (int attempt = 0; attempt < mostAttempts; ++attempt) {
             ffmpeg::FrameSearch search(file.path(), *input, stream, bothViews);
-            if (std::optional<Frame> frame = search.randomAccessFrame())
+            if (std::optional<Frame> frame = search.randomAccessFrame(choice == FrameChoice::near))
                 return momentOf(std::move(*frame), search);
         }
         return std::nullopt;

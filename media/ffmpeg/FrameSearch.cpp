@@ -14,10 +14,14 @@ namespace {
 constexpr int packetsToRandomAccess = 2000; ///< read before a random access picture is found
 constexpr int mostFrames = 1200;            ///< decoded before the wanted one: ten seconds of 120 frames
 constexpr double longestGroup = 10;         ///< seconds, the same
-constexpr unsigned mostThreads = 4;         ///< each delays the first picture
+constexpr unsigned mostThreads = 4;         ///< each that has a frame of its own delays the first one
 
 std::int64_t timeOf(const AVPacket &packet) {
     return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+}
+
+int threads() {
+    return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads));
 }
 
 } // namespace
@@ -43,8 +47,10 @@ const AVPacket *FrameSearch::nextKeyPacket() {
     return nullptr;
 }
 
-std::optional<Frame> FrameSearch::randomAccessFrame() {
-    decoder_.useThreads(1);
+std::optional<Frame> FrameSearch::randomAccessFrame(bool isRough) {
+    decoder_.useThreads(threads(), VideoDecoder::Sharing::partsOfFrames);
+    if (isRough)
+        decoder_.leaveOutLoopFilter();
     decoder_.open();
     const AVPacket *packet = nextKeyPacket();
     if (!packet)
@@ -77,7 +83,7 @@ bool FrameSearch::isFarEnough(const AVPacket &packet, std::int64_t begin) const 
 
 FrameSearch::Result FrameSearch::frameAt(std::int64_t time, Unreferenced unreferenced) {
     const bool leavesOut = unreferenced == Unreferenced::leftOut && knowsUnreferenced();
-    decoder_.useThreads(static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads)));
+    decoder_.useThreads(threads(), VideoDecoder::Sharing::frames);
     decoder_.open();
     const AVPacket *packet = nextKeyPacket();
     if (!packet)

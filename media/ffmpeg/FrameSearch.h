@@ -17,8 +17,9 @@ class FrameSearch {
 public:
     FrameSearch(std::filesystem::path file, AVFormatContext &input, const AVStream &stream, bool bothViews);
 
-    /// The next random access picture alone; nullopt when it cannot be decoded, or there is none.
-    std::optional<Frame> randomAccessFrame();
+    /// The next random access picture alone; a rough one without the loop filter. nullopt when it cannot be decoded, or
+    /// there is none.
+    std::optional<Frame> randomAccessFrame(bool isRough);
 
     /// Whether pictures before the wanted one that no other picture needs are decoded.
     enum class Unreferenced { leftOut, decoded };

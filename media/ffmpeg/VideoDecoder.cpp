@@ -37,8 +37,9 @@ bool VideoDecoder::askForBothViews() {
     return true;
 }
 
-void VideoDecoder::useThreads(int threads) {
+void VideoDecoder::useThreads(int threads, Sharing sharing) {
     codec_->thread_count = decodesWithOneThread() ? 1 : threads;
+    codec_->thread_type = sharing == Sharing::frames ? FF_THREAD_FRAME : FF_THREAD_SLICE;
 }
 
 std::span<const std::uint8_t> VideoDecoder::configuration() const {

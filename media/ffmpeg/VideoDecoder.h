@@ -25,8 +25,12 @@ public:
 
     /// Both views of a multiview stream, each a frame of its own; before open(). False where the codec knows no views.
     bool askForBothViews();
+    /// What threads share: the frames of a film, which delays the first one, or the parts of a frame.
+    enum class Sharing { frames, partsOfFrames };
     /// Another number of threads than for a whole film; before open(). One after a crash in any case.
-    void useThreads(int threads);
+    void useThreads(int threads, Sharing sharing);
+    /// Without the filter that smooths the edges of blocks; before open().
+    void leaveOutLoopFilter() { codec_->skip_loop_filter = AVDISCARD_ALL; }
     /// The track's parameter sets and the like, as the container has them.
     std::span<const std::uint8_t> configuration() const;
     void open();

@@ -76,7 +76,9 @@ void require(const heif_error &error, const std::filesystem::path &file) {
 HeifDocument::HeifDocument(const InputFile &file)
     : path_(file.path()), bytes_(contentOf(file)), context_(heif_context_alloc()) {
     static const heif_error ready = heif_register_decoder_plugin(images::hevcDecoder());
+    static const heif_error roughReady = heif_register_decoder_plugin(images::roughHevcDecoder());
     require(ready, path_);
+    require(roughReady, path_);
     hideGroups(bytes_);
     setLimits(context_.get());
     require(heif_context_read_from_memory_without_copy(context_.get(), bytes_.data(), bytes_.size(), nullptr), path_);

@@ -7,6 +7,7 @@
 #include "media/bmff/BoxReader.h"
 #include "media/colour/ColourProfile.h"
 #include "media/heif/HeifDocument.h"
+#include "media/heif/HevcDecoder.h"
 #include "media/samples/Limits.h"
 #include "media/samples/Rows.h"
 
@@ -52,6 +53,7 @@ void requireDecoder(const std::filesystem::path &file, const HeifImage &image) {
 struct Decoding {
     const HeifDocument &document;
     const Cancellation &cancellation;
+    bool isRough = false;
 };
 
 /// libheif calls this before each tile.
@@ -61,6 +63,7 @@ int stops(void *cancellation) {
 
 Image decode(const Decoding &decoding, const heif_image_handle *handle, heif_colorspace space, heif_chroma chroma) {
     const DecodingOptions options(heif_decoding_options_alloc());
+    options->decoder_id = decoding.isRough ? images::roughHevcDecoderName : nullptr;
     options->cancel_decoding = stops;
     options->progress_user_data = const_cast<Cancellation *>(&decoding.cancellation);
     heif_image *decoded = nullptr;
@@ -230,7 +233,7 @@ StillImage read(const Decoding &decoding, heif_item_id item, PhotoSamples sample
     checkSize(decoding.document.path(), heif_image_handle_get_width(handle.get()),
               heif_image_handle_get_height(handle.get()));
     StillImage image;
-    const bool asCoded = samples == PhotoSamples::coded && heif_image_handle_has_alpha_channel(handle.get()) == 0;
+    const bool asCoded = samples != PhotoSamples::rgb && heif_image_handle_has_alpha_channel(handle.get()) == 0;
     image.picture = asCoded ? planesOf(decoding, handle.get()) : rgbOf(decoding, handle.get());
     image.metadata = metadataIn(handle.get());
     if (!images::matchesChannels(image.metadata.iccProfile, image.picture.format.planeCount()))
@@ -245,7 +248,11 @@ HeifReader::HeifReader(const InputFile &file) : file_(file), headers_(readHeifFi
 StereoPhotoFacts HeifReader::stereoFacts() const {
     StereoPhotoFacts facts;
     facts.hasStereoGroup = !headers_.stereoGroups.empty();
-    facts.hasBothEyes = headers_.stereoEyes().has_value();
+    if (const auto eyes = headers_.stereoEyes()) {
+        facts.hasBothEyes = true;
+        facts.width = headers_.images[eyes->left].width;
+        facts.height = headers_.images[eyes->left].height;
+    }
     facts.disparityAdjustment = headers_.stereoDisparityAdjustment();
     for (const HeifImage &image : headers_.images) {
         const auto intrinsics = image.pixelIntrinsics();
@@ -271,7 +278,7 @@ StillImage HeifReader::read(std::size_t image, PhotoSamples samples, const Cance
     requireDecoder(file_.path(), wanted);
     // Decoding a picture that is coded in one piece cannot be stopped, so its thread may run a little longer.
     return abandonable(cancellation, [document = document(), item = wanted.item, samples](const Cancellation &asked) {
-        return heif::read({*document, asked}, item, samples);
+        return heif::read({*document, asked, samples == PhotoSamples::rough}, item, samples);
     });
 }
 

@@ -47,6 +47,11 @@ int supports(heif_compression_format format) {
     return format == heif_compression_HEVC ? priority : 0;
 }
 
+/// Only where it is asked for.
+int supportsRoughly(heif_compression_format format) {
+    return format == heif_compression_HEVC ? 1 : 0;
+}
+
 heif_error newDecoder(void **decoder) {
     *decoder = new (std::nothrow) FrameDecoding;
     return *decoder ? success : noMemory;
@@ -79,7 +84,9 @@ heif_error push(void *decoder, const void *data, std::size_t size) {
     }
 }
 
-ffmpeg::FramePointer decoded(const std::vector<std::uint8_t> &stream) {
+enum class LoopFilter { applied, leftOut };
+
+ffmpeg::FramePointer decoded(const std::vector<std::uint8_t> &stream, LoopFilter filter) {
     const AVCodec *codec = avcodec_find_decoder(AV_CODEC_ID_HEVC);
     const ffmpeg::Codec context(codec ? avcodec_alloc_context3(codec) : nullptr);
     const ffmpeg::Packet packet = ffmpeg::makePacket();
@@ -89,6 +96,8 @@ ffmpeg::FramePointer decoded(const std::vector<std::uint8_t> &stream) {
     std::memcpy(packet->data, stream.data(), stream.size());
     // Tiles and both eyes are already decoded in parallel.
     context->thread_count = 1;
+    if (filter == LoopFilter::leftOut)
+        context->skip_loop_filter = AVDISCARD_ALL;
     if (avcodec_open2(context.get(), codec, nullptr) < 0 || avcodec_send_packet(context.get(), packet.get()) < 0)
         return nullptr;
     avcodec_send_packet(context.get(), nullptr); // end of stream: the decoder returns delayed pictures
@@ -162,16 +171,16 @@ void tag(const AVFrame &frame, heif_image *image) {
 }
 
 /// Exceptions must not pass through libheif.
-ffmpeg::FramePointer decodedSafely(const std::vector<std::uint8_t> &stream) {
+ffmpeg::FramePointer decodedSafely(const std::vector<std::uint8_t> &stream, LoopFilter filter) {
     try {
-        return decoded(stream);
+        return decoded(stream, filter);
     } catch (const std::exception &) {
         return nullptr;
     }
 }
 
-heif_error decodeFrame(void *decoder, heif_image **result) {
-    const ffmpeg::FramePointer frame = decodedSafely(frameDecodingOf(decoder).stream);
+template <LoopFilter filter> heif_error decodeFrame(void *decoder, heif_image **result) {
+    const ffmpeg::FramePointer frame = decodedSafely(frameDecodingOf(decoder).stream, filter);
     if (!frame)
         return failure("a picture is damaged", heif_suberror_Decompression_invalid_data);
     const Layout layout = layoutOf(*frame);
@@ -200,15 +209,27 @@ constexpr heif_decoder_plugin plugin{
     .new_decoder = newDecoder,
     .free_decoder = freeDecoder,
     .push_data = push,
-    .decode_image = decodeFrame,
+    .decode_image = decodeFrame<LoopFilter::applied>,
     .set_strict_decoding = nullptr,
     .id_name = "lumetwin-hevc",
 };
+
+constexpr heif_decoder_plugin roughPlugin = [] {
+    heif_decoder_plugin rough = plugin;
+    rough.does_support_format = supportsRoughly;
+    rough.decode_image = decodeFrame<LoopFilter::leftOut>;
+    rough.id_name = roughHevcDecoderName;
+    return rough;
+}();
 
 } // namespace
 
 const heif_decoder_plugin *hevcDecoder() {
     return &plugin;
+}
+
+const heif_decoder_plugin *roughHevcDecoder() {
+    return &roughPlugin;
 }
 
 } // namespace lumetwin::media::images

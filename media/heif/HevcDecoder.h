@@ -9,4 +9,8 @@ namespace lumetwin::media::images {
 /// IDR slice that are returned at once, in few sample formats. Camera files need more.
 const heif_decoder_plugin *hevcDecoder();
 
+/// The same without the loop filter. Used by libheif when the options of a decoding have this name.
+const heif_decoder_plugin *roughHevcDecoder();
+inline constexpr const char *roughHevcDecoderName = "lumetwin-hevc-rough";
+
 } // namespace lumetwin::media::images

@@ -31,7 +31,10 @@ struct PreviewLoader::Task {
     StereoPreview eyes;
     bool isExamined = false;
 
+    bool isDecoded(const PreviewWish &wish) const { return decoded && isSamePicture(*decoded, wish); }
     void decode(const PreviewWish &wish);
+    void draw(const std::shared_ptr<Task> &self, std::uint64_t number, const PreviewWish &wish, bool isLast);
+    void examine(const std::shared_ptr<Task> &self, std::uint64_t number);
     template <typename Send> void post(const std::shared_ptr<Task> &self, std::uint64_t number, Send send);
 
     bool isWished() {
@@ -148,7 +151,7 @@ void PreviewLoader::Task::post(const std::shared_ptr<Task> &self, std::uint64_t 
 
 /// Decodes the eyes, unless they are there from the last wish.
 void PreviewLoader::Task::decode(const PreviewWish &wish) {
-    if (decoded && isSamePicture(*decoded, wish))
+    if (isDecoded(wish))
         return;
     decoded.reset();
     eyes = operations.preview(InputPaths{wish.file, wish.rightEye}, wish.request);
@@ -156,19 +159,36 @@ void PreviewLoader::Task::decode(const PreviewWish &wish) {
     isExamined = false;
 }
 
+void PreviewLoader::Task::draw(const std::shared_ptr<Task> &self, std::uint64_t number, const PreviewWish &wish,
+                               bool isLast) {
+    decode(wish);
+    PreviewShow drawn = show(wish, eyes);
+    drawn.isLast = isLast;
+    post(self, number, [drawn](PreviewLoader &loader) { emit loader.drawn(drawn); });
+}
+
+void PreviewLoader::Task::examine(const std::shared_ptr<Task> &self, std::uint64_t number) {
+    const StereoFindings findings = eyes.hasBothEyes ? findingsOf(eyes.left, eyes.right) : StereoFindings();
+    isExamined = true;
+    post(self, number, [findings](PreviewLoader &loader) { emit loader.examined(findings); });
+}
+
 void PreviewLoader::run(const std::shared_ptr<Task> &task) {
     while (const auto next = task->next()) {
         const auto &[wish, number] = *next;
         try {
-            task->decode(wish);
-            task->post(task, number, [drawn = show(wish, task->eyes)](PreviewLoader &self) { emit self.drawn(drawn); });
-            // Not while the user moves on.
-            if (!task->isExamined && !task->isWished()) {
-                const StereoFindings findings =
-                    task->eyes.hasBothEyes ? findingsOf(task->eyes.left, task->eyes.right) : StereoFindings();
-                task->isExamined = true;
-                task->post(task, number, [findings](PreviewLoader &self) { emit self.examined(findings); });
+            // The exact frame of a film may take a second; one near it comes soon.
+            if (wish.request.exact && !task->isDecoded(wish)) {
+                PreviewWish near = wish;
+                near.request.exact = false;
+                task->draw(task, number, near, false);
+                if (task->isWished())
+                    continue;
             }
+            task->draw(task, number, wish, true);
+            // Not while the user moves on.
+            if (!task->isExamined && !task->isWished())
+                task->examine(task, number);
         } catch (const std::exception &error) {
             task->post(task, number,
                        [reason = toQString(errorMessage(error))](PreviewLoader &self) { emit self.failed(reason); });

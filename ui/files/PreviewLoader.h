@@ -34,10 +34,11 @@ struct PreviewShow {
     QImage picture;
     QImage second; ///< wiggle: the right eye's picture, which alternates with the first; otherwise null
     PreviewFacts facts;
+    bool isLast = true; ///< false: of a film's frame near the wanted one, which follows
 };
 
 /// Draws previews on a background thread. While one is drawn, only the newest wish waits. The decoded eyes are kept, so
-/// that another mode or setting needs no decoding.
+/// that another mode or setting needs no decoding. Before the exact frame of a film, one near it is drawn.
 class PreviewLoader : public QObject {
     Q_OBJECT
 

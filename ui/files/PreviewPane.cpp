@@ -235,7 +235,7 @@ void PreviewPane::load(bool exact) {
     wish.mode = static_cast<PreviewMode>(modePopup_->currentIndex());
     wish.request.layout = isSpatial ? StereoLayout() : layoutToShow(row_->look->facts, *settings_);
     wish.request.position = static_cast<double>(timeSlider_->value()) / sliderSteps;
-    wish.request.exact = exact;
+    wish.request.exact = exact && row_->kind == FileRow::Kind::video;
     if (!canvas_->isActualSize())
         wish.room = canvas_->room();
     wish.request.maximumWidth = canvas_->isActualSize() ? wholePicture : wish.room.width();
@@ -263,7 +263,7 @@ void PreviewPane::showTime(double seconds) {
 void PreviewPane::drawn(const PreviewShow &show) {
     facts_ = show.facts;
     canvas_->setShow(show);
-    if (row_ && row_->kind == FileRow::Kind::video && !timeSlider_->isSliderDown())
+    if (row_ && row_->kind == FileRow::Kind::video && show.isLast && !timeSlider_->isSliderDown())
         showTime(show.facts.seconds);
     modePopup_->setEnabled(show.facts.hasBothEyes);
     judgement_->setVisible(show.facts.hasBothEyes);
