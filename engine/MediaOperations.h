@@ -68,6 +68,8 @@ struct MediaOperations {
     Converter convertSBSVideoToSpatial;
     Converter convertSpatialPhotoToSBS;
     Converter convertSBSImageToSpatial;
+    /// How many photos a batch may convert at the same time.
+    int photosAtOnce = 1;
 
     const Converter &converter(ConversionKind kind) const;
 

@@ -5,10 +5,24 @@
 #include "worker/parent/WorkerProgram.h"
 #include "worker/parent/Workers.h"
 
+#include <algorithm>
+#include <thread>
 #include <utility>
+
+#include <unistd.h>
 
 namespace lumetwin::worker {
 namespace {
+
+/// One for each processor, as far as memory suffices: each worker may need some hundred MiB.
+int photosAtOnce() {
+    constexpr long most = 8;
+    constexpr long bytesForEach = 1L << 29;
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long roomFor = pages > 0 ? pages / (bytesForEach / sysconf(_SC_PAGESIZE)) : 1;
+    const auto processors = static_cast<long>(std::thread::hardware_concurrency());
+    return static_cast<int>(std::clamp(std::min(processors, roomFor), 1L, most));
+}
 
 MediaOperations::Converter converter(const std::shared_ptr<Workers> &workers, ConversionKind kind) {
     return [workers, kind](const ConversionSettings &settings, const ConversionInput &input,
@@ -30,7 +44,8 @@ MediaOperations confinedOperations(std::shared_ptr<Workers> workers) {
             .convertSpatialVideoToSBS = converter(workers, ConversionKind::spatialVideoToSBS),
             .convertSBSVideoToSpatial = converter(workers, ConversionKind::sbsVideoToSpatial),
             .convertSpatialPhotoToSBS = converter(workers, ConversionKind::spatialPhotoToSBS),
-            .convertSBSImageToSpatial = converter(workers, ConversionKind::sbsImageToSpatial)};
+            .convertSBSImageToSpatial = converter(workers, ConversionKind::sbsImageToSpatial),
+            .photosAtOnce = photosAtOnce()};
 }
 
 MediaOperations confinedOperations() {

@@ -35,37 +35,6 @@ auto saying(ConversionKind kind, const Step &step, const Photo &ofPhoto, const S
     }
 }
 
-/// Creates and owns the partial output.
-class Destination {
-public:
-    Destination(ConversionKind kind, const Path &output)
-        : kind_(kind), output_(output),
-          partial_(saying(
-              kind, [&] { return std::make_unique<media::PartialFile>(output); },
-              [&](const Words &cause) {
-                  return processorError(
-                      withCause(words("error.photo.no.destination.format", lastPathComponent(output)), cause));
-              },
-              [&](const Words &cause) { return SpatialPhotoError::cannotCreateDestination(output, cause); })) {}
-
-    const media::OutputFile &file() const { return partial_->file(); }
-    void discard() { partial_->discard(); }
-    void finish() {
-        saying(
-            kind_, [&] { partial_->finish(); },
-            [&](const Words &cause) {
-                return processorError(
-                    withCause(words("error.photo.write.failed.format", lastPathComponent(output_)), cause));
-            },
-            [&](const Words &cause) { return SpatialPhotoError::finalizationFailed(output_, cause); });
-    }
-
-private:
-    ConversionKind kind_;
-    Path output_;
-    std::unique_ptr<media::PartialFile> partial_;
-};
-
 } // namespace
 
 media::InputFile openInput(ConversionKind kind, const Path &file) {
@@ -77,12 +46,47 @@ media::InputFile openInput(ConversionKind kind, const Path &file) {
         });
 }
 
+FileConversion::FileConversion(ConversionKind kind, const Path &output)
+    : kind_(kind), output_(placeOf(kind, output)),
+      partial_(saying(
+          kind, [&] { return std::make_unique<media::PartialFile>(output_); },
+          [&](const Words &cause) {
+              return processorError(
+                  withCause(words("error.photo.no.destination.format", lastPathComponent(output_)), cause));
+          },
+          [&](const Words &cause) { return SpatialPhotoError::cannotCreateDestination(output_, cause); })) {}
+
+FileConversion::~FileConversion() = default;
+
+Outcome FileConversion::run(const MediaOperations &operations, const ConversionSettings &settings,
+                            const ConversionInput &input, const ConversionControl &control, SystemVersion system) {
+    Outcome outcome = operations.converter(kind_)(settings, input, partial_->file(), control, system);
+    if (!outcome.written)
+        discard();
+    return outcome;
+}
+
+void FileConversion::finish() {
+    saying(
+        kind_, [&] { partial_->finish(); },
+        [&](const Words &cause) {
+            return processorError(
+                withCause(words("error.photo.write.failed.format", lastPathComponent(output_)), cause));
+        },
+        [&](const Words &cause) { return SpatialPhotoError::finalizationFailed(output_, cause); });
+}
+
+void FileConversion::discard() noexcept {
+    partial_->discard();
+}
+
 Outcome convertFile(const MediaOperations &operations, ConversionKind kind, const ConversionSettings &settings,
                     const ConversionInput &input, const Path &output, const ConversionControl &control,
                     SystemVersion system) {
-    Destination destination(kind, placeOf(kind, output));
-    Outcome outcome = operations.converter(kind)(settings, input, destination.file(), control, system);
-    outcome.written ? destination.finish() : destination.discard();
+    FileConversion conversion(kind, output);
+    Outcome outcome = conversion.run(operations, settings, input, control, system);
+    if (outcome.written)
+        conversion.finish();
     return outcome;
 }
 

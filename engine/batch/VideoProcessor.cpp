@@ -2,8 +2,10 @@
 #include "engine/batch/VideoProcessor.h"
 
 #include "engine/batch/BatchFiles.h"
+#include "engine/batch/EarlyWork.h"
 #include "engine/batch/EyeFiles.h"
 #include "engine/batch/FileConversion.h"
+#include "engine/batch/FileTask.h"
 #include "engine/batch/InputList.h"
 #include "engine/batch/OutputGuard.h"
 #include "engine/batch/OutputPlace.h"
@@ -160,11 +162,14 @@ VideoProcessor::Ending VideoProcessor::convertFiles(const BatchFiles &files) {
         results_[index].input = files.input(index);
         results_[index].rightEye = files.rightEye(index);
     }
+    EarlyWork early(settings->dryRun ? 1 : operations_.photosAtOnce, [this](FileTask &task) {
+        perform(task, [&task](const std::string &line) { task.log.push_back(line); });
+    });
     const auto total = static_cast<std::int64_t>(files.count());
     for (std::size_t index = 0; index < files.count(); ++index) {
         if (!cancelRequested) {
             call(onProgress, static_cast<std::int64_t>(index), total, files.name(index));
-            processFile(files, index, guard);
+            processFile(files, index, guard, early);
             opened_ = nullptr;
         }
         call(onResult, results_[index]);
@@ -180,26 +185,40 @@ VideoProcessor::Ending VideoProcessor::ending() const {
     return {failed == 0, formatted("status.complete", converted, failed)};
 }
 
-void VideoProcessor::processFile(const BatchFiles &files, std::size_t index, const OutputGuard &guard) {
+void VideoProcessor::processFile(const BatchFiles &files, std::size_t index, const OutputGuard &guard,
+                                 EarlyWork &early) {
     FileResult &result = results_[index];
     if (const std::string &listingError = files.listingError(index); !listingError.empty()) {
         const std::string message = formatted("error.folder.not.readable.format", files.name(index), listingError);
         return fail(result, message, message);
     }
+    const auto beginMore = [&] { workAhead(files, index, guard, early); };
+    beginMore();
     const auto began = std::chrono::steady_clock::now();
+    const std::unique_ptr<FileTask> task = early.take(index, beginMore);
     try {
-        static_cast<void>(files.isSpatial(index));
-        if (const auto failed = failedLooks_.find(result.input); failed != failedLooks_.end())
-            std::rethrow_exception(failed->second);
-        if (isSkipped(files, index, result))
+        if (task)
+            concludeEarly(*task, files, index, result);
+        else if (!convertInTurn(files, index, guard, result))
             return;
-        convert(files, index, guard, result);
     } catch (const std::exception &error) {
         fail(result, errorText(error), errorMessage(error));
     } catch (...) {
         fail(result, "unknown error", text("error.unknown"));
     }
-    result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
+    result.seconds =
+        task ? task->seconds : std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
+}
+
+bool VideoProcessor::convertInTurn(const BatchFiles &files, std::size_t index, const OutputGuard &guard,
+                                   FileResult &result) {
+    static_cast<void>(files.isSpatial(index));
+    if (const auto failed = failedLooks_.find(result.input); failed != failedLooks_.end())
+        std::rethrow_exception(failed->second);
+    if (isSkipped(files, index, result))
+        return false;
+    convert(files, index, guard, result);
+    return true;
 }
 
 bool VideoProcessor::isSkipped(const BatchFiles &files, std::size_t index, FileResult &result) {
@@ -247,42 +266,78 @@ void VideoProcessor::fail(FileResult &result, const std::string &logged, const s
 }
 
 void VideoProcessor::convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result) {
+    const std::unique_ptr<FileTask> task = prepared(files, index, guard);
+    if (settings->dryRun)
+        return addDryResult(*task, files, index, result);
+    perform(*task, [this](const std::string &line) { log(line); });
+    conclude(*task, files, index, result);
+}
+
+std::unique_ptr<FileTask> VideoProcessor::prepared(const BatchFiles &files, std::size_t index,
+                                                   const OutputGuard &guard) const {
+    const Path &file = files.input(index);
     const Path output = chooseOutputPath(files.output(index), settings->onExisting).value();
-    guard.check(result.input, output);
+    guard.check(file, output);
     if (!settings->dryRun)
         prepareOutputPath(output, *settings->outputFolderURL);
-    ConversionInput input = opened(result.input);
-    if (!result.rightEye.empty())
-        input.rightEye = openInput(kindFor(result.rightEye), result.rightEye);
-    checkPicture(input, result);
-    if (settings->dryRun) {
-        std::ranges::move(expectedWarnings(operations_, *settings, input), std::back_inserter(result.warnings));
-        addRivals(files, index, result);
-        result.state = FileState::wouldBeConverted;
-        return logWarnings(result);
+    auto task = std::make_unique<FileTask>(kindFor(file), opened(file), output);
+    if (const Path &rightEye = files.rightEye(index); !rightEye.empty())
+        task->input.rightEye = openInput(kindFor(rightEye), rightEye);
+    return task;
+}
+
+void VideoProcessor::perform(FileTask &task, const std::function<void(const std::string &)> &logLine) const noexcept {
+    const auto began = std::chrono::steady_clock::now();
+    try {
+        checkPicture(task, logLine);
+        requireSystemFor(task.kind);
+        if (!task.conversion)
+            task.conversion.emplace(task.kind, task.output);
+        task.outcome =
+            task.conversion->run(operations_, *settings, task.input, controlFor(task.input.path(), logLine), system_);
+    } catch (...) {
+        task.failure = std::current_exception();
     }
-    Outcome outcome = convertMedia(input, output);
-    result.framesWritten = outcome.framesWritten;
-    result.framesExpected = outcome.framesExpected;
-    std::ranges::move(outcome.warnings, std::back_inserter(result.warnings));
-    if (!outcome.written) {
+    task.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
+}
+
+void VideoProcessor::addDryResult(FileTask &task, const BatchFiles &files, std::size_t index, FileResult &result) {
+    checkPicture(task, [this](const std::string &line) { log(line); });
+    result.disparity = task.check.disparity;
+    result.warnings = std::move(task.check.warnings);
+    std::ranges::move(expectedWarnings(operations_, *settings, task.input), std::back_inserter(result.warnings));
+    addRivals(files, index, result);
+    result.state = FileState::wouldBeConverted;
+    logWarnings(result);
+}
+
+void VideoProcessor::conclude(FileTask &task, const BatchFiles &files, std::size_t index, FileResult &result) {
+    result.disparity = task.check.disparity;
+    result.warnings = std::move(task.check.warnings);
+    if (task.failure)
+        std::rethrow_exception(task.failure);
+    if (task.outcome.written)
+        task.conversion->finish();
+    result.framesWritten = task.outcome.framesWritten;
+    result.framesExpected = task.outcome.framesExpected;
+    std::ranges::move(task.outcome.warnings, std::back_inserter(result.warnings));
+    if (!task.outcome.written) {
         result.state = FileState::cancelled;
         return;
     }
     addRivals(files, index, result);
-    result.output = output;
+    result.output = task.output;
     std::error_code ignored;
-    result.bytes = std::filesystem::file_size(output, ignored);
+    result.bytes = std::filesystem::file_size(task.output, ignored);
     reportResult(result);
 }
 
-void VideoProcessor::checkPicture(ConversionInput &input, FileResult &result) {
-    PictureCheck check = lumetwin::checkPicture(operations_, *settings, input);
-    input.disparityAdjustment = check.adjustment;
-    result.disparity = check.disparity;
-    result.warnings = std::move(check.warnings);
-    if (!check.failure.empty())
-        log("[VP] ℹ️ " + lastPathComponent(result.input) + ": its picture was not examined: " + check.failure);
+void VideoProcessor::checkPicture(FileTask &task, const std::function<void(const std::string &)> &logLine) const {
+    task.check = lumetwin::checkPicture(operations_, *settings, task.input);
+    task.input.disparityAdjustment = task.check.adjustment;
+    if (!task.check.failure.empty())
+        logLine("[VP] ℹ️ " + lastPathComponent(task.input.path()) +
+                ": its picture was not examined: " + task.check.failure);
 }
 
 void VideoProcessor::addRivals(const BatchFiles &files, std::size_t index, FileResult &result) const {
@@ -311,20 +366,24 @@ Outcome VideoProcessor::convertVideo(const Path &input, const Path &output) {
     return convertMedia(opened(input), output);
 }
 
-Outcome VideoProcessor::convertMedia(const ConversionInput &input, const Path &output) {
-    const ConversionKind kind = kindFor(input.path());
+void VideoProcessor::requireSystemFor(ConversionKind kind) const {
     if (kind == ConversionKind::sbsVideoToSpatial && system_ < spatialVideoWriting)
         throw processorError(text("error.macos14.required"));
-    const ConversionControl control = controlFor(input.path(), isPhotoFile(input.path()) ? nullptr : onFrameProgress);
+}
+
+Outcome VideoProcessor::convertMedia(const ConversionInput &input, const Path &output) {
+    const ConversionKind kind = kindFor(input.path());
+    requireSystemFor(kind);
+    const ConversionControl control = controlFor(input.path(), [this](const std::string &line) { log(line); });
     return lumetwin::convertFile(operations_, kind, *settings, input, output, control, system_);
 }
 
 ConversionControl VideoProcessor::controlFor(const Path &input,
-                                             std::function<void(std::int64_t, std::int64_t)> onProgressOfFrames) {
+                                             std::function<void(const std::string &)> logLine) const {
     return {.cancelRequested = &cancelRequested,
-            .onFrameProgress = std::move(onProgressOfFrames),
-            .onLog = [this, name = lastPathComponent(input)](const std::string &line) {
-                log("[VP] ⚠️ " + name + ": " + line);
+            .onFrameProgress = isPhotoFile(input) ? nullptr : onFrameProgress,
+            .onLog = [logLine = std::move(logLine), name = lastPathComponent(input)](const std::string &line) {
+                logLine("[VP] ⚠️ " + name + ": " + line);
             }};
 }
 

@@ -20,11 +20,14 @@
 namespace lumetwin {
 
 class BatchFiles;
+class EarlyWork;
 class OutputGuard;
+struct FileTask;
 struct ListedFile;
 
-/// Converts one batch: lists and sorts the files, skips those that do not match the direction, converts the others one
-/// after another, and reports. A processor runs once. A bad file never stops the batch; only cancelRequested does.
+/// Converts one batch: lists and sorts the files, skips those that do not match the direction, converts the others, and
+/// reports. Files are reported, and their outputs get their names, one after another. Photos may be worked on before
+/// that, while earlier photos are. A processor runs once. A bad file never stops the batch; only cancelRequested does.
 class VideoProcessor {
 public:
     explicit VideoProcessor(std::shared_ptr<const ConversionSettings> settings,
@@ -75,17 +78,33 @@ private:
     std::vector<ListedFile> listedFiles() const;
     Ending convertFiles(const BatchFiles &files);
     Ending ending() const;
-    /// Processes one file and fills in its result.
-    void processFile(const BatchFiles &files, std::size_t index, const OutputGuard &guard);
+    /// Processes one file, or takes what was done early, and fills in its result.
+    void processFile(const BatchFiles &files, std::size_t index, const OutputGuard &guard, EarlyWork &early);
+    /// Begins photos before their turn: those from `first` on that no file before them can influence.
+    void workAhead(const BatchFiles &files, std::size_t first, const OutputGuard &guard, EarlyWork &early);
+    enum class Early { begun, notNeeded, mustWait };
+    Early beginEarly(const BatchFiles &files, std::size_t index, const OutputGuard &guard, EarlyWork &early);
+    /// The pixels of both eyes, or a few more. Throws when they cannot be found out.
+    std::int64_t pixelsOf(const FileTask &task) const;
+    /// Returns false when the file is skipped.
+    bool convertInTurn(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result);
     /// Whether the file is skipped, because of its direction or an existing output. If so, reports the reason.
     bool isSkipped(const BatchFiles &files, std::size_t index, FileResult &result);
     /// The output that an earlier run has finished, if such files are skipped.
     std::optional<std::filesystem::path> earlierOutput(const BatchFiles &files, std::size_t index) const;
     void skip(FileResult &result, FileState state, const std::string &reason, const std::string &logged);
     void convert(const BatchFiles &files, std::size_t index, const OutputGuard &guard, FileResult &result);
+    /// Chooses the output and opens the inputs.
+    std::unique_ptr<FileTask> prepared(const BatchFiles &files, std::size_t index, const OutputGuard &guard) const;
+    /// Examines the picture and writes the partial output. Keeps the error in the task. Called on any thread.
+    void perform(FileTask &task, const std::function<void(const std::string &)> &logLine) const noexcept;
+    void concludeEarly(FileTask &task, const BatchFiles &files, std::size_t index, FileResult &result);
+    /// Gives the output its name and fills in the result.
+    void conclude(FileTask &task, const BatchFiles &files, std::size_t index, FileResult &result);
     void fail(FileResult &result, const std::string &logged, const std::string &message);
     /// Examines the picture before the conversion, and chooses the disparity adjustment if that is asked for.
-    void checkPicture(ConversionInput &input, FileResult &result);
+    void checkPicture(FileTask &task, const std::function<void(const std::string &)> &logLine) const;
+    void addDryResult(FileTask &task, const BatchFiles &files, std::size_t index, FileResult &result);
     /// Warns of other inputs whose output has the same name.
     void addRivals(const BatchFiles &files, std::size_t index, FileResult &result) const;
     void reportResult(FileResult &result);
@@ -98,7 +117,9 @@ private:
     bool isSpatial(const std::filesystem::path &file);
     ConversionKind kindFor(const std::filesystem::path &input) const;
     ConversionControl controlFor(const std::filesystem::path &input,
-                                 std::function<void(std::int64_t, std::int64_t)> onProgressOfFrames);
+                                 std::function<void(const std::string &)> logLine) const;
+    /// Throws when this system cannot convert so.
+    void requireSystemFor(ConversionKind kind) const;
     Outcome convertMedia(const ConversionInput &input, const std::filesystem::path &output);
 
     SystemVersion system_;

@@ -28,8 +28,8 @@ protected:
         fs::create_directory(folder / "out");
     }
 
-    void add(const std::string &behaviour) {
-        settings->inputFiles->push_back(folder / (behaviour + ".mov"));
+    void add(const std::string &behaviour, const std::string &extension = ".mov") {
+        settings->inputFiles->push_back(folder / (behaviour + extension));
         writeFile(settings->inputFiles->back(), std::string("input"));
     }
 
@@ -111,6 +111,63 @@ TEST_F(ConfinedBatch, LeavesNothingOfWhatIsStoppedByForce) {
     };
     EXPECT_EQ(run().at(0).state, FileState::cancelled);
     EXPECT_THAT(written(), ElementsAre());
+}
+
+/// Photos beside each other.
+class ConfinedPhotos : public ConfinedBatch {
+protected:
+    void add(const std::string &behaviour) { ConfinedBatch::add(behaviour, ".heic"); }
+
+    static MediaOperations fourAtOnce(worker::Timeouts timeouts) {
+        MediaOperations operations =
+            worker::confinedOperations(std::make_shared<worker::Workers>(TEST_WORKER, timeouts));
+        operations.photosAtOnce = 4;
+        return operations;
+    }
+
+    std::vector<FileState> statesAfter(VideoProcessor &batch) {
+        std::vector<FileState> states;
+        for (const FileResult &result : run(batch))
+            states.push_back(result.state);
+        return states;
+    }
+
+    VideoProcessor photos{settings, SystemVersion::current(), fourAtOnce({.answer = std::chrono::seconds(2)})};
+};
+
+TEST_F(ConfinedPhotos, CrashIsTheErrorOfOnePhoto) {
+    for (const char *name : {"aborts", "converts", "falls over with several threads", "is killed", "works for long"})
+        add(name);
+    EXPECT_THAT(statesAfter(photos),
+                ElementsAre(FileState::failed, FileState::convertedWithWarnings, FileState::convertedWithWarnings,
+                            FileState::failed, FileState::convertedWithWarnings));
+    EXPECT_THAT(written(),
+                ElementsAre("converts_sbs.jpg", "falls over with several threads_sbs.jpg", "works for long_sbs.jpg"));
+    std::vector<std::string> names;
+    for (const std::string &line : log)
+        if (line.find("tried once more") != std::string::npos)
+            names.push_back(line.substr(0, line.find(".heic")));
+    EXPECT_THAT(names, ElementsAre("[VP] ⚠️ aborts", "[VP] ⚠️ falls over with several threads"))
+        << "a kill is no crash";
+}
+
+TEST_F(ConfinedPhotos, LooksThatCrashAreErrorsOfTheirPhotos) {
+    for (const char *name : {"converts", "falls over at a look", "works for long"})
+        add(name);
+    EXPECT_THAT(statesAfter(photos),
+                ElementsAre(FileState::convertedWithWarnings, FileState::failed, FileState::convertedWithWarnings));
+}
+
+TEST_F(ConfinedPhotos, StopLeavesNothingOfAnyPhoto) {
+    for (const char *name : {"converts", "loops without end", "waits", "works for long"})
+        add(name);
+    photos.onProgress = [&](std::int64_t index, std::int64_t, const std::string &) {
+        if (index == 1)
+            photos.cancelRequested = true;
+    };
+    EXPECT_THAT(statesAfter(photos), ElementsAre(FileState::convertedWithWarnings, FileState::cancelled,
+                                                 FileState::notReached, FileState::notReached));
+    EXPECT_THAT(written(), ElementsAre("converts_sbs.jpg"));
 }
 
 } // namespace

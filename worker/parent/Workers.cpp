@@ -28,6 +28,18 @@ std::optional<std::filesystem::path> pathOf(const std::optional<media::InputFile
     return file ? std::optional(file->path()) : std::nullopt;
 }
 
+/// Counts itself while it lives.
+class Counted {
+public:
+    explicit Counted(std::atomic<std::size_t> &count) : count_(count) { ++count_; }
+    ~Counted() { --count_; }
+    Counted(const Counted &) = delete;
+    Counted &operator=(const Counted &) = delete;
+
+private:
+    std::atomic<std::size_t> &count_;
+};
+
 /// Runs a task and turns a WorkerFailure into an error that names the file.
 template <typename Work> auto namingFile(const media::InputFile &file, const Work &work) {
     try {
@@ -66,29 +78,23 @@ Answer Workers::lookAnswer(LookRequest::Kind kind, const ConversionInput &input,
                               .language = std::string(textLanguage()),
                               .rightEye = pathOf(input.rightEye),
                               .layout = layout};
-    const std::scoped_lock lock(inspectorMutex_);
     try {
-        return inspectorAnswer(request, input);
+        return inspectorAnswer(taken(inspectors_), request, input);
     } catch (const WorkerFailure &failure) {
         if (!failure.isCrash())
             throw;
-        return inspectorAnswer(request, input); // an earlier file may have caused the crash
+        return inspectorAnswer(started(), request, input); // an earlier file may have caused the crash
     }
 }
 
-Answer Workers::inspectorAnswer(const LookRequest &request, const ConversionInput &input) {
-    if (!inspector_)
-        inspector_ = started();
-    try {
-        std::vector<int> descriptors{input.descriptor()};
-        if (input.rightEye)
-            descriptors.push_back(input.rightEye->descriptor());
-        inspector_->send(request, descriptors);
-        return Conversation(*inspector_, {}, timeouts_).finalAnswer();
-    } catch (const WorkerFailure &) {
-        inspector_.reset();
-        throw;
-    }
+Answer Workers::inspectorAnswer(Worker inspector, const LookRequest &request, const ConversionInput &input) {
+    std::vector<int> descriptors{input.descriptor()};
+    if (input.rightEye)
+        descriptors.push_back(input.rightEye->descriptor());
+    inspector->send(request, descriptors);
+    Answer answer = Conversation(*inspector, {}, timeouts_).finalAnswer();
+    inspectors_.giveBack(std::move(inspector));
+    return answer;
 }
 
 PreviewFacts Workers::draw(const ConversionInput &input, const PreviewRequest &request,
@@ -110,7 +116,7 @@ PreviewFacts Workers::draw(const ConversionInput &input, const PreviewRequest &r
 
 PreviewFacts Workers::tryToDraw(const DrawRequest &request, const ConversionInput &input,
                                 const media::OutputFile &pixels) {
-    Worker painter = takePainter();
+    Worker painter = taken(painters_);
     std::vector<int> descriptors{input.descriptor()};
     if (input.rightEye)
         descriptors.push_back(input.rightEye->descriptor());
@@ -118,25 +124,32 @@ PreviewFacts Workers::tryToDraw(const DrawRequest &request, const ConversionInpu
     painter->send(request, descriptors);
     Answer answer = Conversation(*painter, {}, timeouts_).finalAnswer();
     if (std::holds_alternative<PreviewFacts>(answer) || std::holds_alternative<Failure>(answer))
-        giveBackPainter(std::move(painter));
+        painters_.giveBack(std::move(painter));
     return expected<PreviewFacts>(std::move(answer));
 }
 
-Workers::Worker Workers::takePainter() {
-    {
-        const std::scoped_lock lock(paintersMutex_);
-        if (!painters_.empty()) {
-            Worker painter = std::move(painters_.back());
-            painters_.pop_back();
-            return painter;
-        }
-    }
-    return started();
+Workers::Worker Workers::Idle::take() {
+    const std::scoped_lock lock(mutex_);
+    if (workers_.empty())
+        return nullptr;
+    Worker worker = std::move(workers_.back());
+    workers_.pop_back();
+    return worker;
 }
 
-void Workers::giveBackPainter(Worker painter) {
-    const std::scoped_lock lock(paintersMutex_);
-    painters_.push_back(std::move(painter));
+void Workers::Idle::giveBack(Worker worker) {
+    const std::scoped_lock lock(mutex_);
+    workers_.push_back(std::move(worker));
+}
+
+std::size_t Workers::Idle::count() {
+    const std::scoped_lock lock(mutex_);
+    return workers_.size();
+}
+
+Workers::Worker Workers::taken(Idle &idle) {
+    Worker worker = idle.take();
+    return worker ? std::move(worker) : started();
 }
 
 Outcome Workers::convert(ConversionKind kind, const ConversionSettings &settings, const ConversionInput &input,
@@ -169,7 +182,8 @@ Outcome Workers::convert(ConversionKind kind, const ConversionSettings &settings
 
 Outcome Workers::tryToConvert(const ConvertRequest &request, const ConversionInput &input,
                               const media::OutputFile &output, const ConversionControl &control) {
-    const Worker worker = takeSpare();
+    const Counted running(conversions_);
+    const Worker worker = taken(spares_);
     std::vector<int> descriptors{input.descriptor(), output.descriptor()};
     if (input.rightEye)
         descriptors.push_back(input.rightEye->descriptor());
@@ -210,17 +224,11 @@ Workers::Worker Workers::started() {
     return std::make_unique<WorkerProcess>(*original_);
 }
 
-Workers::Worker Workers::takeSpare() {
-    const std::scoped_lock lock(spareMutex_);
-    return spare_ ? std::move(spare_) : started();
-}
-
-/// Starts the next worker early. If that fails, takeSpare() tries it again.
+/// Starts the next worker early. If that fails, the next conversion tries it again.
 void Workers::startSpare() {
-    const std::scoped_lock lock(spareMutex_);
     try {
-        if (!spare_)
-            spare_ = started();
+        if (spares_.count() < conversions_)
+            spares_.giveBack(started());
     } catch (const WorkerFailure &) {
         return;
     }

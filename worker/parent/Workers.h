@@ -6,6 +6,7 @@
 #include "worker/parent/Conversation.h"
 
 #include <atomic>
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -13,9 +14,9 @@
 
 namespace lumetwin::worker {
 
-/// The worker processes of a program. All are forked from one process, which is started at the first request. One
-/// long-lived worker inspects files, others draw previews: as many as previews were drawn at the same time. Each
-/// conversion has its own worker, and the next worker is started during the conversion. Can be used by several threads.
+/// The worker processes of a program. All are forked from one process, which is started at the first request.
+/// Long-lived workers inspect files, others draw previews: as many as were needed at the same time. Each conversion has
+/// its own worker, and for each that runs the next worker is started meanwhile. Can be used by several threads.
 /// The functions throw the errors of MediaOperations::inProcess(); if a worker itself fails, a ProcessorError that
 /// names the file.
 class Workers {
@@ -40,19 +41,31 @@ public:
 private:
     using Worker = std::unique_ptr<WorkerProcess>;
 
-    /// The answer of the inspecting worker. After a crash, a new worker is asked once more.
+    /// Workers that wait for more work of a kind.
+    class Idle {
+    public:
+        /// nullptr if none waits
+        Worker take();
+        void giveBack(Worker worker);
+        std::size_t count();
+
+    private:
+        std::mutex mutex_;
+        std::vector<Worker> workers_; // guarded by mutex_
+    };
+
+    /// The answer of an inspecting worker. After a crash, a new worker is asked once more.
     Answer lookAnswer(LookRequest::Kind kind, const ConversionInput &input,
                       const std::optional<StereoLayout> &layout = {});
-    Answer inspectorAnswer(const LookRequest &request, const ConversionInput &input);
+    Answer inspectorAnswer(Worker inspector, const LookRequest &request, const ConversionInput &input);
     PreviewFacts tryToDraw(const DrawRequest &request, const ConversionInput &input, const media::OutputFile &pixels);
     Outcome tryToConvert(const ConvertRequest &request, const ConversionInput &input, const media::OutputFile &output,
                          const ConversionControl &control);
     /// Logs once how workers are confined, if that is less than everything.
     void logConfinement(const ConfinementReport &report, const ConversionControl &control);
     Worker started();
-    Worker takePainter();
-    void giveBackPainter(Worker painter);
-    Worker takeSpare();
+    /// One of those that wait, or a new one.
+    Worker taken(Idle &idle);
     void startSpare();
 
     const std::filesystem::path program_;
@@ -60,12 +73,10 @@ private:
     std::atomic<bool> isConfinementLogged_ = false;
     std::mutex originalMutex_;
     Worker original_; // guarded by originalMutex_; forks the others
-    std::mutex inspectorMutex_;
-    Worker inspector_; // guarded by inspectorMutex_
-    std::mutex paintersMutex_;
-    std::vector<Worker> painters_; // guarded by paintersMutex_; those without work
-    std::mutex spareMutex_;
-    Worker spare_; // guarded by spareMutex_
+    Idle inspectors_;
+    Idle painters_;
+    Idle spares_;
+    std::atomic<std::size_t> conversions_ = 0; ///< that run
 };
 
 } // namespace lumetwin::worker

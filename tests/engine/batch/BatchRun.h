@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <mutex>
 #include <set>
 
 namespace lumetwin::test {
@@ -43,6 +44,9 @@ protected:
     }
     void useFolder() { settings->inputFolderURL = input.path(); }
 
+    /// May be called on any thread.
+    void addEvent(const std::string &event);
+
     void run() { run(SystemVersion::current()); }
     void run(SystemVersion system);
 
@@ -55,6 +59,12 @@ protected:
     /// The close looks at the files; only for runs that make them.
     std::function<MediaFacts(const ConversionInput &)> lookClosely;
     std::function<StereoFindings(const ConversionInput &, const StereoLayout &)> examine;
+    /// The size of each picture.
+    std::function<PictureSize(const media::InputFile &)> measure = [](const media::InputFile &) {
+        return PictureSize{16, 8};
+    };
+    int photosAtOnce = 1;
+    bool throwAtResult = false;
     bool finishesAllTheSame = false; ///< the next conversion that is cancelled has written its output before
 
     // What was seen.
@@ -63,11 +73,13 @@ protected:
     std::vector<Completion> completions;
     std::vector<FileResult> results;
     std::vector<std::string> log, failures, converted, calls;
+    std::vector<std::string> events; ///< the order of progress, log lines, results, and what tests add
     std::vector<std::pair<std::int64_t, std::int64_t>> frames;
     std::vector<std::filesystem::path> sources;     ///< of the conversions
     std::vector<std::optional<double>> adjustments; ///< of the disparity, chosen for the conversions
 
 private:
+    std::mutex mutex_; ///< guards what conversions write down
     MediaOperations operations();
     MediaOperations::Converter converter(const char *name);
     Outcome convert(const std::string &converter, const media::InputFile &from, const media::OutputFile &to,
