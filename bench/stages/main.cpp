@@ -4,6 +4,7 @@
 //
 //   lumetwin-stages decode|compose|encode FILE     CPU seconds of one stage of spatial video to side-by-side video
 //   lumetwin-stages encode-stereo FILE             the same for the two-view encoder, for a side-by-side FILE
+//   lumetwin-stages decode|… FILE PROCESSORS OUT   the same, planned for so many processors; encoders leave OUT
 //   lumetwin-stages memory sbs|spatial FILE OUT    resident KiB at every 1000th frame of a whole conversion
 //   lumetwin-stages inspect FILE…                  seconds to find out which of the files are spatial
 
@@ -14,9 +15,11 @@
 #include "engine/stereo/EyeExtraction.h"
 #include "engine/video/VideoConversion.h"
 #include "media/PartialFile.h"
+#include "media/Processors.h"
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <fstream>
@@ -99,7 +102,7 @@ void compose(const char *file) {
     print(cpuSeconds() - cpu, wallSeconds() - wall);
 }
 
-void encode(const char *file) {
+void encode(const char *file, const char *kept) {
     VideoInfo info;
     std::vector<media::Picture> canvases;
     {
@@ -107,7 +110,7 @@ void encode(const char *file) {
         canvases = composeAll(frames, info, true);
     }
     const VideoTiming timing = videoTiming(info);
-    const std::string output = std::string(file) + ".encode.mp4";
+    const std::string output = kept ? kept : std::string(file) + ".encode.mp4";
     const double cpu = cpuSeconds();
     const double wall = wallSeconds();
     media::PartialFile partial(output);
@@ -128,14 +131,15 @@ void encode(const char *file) {
     writer.finish();
     partial.finish();
     print(cpuSeconds() - cpu, wallSeconds() - wall);
-    std::remove(output.c_str());
+    if (!kept)
+        std::remove(output.c_str());
 }
 
-void encodeStereo(const char *file) {
+void encodeStereo(const char *file, const char *kept) {
     VideoInfo info;
     const auto frames = decodeAll(file, info, media::Views::base, true);
     const VideoTiming timing = videoTiming(info);
-    const std::string output = std::string(file) + ".encode.mov";
+    const std::string output = kept ? kept : std::string(file) + ".encode.mov";
     const int width = static_cast<int>(info.width / 2);
     const double cpu = cpuSeconds();
     const double wall = wallSeconds();
@@ -162,7 +166,8 @@ void encodeStereo(const char *file) {
     writer.finish();
     partial.finish();
     print(cpuSeconds() - cpu, wallSeconds() - wall);
-    std::remove(output.c_str());
+    if (!kept)
+        std::remove(output.c_str());
 }
 
 void memory(const std::string &direction, const char *file, const char *output) {
@@ -195,14 +200,18 @@ void inspect(char **files, int count) {
 int main(int count, char **words) {
     const std::string stage = count > 1 ? words[1] : "";
     try {
-        if (stage == "decode" && count == 3)
+        const bool isPlanned = count == 5 && stage != "memory" && stage != "inspect";
+        const char *kept = isPlanned ? words[4] : nullptr;
+        if (isPlanned)
+            media::assumeProcessors(std::atoi(words[3]));
+        if (stage == "decode" && (count == 3 || isPlanned))
             decode(words[2]);
         else if (stage == "compose" && count == 3)
             compose(words[2]);
-        else if (stage == "encode" && count == 3)
-            encode(words[2]);
-        else if (stage == "encode-stereo" && count == 3)
-            encodeStereo(words[2]);
+        else if (stage == "encode" && (count == 3 || isPlanned))
+            encode(words[2], kept);
+        else if (stage == "encode-stereo" && (count == 3 || isPlanned))
+            encodeStereo(words[2], kept);
         else if (stage == "memory" && count == 5)
             memory(words[2], words[3], words[4]);
         else if (stage == "inspect" && count > 2)

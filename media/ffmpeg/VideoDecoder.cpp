@@ -2,13 +2,13 @@
 #include "media/ffmpeg/VideoDecoder.h"
 
 #include "media/DecodingThreads.h"
+#include "media/Processors.h"
 
 extern "C" {
 #include <libavutil/opt.h>
 }
 
 #include <algorithm>
-#include <thread>
 #include <utility>
 
 namespace lumetwin::media::ffmpeg {
@@ -19,7 +19,8 @@ namespace {
 int decodingThreads() {
     if (decodesWithOneThread())
         return 1;
-    return static_cast<int>(std::max(1U, std::thread::hardware_concurrency() / 2));
+    constexpr int most = 16; // each holds two frames or more
+    return std::clamp(processors() / 2, 1, most);
 }
 
 } // namespace

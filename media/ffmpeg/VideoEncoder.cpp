@@ -3,6 +3,7 @@
 
 #include "media/DecodingTimes.h"
 #include "media/Padding.h"
+#include "media/Processors.h"
 #include "media/ffmpeg/Aperture.h"
 #include "media/ffmpeg/LightLevelData.h"
 #include "media/ffmpeg/PackingMarks.h"
@@ -17,7 +18,6 @@ extern "C" {
 #include <cmath>
 #include <new>
 #include <optional>
-#include <thread>
 
 namespace lumetwin::media::ffmpeg {
 
@@ -32,7 +32,7 @@ constexpr const char *hevcOptions = "ref=2:log-level=none";
 /// The number of frames that x265 encodes in parallel: 0 lets x265 choose, but 2 where it would choose one frame,
 /// because processors would be idle at the end of each frame.
 int hevcFramesAtOnce() {
-    return std::thread::hardware_concurrency() < 4 ? 2 : 0;
+    return processors() < 4 ? 2 : 0;
 }
 
 // x265 needs at least one coding tree unit of the smallest useful size; x264 has no such limit.

@@ -4,11 +4,13 @@
 #include "media/DecodingTimes.h"
 #include "media/MediaError.h"
 #include "media/Padding.h"
+#include "media/Processors.h"
 #include "media/hevc/LightLevelUnits.h"
 #include "media/hevc/NalUnits.h"
 #include "media/x265/CodingLevel.h"
 #include "media/x265/ConformanceWindow.h"
 #include "media/x265/Encoder.h"
+#include "media/x265/FramesAtOnce.h"
 #include "media/x265/StereoRateLoop.h"
 #include "media/x265/StillPassages.h"
 
@@ -71,6 +73,8 @@ void setPictureFormat(x265_param &parameters, const StereoFormat &format) {
     parameters.fpsDenom = static_cast<std::uint32_t>(format.frameDuration / common);
     if (std::min(parameters.sourceWidth, parameters.sourceHeight) < largeSide)
         parameters.maxCUSize = 32;
+    parameters.frameNumThreads = framesAtOnce(processors(), parameters.sourceWidth, parameters.sourceHeight,
+                                              static_cast<int>(parameters.maxCUSize));
 }
 
 void setStructure(x265_param &parameters, double frameRate) {
@@ -89,7 +93,6 @@ void setStructure(x265_param &parameters, double frameRate) {
     // Presets are made for one view. The right view needs one more reference: the left picture of the same time.
     ++parameters.maxNumReferences;
     parameters.maxNumMergeCand = std::min<std::uint32_t>(parameters.maxNumMergeCand + 1, mostMergeCandidates);
-    parameters.frameNumThreads = 2;
     parameters.logLevel = X265_LOG_NONE;
 }
 
