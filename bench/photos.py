@@ -1,6 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Photos in both directions: time against common tools and against x265 alone, memory of one photo and of many.
+"""Photos in both directions: time against common tools and against x265 alone, memory of one photo and of many, and the
+throughput of many photos against a shell loop that works on two at a time.
+
+photos.py [many COUNT]   everything, with 1,000 photos of 3 megapixels; or only the throughput, of so many
 
 A spatial photo of a headset is used if the folder of sample media exists (LUMETWIN_SAMPLES), otherwise one that
 Lumetwin makes.
@@ -102,14 +105,62 @@ def measure_many(report, folder):
                    at_most=1.05)
 
 
+def in_shell_loop(photos, folder, script):
+    """Runs a shell script for each photo, two at a time, as a user would. $1: the photo, $2: the folder for results."""
+    return run("xargs", "-a", photos, "-P", 2, "-I{}", "bash", "-eo", "pipefail", "-c", script, "loop", "{}", folder)
+
+
+def throughput(report, folder, count, width=2448, height=1224):
+    """Photos per second, in batches of photos with the content of a camera's: detail, and little grain."""
+    half = width // 2
+    magick("-seed", 7, "-size", f"{half}x{height}", "plasma:tomato-navy", "-attenuate", 0.05, "+noise", "gaussian",
+           folder / "eye.png")
+    magick(folder / "eye.png", "(", "+clone", "-roll", "+24+0", ")", "+append", "-sampling-factor", "2x2", "-quality", 92,
+           folder / "photo.jpg")
+    batch("sbsToSpatial", folder / "photo.jpg", folder)
+    x265 = " ".join([tool("x265"), "--input-res", f"{half}x{height}", "--fps", "1", "--frames", "1", *X265])
+    loops = {
+        "sbsToSpatial": ("photo.jpg", "".join(
+            f'ffmpeg -nostdin -v error -y -i "$1" -vf crop={half}:{height}:{left}:0 -pix_fmt yuv420p '
+            f'-f rawvideo - | {x265} --input - -o "$2/$(basename "$1").{left}.hevc"; ' for left in (0, half))),
+        "spatialToSBS": ("photo_spatial.heic",
+                         'eye="$2/$(basename "$1" .heic)"; heif-convert -q 100 "$1" "$eye.jpg" >/dev/null; '
+                         f'convert "$eye-1.jpg" "$eye-2.jpg" +append -quality {JPEG_QUALITY} "$eye.joined.jpg"'),
+    }
+    for direction, (name, script) in loops.items():
+        inputs, results = folder / direction, folder / f"{direction}-results"
+        inputs.mkdir()
+        results.mkdir()
+        source = folder / name
+        for index in range(count):
+            os.link(source, inputs / f"{index:04}{source.suffix}")
+        photos = folder / f"{direction}.txt"
+        photos.write_text("".join(f"{photo}\n" for photo in sorted(inputs.iterdir())))
+        costs = take_turns(1, ours=lambda: batch(direction, inputs, results),
+                           theirs=lambda: in_shell_loop(photos, results, script))
+        left_out = [result for result in results.iterdir() if result.stat().st_size == 0]
+        written = len(list(results.iterdir()))
+        if left_out or written != count * (3 if direction == "sbsToSpatial" else 4):
+            raise SystemExit(f"{written} results, {len(left_out)} empty")
+        for whose, cost in costs.items():
+            report.add(f"{direction}, {count} photos of {width} × {height}, {whose}", count / cost.wall, unit="a second")
+            report.add(f"{direction}, {whose}: CPU of one", 1000 * cost.cpu / count, unit="ms")
+        report.add(f"{direction}: wall against the shell loop", costs["ours"].wall / costs["theirs"].wall, at_most=1)
+
+
 def main():
     report = Report("Photos")
+    if sys.argv[1:2] == ["many"]:
+        with tempfile.TemporaryDirectory(prefix="lumetwin-bench-") as name:
+            throughput(report, pathlib.Path(name), int(sys.argv[2]))
+        return report.finish()
     with tempfile.TemporaryDirectory(prefix="lumetwin-bench-") as name:
         folder = pathlib.Path(name)
         to_sbs(report, folder)
         to_spatial(report, folder, 3840, 1080)
         to_spatial(report, folder, 8000, 3000)
         measure_many(report, folder)
+        throughput(report, folder, 1000)
     return report.finish()
 
 
