@@ -8,7 +8,7 @@ namespace lumetwin::media::x265 {
 
 int framesAtOnce(int processors, int width, int height, int unitSize) {
     constexpr int fewest = 2;
-    // With 16, the bit rate of ten seconds was a per cent higher than with two; see bench/README.md.
+    // With 16, the rate control answers so late that a film lost 1.9 dB; see bench/README.md.
     constexpr double most = 8;
     // A frame waits for the rows of another one that it refers to.
     constexpr double surplus = 1.5;
