@@ -14,13 +14,14 @@ TIMEOUT = 60  # seconds; a longer wait fails
 def wait_for(what, condition):
     """Waits until the condition returns a true value, and returns that. Fails after TIMEOUT seconds."""
     end = time.monotonic() + TIMEOUT
-    while time.monotonic() < end:
+    while (began := time.monotonic()) < end:
         try:
             if answer := condition():
                 return answer
         except GLib.Error:
             pass  # the control disappeared while it was read
-        time.sleep(0.02)
+        # Asking keeps the program busy, too. So it gets as much time for its work as for answering.
+        time.sleep(max(0.02, time.monotonic() - began))
     raise AssertionError(f"not reached in time: {what}")
 
 
@@ -42,8 +43,17 @@ def everything_below(thing):
             yield from everything_below(child)
 
 
+def visible_below(thing):
+    """All visible controls below. Nothing is asked about what lies in an invisible one: each question takes time."""
+    for index in range(thing.get_child_count()):
+        child = thing.get_child_at_index(index)
+        if child is not None and has(child, Atspi.StateType.SHOWING):
+            yield child
+            yield from visible_below(child)
+
+
 def shown_below(thing):
-    """All visible controls below, as a screen reader finds them: without the items of combo boxes."""
+    """The same, as a screen reader finds them: without the items of combo boxes."""
     for index in range(thing.get_child_count()):
         child = thing.get_child_at_index(index)
         if child is not None and has(child, Atspi.StateType.SHOWING):
@@ -80,9 +90,8 @@ class Program:
     def find(self, role, name, within=None):
         """The visible control with that role and name, or None. name=None means any name."""
         self.root.clear_cache()
-        for thing in everything_below(within or self.root):
-            if (role_of(thing) == role and name in (None, thing.get_name())
-                    and has(thing, Atspi.StateType.SHOWING)):
+        for thing in visible_below(within or self.root):
+            if role_of(thing) == role and name in (None, thing.get_name()):
                 return thing
         return None
 
@@ -93,8 +102,7 @@ class Program:
         """Waits until the text is shown anywhere."""
         def shown():
             self.root.clear_cache()
-            return any(words in (thing.get_name() or "") and has(thing, Atspi.StateType.SHOWING)
-                       for thing in everything_below(self.root))
+            return any(words in (thing.get_name() or "") for thing in visible_below(self.root))
         wait_for(f"the text “{words}”", shown)
 
     def press(self, role, name, within=None):
