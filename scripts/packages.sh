@@ -15,7 +15,7 @@ packages_window=(
 # Since Debian 13 the plugins of libqt6svg6 are a separate package.
 grep -q '^VERSION_CODENAME=bookworm' /etc/os-release 2>/dev/null || packages_window+=(qt6-svg-plugins)
 packages_test=(
-    libgtest-dev libgmock-dev libbenchmark-dev ffmpeg mediainfo libimage-exiftool-perl
+    libgtest-dev libgmock-dev libbenchmark-dev lld ffmpeg mediainfo libimage-exiftool-perl
     libheif-examples imagemagick gettext desktop-file-utils appstream xvfb xauth xdotool openbox
     dbus-x11 at-spi2-core gir1.2-atspi-2.0 gir1.2-gtk-3.0 python3-gi sway grim wtype
     man-db x11-utils libxml2-utils python3-yaml file shared-mime-info zsh fish
