@@ -40,7 +40,7 @@ bool VideoDecoder::askForBothViews() {
 
 void VideoDecoder::useThreads(int threads, Sharing sharing) {
     codec_->thread_count = decodesWithOneThread() ? 1 : threads;
-    codec_->thread_type = sharing == Sharing::frames ? FF_THREAD_FRAME : FF_THREAD_SLICE;
+    codec_->thread_type = FF_THREAD_SLICE | (sharing == Sharing::frames ? FF_THREAD_FRAME : 0);
 }
 
 std::span<const std::uint8_t> VideoDecoder::configuration() const {

@@ -25,7 +25,8 @@ public:
 
     /// Both views of a multiview stream, each a frame of its own; before open(). False where the codec knows no views.
     bool askForBothViews();
-    /// What threads share: the frames of a film, which delays the first one, or the parts of a frame.
+    /// What threads share: the frames of a film where the codec allows that, which delays the first one, or only the
+    /// parts of a frame.
     enum class Sharing { frames, partsOfFrames };
     /// Another number of threads than for a whole film; before open(). One after a crash in any case.
     void useThreads(int threads, Sharing sharing);
