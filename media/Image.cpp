@@ -7,11 +7,14 @@
 #include "media/heif/HeifOutput.h"
 #include "media/heif/HeifReader.h"
 #include "media/jpeg/JpegExtras.h"
+#include "media/jpeg/JpegHeaders.h"
 #include "media/jpeg/JpegReader.h"
 #include "media/jpeg/JpegWriter.h"
 #include "media/metadata/CorrectedMetadata.h"
+#include "media/png/PngHeaders.h"
 #include "media/png/PngReader.h"
 #include "media/png/PngWriter.h"
+#include "media/samples/Limits.h"
 #include "media/tiff/TiffReader.h"
 #include "media/tiff/TiffWriter.h"
 
@@ -50,6 +53,13 @@ ImageKind requireKind(const InputFile &file) {
         return *kind;
     throw MediaError(file.path(), MediaOperation::read, 0,
                      file.size() == 0 ? MediaReason::emptyFile : MediaReason::unknownImageKind);
+}
+
+PixelSize statedSize(const std::filesystem::path &file, const images::StillHeaders &headers) {
+    if (headers.width < 1 || headers.height < 1)
+        throw MediaError(file, MediaOperation::read, 0, MediaReason::damaged);
+    images::checkSize(file, headers.width, headers.height);
+    return {headers.width, headers.height};
 }
 
 } // namespace
@@ -102,6 +112,20 @@ int ImageFile::imageCount() const {
     if (opened_->heif)
         return static_cast<int>(opened_->heif->headers().images.size());
     return kind() == ImageKind::tiff ? images::tiffPageCount(opened_->file) : 1;
+}
+
+PixelSize ImageFile::size() const {
+    switch (kind()) {
+    case ImageKind::jpeg:
+        return statedSize(path(), images::readJpegHeaders(*bmff::openFile(opened_->file)));
+    case ImageKind::png:
+        return statedSize(path(), images::readPngHeaders(*bmff::openFile(opened_->file)));
+    case ImageKind::tiff:
+        return images::tiffSize(opened_->file);
+    case ImageKind::heif:
+        break;
+    }
+    return opened_->heif->firstSize();
 }
 
 PhotoExtras ImageFile::extras() const noexcept {

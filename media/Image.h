@@ -24,6 +24,11 @@ enum class ImageKind { jpeg, png, tiff, heif };
 /// files.
 std::optional<ImageKind> imageKind(const InputFile &file) noexcept;
 
+struct PixelSize {
+    int width = 0;
+    int height = 0;
+};
+
 /// The metadata of an image file.
 struct ImageMetadata {
     std::vector<std::uint8_t> iccProfile; ///< empty: the picture's tags apply, otherwise sRGB
@@ -54,6 +59,8 @@ public:
     /// The number of images: pages of a TIFF, images of a HEIF file that are not hidden, auxiliary or thumbnails,
     /// otherwise 1. Throws MediaError.
     int imageCount() const;
+    /// The size of the picture that read() returns, from the headers where they say it. Throws MediaError.
+    PixelSize size() const;
     /// The contents besides its pictures; empty when they cannot be read.
     PhotoExtras extras() const noexcept;
 

@@ -15,11 +15,6 @@ namespace lumetwin::media {
 /// of a progressive one; others as ImageFile::read() does. Pictures that are damaged may be read. Throws MediaError.
 Picture readPreview(const InputFile &file, int width, int height);
 
-struct PixelSize {
-    int width = 0;
-    int height = 0;
-};
-
 /// The size that is needed of a picture that has this size in its file.
 using NeededSize = std::function<PixelSize(const PixelSize &whole)>;
 

@@ -106,8 +106,8 @@ StereoValues stereoValues(const MediaFacts &facts, SystemVersion system) {
 
 PictureSize pictureSize(const media::InputFile &file) {
     if (isPhotoFile(file.path())) {
-        const media::StillImage image = media::ImageFile(file).read();
-        return {image.picture.width, image.picture.height};
+        const media::PixelSize size = media::ImageFile(file).size();
+        return {size.width, size.height};
     }
     const VideoInfo info = loadVideoInfo(media::MovieFile(file));
     return {info.width, info.height};

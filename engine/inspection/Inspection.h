@@ -18,8 +18,8 @@ bool isSpatialVideo(const MediaFacts &facts, SystemVersion system = SystemVersio
 /// The stereo values of a file, as the system reports them.
 StereoValues stereoValues(const MediaFacts &facts, SystemVersion system = SystemVersion::current());
 
-/// The size of a photo's picture (by its extension), or of a movie's first video track. Throws when the file cannot be
-/// read.
+/// The size of a photo's picture (by its extension), or of a movie's first video track, according to the headers.
+/// Throws when they cannot be read.
 PictureSize pictureSize(const media::InputFile &file);
 
 } // namespace lumetwin

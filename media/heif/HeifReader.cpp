@@ -282,11 +282,27 @@ StillImage HeifReader::read(std::size_t image, PhotoSamples samples, const Cance
     });
 }
 
-StillImage HeifReader::readFirst(const Cancellation &cancellation) const {
+const HeifImage &HeifReader::first() const {
     if (headers_.images.empty())
         throw MediaError(file_.path(), MediaOperation::read, 0,
                          headers_.hasMovie ? MediaReason::imageSequence : MediaReason::noImage);
+    return headers_.images.front();
+}
+
+StillImage HeifReader::readFirst(const Cancellation &cancellation) const {
+    first();
     return read(0, PhotoSamples::coded, cancellation);
+}
+
+PixelSize HeifReader::firstSize() const {
+    const HeifImage &image = first();
+    requireDecoder(file_.path(), image);
+    if (image.shownWidth == 0 || image.shownHeight == 0) {
+        const Picture picture = readFirst({}).picture;
+        return {picture.width, picture.height};
+    }
+    checkSize(file_.path(), image.shownWidth, image.shownHeight);
+    return {static_cast<int>(image.shownWidth), static_cast<int>(image.shownHeight)};
 }
 
 } // namespace lumetwin::media::heif

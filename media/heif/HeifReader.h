@@ -28,8 +28,11 @@ public:
     StillImage read(std::size_t image, PhotoSamples samples, const Cancellation &cancellation) const;
     /// Reads the file's first image. Throws MediaError when there is none.
     StillImage readFirst(const Cancellation &cancellation) const;
+    /// The size of that picture. Throws MediaError when there is none, or nothing that decodes it.
+    PixelSize firstSize() const;
 
 private:
+    const HeifImage &first() const;
     std::shared_ptr<const HeifDocument> document() const;
 
     InputFile file_;

@@ -304,6 +304,11 @@ int tiffPageCount(const InputFile &file) {
     return std::max<int>(1, static_cast<int>(TIFFNumberOfDirectories(tiff.get())));
 }
 
+PixelSize tiffSize(const InputFile &file) {
+    const Page page = pageOf(TiffFile(file));
+    return {page.width, page.height};
+}
+
 StillImage readTiff(const InputFile &file, const Cancellation &cancellation) {
     const TiffFile tiff(file);
     const Page page = pageOf(tiff);

@@ -7,6 +7,8 @@
 namespace lumetwin::media::images {
 
 int tiffPageCount(const InputFile &file);
+/// Of the first page, from its tags. Throws MediaError.
+PixelSize tiffSize(const InputFile &file);
 /// See ImageFile::read().
 StillImage readTiff(const InputFile &file, const Cancellation &cancellation);
 

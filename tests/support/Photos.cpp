@@ -117,7 +117,11 @@ media::Picture pictureOf(const Raster &raster) {
 }
 
 Raster readWithOurs(const std::filesystem::path &file) {
-    return rasterOf(media::readImage(file).picture);
+    const media::Picture picture = media::readImage(file).picture;
+    const media::PixelSize stated = media::ImageFile(media::InputFile(file)).size();
+    EXPECT_EQ(stated.width, picture.width) << file;
+    EXPECT_EQ(stated.height, picture.height) << file;
+    return rasterOf(picture);
 }
 
 double psnr(const Raster &one, const Raster &other) {

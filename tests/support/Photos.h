@@ -40,7 +40,7 @@ void writeWithMagick(const Raster &picture, const std::filesystem::path &file,
                      const std::vector<std::string> &options = {});
 /// What ImageMagick reads (options after the input).
 Raster readWithMagick(const std::filesystem::path &file, const std::vector<std::string> &options = {});
-/// What our own reader reads, converted to 8-bit RGB.
+/// What our own reader reads, converted to 8-bit RGB. Expects that the headers say the size of it.
 Raster readWithOurs(const std::filesystem::path &file);
 Raster rasterOf(const media::Picture &picture);
 media::Picture pictureOf(const Raster &raster);

@@ -137,6 +137,27 @@ TEST_F(ImageDamage, truncatedFilesAreErrorsAtEveryLength) {
     }
 }
 
+TEST_F(ImageDamage, theSizeIsReadWithoutTheSamples) {
+    for (const auto &[name, share] :
+         {std::pair<std::string, double>{"a.jpg", 0.5}, {"progressive.jpg", 0.5}, {"a.png", 0.5}, {"a.heic", 0.9}}) {
+        media::writeImage(file("whole.heic"), media::ImageKind::heif, {pictureOf(drawn(203, 141)), {}}, 0.9);
+        if (name == "a.heic")
+            std::filesystem::rename(file("whole.heic"), file(name));
+        else
+            writeWithMagick(drawn(203, 141), file(name),
+                            {"-strip", "-interlace", name == "progressive.jpg" ? "JPEG" : "None"});
+        const std::vector<std::uint8_t> whole = readFile(file(name));
+        const auto length = static_cast<std::ptrdiff_t>(static_cast<double>(whole.size()) * share);
+        writeFile(file("cut-" + name), Bytes{whole.begin(), whole.begin() + length});
+        EXPECT_NE(failure(file("cut-" + name)), "") << name;
+        const media::PixelSize size = media::ImageFile(media::InputFile(file("cut-" + name))).size();
+        EXPECT_EQ(size.width, 203) << name;
+        EXPECT_EQ(size.height, 141) << name;
+        writeFile(file("short-" + name), Bytes{whole.begin(), whole.begin() + 20});
+        EXPECT_THROW(media::ImageFile(media::InputFile(file("short-" + name))).size(), media::MediaError) << name;
+    }
+}
+
 TEST_F(ImageDamage, changedBytesNeverBringTheProgramDown) {
     const Raster picture = drawn(64, 48);
     std::mt19937 random(7);
