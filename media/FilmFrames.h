@@ -26,6 +26,8 @@ enum class FrameChoice {
     /// A random access picture: the last one before the place, or the next one where there is none before. Its blocks
     /// are not smoothed. Faster.
     near,
+    /// The same; of pictures of two views that take long to decode, the base view alone.
+    soon,
     /// The one that is shown there, up to ten seconds behind a random access picture; beyond, and in tracks without
     /// times, the nearest one that is reached.
     exact,
@@ -43,7 +45,8 @@ public:
 
     struct Moment {
         Frame frame;
-        double seconds = 0; ///< since the beginning of the track; 0 when the track has no times
+        double seconds = 0;               ///< since the beginning of the track; 0 when the track has no times
+        bool isWithoutSecondView = false; ///< a second view is there, and takes too long to decode
     };
 
     /// The frame for a position (0: the beginning, 1: the end). nullopt when nothing can be decoded. Throws MediaError.

@@ -160,19 +160,23 @@ StereoPhotoFacts stereoPhotoFacts(const ImageFile &file) {
     return file.opened_->heif ? file.opened_->heif->stereoFacts() : StereoPhotoFacts{};
 }
 
-void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTaker &take,
-                      const Cancellation &cancellation) {
+StillImage readSpatialPhotoEye(const ImageFile &file, Eye eye, PhotoSamples samples, const Cancellation &cancellation) {
     const auto eyes = file.opened_->heif ? file.opened_->heif->headers().stereoEyes() : std::nullopt;
     if (!eyes)
         throw std::logic_error("a photo without a stereo pair");
-    const auto read = [&](std::size_t image) { return file.opened_->heif->read(image, samples, cancellation); };
+    return file.opened_->heif->read(eye == Eye::left ? eyes->left : eyes->right, samples, cancellation);
+}
+
+void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTaker &take,
+                      const Cancellation &cancellation) {
+    const auto read = [&](Eye eye) { return readSpatialPhotoEye(file, eye, samples, cancellation); };
     if (samples == PhotoSamples::rgb) {
-        take(Eye::left, read(eyes->left));
-        take(Eye::right, read(eyes->right));
+        take(Eye::left, read(Eye::left));
+        take(Eye::right, read(Eye::right));
         return;
     }
-    auto later = std::async(std::launch::async, read, eyes->right);
-    StillImage left = read(eyes->left);
+    auto later = std::async(std::launch::async, read, Eye::right);
+    StillImage left = read(Eye::left);
     StillImage right = later.get();
     take(Eye::left, std::move(left));
     take(Eye::right, std::move(right));

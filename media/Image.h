@@ -72,6 +72,8 @@ public:
 
 private:
     friend StereoPhotoFacts stereoPhotoFacts(const ImageFile &file);
+    friend StillImage readSpatialPhotoEye(const ImageFile &file, Eye eye, PhotoSamples samples,
+                                          const Cancellation &cancellation);
     friend void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTaker &take,
                                  const Cancellation &cancellation);
 

@@ -59,5 +59,8 @@ StereoPhotoFacts stereoPhotoFacts(const ImageFile &file);
 /// was taken. Throws MediaError, exceptions of `take`, std::logic_error for a file without both eyes, and Cancelled.
 void readSpatialPhoto(const ImageFile &file, PhotoSamples samples, const EyeTaker &take,
                       const Cancellation &cancellation = {});
+/// The same for one of them.
+StillImage readSpatialPhotoEye(const ImageFile &file, Eye eye, PhotoSamples samples,
+                               const Cancellation &cancellation = {});
 
 } // namespace lumetwin::media

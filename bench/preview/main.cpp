@@ -2,7 +2,7 @@
 // Draws previews of a file, one after another, and prints the seconds of each as a JSON list; in process, of the
 // processors' time.
 //
-//   lumetwin-preview [--in-process] [--exact] [--over-under] WIDTH HEIGHT FILE POSITION...
+//   lumetwin-preview [--in-process] [--exact | --soon] [--over-under] WIDTH HEIGHT FILE POSITION...
 //
 // The first one includes the start of the worker and opening the file.
 #include "engine/MediaOperations.h"
@@ -35,7 +35,9 @@ Wishes wishesOf(int count, char **arguments) {
         if (word == "--in-process")
             wishes.inProcess = true;
         else if (word == "--exact")
-            wishes.request.exact = true;
+            wishes.request.detail = PreviewDetail::exact;
+        else if (word == "--soon")
+            wishes.request.detail = PreviewDetail::soon;
         else if (word == "--over-under")
             wishes.request.layout.arrangement = EyeArrangement::overUnder;
         else
@@ -71,8 +73,9 @@ nlohmann::json draw(const MediaOperations &operations, Wishes &wishes) {
 int main(int count, char **arguments) {
     Wishes wishes = wishesOf(count, arguments);
     if (wishes.words.size() < 4) {
-        std::fputs("usage: lumetwin-preview [--in-process] [--exact] [--over-under] WIDTH HEIGHT FILE POSITION...\n",
-                   stderr);
+        std::fputs(
+            "usage: lumetwin-preview [--in-process] [--exact | --soon] [--over-under] WIDTH HEIGHT FILE POSITION...\n",
+            stderr);
         return 2;
     }
     try {

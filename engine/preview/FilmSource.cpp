@@ -60,7 +60,15 @@ PreviewFacts factsOf(const FilmFacts &film, double seconds) {
 }
 
 media::FrameChoice choiceOf(const PreviewRequest &request) {
-    return request.exact ? media::FrameChoice::exact : media::FrameChoice::near;
+    switch (request.detail) {
+    case PreviewDetail::exact:
+        return media::FrameChoice::exact;
+    case PreviewDetail::near:
+        break;
+    case PreviewDetail::soon:
+        return media::FrameChoice::soon;
+    }
+    return media::FrameChoice::near;
 }
 
 FilmFrames::Moment momentOf(FilmFrames &film, const ConversionInput &input, const PreviewRequest &request) {
@@ -76,7 +84,8 @@ PreviewSource spatialFilm(const ConversionInput &input, const PreviewRequest &re
     if (!eyes)
         throw media::MediaError(input.path(), media::MediaOperation::decode, 0, media::MediaReason::noFrame);
     PreviewSource source{factsOf(film.facts(), moment.seconds), eyeIn(eyes->left, wholeOf(eyes->left)), {}};
-    if (eyes->hasBoth)
+    source.facts.isFlat = moment.isWithoutSecondView;
+    if (eyes->hasBoth || moment.isWithoutSecondView)
         source.right = eyeIn(eyes->right, wholeOf(eyes->right));
     return source;
 }

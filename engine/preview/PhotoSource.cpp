@@ -4,6 +4,7 @@
 #include "engine/preview/PreviewSource.h"
 #include "engine/stereo/SourceLayout.h"
 #include "engine/texts/ProcessorError.h"
+#include "media/DecodingCost.h"
 #include "media/EyePair.h"
 #include "media/ImagePreview.h"
 #include "media/PhotoPackings.h"
@@ -94,7 +95,17 @@ media::PhotoSamples samplesFor(const media::StereoPhotoFacts &facts, const Previ
     return isHalf ? media::PhotoSamples::rough : media::PhotoSamples::coded;
 }
 
-PreviewSource ofStereoGroup(const media::ImageFile &photo, media::PhotoSamples samples) {
+/// The left eye, shown for both.
+PreviewSource ofLeftEye(const media::ImageFile &photo, media::PhotoSamples samples) {
+    media::StillImage left = media::readSpatialPhotoEye(photo, media::Eye::left, samples);
+    const media::Rect whole = wholeOf(left.picture);
+    const SourceEye eye{std::move(left.picture), whole, std::move(left.metadata.iccProfile)};
+    PreviewSource source = sourceOf(wholeCells(eye.picture.width, eye.picture.height), eye, eye);
+    source.facts.isFlat = true;
+    return source;
+}
+
+PreviewSource ofBothEyes(const media::ImageFile &photo, media::PhotoSamples samples) {
     media::EyePair<media::StillImage> eyes;
     media::readSpatialPhoto(photo, samples, [&](media::Eye eye, media::StillImage image) {
         (eye == media::Eye::left ? eyes.left : eyes.right) = std::move(image);
@@ -108,6 +119,14 @@ PreviewSource ofStereoGroup(const media::ImageFile &photo, media::PhotoSamples s
     return sourceOf(wholeCells(left.width, left.height), eyeOf(eyes.left), eyeOf(eyes.right));
 }
 
+PreviewSource ofStereoGroup(const media::ImageFile &photo, const PreviewRequest &request) {
+    const media::StereoPhotoFacts facts = media::stereoPhotoFacts(photo);
+    const media::PhotoSamples samples = samplesFor(facts, request);
+    const double pixels = 2.0 * facts.width * facts.height;
+    const bool isSlow = media::isSlowToDecode(pixels, static_cast<double>(photo.input().size()));
+    return request.detail == PreviewDetail::soon && isSlow ? ofLeftEye(photo, samples) : ofBothEyes(photo, samples);
+}
+
 } // namespace
 
 media::Rect wholeOf(const media::Picture &picture) {
@@ -118,7 +137,7 @@ PreviewSource photoSource(const ConversionInput &input, const PreviewRequest &re
     const StereoLayout &layout = request.layout;
     if (isSpatialPhoto(lookAt(input)))
         if (const media::ImageFile photo(input); media::stereoPhotoFacts(photo).hasBothEyes)
-            return ofStereoGroup(photo, samplesFor(media::stereoPhotoFacts(photo), request));
+            return ofStereoGroup(photo, request);
     const auto needed = [&](const media::PixelSize &whole) {
         return neededSize(whole, wholeCells(whole.width, whole.height), request);
     };

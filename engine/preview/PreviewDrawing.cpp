@@ -24,11 +24,12 @@ PreviewFacts draw(const PreviewSource &source, const PreviewRequest &request, co
     facts.height = size.height;
     facts.hasBothEyes = source.right.has_value();
     std::future<std::vector<std::uint8_t>> right;
-    if (source.right)
+    if (source.right && !facts.isFlat)
         right = std::async(std::launch::async, [&] { return previewPixels(*source.right, size, file); });
-    pixels.writeAt(0, previewPixels(source.left, size, file));
+    const std::vector<std::uint8_t> left = previewPixels(source.left, size, file);
+    pixels.writeAt(0, left);
     if (source.right)
-        pixels.writeAt(size.bytes(), right.get());
+        pixels.writeAt(size.bytes(), facts.isFlat ? left : right.get());
     return facts;
 }
 

@@ -9,14 +9,20 @@
 
 namespace lumetwin {
 
+/// What is waited for. Of films, it chooses the frame. Each is faster than the one before.
+enum class PreviewDetail {
+    exact, ///< the frame at the position
+    near,  ///< a random access picture near it
+    soon,  ///< the same; of spatial photos and films whose pictures take long to decode one eye alone, shown for both
+};
+
 /// What a preview asks for.
 struct PreviewRequest {
     /// How the eyes lie in a file that is not spatial; a spatial file knows it itself.
     StereoLayout layout;
     /// Films: where, as a share of the duration, 0 to 1.
     double position = 0;
-    /// Films: the frame at the position; false: a random access picture near it, which is faster.
-    bool exact = false;
+    PreviewDetail detail = PreviewDetail::near;
     /// Upper limits of one eye's picture in pixels; the picture is reduced to fit, with its shape kept, never enlarged.
     int maximumWidth = 0;
     int maximumHeight = 0;
@@ -27,6 +33,7 @@ struct PreviewFacts {
     int width = 0; ///< of one eye's picture as delivered
     int height = 0;
     bool hasBothEyes = false; ///< false: only one picture (no second eye, or a layout that cannot be read)
+    bool isFlat = false;      ///< one eye is shown for both, because the other one takes long to decode
     /// The size in which an eye of the source is shown (a squeezed one with its true shape), in pixels: what the
     /// converters take as one eye.
     std::int64_t eyeWidth = 0;

@@ -66,7 +66,7 @@ bool isDescribed(const AVFormatContext &input, VideoStream wanted) {
 }
 
 ffmpeg::Input opened(const InputFile &file, FrameChoice choice, VideoStream video) {
-    if (choice == FrameChoice::near)
+    if (choice != FrameChoice::exact)
         if (ffmpeg::Input input(file, ffmpeg::Opening::headers); isDescribed(*input, video))
             return input;
     return ffmpeg::Input(file);
@@ -82,12 +82,15 @@ struct FilmFrames::State {
     bool bothViews;
     FrameChoice choice;
     std::int64_t begin; ///< time of the first frame, in ticks
+    bool isMultilayer = false;
 
     State(const InputFile &theFile, Views views, FrameChoice theChoice, VideoStream video)
         : file(theFile), input(opened(file, theChoice, video)), stream(requiredStream(file, *input, video)),
           facts(factsOf(*input, stream)), bothViews(views == Views::all), choice(theChoice),
           begin(stream.start_time == AV_NOPTS_VALUE ? 0 : stream.start_time) {
-        if (readStereoMovieFacts(file).encrypted)
+        const StereoMovieFacts stereo = readStereoMovieFacts(file);
+        isMultilayer = stereo.multilayer;
+        if (stereo.encrypted)
             throw MediaError(file.path(), MediaOperation::decode, AVERROR(EACCES), MediaReason::encryptedMovie);
     }
 
@@ -113,20 +116,25 @@ struct FilmFrames::State {
     }
 
     Moment momentOf(Frame frame, const ffmpeg::FrameSearch &by) {
-        if (choice == FrameChoice::near) { // only the headers were read
+        if (choice != FrameChoice::exact) { // only the headers were read
             facts.naturalWidth = frame.pictures[0].picture.width;
             facts.naturalHeight = frame.pictures[0].picture.height;
             facts.pixelAspect = ffmpeg::pixelAspect(stream, by.pixelShape());
         }
         const double seconds = frame.time ? secondsOf(*frame.time - begin, stream.time_base) : 0;
-        return {std::move(frame), seconds};
+        return {std::move(frame), seconds, by.leftSecondViewOut()};
+    }
+
+    ffmpeg::FrameSearch::Omissions omissions() const {
+        return {.loopFilter = choice != FrameChoice::exact,
+                .slowSecondView = choice == FrameChoice::soon && isMultilayer};
     }
 
     /// The next random access picture that can be decoded.
     std::optional<Moment> nextFrame() {
         for (int attempt = 0; attempt < mostAttempts; ++attempt) {
             ffmpeg::FrameSearch search(file.path(), *input, stream, bothViews);
-            if (std::optional<Frame> frame = search.randomAccessFrame(choice == FrameChoice::near))
+            if (std::optional<Frame> frame = search.randomAccessFrame(omissions()))
                 return momentOf(std::move(*frame), search);
         }
         return std::nullopt;

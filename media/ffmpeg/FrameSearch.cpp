@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/ffmpeg/FrameSearch.h"
 
+#include "media/DecodingCost.h"
 #include "media/SignsOfLife.h"
 
 #include <algorithm>
@@ -29,8 +30,15 @@ int threads() {
 FrameSearch::FrameSearch(std::filesystem::path file, AVFormatContext &input, const AVStream &stream, bool bothViews)
     : file_(std::move(file)), tick_(stream.time_base), codec_(stream.codecpar->codec_id), bothViews_(bothViews),
       decoder_(file_, stream), packets_(file_, input, stream.index), pairing_(cropping(*stream.codecpar), bothViews) {
-    if (bothViews && decoder_.askForBothViews())
+    pixelsOfBothViews_ = 2.0 * stream.codecpar->width * stream.codecpar->height;
+    if (bothViews_ && codec_ == AV_CODEC_ID_HEVC)
         packets_.guardViews(decoder_.configuration());
+}
+
+void FrameSearch::open(bool bothViews) {
+    if (bothViews)
+        decoder_.askForBothViews();
+    decoder_.open();
 }
 
 std::optional<Frame> FrameSearch::taken(FramePointer decoded) {
@@ -47,14 +55,15 @@ const AVPacket *FrameSearch::nextKeyPacket() {
     return nullptr;
 }
 
-std::optional<Frame> FrameSearch::randomAccessFrame(bool isRough) {
-    decoder_.useThreads(threads(), VideoDecoder::Sharing::partsOfFrames);
-    if (isRough)
-        decoder_.leaveOutLoopFilter();
-    decoder_.open();
+std::optional<Frame> FrameSearch::randomAccessFrame(const Omissions &omitted) {
     const AVPacket *packet = nextKeyPacket();
     if (!packet)
         return std::nullopt;
+    leftSecondViewOut_ = omitted.slowSecondView && bothViews_ && isSlowToDecode(pixelsOfBothViews_, packet->size);
+    decoder_.useThreads(threads(), VideoDecoder::Sharing::partsOfFrames);
+    if (omitted.loopFilter)
+        decoder_.leaveOutLoopFilter();
+    open(bothViews_ && !leftSecondViewOut_);
     std::optional<Frame> found;
     const auto sink = [&](FramePointer decoded) {
         found = taken(std::move(decoded));
@@ -84,7 +93,7 @@ bool FrameSearch::isFarEnough(const AVPacket &packet, std::int64_t begin) const 
 FrameSearch::Result FrameSearch::frameAt(std::int64_t time, Unreferenced unreferenced) {
     const bool leavesOut = unreferenced == Unreferenced::leftOut && knowsUnreferenced();
     decoder_.useThreads(threads(), VideoDecoder::Sharing::frames);
-    decoder_.open();
+    open(bothViews_);
     const AVPacket *packet = nextKeyPacket();
     if (!packet)
         return {};

@@ -17,9 +17,13 @@ class FrameSearch {
 public:
     FrameSearch(std::filesystem::path file, AVFormatContext &input, const AVStream &stream, bool bothViews);
 
-    /// The next random access picture alone; a rough one without the loop filter. nullopt when it cannot be decoded, or
-    /// there is none.
-    std::optional<Frame> randomAccessFrame(bool isRough);
+    struct Omissions {
+        bool loopFilter = false;
+        bool slowSecondView = false; ///< where its decoding, and that of the first view, take long
+    };
+    /// The next random access picture alone. nullopt when it cannot be decoded, or there is none.
+    std::optional<Frame> randomAccessFrame(const Omissions &omitted);
+    bool leftSecondViewOut() const { return leftSecondViewOut_; }
 
     /// Whether pictures before the wanted one that no other picture needs are decoded.
     enum class Unreferenced { leftOut, decoded };
@@ -43,6 +47,7 @@ private:
     std::optional<Frame> taken(FramePointer decoded);
     /// Skips to the next random access picture; null when there is none.
     const AVPacket *nextKeyPacket();
+    void open(bool bothViews);
     bool knowsUnreferenced() const;
     bool isFarEnough(const AVPacket &packet, std::int64_t begin) const;
 
@@ -50,6 +55,8 @@ private:
     AVRational tick_;
     AVCodecID codec_;
     bool bothViews_;
+    double pixelsOfBothViews_ = 0;
+    bool leftSecondViewOut_ = false;
     AVRational pixelShape_{0, 1};
     VideoDecoder decoder_;
     VideoPackets packets_;

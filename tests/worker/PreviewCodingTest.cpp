@@ -15,7 +15,7 @@ namespace {
 DrawRequest unusualRequest() {
     return {.preview = {.layout = {EyeArrangement::overUnder, true, true, LayoutSource::stream},
                         .position = 0.25,
-                        .exact = true,
+                        .detail = PreviewDetail::exact,
                         .maximumWidth = 1280,
                         .maximumHeight = 720},
             .input = "/in/a.mov",
@@ -28,6 +28,7 @@ PreviewFacts unusualFacts() {
     facts.width = 1280;
     facts.height = 719;
     facts.hasBothEyes = true;
+    facts.isFlat = true;
     facts.eyeWidth = 4000;
     facts.eyeHeight = 3000;
     facts.pixelAspect = 1.25;
@@ -58,7 +59,7 @@ TEST(PreviewCoding, RequestsArriveWhole) {
     const auto found = std::get<DrawRequest>(decodeRequest(sentContent(encode(request))));
     EXPECT_EQ(found.preview.layout, request.preview.layout);
     EXPECT_EQ(found.preview.position, 0.25);
-    EXPECT_TRUE(found.preview.exact);
+    EXPECT_EQ(found.preview.detail, PreviewDetail::exact);
     EXPECT_EQ(found.preview.maximumWidth, 1280);
     EXPECT_EQ(found.preview.maximumHeight, 720);
     EXPECT_EQ(found.input, request.input);
@@ -73,6 +74,7 @@ TEST(PreviewCoding, FactsArriveWhole) {
     EXPECT_EQ(found.width, facts.width);
     EXPECT_EQ(found.height, facts.height);
     EXPECT_EQ(found.hasBothEyes, facts.hasBothEyes);
+    EXPECT_EQ(found.isFlat, facts.isFlat);
     EXPECT_EQ(found.eyeWidth, facts.eyeWidth);
     EXPECT_EQ(found.eyeHeight, facts.eyeHeight);
     EXPECT_EQ(found.pixelAspect, facts.pixelAspect);

@@ -15,7 +15,8 @@
 namespace lumetwin::test {
 namespace {
 
-const PreviewRequest request{.layout = {}, .position = 0.5, .exact = true, .maximumWidth = 32, .maximumHeight = 16};
+const PreviewRequest request{
+    .layout = {}, .position = 0.5, .detail = PreviewDetail::exact, .maximumWidth = 32, .maximumHeight = 16};
 
 /// Operations whose worker draws as the name of its input says.
 class Painted {

@@ -34,6 +34,7 @@ struct PreviewLoader::Task {
     bool isDecoded(const PreviewWish &wish) const { return decoded && isSamePicture(*decoded, wish); }
     void decode(const PreviewWish &wish);
     void draw(const std::shared_ptr<Task> &self, std::uint64_t number, const PreviewWish &wish, bool isLast);
+    bool drawSoon(const std::shared_ptr<Task> &self, std::uint64_t number, const PreviewWish &wish);
     void examine(const std::shared_ptr<Task> &self, std::uint64_t number);
     template <typename Send> void post(const std::shared_ptr<Task> &self, std::uint64_t number, Send send);
 
@@ -54,7 +55,7 @@ struct PreviewLoader::Task {
 namespace {
 
 bool isSameRequest(const PreviewRequest &one, const PreviewRequest &other) {
-    return one.layout == other.layout && one.position == other.position && one.exact == other.exact &&
+    return one.layout == other.layout && one.position == other.position && one.detail == other.detail &&
            one.maximumWidth == other.maximumWidth && one.maximumHeight == other.maximumHeight;
 }
 
@@ -167,6 +168,19 @@ void PreviewLoader::Task::draw(const std::shared_ptr<Task> &self, std::uint64_t 
     post(self, number, [drawn](PreviewLoader &loader) { emit loader.drawn(drawn); });
 }
 
+/// Draws what can be shown soon: of a film, a frame near the wanted one; of large spatial media, one eye. True when it
+/// is all that was wished.
+bool PreviewLoader::Task::drawSoon(const std::shared_ptr<Task> &self, std::uint64_t number, const PreviewWish &wish) {
+    PreviewWish soon = wish;
+    soon.request.detail = PreviewDetail::soon;
+    decode(soon);
+    const bool isAll = wish.request.detail == PreviewDetail::near && !eyes.isFlat;
+    draw(self, number, soon, isAll);
+    if (isAll)
+        decoded = wish;
+    return isAll;
+}
+
 void PreviewLoader::Task::examine(const std::shared_ptr<Task> &self, std::uint64_t number) {
     const StereoFindings findings = eyes.hasBothEyes ? findingsOf(eyes.left, eyes.right) : StereoFindings();
     isExamined = true;
@@ -177,15 +191,11 @@ void PreviewLoader::run(const std::shared_ptr<Task> &task) {
     while (const auto next = task->next()) {
         const auto &[wish, number] = *next;
         try {
-            // The exact frame of a film may take a second; one near it comes soon.
-            if (wish.request.exact && !task->isDecoded(wish)) {
-                PreviewWish near = wish;
-                near.request.exact = false;
-                task->draw(task, number, near, false);
+            if (task->isDecoded(wish) || !task->drawSoon(task, number, wish)) {
                 if (task->isWished())
                     continue;
+                task->draw(task, number, wish, true);
             }
-            task->draw(task, number, wish, true);
             // Not while the user moves on.
             if (!task->isExamined && !task->isWished())
                 task->examine(task, number);

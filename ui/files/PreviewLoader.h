@@ -34,11 +34,12 @@ struct PreviewShow {
     QImage picture;
     QImage second; ///< wiggle: the right eye's picture, which alternates with the first; otherwise null
     PreviewFacts facts;
-    bool isLast = true; ///< false: of a film's frame near the wanted one, which follows
+    bool isLast = true; ///< false: what could be drawn soon, before what was wished
 };
 
 /// Draws previews on a background thread. While one is drawn, only the newest wish waits. The decoded eyes are kept, so
-/// that another mode or setting needs no decoding. Before the exact frame of a film, one near it is drawn.
+/// that another mode or setting needs no decoding. First, what can be drawn soon is drawn: of a film, a frame near the
+/// wanted one; of large spatial media, one eye.
 class PreviewLoader : public QObject {
     Q_OBJECT
 

@@ -235,7 +235,8 @@ void PreviewPane::load(bool exact) {
     wish.mode = static_cast<PreviewMode>(modePopup_->currentIndex());
     wish.request.layout = isSpatial ? StereoLayout() : layoutToShow(row_->look->facts, *settings_);
     wish.request.position = static_cast<double>(timeSlider_->value()) / sliderSteps;
-    wish.request.exact = exact && row_->kind == FileRow::Kind::video;
+    const bool isExact = exact && row_->kind == FileRow::Kind::video;
+    wish.request.detail = isExact ? PreviewDetail::exact : PreviewDetail::near;
     if (!canvas_->isActualSize())
         wish.room = canvas_->room();
     wish.request.maximumWidth = canvas_->isActualSize() ? wholePicture : wish.room.width();

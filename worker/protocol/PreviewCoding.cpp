@@ -47,7 +47,7 @@ StereoLayout requiredLayout(const Json &value) {
 Json encodePreviewRequest(const PreviewRequest &request) {
     return {{"layout", encodeLayout(request.layout)},
             {"position", request.position},
-            {"exact", request.exact},
+            {"detail", static_cast<int>(request.detail)},
             {"maximumWidth", request.maximumWidth},
             {"maximumHeight", request.maximumHeight}};
 }
@@ -55,7 +55,8 @@ Json encodePreviewRequest(const PreviewRequest &request) {
 PreviewRequest decodePreviewRequest(const Json &content) {
     return {.layout = requiredLayout(field(content, "layout")),
             .position = numberIn(field(content, "position"), 0, 1),
-            .exact = boolean(field(content, "exact")),
+            .detail =
+                static_cast<PreviewDetail>(integer(field(content, "detail"), 0, static_cast<int>(PreviewDetail::soon))),
             .maximumWidth = smallInteger(field(content, "maximumWidth"), std::numeric_limits<int>::min()),
             .maximumHeight = smallInteger(field(content, "maximumHeight"), std::numeric_limits<int>::min())};
 }
@@ -65,6 +66,7 @@ Json encodePreviewFacts(const PreviewFacts &facts) {
     return {{"width", facts.width},
             {"height", facts.height},
             {"hasBothEyes", facts.hasBothEyes},
+            {"isFlat", facts.isFlat},
             {"eyeWidth", facts.eyeWidth},
             {"eyeHeight", facts.eyeHeight},
             {"pixelAspect", hasShape ? facts.pixelAspect : 1.0},
@@ -78,6 +80,7 @@ PreviewFacts decodePreviewFacts(const Json &content) {
     facts.width = smallInteger(field(content, "width"), 1);
     facts.height = smallInteger(field(content, "height"), 1);
     facts.hasBothEyes = boolean(field(content, "hasBothEyes"));
+    facts.isFlat = boolean(field(content, "isFlat"));
     facts.eyeWidth = integer(field(content, "eyeWidth"), 0, largestInt);
     facts.eyeHeight = integer(field(content, "eyeHeight"), 0, largestInt);
     facts.pixelAspect = numberIn(field(content, "pixelAspect"), narrowestPixel, widestPixel);

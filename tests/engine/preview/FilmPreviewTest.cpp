@@ -67,10 +67,10 @@ protected:
     }
 
     /// Two views with the frame's number in their brightness.
-    void writeSpatialFilm(const std::string &name) {
+    void writeSpatialFilm(const std::string &name, int width = 128, int height = 96, int count = frames) {
         media::StereoVideoEncoding encoding;
-        encoding.width = 128;
-        encoding.height = 96;
+        encoding.width = width;
+        encoding.height = height;
         encoding.averageBitRate = 4'000'000;
         encoding.frameRate = rate;
         encoding.colour = {1, 1, 1, media::ColourRange::limited, media::ChromaLocation::left};
@@ -80,9 +80,9 @@ protected:
         writer.addVideo(encoding);
         writer.start(600);
         const auto limited = [](int grey) { return 16 + grey * 219 / 255; };
-        for (int frame = 0; frame < frames; ++frame)
-            writer.append(flat(128, 96, media::yuv420, limited(leftGrey(frame))),
-                          flat(128, 96, media::yuv420, limited(rightGrey(frame))), std::int64_t{20} * frame, 20);
+        for (int frame = 0; frame < count; ++frame)
+            writer.append(flat(width, height, media::yuv420, limited(leftGrey(frame))),
+                          flat(width, height, media::yuv420, limited(rightGrey(frame))), std::int64_t{20} * frame, 20);
         writer.finishVideo();
         writer.finish();
     }
@@ -101,7 +101,7 @@ TEST_F(FilmPreview, showsTheFrameAtThePosition) {
 
 TEST_F(FilmPreview, showsARandomAccessPictureWhereThatIsEnough) {
     writeFilm(packed(128, 48, Arrangement::sideBySide), file("a.mp4"), reordered);
-    request.exact = false;
+    request.detail = PreviewDetail::near;
     for (const auto &[asked, shown] : {std::pair(0, 0), {9, 0}, {10, 10}, {15, 10}, {29, 20}, {39, 30}, {40, 30}})
         expectFrame(at("a.mp4", asked), shown, "a.mp4");
 }
@@ -196,11 +196,27 @@ TEST_F(FilmPreview, ofASpatialFilm) {
         EXPECT_EQ(found.eyeHeight, 96);
         EXPECT_EQ(found.width, 128);
     }
-    request.exact = false;
+    request.detail = PreviewDetail::near;
     expectFrame(at("a.mov", 0), 0, "spatial");
     const StereoPreview near = at("a.mov", 35);
     EXPECT_LE(near.seconds, 35.0 / rate);
     expectFrame(near, static_cast<int>(std::lround(near.seconds * rate)), "spatial, not exact");
+}
+
+TEST_F(FilmPreview, oneEyeOfALargeSpatialFilmComesSooner) {
+    writeSpatialFilm("small.mov");
+    writeSpatialFilm("large.mov", 4096, 2880, 2);
+    request.maximumWidth = request.maximumHeight = 100;
+    for (const bool isLarge : {false, true})
+        for (const PreviewDetail detail : {PreviewDetail::soon, PreviewDetail::near, PreviewDetail::exact}) {
+            request.detail = detail;
+            const StereoPreview found = at(isLarge ? "large.mov" : "small.mov", 0);
+            ASSERT_TRUE(found.hasBothEyes);
+            EXPECT_EQ(found.isFlat, isLarge && detail == PreviewDetail::soon);
+            EXPECT_NEAR(middleOf(found.left), leftGrey(0), 1.4);
+            EXPECT_NEAR(middleOf(found.right), found.isFlat ? leftGrey(0) : rightGrey(0), 1.4);
+            EXPECT_EQ(found.eyeWidth, isLarge ? 4096 : 128);
+        }
 }
 
 TEST_F(FilmPreview, layoutsOfOneStream) {
@@ -230,13 +246,13 @@ TEST_F(FilmPreview, pixelsBecomeSquare) {
     EXPECT_NEAR(wide.pixelAspect, 1.5, 1e-9);
     EXPECT_EQ(wide.width, 64);
     EXPECT_EQ(wide.height, 32);
-    request.exact = false; // only the headers are read, and these pixels are told by the stream alone
+    request.detail = PreviewDetail::near; // only the headers are read, and these pixels are told by the stream alone
     options.back() = "format=yuv420p";
     options.insert(options.end(), {"-x264-params", "sar=3/2"});
     writeFilm(packed(128, 48, Arrangement::sideBySide), file("c.mp4"), options);
     EXPECT_NEAR(at("c.mp4", 3).pixelAspect, 1.5, 1e-9);
     options.resize(options.size() - 2);
-    request.exact = true;
+    request.detail = PreviewDetail::exact;
     // Pixels that are twice as wide tell of halves; those have their true shape already.
     options.back() = "setsar=2/1";
     writeFilm(packed(128, 48, Arrangement::sideBySide), file("b.mp4"), options);
@@ -261,11 +277,11 @@ TEST_F(FilmPreview, ofTwoStreamsAndTwoFilms) {
         const StereoPreview exchanged = preview(pair);
         EXPECT_NEAR(middleOf(exchanged.left), rightGrey(frame), 1.4);
     }
-    request.exact = false;
+    request.detail = PreviewDetail::near;
     request.layout.rightEyeFirst = false;
     request.position = 25.0 / frames;
     expectFrame(preview(pair), 20, "two files, not exact: still the same moment");
-    request.exact = true;
+    request.detail = PreviewDetail::exact;
     systemFfmpeg({"-i", file("a_L.mp4").string(), "-i", file("a_R.mp4").string(), "-map", "0:v", "-map", "1:v", "-c",
                   "copy", file("two.mkv").string()});
     request.layout.arrangement = Arrangement::twoStreams;
@@ -336,8 +352,8 @@ TEST_F(FilmPreview, damagedFilmsAreErrorsOrShown) {
                                 static_cast<std::ptrdiff_t>(bytes.size() * static_cast<std::size_t>(part) / 14),
                             200, std::uint8_t{0x5A});
             writeFile(file(name), bytes);
-            for (const bool exact : {false, true}) {
-                request.exact = exact;
+            for (const PreviewDetail detail : {PreviewDetail::exact, PreviewDetail::near, PreviewDetail::soon}) {
+                request.detail = detail;
                 request.position = 0.6;
                 try {
                     EXPECT_FALSE(preview(name).left.isEmpty());

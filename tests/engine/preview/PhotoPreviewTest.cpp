@@ -178,6 +178,25 @@ TEST_F(PhotoPreview, whatCannotBeReadAsTwoEyesIsOnePicture) {
     expectOnly(preview("b.png"), narrow);
 }
 
+TEST_F(PhotoPreview, oneEyeOfALargeSpatialPhotoComesSooner) {
+    writeSpatialPhoto(file("a.heic"), left, right);
+    request.detail = PreviewDetail::soon;
+    EXPECT_FALSE(preview("a.heic").isFlat);
+    expectEyes(preview("a.heic"), left, right, 30);
+    // A box that is skipped stands for many samples.
+    Bytes bytes = readFile(file("a.heic"));
+    const Bytes skipped(3'500'000);
+    bytes = joined({bytes, number(skipped.size() + 8, 4), letters("free"), skipped});
+    writeFile(file("a.heic"), bytes);
+    EXPECT_TRUE(preview("a.heic").isFlat);
+    expectEyes(preview("a.heic"), left, left, 30);
+    for (const PreviewDetail detail : {PreviewDetail::near, PreviewDetail::exact}) {
+        request.detail = detail;
+        EXPECT_FALSE(preview("a.heic").isFlat);
+        expectEyes(preview("a.heic"), left, right, 30);
+    }
+}
+
 TEST_F(PhotoPreview, turnsNothing) {
     // As the converters, which keep Exif's orientation beside the pixels.
     written(sideBySide(left, right), "a.jpg", {"-quality", "98", "-orient", "RightTop"});

@@ -62,7 +62,8 @@ protected:
     StereoPreview preview(const ConversionInput &input) const { return operations_.preview(input, request); }
     StereoPreview preview(const std::string &name) const { return operations_.preview(file(name), request); }
 
-    PreviewRequest request{.layout = {}, .position = 0, .exact = true, .maximumWidth = 4000, .maximumHeight = 4000};
+    PreviewRequest request{
+        .layout = {}, .position = 0, .detail = PreviewDetail::exact, .maximumWidth = 4000, .maximumHeight = 4000};
 
 private:
     TemporaryFolder folder_;

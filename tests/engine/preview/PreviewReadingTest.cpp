@@ -15,7 +15,8 @@
 namespace lumetwin::test {
 namespace {
 
-const PreviewRequest request{.layout = {}, .position = 0, .exact = false, .maximumWidth = 40, .maximumHeight = 20};
+const PreviewRequest request{
+    .layout = {}, .position = 0, .detail = PreviewDetail::near, .maximumWidth = 40, .maximumHeight = 20};
 
 PreviewFacts factsOf(int width, int height, bool hasBothEyes) {
     PreviewFacts facts;

@@ -62,6 +62,36 @@ TEST_F(PreviewPaneTest, SuggestedAdjustmentIsSetInTheForm) {
     EXPECT_NEAR(form().settings->disparityAdjustment, 1.0, 0.15) << "the wall is 1 % behind the screen";
 }
 
+TEST_F(PreviewPaneTest, BothEyesFollowWhereOneWasShownForBoth) {
+    pair("a.jpg");
+    const auto draw = services.operations.drawPreview;
+    for (const bool isFlat : {false, true}) {
+        std::vector<PreviewDetail> drawn;
+        services.operations.drawPreview = [&, isFlat](const ConversionInput &file, const PreviewRequest &request,
+                                                      const media::OutputFile &pixels) {
+            PreviewFacts facts = draw(file, request, pixels);
+            if (request.maximumWidth > 200) // not the small picture of the list
+                drawn.push_back(request.detail);
+            facts.isFlat = isFlat && request.detail == PreviewDetail::soon;
+            return facts;
+        };
+        open();
+        waitForLooks();
+        select(0);
+        static_cast<void>(shown(PreviewMode::sideBySide));
+        EXPECT_TRUE(waitUntil([this] { return part<QPushButton>("suggestAdjustmentButton").isVisible(); }))
+            << "examined";
+        drawn.clear();
+        QTest::keyClick(&canvas(), Qt::Key_Z);
+        EXPECT_TRUE(waitUntil([this] { return canvas().picture().size() == QSize(1280, 360); })) << "every pixel";
+        BackgroundThreads::shared().waitForAll(testTimeout);
+        const std::vector<PreviewDetail> once{PreviewDetail::soon};
+        const std::vector<PreviewDetail> twice{PreviewDetail::soon, PreviewDetail::near};
+        EXPECT_EQ(drawn, isFlat ? twice : once);
+        controller.reset();
+    }
+}
+
 TEST_F(PreviewPaneTest, NothingIsDrawnAgainWhileNothingChanges) {
     pair("a.jpg");
     std::atomic<int> drawings{0};
