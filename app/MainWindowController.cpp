@@ -9,6 +9,7 @@
 #include "ui/files/DroppedFiles.h"
 #include "ui/files/FilesPanel.h"
 #include "ui/form/MainViewController.h"
+#include "ui/progress/ProgressTexts.h"
 #include "ui/progress/ProgressViewController.h"
 #include "ui/widgets/Localized.h"
 #include "worker/ConfinedOperations.h"
@@ -174,10 +175,7 @@ bool MainWindowController::windowShouldClose() {
     if (stopQuestionParent_)
         return false;
     stopQuestionParent_ = new QWidget(window_.get());
-    Alert question{
-        text("alert.quit.title"), text("alert.quit.message"), {text("button.stop.quit"), text("button.continue")}};
-    question.defaultButton = 1;
-    services_.alerts->present(question, stopQuestionParent_, [this](int button) {
+    services_.alerts->present(quitQuestion(), stopQuestionParent_, [this](int button) {
         delete stopQuestionParent_;
         if (button != 0)
             return;

@@ -116,9 +116,7 @@ public:
         alert("alert-overwrite", overwriteQuestion({"arrival_sbs.mp4", "bridge_sbs.mp4", "寺_sbs.jpg"}));
         alert("alert-overwrite-long", overwriteQuestion({"arrival_sbs.mp4", "橋_sbs.jpg",
                                                          std::string(90, 'm') + "_sbs.mp4", "d", "e", "x", "y"}));
-        alert("alert-quit", {text("alert.quit.title"),
-                             text("alert.quit.message"),
-                             {text("button.stop.quit"), text("button.continue")}});
+        alert("alert-quit", quitQuestion());
         const SpatialFinding finding{true, {63.4, 19.24, 2.0}};
         alert("alert-unwritable", {formatted("error.output.unwritable.format", std::string("Archive")),
                                    text("error.output.unwritable.message")});

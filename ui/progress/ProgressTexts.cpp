@@ -101,6 +101,13 @@ Alert stopQuestion() {
     return question;
 }
 
+Alert quitQuestion() {
+    Alert question{
+        text("alert.quit.title"), text("alert.quit.message"), {text("button.stop.quit"), text("button.continue")}};
+    question.defaultButton = 1;
+    return question;
+}
+
 Alert resultAlert(const BatchResult &result) {
     const bool empty = result.isEmpty();
     Alert alert{text(empty            ? "alert.nothing.title"

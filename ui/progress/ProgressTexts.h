@@ -49,6 +49,8 @@ struct BatchResult {
 
 /// Asks whether to stop. The first button stops; the second one continues and is the default.
 Alert stopQuestion();
+/// Before the window closes while a batch runs.
+Alert quitQuestion();
 /// Reports the result of a batch. When nothing was converted, it says why and what the user can do. Its side button
 /// opens the folder of the outputs, if there are any.
 Alert resultAlert(const BatchResult &result);
