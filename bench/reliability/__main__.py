@@ -5,8 +5,9 @@
   failing  the n-th call fails, for each n; kinds: open write seek sync rename thread allocation
   places   full, read-only, unplugged, vanished, slow
   growth   memory over 20,000 frames, 1,000 photos, 10,000 files
+  fuzz     COUNT inputs for each fuzz target, 10 million unless said otherwise; kinds: names of targets
 
-What was found is kept in reliability.json in the current folder, and printed as a table.
+What was found is kept in reliability.json in the current folder (of fuzz: in the folder fuzzing), and printed as a table.
 """
 import json
 import pathlib
@@ -17,7 +18,7 @@ import time
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
 
 from measure import SOURCE  # noqa: E402
-from reliability import failing, growth, kills, places  # noqa: E402
+from reliability import failing, fuzz, growth, kills, places  # noqa: E402
 
 STAGES = {"kills": (kills.stage, 500), "failing": (failing.stage, 0), "places": (places.stage, 0),
           "growth": (growth.stage, 0)}
@@ -56,9 +57,11 @@ def table(state):
 
 
 def main():
-    if len(sys.argv) < 2 or sys.argv[1] not in STAGES:
+    if len(sys.argv) < 2 or sys.argv[1] not in (*STAGES, "fuzz"):
         raise SystemExit(__doc__)
     count = int(sys.argv[2]) if len(sys.argv) > 2 and sys.argv[2].isdigit() else 0
+    if sys.argv[1] == "fuzz":
+        return fuzz.main(count or 10_000_000, [word for word in sys.argv[2:] if not word.isdigit()])
     state = json.loads(STATE.read_text("utf-8")) if STATE.exists() else {}
     run(sys.argv[1], count, [word for word in sys.argv[2:] if not word.isdigit()], state)
     table(state)
