@@ -19,6 +19,7 @@ FOLDER = pathlib.Path("fuzzing").resolve()
 STATE = FOLDER / "fuzzing.json"
 SECONDS_OF_A_PIECE = 20
 LARGEST_INPUT = 1 << 16
+MOST_FINDINGS = 10  # then a target is not run any more
 
 
 def targets():
@@ -81,7 +82,8 @@ def main(wanted, names):
     for target in chosen:
         state.setdefault(target, {"pieces": 0, "inputs": 0, "cpu": 0, "wall": 0, "edges": 0, "findings": []})
     try:
-        while left := [target for target in chosen if state[target]["inputs"] < wanted]:
+        while left := [target for target in chosen
+                       if state[target]["inputs"] < wanted and len(state[target]["findings"]) < MOST_FINDINGS]:
             for target in left:
                 piece(target, state[target], wanted - state[target]["inputs"])
                 STATE.write_text(json.dumps(state, indent=1), "utf-8")

@@ -66,6 +66,84 @@ std::vector<Bytes> packedStreams() {
             stream(1, hevcRecord, joined({unit(hevcMessage, 2), unit(hevcSlice, 2)}))};
 }
 
+/// A configuration record with a sequence parameter set of 64 × 64, in front of two layers' pictures.
+Bytes sequenceParameterSet() {
+    return {0x42, 1, 1, 1,    0x60, 0,    0,    3,    0,    0x90, 0,    0,    3,    0,
+            0,    3, 0, 0x1E, 0xA0, 0x20, 0x81, 0x05, 0x96, 0xEA, 0xAE, 0x4C, 0x92, 0xE5};
+}
+
+std::vector<Bytes> accessUnits() {
+    const auto unit = [](const Bytes &bytes) { return joined({number(bytes.size(), 4), bytes}); };
+    const Bytes set = sequenceParameterSet();
+    const Bytes record = joined({{1}, Bytes(20, 0), {0xFF, 1, 33, 0, 1}, number(set.size(), 2), set});
+    const Bytes base{19 << 1, 1, 0xAF, 1, 2, 3};
+    const Bytes second{19 << 1, 1 << 3 | 1, 0xAF, 1, 2, 3};
+    const Bytes sample = joined({unit({35 << 1, 1, 0x50}), unit(base), unit(second)});
+    const auto size = static_cast<std::uint8_t>(record.size());
+    const Bytes startCode{0, 0, 0, 1};
+    return {joined({{size, 0}, record, sample}), joined({{size, size}, record, record, sample}),
+            joined({{0, 0}, startCode, set, startCode, base, startCode, second})};
+}
+
+std::vector<Bytes> parameterSets() {
+    const Bytes set = sequenceParameterSet();
+    const Bytes record = joined({{1}, Bytes(20, 0), {0xFF, 1, 33, 0, 1}, number(set.size(), 2), set});
+    return {joined({{1, 8, 8}, set}), joined({{1, 7, 5}, record}), joined({{1, 8, 8}, {0x40, 1, 0x0C, 1, 0xFF, 0xFF}})};
+}
+
+std::vector<Bytes> commandLines() {
+    const Bytes end(1, 0);
+    const auto line = [&](std::initializer_list<std::string_view> words) {
+        Bytes bytes;
+        for (const std::string_view word : words)
+            bytes = joined({bytes, letters(word), end});
+        return bytes;
+    };
+    return {
+        line({"--direction", "sbsToSpatial", "--output", "/x", "--fov=63.4", "--input-layout", "overUnder", "a.mp4"}),
+        line({"--direction", "spatialToSBS", "--width", "960", "--height", "1080", "--quality", "0.5", "--dry-run"}),
+        line({"inspect", "--json", "a.heic", "b.mov"}), line({"completion", "zsh"}), line({"--", "-a"})};
+}
+
+/// CBOR: an answer with a size, one with progress, and a request to look.
+std::vector<Bytes> messages() {
+    const Bytes size = joined({{0xA2, 0x66},
+                               letters("answer"),
+                               {0x64},
+                               letters("size"),
+                               {0x64},
+                               letters("size"),
+                               {0xA2, 0x65},
+                               letters("width"),
+                               {0x18, 64, 0x66},
+                               letters("height"),
+                               {0x18, 48}});
+    const Bytes progress = joined({{0xA3, 0x66},
+                                   letters("answer"),
+                                   {0x68},
+                                   letters("progress"),
+                                   {0x65},
+                                   letters("frame"),
+                                   {3, 0x66},
+                                   letters("frames"),
+                                   {9}});
+    const Bytes look = joined({{0xA4, 0x67},
+                               letters("request"),
+                               {0x64},
+                               letters("look"),
+                               {0x64},
+                               letters("kind"),
+                               {0, 0x65},
+                               letters("input"),
+                               {0x62},
+                               letters("/a"),
+                               {0x68},
+                               letters("language"),
+                               {0x62},
+                               letters("en")});
+    return {size, progress, look};
+}
+
 HeifBuilder describedPair() {
     HeifBuilder heif = stereoGrids();
     heif.item(10, "Exif", true).item(11, "mime", true, "application/rdf+xml").item(12, "tmap").item(13);
@@ -225,7 +303,11 @@ int main(int count, char **arguments) {
         return 2;
     }
     const std::filesystem::path folder = arguments[1];
+    write(folder / "access_units", accessUnits());
+    write(folder / "messages", messages());
     write(folder / "movie_facts", movies());
+    write(folder / "options", commandLines());
+    write(folder / "parameter_sets", parameterSets());
     write(folder / "heif_file", {stereoGrids().file(), describedPair().file(), wideTables()});
     write(folder / "jpeg_extras", {jpegWithExtras()});
     write(folder / "frame_packing", packedStreams());
