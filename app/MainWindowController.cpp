@@ -126,6 +126,9 @@ void MainWindowController::connectFiles() {
     });
     connect(form_, &MainViewController::settingsChanged, files_, &FilesPanel::settingsChanged);
     connect(form_, &MainViewController::batchStarted, files_, &FilesPanel::runBegan);
+    connect(form_, &MainViewController::batchStarted, this, [this] {
+        form_->progressSheet()->setFrames(framesOfRun(files_->model().rows(), files_->model().settings()));
+    });
     connect(form_, &MainViewController::startRefused, files_, &FilesPanel::takeBackIn);
     connect(form_, &MainViewController::fileBegan, files_, &FilesPanel::fileBegan);
     connect(form_, &MainViewController::fileProgressed, files_, &FilesPanel::fileProgressed);

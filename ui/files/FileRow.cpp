@@ -89,6 +89,21 @@ bool willBeConverted(const FileRow &row, const ConversionSettings &settings) {
     return !row.look || (isUsable(row) && !isAgainstDirection(row, settings));
 }
 
+std::vector<double> framesOfRun(const std::vector<FileRow> &rows, const ConversionSettings &settings) {
+    std::vector<double> frames;
+    for (const FileRow &row : rows) {
+        if (row.isLeftOut || row.kind == FileRow::Kind::unsupported)
+            continue;
+        const bool isFilm = row.kind == FileRow::Kind::video && willBeConverted(row, settings);
+        const double count =
+            isFilm && row.look && row.look->picture ? row.look->picture->duration * row.look->picture->frameRate : 0;
+        if (isFilm && count <= 0)
+            return {};
+        frames.push_back(isFilm ? std::max(1.0, count) : willBeConverted(row, settings) ? 1 : 0);
+    }
+    return frames;
+}
+
 bool isNoStereo(const FileRow &row, const ConversionSettings &settings) {
     return settings.direction == ConversionDirection::sbsToSpatial && isUsable(row) && !isSpatial(row) &&
            row.findings && row.findings->wasExamined && !row.findings->seen;

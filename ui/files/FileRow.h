@@ -57,6 +57,10 @@ StereoLayout layoutToShow(const MediaFacts &facts, const ConversionSettings &set
 /// Whether a run with these settings converts it, as far as is known.
 bool willBeConverted(const FileRow &row, const ConversionSettings &settings);
 
+/// How many frames a run converts of each of its files, in its order: one of a photo, none of what it will skip. Empty
+/// while the length of a film is not known.
+std::vector<double> framesOfRun(const std::vector<FileRow> &rows, const ConversionSettings &settings);
+
 /// Whether it is spatial media in the direction to spatial media, or the other way round.
 bool isAgainstDirection(const FileRow &row, const ConversionSettings &settings);
 

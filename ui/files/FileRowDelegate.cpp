@@ -111,7 +111,9 @@ private:
             const int side = scale_.vertical(22);
             QRect symbol(0, 0, side, side);
             symbol.moveCenter(frame.center());
-            drawSymbol(painter_, symbol, symbolOf(row_.kind), secondaryTextColour(option_.palette));
+            const QColor colour = isHighContrast(option_.palette) ? option_.palette.color(QPalette::Window)
+                                                                  : secondaryTextColour(option_.palette);
+            drawSymbol(painter_, symbol, symbolOf(row_.kind), colour);
         } else {
             painter_.fillRect(frame, Qt::black);
             QRect place(QPoint(), row_.look->thumbnail.size().scaled(frame.size(), Qt::KeepAspectRatio));

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <numeric>
 #include <utility>
 
 namespace lumetwin {
@@ -49,6 +51,17 @@ double fractionOf(std::int64_t current, std::int64_t total) {
 
 double batchFraction(std::int64_t filesDone, std::int64_t filesTotal, double fractionOfFile) {
     return (static_cast<double>(filesDone) + std::clamp(fractionOfFile, 0.0, 1.0)) / static_cast<double>(filesTotal);
+}
+
+double batchFraction(const std::vector<double> &frames, std::int64_t filesDone, std::int64_t filesTotal,
+                     double fractionOfFile) {
+    const double all = std::accumulate(frames.begin(), frames.end(), 0.0);
+    const auto current = frames.begin() + std::clamp<std::int64_t>(filesDone, 0, std::ssize(frames));
+    if (std::ssize(frames) != filesTotal || all <= 0)
+        return batchFraction(filesDone, filesTotal, fractionOfFile);
+    const double done = std::accumulate(frames.begin(), current, 0.0);
+    const double ofCurrent = current == frames.end() ? 0 : *current * std::clamp(fractionOfFile, 0.0, 1.0);
+    return (done + ofCurrent) / all;
 }
 
 std::string filesText(std::int64_t current, std::int64_t total, double fraction) {

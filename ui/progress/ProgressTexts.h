@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace lumetwin {
 
@@ -18,6 +19,10 @@ double fractionOf(std::int64_t current, std::int64_t total);
 /// The finished share of the whole batch, 0 to 1: the files that are done and the share of the current one. filesTotal
 /// is at least 1.
 double batchFraction(std::int64_t filesDone, std::int64_t filesTotal, double fractionOfFile);
+/// The same, where each file counts by its frames. Where there is not one number a file, or no frame, all files count
+/// the same.
+double batchFraction(const std::vector<double> &frames, std::int64_t filesDone, std::int64_t filesTotal,
+                     double fractionOfFile);
 
 /// fraction: the finished share of the whole batch.
 std::string filesText(std::int64_t current, std::int64_t total, double fraction);

@@ -77,7 +77,7 @@ void ProgressViewController::updateProgress(std::int64_t current, std::int64_t t
     filesDone_ = current;
     filesTotal_ = total;
     firstReport_.reset();
-    showBatchFraction(fractionOf(current, total));
+    showBatchFraction(total < 1 ? 0 : batchFraction(frames_, current, total, 0));
     fileCountLabel->setText(toQString(formatted("progress.filecount.format", current, total)));
     fileNameLabel->setText(toQString(formatted("progress.processing.format", fileName)));
     statusLabel->setText(toQString(text("progress.converting")));
@@ -113,7 +113,7 @@ void ProgressViewController::updateFrameProgress(std::int64_t current, std::int6
     fileProgressBar->setDoubleValue(fraction);
     emit fileProgressed(fraction);
     if (filesTotal_ > 0)
-        showBatchFraction(batchFraction(filesDone_, filesTotal_, fraction));
+        showBatchFraction(batchFraction(frames_, filesDone_, filesTotal_, fraction));
 }
 
 void ProgressViewController::showSkipped(const std::string &fileName, const std::string &reason) {

@@ -76,6 +76,10 @@ public:
     /// Stops the run and closes the sheet, without asking.
     void stop();
 
+    /// The frames of each file in the order of the run, by which they count in the share of the whole batch. Unless
+    /// they are set, all files count the same.
+    void setFrames(std::vector<double> frames) { frames_ = std::move(frames); }
+
     /// When the run started. Tests change it.
     std::optional<std::chrono::steady_clock::time_point> startTime;
 
@@ -134,6 +138,7 @@ private:
     QPointer<QWidget> stopQuestionParent_;            ///< parent of the stop question while it is open
     std::int64_t filesDone_ = 0;
     std::int64_t filesTotal_ = 0;
+    std::vector<double> frames_;
     double fraction_ = 0; ///< finished share of the whole batch
     /// The first frame report of the current file, for its speed.
     struct FrameReport {

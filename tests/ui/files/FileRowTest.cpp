@@ -46,6 +46,20 @@ TEST_F(FileRows, TellTheNameOfTheResult) {
     EXPECT_EQ(state(lookedAt("trip.mp4", false)), "Becomes trip_spatial.mov");
 }
 
+TEST_F(FileRows, TellHowManyFramesARunConverts) {
+    towardsSpatial();
+    FileRow film = lookedAt("a.mp4", false), photo = lookedAt("b.jpg", false), spatial = lookedAt("c.mov", true);
+    photo.kind = FileRow::Kind::photo;
+    EXPECT_TRUE(framesOfRun({film, photo}, settings).empty()) << "nobody knows how long the film is";
+    film.look->picture.emplace();
+    film.look->picture->duration = 20;
+    film.look->picture->frameRate = 30;
+    FileRow other = photo, leftOut = film;
+    other.kind = FileRow::Kind::unsupported;
+    leftOut.isLeftOut = true;
+    EXPECT_EQ(framesOfRun({film, leftOut, photo, spatial, other}, settings), (std::vector<double>{600, 1, 0}));
+}
+
 TEST_F(FileRows, TellThatAFileIsAgainstTheDirection) {
     const FileRow flat = lookedAt("flat.mp4", false), spatial = lookedAt("trip.mov", true);
     EXPECT_EQ(state(flat), "Will be skipped: not spatial media");

@@ -92,6 +92,20 @@ TEST_F(FilesPanelTest, ConvertsAgainWhatFailed) {
     EXPECT_TRUE(form().settings->leftOut.empty()) << "the next run takes all files";
 }
 
+TEST_F(FilesPanelTest, TheRunCountsFilesByTheirFrames) {
+    pair("a.jpg");
+    text("b.jpg"); // will not be converted
+    open();
+    waitForLooks();
+    double last = 0;
+    QObject::connect(&form(), &MainViewController::batchProgressed, [&](double fraction) { last = fraction; });
+    std::vector<double> begins;
+    QObject::connect(&form(), &MainViewController::fileBegan, [&] { begins.push_back(last); });
+    form().startConversion();
+    ASSERT_TRUE(waitUntil([&] { return !begins.empty() && !files().model().isRunning(); }));
+    EXPECT_EQ(begins, (std::vector<double>{0, 1}));
+}
+
 TEST_F(FilesPanelTest, ARunOfFailedFilesThatIsRefusedLeavesNothingOut) {
     pair("a.jpg");
     pair("b.jpg", 2);

@@ -126,6 +126,18 @@ TEST_F(ProgressSheet, BarTextAndTitleShowTheSameShare) {
               formatted("progress.files.format", std::int64_t(1), std::int64_t(4), std::int64_t(37)));
 }
 
+TEST_F(ProgressSheet, LongFilesCountMoreThanShortOnes) {
+    start();
+    sheet->setFrames({300, 100, 1});
+    sheet->updateProgress(0, 3, "long.mov");
+    sheet->updateFrameProgress(150, 300);
+    EXPECT_EQ(bar("overallProgress").doubleValue(), 150.0 / 401);
+    sheet->updateProgress(1, 3, "short.mov");
+    EXPECT_EQ(bar("overallProgress").doubleValue(), 300.0 / 401);
+    EXPECT_EQ(label("overallLabel"),
+              formatted("progress.files.format", std::int64_t(1), std::int64_t(3), std::int64_t(74)));
+}
+
 TEST_F(ProgressSheet, ShowsTheTimeLeft) {
     start();
     sheet->updateProgress(1, 4, "b.mov");

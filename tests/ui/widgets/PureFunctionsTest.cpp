@@ -84,6 +84,17 @@ TEST(ProgressTexts, CountFilesAndFrames) {
     EXPECT_EQ(framesText(2, 3), formatted("progress.frame.format", std::int64_t(2), std::int64_t(3), std::int64_t(66)));
 }
 
+TEST(ProgressTexts, CountFilesByTheirFrames) {
+    const std::vector<double> frames{900, 0, 99, 1};
+    EXPECT_EQ(batchFraction(frames, 0, 4, 0.5), 0.45);
+    EXPECT_EQ(batchFraction(frames, 1, 4, 0.5), 0.9) << "a file that is skipped";
+    EXPECT_EQ(batchFraction(frames, 3, 4, 0), 0.999);
+    EXPECT_EQ(batchFraction(frames, 3, 4, 1.2), 1);
+    EXPECT_EQ(batchFraction(frames, 4, 4, 0), 1);
+    for (const std::vector<double> &unknown : {std::vector<double>{}, {1, 2, 3}, {0, 0, 0, 0}})
+        EXPECT_EQ(batchFraction(unknown, 1, 4, 0.5), 0.375) << "all files count the same";
+}
+
 TEST(ProgressTexts, ShowTheTimeInMinutes) {
     EXPECT_NE(elapsedText(std::chrono::milliseconds(59999)).find("0:59"), std::string::npos);
     EXPECT_NE(elapsedText(std::chrono::seconds(3725)).find("62:05"), std::string::npos);
