@@ -2,14 +2,13 @@
 #pragma once
 
 #include <array>
-#include <initializer_list>
 
 namespace lumetwin::worker {
 
 /// System calls that a worker never needs, and what they could be used for.
 struct BlockedSystemCalls {
     const char *purpose;
-    std::initializer_list<const char *> names;
+    const char *names[32]; ///< null behind the last one
 };
 
 inline constexpr std::array blockedSystemCalls{

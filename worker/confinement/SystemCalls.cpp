@@ -123,7 +123,8 @@ void blockSystemCalls() {
           "OPTIMIZE"); // a binary tree is faster than a list
     for (const BlockedSystemCalls &group : blockedSystemCalls)
         for (const char *name : group.names)
-            block(filter, name);
+            if (name)
+                block(filter, name);
     blockUses(filter);
     check(seccomp_load(filter.get()), "seccomp");
 }
