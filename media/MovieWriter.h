@@ -17,7 +17,7 @@
 
 namespace lumetwin::media {
 
-enum class Container { mpeg4, quickTime };
+enum class Container { mpeg4, quickTime, matroska };
 enum class VideoCodec { h264, hevc };
 
 /// An ordinary video track: 4:2:0 pictures with a constant rate. Odd sizes are padded for coding and cropped
@@ -32,9 +32,9 @@ struct VideoEncoding {
     ColourTags colour;
     LightLevels levels; ///< only of HEVC
     PixelAspect pixelAspect;
-    /// Announced by the stream (frame packing SEI in each random access picture) and by the file (`st3d`), if the
-    /// frames have both eyes, beside or above each other. Only HEVC can say that they are half: the shape of the pixels
-    /// would change how ordinary players show the frame.
+    /// Announced by the stream (frame packing SEI in each random access picture) and by the file (`st3d`, StereoMode),
+    /// if the frames have both eyes, beside or above each other. Only HEVC and Matroska can say that they are half:
+    /// elsewhere the shape of the pixels would change how ordinary players show the frame.
     std::optional<StereoPacking> packing;
 };
 

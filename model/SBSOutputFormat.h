@@ -8,10 +8,11 @@
 namespace lumetwin {
 
 /// Container and codec of side-by-side video.
-enum class SBSOutputFormat { mp4H264, mp4H265, movHEVC };
+enum class SBSOutputFormat { mp4H264, mp4H265, movHEVC, mkvH264, mkvH265 };
 
 inline constexpr std::array allSBSOutputFormats{SBSOutputFormat::mp4H264, SBSOutputFormat::mp4H265,
-                                                SBSOutputFormat::movHEVC};
+                                                SBSOutputFormat::movHEVC, SBSOutputFormat::mkvH264,
+                                                SBSOutputFormat::mkvH265};
 
 /// The name of the format, as in the format menu.
 constexpr std::string_view rawValue(SBSOutputFormat format) {
@@ -22,6 +23,10 @@ constexpr std::string_view rawValue(SBSOutputFormat format) {
         return "MP4 (H.265/HEVC)";
     case SBSOutputFormat::movHEVC:
         return "MOV (HEVC)";
+    case SBSOutputFormat::mkvH264:
+        return "MKV (H.264)";
+    case SBSOutputFormat::mkvH265:
+        return "MKV (H.265/HEVC)";
     }
     return {};
 }

@@ -32,9 +32,11 @@ inline constexpr CaseNames<InputLayout, 8> inputLayoutNames{{{"automatic", Input
                                                              {"two-files", InputLayout::twoFiles}}};
 inline constexpr CaseNames<StereoValuesSource, 2> stereoValuesNames{
     {{"from-options", StereoValuesSource::settings}, {"from-file", StereoValuesSource::file}}};
-inline constexpr CaseNames<SBSOutputFormat, 3> videoFormatNames{{{"mp4H264", SBSOutputFormat::mp4H264},
+inline constexpr CaseNames<SBSOutputFormat, 5> videoFormatNames{{{"mp4H264", SBSOutputFormat::mp4H264},
                                                                  {"mp4H265", SBSOutputFormat::mp4H265},
-                                                                 {"movHEVC", SBSOutputFormat::movHEVC}}};
+                                                                 {"movHEVC", SBSOutputFormat::movHEVC},
+                                                                 {"mkvH264", SBSOutputFormat::mkvH264},
+                                                                 {"mkvH265", SBSOutputFormat::mkvH265}}};
 inline constexpr CaseNames<SBSPhotoOutputFormat, 4> photoFormatNames{{{"jpg", SBSPhotoOutputFormat::jpg},
                                                                       {"png", SBSPhotoOutputFormat::png},
                                                                       {"tiff", SBSPhotoOutputFormat::tiff},

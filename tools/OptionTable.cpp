@@ -101,7 +101,7 @@ constexpr std::array options{
     Option{"--input-layout", "LAYOUT", "automatic (default), side-by-side, half-side-by-side, over-under, ...",
            [](Options &o, Value v, Name n) { o.settings->inputLayout = parseCase(inputLayoutNames, v, n); }, nullptr,
            wordsOf<inputLayoutNames>},
-    Option{"--sbs-output-format", "FORMAT", "of side-by-side video: mp4H264 (default), mp4H265, movHEVC",
+    Option{"--sbs-output-format", "FORMAT", "of side-by-side video: mp4H264 (default), movHEVC, mkvH264, ...",
            [](Options &o, Value v, Name n) { o.settings->sbsOutputFormat = parseCase(videoFormatNames, v, n); },
            nullptr, wordsOf<videoFormatNames>},
     Option{"--sbs-photo-output-format", "FORMAT", "of side-by-side photos: jpg (default), png, tiff, heic",

@@ -21,12 +21,26 @@ std::string_view photoExtension(SBSPhotoOutputFormat format) {
     return {};
 }
 
+std::string_view videoExtension(SBSOutputFormat format) {
+    switch (format) {
+    case SBSOutputFormat::mp4H264:
+    case SBSOutputFormat::mp4H265:
+        return "mp4";
+    case SBSOutputFormat::movHEVC:
+        return "mov";
+    case SBSOutputFormat::mkvH264:
+    case SBSOutputFormat::mkvH265:
+        return "mkv";
+    }
+    return {};
+}
+
 std::string_view outputExtension(bool isPhoto, const ConversionSettings &settings) {
     if (settings.direction == ConversionDirection::sbsToSpatial)
         return isPhoto ? "heic" : "mov";
     if (isPhoto)
         return photoExtension(settings.sbsPhotoOutputFormat);
-    return settings.sbsOutputFormat == SBSOutputFormat::movHEVC ? "mov" : "mp4";
+    return videoExtension(settings.sbsOutputFormat);
 }
 
 } // namespace

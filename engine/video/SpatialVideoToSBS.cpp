@@ -19,11 +19,20 @@ namespace {
 constexpr SystemVersion bothViews{14, 0, 0};
 
 media::Container containerOf(SBSOutputFormat format) {
-    return format == SBSOutputFormat::movHEVC ? media::Container::quickTime : media::Container::mpeg4;
+    switch (format) {
+    case SBSOutputFormat::movHEVC:
+        return media::Container::quickTime;
+    case SBSOutputFormat::mkvH264:
+    case SBSOutputFormat::mkvH265:
+        return media::Container::matroska;
+    default:
+        return media::Container::mpeg4;
+    }
 }
 
 media::VideoCodec codecOf(SBSOutputFormat format) {
-    return format == SBSOutputFormat::mp4H264 ? media::VideoCodec::h264 : media::VideoCodec::hevc;
+    const bool isH264 = format == SBSOutputFormat::mp4H264 || format == SBSOutputFormat::mkvH264;
+    return isH264 ? media::VideoCodec::h264 : media::VideoCodec::hevc;
 }
 
 /// A size as an int. The writer refuses sizes that are too large.

@@ -17,6 +17,7 @@ public:
     void describePacking(const std::optional<StereoPacking> &packing) { packing_ = packing; }
     void describeStereo(const StereoVideoEncoding &encoding) { stereo_ = encoding; }
     const MovieTags &tags() const { return tags_; }
+    const std::optional<StereoPacking> &packing() const { return packing_; }
 
     /// Throws MediaError.
     void apply(const OutputFile &file) const;

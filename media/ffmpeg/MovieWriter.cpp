@@ -121,6 +121,7 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
         if (video) {
             video->encoder = video->makeEncoder(scale);
             video->encoder->describe(video->stream);
+            muxer.announce(video->stream, completion.packing());
             video->stream.time_base = {1, scale};
         }
         muxer.writeHeader(completion.tags(), scale);
@@ -178,7 +179,8 @@ struct MovieWriter::State : std::enable_shared_from_this<MovieWriter::State> {
         encoding.join();
         failure.rethrow();
         muxer.finish();
-        completion.apply(file);
+        if (!muxer.isMatroska())
+            completion.apply(file);
         return true;
     }
 };

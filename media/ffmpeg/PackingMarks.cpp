@@ -26,6 +26,15 @@ std::optional<std::uint8_t> frameMode(const StereoPacking &packing) {
     return packing.arrangement == Arrangement::overUnder ? std::optional<std::uint8_t>(1) : std::nullopt;
 }
 
+/// StereoMode (RFC 9559, 5.1.4.1.28.3) by the muxer's names; nullptr where there is none.
+const char *stereoMode(const StereoPacking &packing) {
+    if (packing.arrangement == Arrangement::sideBySide)
+        return packing.rightEyeFirst ? "right_left" : "left_right";
+    if (packing.arrangement == Arrangement::overUnder)
+        return packing.rightEyeFirst ? "bottom_top" : "top_bottom";
+    return nullptr;
+}
+
 } // namespace
 
 void markPacket(AVPacket &packet, const StereoPacking &packing, hevc::Coding coding) {
@@ -37,6 +46,20 @@ void markPacket(AVPacket &packet, const StereoPacking &packing, hevc::Coding cod
         throw std::bad_alloc();
     std::memmove(packet.data + place + added.size(), packet.data + place, size - place);
     std::memcpy(packet.data + place, added.data(), added.size());
+}
+
+void markStream(AVStream &stream, const StereoPacking &packing) {
+    const char *mode = stereoMode(packing);
+    if (!mode)
+        return;
+    if (av_dict_set(&stream.metadata, "stereo_mode", mode, 0) < 0)
+        throw std::bad_alloc();
+    if (!packing.isHalf)
+        return;
+    const AVRational aspect = stream.sample_aspect_ratio.num > 0 ? stream.sample_aspect_ratio : AVRational{1, 1};
+    const bool isOverUnder = packing.arrangement == Arrangement::overUnder;
+    stream.sample_aspect_ratio = av_mul_q(aspect, isOverUnder ? AVRational{1, 2} : AVRational{2, 1});
+    stream.codecpar->sample_aspect_ratio = stream.sample_aspect_ratio;
 }
 
 void markTrack(MovieHeader &header, const StereoPacking &packing) {

@@ -61,7 +61,7 @@ template <typename Cases> void expectPositions(const Cases &cases, std::size_t c
 
 TEST(Enumerations, CasesAreInTheirOrder) {
     expectPositions(allConversionDirections, 2);
-    expectPositions(allSBSOutputFormats, 3);
+    expectPositions(allSBSOutputFormats, 5);
     expectPositions(allSBSPhotoOutputFormats, 4);
     expectPositions(allResizeModes, 3);
     EXPECT_EQ(allConversionDirections[1], ConversionDirection::sbsToSpatial);
@@ -74,6 +74,8 @@ TEST(Enumerations, VideoFormatsHaveTheirTexts) {
     EXPECT_EQ(rawValue(SBSOutputFormat::mp4H264), "MP4 (H.264)");
     EXPECT_EQ(rawValue(SBSOutputFormat::mp4H265), "MP4 (H.265/HEVC)");
     EXPECT_EQ(rawValue(SBSOutputFormat::movHEVC), "MOV (HEVC)");
+    EXPECT_EQ(rawValue(SBSOutputFormat::mkvH264), "MKV (H.264)");
+    EXPECT_EQ(rawValue(SBSOutputFormat::mkvH265), "MKV (H.265/HEVC)");
     for (const SBSOutputFormat format : allSBSOutputFormats)
         EXPECT_EQ(sbsOutputFormat(rawValue(format)), format);
     for (const char *other : {"mp4 (h.264)", "H.264", "MP4", "", " MP4 (H.264)", "MP4 (H.264) ", "mp4H264"})

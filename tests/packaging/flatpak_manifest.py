@@ -81,7 +81,7 @@ class FlatpakManifest(unittest.TestCase):
         for library in libraries:
             self.assertIn(f"--enable-{library}", self.options("ffmpeg"))
         self.assertIn("--enable-encoder=libx264,libx265,aac", self.options("ffmpeg"))
-        self.assertIn("--enable-muxer=mov,mp4", self.options("ffmpeg"))
+        self.assertIn("--enable-muxer=mov,mp4,matroska", self.options("ffmpeg"))
 
     def test_libheif_decodes_only_through_ffmpeg(self):
         ours = {option for option in self.options("libheif") if option.startswith("-DWITH_")}

@@ -213,7 +213,7 @@ TEST(Options, NamesMustMatchExactly) {
         EXPECT_EQ(errorMessage({"--direction", value}),
                   "--direction: \"" + std::string(value) + "\" is none of spatialToSBS, sbsToSpatial");
     EXPECT_EQ(errorMessage({"--sbs-output-format", "MP4 (H.264)"}),
-              "--sbs-output-format: \"MP4 (H.264)\" is none of mp4H264, mp4H265, movHEVC");
+              "--sbs-output-format: \"MP4 (H.264)\" is none of mp4H264, mp4H265, movHEVC, mkvH264, mkvH265");
     EXPECT_EQ(errorMessage({"--sbs-photo-output-format", "jpeg"}),
               "--sbs-photo-output-format: \"jpeg\" is none of jpg, png, tiff, heic");
     EXPECT_EQ(errorMessage({"--on-existing", "keepBoth"}),

@@ -13,6 +13,10 @@ TEST(OutputNaming, VideoToSBSFollowsTheFormat) {
     EXPECT_EQ(outputName("/in/trip.MOV", settings), "trip_sbs.mp4");
     settings.sbsOutputFormat = SBSOutputFormat::movHEVC;
     EXPECT_EQ(outputName("/in/trip.MOV", settings), "trip_sbs.mov");
+    settings.sbsOutputFormat = SBSOutputFormat::mkvH264;
+    EXPECT_EQ(outputName("/in/trip.MOV", settings), "trip_sbs.mkv");
+    settings.sbsOutputFormat = SBSOutputFormat::mkvH265;
+    EXPECT_EQ(outputName("/in/trip.MOV", settings), "trip_sbs.mkv");
 }
 
 TEST(OutputNaming, PhotoToSBSFollowsTheFormat) {

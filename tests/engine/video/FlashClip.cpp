@@ -84,9 +84,10 @@ std::vector<double> frameTimesOf(const std::filesystem::path &movie) {
 }
 
 std::vector<double> clicksOf(const std::filesystem::path &movie) {
-    const std::string pcm = output({stackProgram("ffmpeg"), "-v", "error", "-i", movie.string(), "-map", "0:a:0", "-af",
-                                    "aresample=async=1:min_hard_comp=0.01:first_pts=0", "-ac", "1", "-ar",
-                                    std::to_string(soundRate), "-f", "s16le", "-c:a", "pcm_s16le", "-"});
+    // The times of the file, as the frames have them: sound may begin before 0, where its encoder has a delay.
+    const std::string pcm = output({stackProgram("ffmpeg"), "-v", "error", "-copyts", "-i", movie.string(), "-map",
+                                    "0:a:0", "-af", "aresample=async=1:min_hard_comp=0.01:first_pts=0", "-ac", "1",
+                                    "-ar", std::to_string(soundRate), "-f", "s16le", "-c:a", "pcm_s16le", "-"});
     std::vector<double> clicks;
     double lastLoud = -1;
     for (std::size_t at = 0; at + 1 < pcm.size(); at += 2) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ConversionInput.h"
+#include "engine/batch/OutputNaming.h"
 #include "engine/texts/ProcessorError.h"
 #include "engine/video/SBSVideoToSpatial.h"
 #include "tests/support/Clips.h"
@@ -94,12 +95,12 @@ TEST(Layouts, ofTheVideoStreamAreFollowed) {
 TEST(Layouts, ofOurOwnFilmsAreFollowed) {
     const TemporaryFolder folder;
     const auto spatial = test::drawStereo(folder / "spatial.mov", {192, 96, 6});
-    for (const SBSOutputFormat format : {SBSOutputFormat::mp4H264, SBSOutputFormat::mp4H265, SBSOutputFormat::movHEVC})
+    for (const SBSOutputFormat format : allSBSOutputFormats)
         for (const bool swapped : {false, true}) {
             ConversionSettings settings;
             settings.sbsOutputFormat = format;
             settings.swapLeftRight = swapped;
-            const auto sbs = folder / (format == SBSOutputFormat::movHEVC ? "sbs.mov" : "sbs.mp4");
+            const auto sbs = folder / outputName("film.mov", settings);
             test::toSBS(settings, spatial, sbs);
             test::expectHalves(sbs, 384, 96, swapped ? test::rightLuma : test::leftLuma,
                                swapped ? test::leftLuma : test::rightLuma);
@@ -109,7 +110,7 @@ TEST(Layouts, ofOurOwnFilmsAreFollowed) {
         }
 }
 
-TEST(Layouts, ofOurOwnHalfFilmsAreFollowedWhereTheStreamCanSayIt) {
+TEST(Layouts, ofOurOwnHalfFilmsAreFollowedWhereTheFormatCanSayIt) {
     const TemporaryFolder folder;
     const auto spatial = test::drawStereo(folder / "spatial.mov", {192, 96, 6});
     ConversionSettings settings;
@@ -125,6 +126,14 @@ TEST(Layouts, ofOurOwnHalfFilmsAreFollowedWhereTheStreamCanSayIt) {
         test::toSBS(settings, spatial, folder / "sbs.mp4");
         toSpatial({}, folder / "sbs.mp4", folder / "back.mov");
         expectViews(folder / "back.mov", 96, 96);
+        for (const SBSOutputFormat format : {SBSOutputFormat::mkvH264, SBSOutputFormat::mkvH265}) {
+            settings.sbsOutputFormat = format;
+            test::toSBS(settings, spatial, folder / "sbs.mkv");
+            test::expectHalves(folder / "sbs.mkv", 192, 96, swapped ? test::rightLuma : test::leftLuma,
+                               swapped ? test::leftLuma : test::rightLuma);
+            toSpatial({}, folder / "sbs.mkv", folder / "back.mov");
+            expectViews(folder / "back.mov", 192, 96);
+        }
     }
 }
 

@@ -35,13 +35,16 @@ TEST(SpatialVideoToSBS, putsTheLeftEyeOnTheLeftInEveryFormat) {
          std::vector<std::tuple<SBSOutputFormat, std::string, std::string, std::string>>{
              {SBSOutputFormat::mp4H264, "a.mp4", "h264", "isom"},
              {SBSOutputFormat::mp4H265, "b.mp4", "hevc", "isom"},
-             {SBSOutputFormat::movHEVC, "c.mov", "hevc", "qt  "}}) {
+             {SBSOutputFormat::movHEVC, "c.mov", "hevc", "qt  "},
+             {SBSOutputFormat::mkvH264, "d.mkv", "h264", "matroska"},
+             {SBSOutputFormat::mkvH265, "e.mkv", "hevc", "matroska"}}) {
         settings.sbsOutputFormat = format;
         toSBS(settings, input, folder / name);
         expectHalves(folder / name, 384, 108, leftLuma, rightLuma);
         EXPECT_EQ(test::decodeLuma(folder / name).frames.size(), 20u);
         EXPECT_THAT(test::ffprobe(folder / name, "stream=codec_name"), HasSubstr("codec_name=" + codec));
-        EXPECT_THAT(test::ffprobe(folder / name, "format_tags=major_brand"), HasSubstr("=" + container));
+        EXPECT_THAT(test::ffprobe(folder / name, "format=format_name:format_tags=major_brand"),
+                    HasSubstr("=" + container));
     }
 }
 

@@ -49,9 +49,10 @@ void writeMovie(const std::filesystem::path &file, Container container, const Vi
 TEST(MovieWriter, writesEveryFrameAtItsTime) {
     const TemporaryFolder folder;
     for (const VideoCodec codec : {VideoCodec::h264, VideoCodec::hevc})
-        for (const Container container : {Container::mpeg4, Container::quickTime})
+        for (const Container container : {Container::mpeg4, Container::quickTime, Container::matroska})
             for (const int frames : {1, 2, 40}) {
                 const auto file = folder / "out.mov";
+                const bool isMatroska = container == Container::matroska; // counts in milliseconds
                 writeMovie(file, container, encodingOf(codec, 160, 90), frames);
                 const auto decoded = test::decodeLuma(file);
                 ASSERT_EQ(decoded.frames.size(), static_cast<std::size_t>(frames));
@@ -61,9 +62,10 @@ TEST(MovieWriter, writesEveryFrameAtItsTime) {
                 const std::string times = test::ffprobe(file, "frame=pts");
                 EXPECT_EQ(times.substr(0, 6), "pts=0\n");
                 if (frames > 1) {
-                    EXPECT_NE(times.find("pts=20\n"), std::string::npos) << times;
+                    EXPECT_NE(times.find(isMatroska ? "pts=33\n" : "pts=20\n"), std::string::npos) << times;
                 }
-                EXPECT_NE(test::ffprobe(file, "stream=time_base").find("time_base=1/600"), std::string::npos);
+                EXPECT_NE(test::ffprobe(file, "stream=time_base").find(isMatroska ? "=1/1000" : "=1/600"),
+                          std::string::npos);
                 EXPECT_FALSE(std::filesystem::exists(PartialFile::nameFor(file)));
             }
 }
@@ -73,11 +75,13 @@ TEST(MovieWriter, showsExactlyTheFrameOfAnOddSize) {
     for (const VideoCodec codec : {VideoCodec::h264, VideoCodec::hevc})
         for (const auto &[width, height] : std::vector<std::pair<int, int>>{{161, 91}, {160, 91}, {161, 90}, {17, 5}}) {
             const auto file = folder / "odd.mp4";
-            writeMovie(file, Container::mpeg4, encodingOf(codec, width, height), 3);
-            const auto decoded = test::decodeLuma(file);
-            EXPECT_EQ(decoded.width, width);
-            EXPECT_EQ(decoded.height, height);
-            EXPECT_NEAR(decoded.mean(0, 0, 0, width, height), 40, 2);
+            for (const Container container : {Container::mpeg4, Container::matroska}) {
+                writeMovie(file, container, encodingOf(codec, width, height), 3);
+                const auto decoded = test::decodeLuma(file);
+                EXPECT_EQ(decoded.width, width);
+                EXPECT_EQ(decoded.height, height);
+                EXPECT_NEAR(decoded.mean(0, 0, 0, width, height), 40, 2);
+            }
         }
 }
 
@@ -116,18 +120,47 @@ TEST(MovieWriter, keepsWhatPeopleKeepFilmsForInBothContainers) {
     }
 }
 
+TEST(MovieWriter, keepsWhatPeopleKeepFilmsForInMatroskaToo) {
+    const TemporaryFolder folder;
+    const MovieTags tags{{"creation_time", "2024-05-17T10:11:12.000000Z"},
+                         {"com.apple.quicktime.make", "Camera Works"},
+                         {"com.apple.quicktime.location.ISO6709", "+35.6586+139.7454+040.000/"},
+                         {"title", "Première neige"}};
+    writeMovie(folder / "kept.mkv", Container::matroska, encodingOf(VideoCodec::h264, 64, 64), 2, tags);
+    const std::string seen = test::output({"mediainfo", "--Full", (folder / "kept.mkv").string()});
+    for (const char *part : {"2024-05-17 10:11:12", "Camera Works", "+35.6586+139.7454+040.000/", "Première neige"})
+        EXPECT_NE(seen.find(part), std::string::npos) << part << " is not in\n" << seen;
+    const MovieTags found = MovieFile(InputFile(folder / "kept.mkv")).tags();
+    writeMovie(folder / "again.mov", Container::quickTime, encodingOf(VideoCodec::h264, 64, 64), 2, found);
+    const std::string again = test::ffprobe(folder / "again.mov", "format_tags");
+    for (const char *part : {"creation_time=2024-05-17T10:11:12", "com.apple.quicktime.make=Camera Works",
+                             "com.apple.quicktime.location.ISO6709=+35.6586", "title=Première neige"})
+        EXPECT_NE(again.find(part), std::string::npos) << part << " is not in\n" << again;
+}
+
+TEST(MovieWriter, writesTheSameBytesInEveryRun) {
+    const TemporaryFolder folder;
+    for (const Container container : {Container::mpeg4, Container::quickTime, Container::matroska}) {
+        writeMovie(folder / "one", container, encodingOf(VideoCodec::h264, 64, 64), 5);
+        writeMovie(folder / "two", container, encodingOf(VideoCodec::h264, 64, 64), 5);
+        EXPECT_EQ(test::readFile(folder / "one"), test::readFile(folder / "two"));
+    }
+}
+
 TEST(MovieWriter, leavesAReadablePartialFileWhenItIsNeverFinished) {
     const TemporaryFolder folder;
-    {
-        test::MovieFileWriter writer(folder / "cut.mov", Container::quickTime, {});
-        writer.addVideo(encodingOf(VideoCodec::h264, 160, 90));
-        writer.start(600);
-        for (int frame = 0; frame < 600; ++frame)
-            writer.append(flatPicture(160, 90, 40 + frame % 100), frame * 20, 20);
+    for (const Container container : {Container::quickTime, Container::matroska}) {
+        {
+            test::MovieFileWriter writer(folder / "cut.mov", container, {});
+            writer.addVideo(encodingOf(VideoCodec::h264, 160, 90));
+            writer.start(600);
+            for (int frame = 0; frame < 600; ++frame)
+                writer.append(flatPicture(160, 90, 40 + frame % 100), frame * 20, 20);
+            EXPECT_FALSE(std::filesystem::exists(folder / "cut.mov"));
+        }
         EXPECT_FALSE(std::filesystem::exists(folder / "cut.mov"));
+        EXPECT_GT(test::decodeLuma(PartialFile::nameFor(folder / "cut.mov")).frames.size(), 60u);
     }
-    EXPECT_FALSE(std::filesystem::exists(folder / "cut.mov"));
-    EXPECT_GT(test::decodeLuma(PartialFile::nameFor(folder / "cut.mov")).frames.size(), 60u);
 }
 
 TEST(MovieWriter, removesThePartialFileWhenCancelled) {

@@ -22,30 +22,32 @@ struct Marked {
     StereoPacking packing;
 };
 
-constexpr int side = 64;
+constexpr int frameWidth = 96;
+constexpr int frameHeight = 64;
 
 /// Long enough for a second random access picture.
 void writeMovie(const std::filesystem::path &file, const Marked &marked, int frames = 260) {
     test::MovieFileWriter writer(file, marked.container, {});
     VideoEncoding encoding;
     encoding.codec = marked.codec;
-    encoding.width = side;
-    encoding.height = side;
+    encoding.width = frameWidth;
+    encoding.height = frameHeight;
     encoding.averageBitRate = 200'000;
     encoding.packing = marked.packing;
     writer.addVideo(encoding);
     writer.start(600);
     for (int frame = 0; frame < frames; ++frame)
-        writer.append(test::drawn(side, side, yuv420, [&](int, int x, int y) { return 60 + (x * y + frame) % 90; }),
-                      frame * 20, 20);
+        writer.append(
+            test::drawn(frameWidth, frameHeight, yuv420, [&](int, int x, int y) { return 60 + (x * y + frame) % 90; }),
+            frame * 20, 20);
     writer.finishVideo();
     writer.finish();
 }
 
-std::vector<Marked> everyMark() {
+std::vector<Marked> everyMark(const std::vector<Container> &containers = {Container::mpeg4, Container::quickTime}) {
     std::vector<Marked> all;
     for (const VideoCodec codec : {VideoCodec::h264, VideoCodec::hevc})
-        for (const Container container : {Container::mpeg4, Container::quickTime})
+        for (const Container container : containers)
             for (const Arrangement arrangement : {Arrangement::sideBySide, Arrangement::overUnder})
                 for (const bool rightFirst : {false, true})
                     for (const bool isHalf : {false, true})
@@ -125,17 +127,51 @@ TEST(PackingMarks, leaveTheShownShapeAlone) {
     }
 }
 
+TEST(PackingMarks, ofMatroskaSayEverything) {
+    const TemporaryFolder folder;
+    for (const Marked &marked : everyMark({Container::matroska})) {
+        writeMovie(folder / "out.mkv", marked, 5);
+        const VideoPackings found = readVideoPackings(InputFile(folder / "out.mkv"));
+        EXPECT_EQ(found.container, marked.packing);
+        EXPECT_EQ(found.stream, marked.packing);
+        EXPECT_EQ(test::decodeLuma(folder / "out.mkv").frames.size(), 5u);
+    }
+}
+
+TEST(PackingMarks, ofMatroskaAreSeenByOthers) {
+    const TemporaryFolder folder;
+    for (const Marked &marked : everyMark({Container::matroska})) {
+        const auto &[arrangement, rightFirst, isHalf] = marked.packing;
+        const bool over = arrangement == Arrangement::overUnder;
+        writeMovie(folder / "out.mkv", marked, 2);
+        EXPECT_THAT(test::ffprobe(folder / "out.mkv", "stream_side_data=type,inverted"),
+                    testing::AllOf(HasSubstr(over ? "type=top and bottom" : "type=side by side"),
+                                   HasSubstr(rightFirst ? "inverted=1" : "inverted=0")));
+        const std::string shape = !isHalf ? "=1:1" : over ? "=1:2" : "=2:1";
+        EXPECT_THAT(test::ffprobe(folder / "out.mkv", "stream=sample_aspect_ratio"), HasSubstr(shape));
+        const std::string report = test::output({"mediainfo", (folder / "out.mkv").string()});
+        EXPECT_THAT(line(report, "MultiView_Layout"),
+                    testing::AllOf(HasSubstr(over ? "Top-Bottom" : "Side by Side"),
+                                   HasSubstr(rightFirst ? "right eye first" : "left eye first")));
+        // The display size is that of one eye: a half one is as wide as the frame, or as high.
+        const std::string eye = isHalf ? "1.500" : over ? "3.000" : "0.750";
+        EXPECT_THAT(test::output({"mediainfo", "--Output=Video;%DisplayAspectRatio%", (folder / "out.mkv").string()}),
+                    HasSubstr(eye));
+    }
+}
+
 TEST(PackingMarks, areNoneWhereNothingIsSaid) {
     const TemporaryFolder folder;
     for (const VideoCodec codec : {VideoCodec::h264, VideoCodec::hevc}) {
         test::MovieFileWriter writer(folder / "out.mp4", Container::mpeg4, {});
         VideoEncoding encoding;
         encoding.codec = codec;
-        encoding.width = encoding.height = side;
+        encoding.width = frameWidth;
+        encoding.height = frameHeight;
         encoding.averageBitRate = 200'000;
         writer.addVideo(encoding);
         writer.start(600);
-        writer.append(test::drawn(side, side, yuv420, [](int, int, int) { return 90; }), 0, 20);
+        writer.append(test::drawn(frameWidth, frameHeight, yuv420, [](int, int, int) { return 90; }), 0, 20);
         writer.finishVideo();
         writer.finish();
         EXPECT_EQ(readVideoPackings(InputFile(folder / "out.mp4")), VideoPackings{});

@@ -71,7 +71,8 @@ TEST_F(MainForm, MenusHoldTheFormatsInOrder) {
             list << popup.itemText(i);
         return list.join(QLatin1Char('|')).toStdString();
     };
-    EXPECT_EQ(items(find<QComboBox>("formatPopup")), "MP4 (H.264)|MP4 (H.265/HEVC)|MOV (HEVC)");
+    EXPECT_EQ(items(find<QComboBox>("formatPopup")),
+              "MP4 (H.264)|MP4 (H.265/HEVC)|MOV (HEVC)|MKV (H.264)|MKV (H.265/HEVC)");
     EXPECT_EQ(items(find<QComboBox>("photoFormatPopup")), "JPEG|PNG|TIFF|HEIC");
     EXPECT_EQ(items(find<QComboBox>("resizeModePopup")),
               "Stretch to output size (ignore aspect ratio)|Preserve aspect ratio (center crop)|"
@@ -133,6 +134,8 @@ TEST_F(MainForm, ChecksAndMenusStoreTheirChoice) {
     EXPECT_TRUE(settings.halfWidth);
     find<QComboBox>("formatPopup").setCurrentIndex(2);
     EXPECT_EQ(settings.sbsOutputFormat, SBSOutputFormat::movHEVC);
+    find<QComboBox>("formatPopup").setCurrentIndex(4);
+    EXPECT_EQ(settings.sbsOutputFormat, SBSOutputFormat::mkvH265);
     find<QComboBox>("photoFormatPopup").setCurrentIndex(3);
     EXPECT_EQ(settings.sbsPhotoOutputFormat, SBSPhotoOutputFormat::heic);
     EXPECT_TRUE(slider("compressionSlider").isEnabled()) << "quality stays available for every format";
