@@ -34,6 +34,7 @@ struct ContentLight {
 struct LightLevels {
     std::optional<MasteringDisplay> mastering;
     std::optional<ContentLight> content;
+    bool changing = false; ///< also said scene by scene (Dolby Vision, HDR10+), which only readers tell of
     bool operator==(const LightLevels &) const = default;
 };
 

@@ -29,13 +29,14 @@ enum class WarningKind {
     tooFarBehind, ///< disparity of the far parts, in percent of the width of an eye
     tooNear,      ///< disparity of the near parts, in percent of the width of an eye (positive)
     // Notes, less important than warnings: what was not kept.
-    soundTracksLeft, ///< number of further sound tracks
-    subtitlesLeft,   ///< number of subtitle tracks
-    chaptersLeft,    ///< number of chapters
-    rotationLeft,    ///< rotation of the video, in degrees clockwise
-    depthReduced,    ///< bits per sample of the source, and of the output
-    encoderDepth,    ///< bits per sample of the output: the encoder codes no more
-    standardRange,   ///< the colours of an HDR source were converted
+    soundTracksLeft,  ///< number of further sound tracks
+    subtitlesLeft,    ///< number of subtitle tracks
+    chaptersLeft,     ///< number of chapters
+    rotationLeft,     ///< rotation of the video, in degrees clockwise
+    depthReduced,     ///< bits per sample of the source, and of the output
+    encoderDepth,     ///< bits per sample of the output: the encoder codes no more
+    standardRange,    ///< the colours of an HDR source were converted
+    dynamicRangeLeft, ///< what an HDR source says of each scene
     gainMapLeft,
     depthMapLeft,
     motionFilmLeft,
@@ -96,6 +97,8 @@ constexpr std::string_view rawValue(WarningKind kind) {
         return "encoderDepth";
     case WarningKind::standardRange:
         return "standardRange";
+    case WarningKind::dynamicRangeLeft:
+        return "dynamicRangeLeft";
     case WarningKind::gainMapLeft:
         return "gainMapLeft";
     case WarningKind::depthMapLeft:

@@ -58,6 +58,8 @@ std::string_view warningKey(WarningKind kind) {
         return "note.encoder.depth.format";
     case WarningKind::standardRange:
         return "note.standard.range";
+    case WarningKind::dynamicRangeLeft:
+        return "note.dynamic.range.left";
     case WarningKind::gainMapLeft:
         return "note.gain.map.left";
     case WarningKind::depthMapLeft:

@@ -107,6 +107,8 @@ RangeConversion VideoSource::rangeConversion(const media::LightLevels &levels, i
     RangeConversion conversion(isH264 || losesDepth, info.track.colour, levels, width, height);
     if (conversion.converts())
         warnings.add(WarningKind::standardRange);
+    else if (levels.changing)
+        warnings.add(WarningKind::dynamicRangeLeft);
     return conversion;
 }
 
@@ -117,6 +119,7 @@ media::LightLevels lightLevels(const VideoInfo &info, media::FrameReader &reader
         levels.mastering = first->levels.mastering;
     if (first && first->levels.content)
         levels.content = first->levels.content;
+    levels.changing = levels.changing || (first && first->levels.changing);
     return levels;
 }
 

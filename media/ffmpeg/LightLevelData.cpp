@@ -78,13 +78,19 @@ void attach(AVCodecParameters &parameters, AVPacketSideDataType type, Data *data
 } // namespace
 
 LightLevels lightLevels(const AVCodecParameters &parameters) {
-    return lightLevels(of<AVMasteringDisplayMetadata>(parameters, AV_PKT_DATA_MASTERING_DISPLAY_METADATA),
-                       of<AVContentLightMetadata>(parameters, AV_PKT_DATA_CONTENT_LIGHT_LEVEL));
+    LightLevels levels = lightLevels(of<AVMasteringDisplayMetadata>(parameters, AV_PKT_DATA_MASTERING_DISPLAY_METADATA),
+                                     of<AVContentLightMetadata>(parameters, AV_PKT_DATA_CONTENT_LIGHT_LEVEL));
+    levels.changing = of<char>(parameters, AV_PKT_DATA_DOVI_CONF) != nullptr;
+    return levels;
 }
 
 LightLevels lightLevels(const AVFrame &frame) {
-    return lightLevels(of<AVMasteringDisplayMetadata>(frame, AV_FRAME_DATA_MASTERING_DISPLAY_METADATA),
-                       of<AVContentLightMetadata>(frame, AV_FRAME_DATA_CONTENT_LIGHT_LEVEL));
+    LightLevels levels = lightLevels(of<AVMasteringDisplayMetadata>(frame, AV_FRAME_DATA_MASTERING_DISPLAY_METADATA),
+                                     of<AVContentLightMetadata>(frame, AV_FRAME_DATA_CONTENT_LIGHT_LEVEL));
+    for (const AVFrameSideDataType type :
+         {AV_FRAME_DATA_DYNAMIC_HDR_PLUS, AV_FRAME_DATA_DOVI_RPU_BUFFER, AV_FRAME_DATA_DOVI_METADATA})
+        levels.changing = levels.changing || of<char>(frame, type) != nullptr;
+    return levels;
 }
 
 void setLightLevels(AVCodecParameters &parameters, const LightLevels &levels) {

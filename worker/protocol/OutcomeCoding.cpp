@@ -49,6 +49,7 @@ std::string_view typesOf(WarningKind kind) {
     case WarningKind::depthReduced:
         return "dd";
     case WarningKind::standardRange:
+    case WarningKind::dynamicRangeLeft:
     case WarningKind::gainMapLeft:
     case WarningKind::depthMapLeft:
     case WarningKind::motionFilmLeft:

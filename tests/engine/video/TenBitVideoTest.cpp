@@ -3,6 +3,8 @@
 #include "engine/batch/OutputNaming.h"
 #include "engine/video/OutputDepth.h"
 #include "media/CodingDepth.h"
+#include "media/hevc/BitWriter.h"
+#include "media/hevc/FramePackingUnit.h"
 #include "tests/support/Clips.h"
 #include "tests/support/Conversions.h"
 #include "tests/support/SpatialMovie.h"
@@ -244,6 +246,47 @@ TEST(TenBitVideo, TakesTheLightLevelsOfTheContainer) {
     test::ffmpeg({"-i", (folder / "in.mp4").string(), "-c", "copy", (folder / "in.hevc").string()});
     toSpatial({}, folder / "in.hevc", folder / "out.mov");
     expectHdr10(folder / "out.mov");
+}
+
+/// A message of HDR10+ (SMPTE ST 2094-40, in ITU-T T.35) as a unit of its own: one window, and no curve.
+std::vector<std::uint8_t> dynamicRangeUnit() {
+    media::hevc::BitWriter writer;
+    constexpr std::uint32_t registered = 4; // ITU-T T.35
+    constexpr std::uint32_t bytes = 22;
+    constexpr std::uint32_t type = media::hevc::NalType::prefixInformation;
+    for (const std::uint32_t byte : {type << 1, 1u, registered, bytes, 0xB5u, 0u, 0x3Cu, 0u, 1u, 4u, 1u})
+        writer.bits(8, byte);
+    writer.bits(2, 1);    // windows
+    writer.bits(27, 400); // luminance of the target
+    writer.bits(1, 0);
+    for (int colour = 0; colour < 4; ++colour) // the brightest red, green and blue, and the mean of the brightest
+        writer.bits(17, 50'000);
+    writer.bits(4 + 10 + 3, 0);
+    writer.bits(5, 0); // to whole bytes
+    writer.bits(8, 0x80);
+    return media::hevc::withEmulationPrevention(writer.take());
+}
+
+TEST(TenBitVideo, SaysThatDynamicRangeIsLeft) {
+    SKIP_WITHOUT_TEN_BITS();
+    const TemporaryFolder folder;
+    draw(folder / "in.mp4", hdr10());
+    test::ffmpeg({"-i", (folder / "in.mp4").string(), "-c", "copy", (folder / "plain.hevc").string()});
+    EXPECT_THAT(toSpatial({}, folder / "plain.hevc", folder / "out.mov").notes, IsEmpty());
+    std::vector<std::uint8_t> stream = test::readFile(folder / "plain.hevc");
+    std::vector<std::uint8_t> unit;
+    media::hevc::appendAnnexB(unit, dynamicRangeUnit());
+    const std::size_t place = media::hevc::beforeFirstSlice(stream, media::hevc::Coding::hevc);
+    stream.insert(stream.begin() + static_cast<std::ptrdiff_t>(place), unit.begin(), unit.end());
+    test::writeFile(folder / "in.hevc", stream);
+    EXPECT_THAT(test::ffprobe(folder / "in.hevc", "frame_side_data"), HasSubstr("HDR Dynamic Metadata SMPTE2094-40"));
+    EXPECT_THAT(toSpatial({}, folder / "in.hevc", folder / "out.mov").notes,
+                ElementsAre("Its dynamic HDR data (Dolby Vision, HDR10+) is left out."));
+    ConversionSettings settings;
+    settings.bitDepth = BitDepth::eight;
+    EXPECT_THAT(toSpatial(settings, folder / "in.hevc", folder / "out.mov").notes,
+                testing::Not(testing::Contains(HasSubstr("HDR10+"))))
+        << "standard range needs none";
 }
 
 TEST(TenBitVideo, KeepsTheTagsOfHlg) {
