@@ -84,6 +84,8 @@ std::optional<WindowPlace> windowOfVideo(hevc::BitReader &reader) {
 } // namespace
 
 std::optional<std::vector<std::uint8_t>> withConformanceWindow(hevc::NalBytes unit, int width, int height) {
+    if (unit.size() <= hevc::nalHeaderBytes)
+        return std::nullopt;
     hevc::BitReader reader(unit);
     const auto place = hevc::nalType(unit) == hevc::NalType::video ? windowOfVideo(reader) : windowOfSequence(reader);
     const auto shownWidth = static_cast<std::uint32_t>(width);
