@@ -17,7 +17,10 @@ QString directionName(ConversionDirection direction) {
 LaunchOptions launchOptions(const QStringList &arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Converts stereoscopic videos and photos in a window."));
-    const QCommandLineOption help = parser.addHelpOption(), version = parser.addVersionOption();
+    // Not Qt's own help option, which comes with "--help-all".
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Prints this text."));
+    parser.addOption(help);
+    const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption direction(QStringLiteral("direction"), QStringLiteral("spatialToSBS or sbsToSpatial."),
                                        QStringLiteral("DIRECTION"));
     parser.addOption(direction);

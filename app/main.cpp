@@ -13,10 +13,10 @@
 
 namespace {
 
-/// Prints the help, the version or an error. Returns the exit status.
+/// Prints the help, the version or an error. Returns the exit status: 1 if the output cannot be written.
 int printInstead(const lumetwin::LaunchOptions &options) {
     if (options.error.isEmpty())
-        return std::fputs(options.output.toLocal8Bit().constData(), stdout) < 0 ? 1 : 0;
+        return std::fputs(options.output.toLocal8Bit().constData(), stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
     std::fprintf(stderr, "lumetwin: %s\nTry 'lumetwin --help'.\n", options.error.toLocal8Bit().constData());
     return 2;
 }
