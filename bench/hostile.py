@@ -13,6 +13,7 @@ import os
 import pathlib
 import random
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -23,8 +24,8 @@ from measure import BATCH, tool
 
 FILES_OF_A_BATCH = 50
 LARGEST_SAMPLE = 2 << 20
-PHOTOS = {".heic", ".heif", ".jpg", ".jpeg", ".png", ".tif", ".tiff"}
-FILMS = {".mov", ".mp4", ".m4v", ".mkv", ".avi", ".hevc"}
+PHOTOS = {".heic", ".heif", ".jpg", ".jpeg", ".png", ".tif", ".tiff", ".mpo"}
+FILMS = {".mov", ".mp4", ".m4v", ".mkv", ".avi", ".hevc", ".ts", ".m2ts", ".wmv"}
 FAILED_PROCESSES = ("failed: stopped by signal", "failed: it ended early", "failed: its answer", "failed: nothing was heard",
                     "tried once more")
 
@@ -47,16 +48,32 @@ def convert(direction, source, output, *words):
                           capture_output=True)
 
 
+def multi_picture(first, second):
+    """Two JPEG files as one with an index of its pictures (CIPA DC-007): the eyes of a stereo camera."""
+    stereo, entries_at, length = 0x020002, 50, 82  # the kind of picture; bytes from the header of the index
+    marker = b"\xff\xe2" + (2 + 4 + length).to_bytes(2, "big") + b"MPF\0"
+    begin = len(marker) + 2  # of the header, from the file's
+    entries = struct.pack("<IIIHHIIIHH", stereo, len(first) + len(marker) + length, 0, 0, 0,
+                          stereo, len(second), len(first) + len(marker) + length - begin, 0, 0)
+    index = struct.pack("<2sHIHHHI4sHHIIHHIII", b"II", 42, 8, 3, 0xB000, 7, 4, b"0100", 0xB001, 4, 1, 2,
+                        0xB002, 7, len(entries), entries_at, 0) + entries
+    assert len(index) == length
+    return first[:2] + marker + index + first[2:] + second
+
+
 def drawn(folder):
     """Small files of all kinds, side by side and spatial."""
     folder.mkdir()
     sound = ("-f", "lavfi", "-i", "sine=duration=1", "-c:a", "aac", "-shortest")
     picture = ("-f", "lavfi", "-i", "testsrc2=size=256x96:rate=15:duration=1")
-    for name, codec in (("h264.mp4", "libx264"), ("hevc.mov", "libx265"), ("mpeg4.avi", "mpeg4"), ("h264.mkv", "libx264")):
-        encoder = ("-c:v", codec) if codec != "mpeg4" else ("-c:v", "libx264")
-        ffmpeg(*picture, *sound, *encoder, folder / name)
+    for name, *words in (("h264.mp4", "libx264"), ("hevc.mov", "libx265"), ("mpeg4.avi", "mpeg4"), ("h264.mkv", "libx264"),
+                         ("h264.ts", "libx264"), ("h264.m2ts", "libx264", "-mpegts_m2ts_mode", "1"),
+                         ("wmv2.wmv", "wmv2", "-c:a", "wmav2")):
+        ffmpeg(*picture, *sound, "-c:v", *words, folder / name)
     for name in ("picture.jpg", "picture.png", "picture.tif"):
         subprocess.run(["convert", "-seed", "7", "-size", "256x96", "plasma:tomato-navy", str(folder / name)], check=True)
+    eye = (folder / "picture.jpg").read_bytes()
+    (folder / "camera.mpo").write_bytes(multi_picture(eye, eye))
     for name in ("h264.mp4", "picture.jpg"):
         convert("sbsToSpatial", folder / name, folder)
     return sorted(folder.iterdir())
