@@ -26,9 +26,23 @@ constexpr std::array<Fraction, 14> commonRates{{{24000, 1001},
                                                 {120000, 1001},
                                                 {120, 1},
                                                 {240, 1}}};
-constexpr double commonRateTolerance = 0.005;
+constexpr double rateTolerance = 0.005;
 // If the tick is one frame, a difference of one tick is a missing frame. If ticks are finer than this, it is rounding.
 constexpr std::int64_t roundedTicks = 4;
+
+double distance(const Fraction &rate, const Fraction &other) {
+    return std::abs(rate.value() / other.value() - 1);
+}
+
+bool isNear(const Fraction &rate, const Fraction &other) {
+    return distance(rate, other) <= rateTolerance;
+}
+
+std::optional<Fraction> commonRateNear(const Fraction &rate) {
+    const auto from = [&](const Fraction &common) { return distance(rate, common); };
+    const auto nearest = std::ranges::min_element(commonRates, {}, from);
+    return rate && isNear(rate, *nearest) ? std::optional(*nearest) : std::nullopt;
+}
 
 /// Frames divided by ticks, as frames per second.
 Fraction perSecond(std::int64_t frames, std::int64_t ticks, const Fraction &tick) {
@@ -78,27 +92,38 @@ bool liesOnGrid(const FrameTimes &times, const Run &run) {
     return true;
 }
 
+/// Whether a run differs from equal durations at a rate only by the rounding of its times.
+bool isRounded(const Run &run, const Fraction &rate, const Fraction &tick) {
+    const double ticks = static_cast<double>(run.frames) / rate.value() / tick.value();
+    return std::abs(ticks - static_cast<double>(run.ticks)) <= 2;
+}
+
+/// A common rate near the exact one. Where there is none: a whole number of frames a second that is as near and differs
+/// by rounding only (15 in milliseconds is 15.005 or so), otherwise the exact rate.
+Fraction rateOf(const Run &run, const Fraction &exact, const Fraction &tick, bool isConstant) {
+    if (const auto common = commonRateNear(exact))
+        return *common;
+    const Fraction whole{std::llround(exact.value()), 1};
+    const bool taken = isConstant && whole && isNear(exact, whole) && isRounded(run, whole, tick);
+    return taken ? whole : exact;
+}
+
 FramePace pace(const FrameTimes &times, const Run &run, bool isConstant) {
     FramePace result;
     result.isConstant = isConstant;
     const Fraction exact = perSecond(run.frames, run.ticks, times.tick);
     if (!exact)
         return result;
-    result.rate = nearestCommonRate(exact);
-    result.frameDuration = 1 / exact.value();
-    // If the rate differs from a common rate only by rounding, it is that rate.
-    const double ticks = static_cast<double>(run.frames) / result.rate.value() / times.tick.value();
-    if (std::abs(ticks - static_cast<double>(run.ticks)) <= 2)
-        result.frameDuration = 1 / result.rate.value();
+    result.rate = rateOf(run, exact, times.tick, isConstant);
+    // If the rate differs from that one only by rounding, it is that rate.
+    result.frameDuration = 1 / (isRounded(run, result.rate, times.tick) ? result.rate : exact).value();
     return result;
 }
 
 } // namespace
 
 Fraction nearestCommonRate(Fraction rate) {
-    const auto distance = [&](const Fraction &common) { return std::abs(rate.value() / common.value() - 1); };
-    const auto nearest = std::ranges::min_element(commonRates, {}, distance);
-    return rate && distance(*nearest) <= commonRateTolerance ? *nearest : rate;
+    return commonRateNear(rate).value_or(rate);
 }
 
 FramePace framePace(const FrameTimes &times) {
