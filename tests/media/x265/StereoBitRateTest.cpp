@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -29,24 +30,26 @@ struct Shot {
     bool still = false;
 };
 
-int sampleAt(const Shot &shot, int frame, bool right, int x, int y, int grain) {
-    const double size = 0.05 + 0.03 * shot.pattern;
-    const double wave = std::sin((x + frame * shot.pattern + (right ? 6 : 0)) * size) + std::cos((y + frame) * size);
-    return static_cast<int>(126 + 40 * wave) + grain;
-}
-
 Picture draw(const Shot &shot, int frame, bool right) {
     Picture picture = makePicture(width, height, yuv420);
+    for (int plane = 1; plane < 3; ++plane)
+        for (int y = 0; y < picture.planeHeight(plane); ++y)
+            std::fill_n(picture.planes[plane].data + y * picture.planes[plane].stride, picture.planeWidth(plane), 128);
     const int shown = shot.still ? 0 : frame;
     std::minstd_rand random(static_cast<unsigned>(shown * 2 + right + 1000 * shot.pattern));
-    for (int plane = 0; plane < 3; ++plane)
-        for (int y = 0; y < picture.planeHeight(plane); ++y)
-            for (int x = 0; x < picture.planeWidth(plane); ++x) {
-                std::uint8_t &sample = picture.planes[plane].data[y * picture.planes[plane].stride + x];
-                const int grain = static_cast<int>(random() % static_cast<unsigned>(2 * shot.grain + 1)) - shot.grain;
-                const int luma = shot.pattern == 0 ? 16 : sampleAt(shot, shown, right, x, y, grain);
-                sample = static_cast<std::uint8_t>(plane == 0 ? luma : 128);
-            }
+    const double size = 0.05 + 0.03 * shot.pattern;
+    std::array<double, width> across{};
+    for (int x = 0; x < width; ++x)
+        across.at(static_cast<std::size_t>(x)) = std::sin((x + shown * shot.pattern + (right ? 6 : 0)) * size);
+    for (int y = 0; y < height; ++y) {
+        std::uint8_t *row = picture.planes[0].data + y * picture.planes[0].stride;
+        const double down = std::cos((y + shown) * size);
+        for (int x = 0; x < width; ++x) {
+            const int grain = static_cast<int>(random() % static_cast<unsigned>(2 * shot.grain + 1)) - shot.grain;
+            const double wave = across[static_cast<std::size_t>(x)] + down;
+            row[x] = static_cast<std::uint8_t>(shot.pattern == 0 ? 16 : static_cast<int>(126 + 40 * wave) + grain);
+        }
+    }
     return picture;
 }
 

@@ -31,15 +31,19 @@ StereoFormat formatOf(int width, int height, std::int64_t bitRate = 1'000'000) {
 Picture scene(int width, int height, int frame, bool right, int noise = 6) {
     Picture picture = makePicture(width, height, yuv420);
     std::minstd_rand random(static_cast<unsigned>(frame * 2 + right + 1));
+    std::vector<double> across;
+    for (int x = 0; x < width; ++x)
+        across.push_back(std::sin((x + frame * 2 + (right ? 6 : 0)) * 0.11));
     for (int plane = 0; plane < 3; ++plane)
-        for (int y = 0; y < picture.planeHeight(plane); ++y)
+        for (int y = 0; y < picture.planeHeight(plane); ++y) {
+            const double down = std::cos(y * 0.13 + frame * 0.05);
             for (int x = 0; x < picture.planeWidth(plane); ++x) {
-                const double wave =
-                    std::sin((x + frame * 2 + (right ? 6 : 0)) * 0.11) + std::cos(y * 0.13 + frame * 0.05);
+                const double wave = across[static_cast<std::size_t>(x)] + down;
                 const int grain = static_cast<int>(random() % static_cast<unsigned>(2 * noise + 1)) - noise;
                 picture.planes[plane].data[y * picture.planes[plane].stride + x] =
                     static_cast<std::uint8_t>(plane == 0 ? 126 + 40 * wave + grain : 128 + 10 * wave);
             }
+        }
     return picture;
 }
 

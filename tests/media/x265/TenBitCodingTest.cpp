@@ -28,13 +28,19 @@ constexpr int deepHeight = 96;
 /// One plane of a view, 0 to 1023: smooth waves that move, with two bits of grain.
 Samples plane(int view, int frame, int columns, int rows, int mean) {
     Samples samples;
+    samples.reserve(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
     unsigned hash = static_cast<unsigned>(frame * 2 + view) * 747796405U + 2891336453U;
-    for (int y = 0; y < rows; ++y)
+    std::vector<double> across;
+    for (int x = 0; x < columns; ++x)
+        across.push_back(std::sin((x + 3 * frame + 7 * view) * 0.09));
+    for (int y = 0; y < rows; ++y) {
+        const double down = std::cos((y + frame) * 0.12);
         for (int x = 0; x < columns; ++x) {
             hash = hash * 1664525U + 1013904223U;
-            const double wave = std::sin((x + 3 * frame + 7 * view) * 0.09) + std::cos((y + frame) * 0.12);
+            const double wave = across[static_cast<std::size_t>(x)] + down;
             samples.push_back(static_cast<std::uint16_t>(mean + 150 * wave + (hash >> 30)));
         }
+    }
     return samples;
 }
 
