@@ -18,6 +18,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace lumetwin::test {
@@ -113,6 +114,8 @@ template <typename Condition> bool waitUntil(Condition holds) {
             return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        // Without events processEvents returns at once, whatever its time: leave the processor to what is waited for.
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
 }
