@@ -321,7 +321,8 @@ private:
         if (isBlank(picture.toImage()))
             qFatal("%s is blank", name);
         const QString file = QDir(folder_).filePath(QLatin1String(name) + QStringLiteral(".png"));
-        if (!picture.save(file))
+        constexpr int compressed = 85; // a little: zlib's level 1
+        if (!picture.save(file, nullptr, compressed))
             qFatal("cannot write %s", qPrintable(file));
     }
 
