@@ -5,8 +5,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
-from hands import user
-from keyboard_test import MAXIMUM_STEPS, focused
+from keyboard_test import MAXIMUM_STEPS, focused, press_until_focus_moves
 from screen_reader import everything_below, has, role_of, wait_for
 from window_test import run_tests
 
@@ -15,8 +14,8 @@ MENUS = {"menu bar", "menu", "menu item"}
 
 def controls(program):
     """The controls that can have the keyboard focus now, without the menu."""
-    return [thing for thing in program.shown() if role_of(thing) not in MENUS
-            and has(thing, Atspi.StateType.FOCUSABLE) and has(thing, Atspi.StateType.SENSITIVE)]
+    return [thing for thing, states, role in program.shown() if role not in MENUS
+            and states.contains(Atspi.StateType.FOCUSABLE) and states.contains(Atspi.StateType.SENSITIVE)]
 
 
 def identity(thing):
@@ -69,18 +68,12 @@ def comes_after(later, earlier):
     return later.y >= earlier.y + earlier.height
 
 
-def next_focus(program):
-    before = focused(program)
-    user.press_key("Tab")
-    return wait_for("the next focus", lambda: (now := focused(program)) != before and now)
-
-
 def check_tab_order(program, found, last):
     """The Tab key stops once at each control, in reading order; in a group of radio buttons at the checked one."""
     places = {identity(thing): extents(thing) for thing in found
               if role_of(thing) != "radio button" or has(thing, Atspi.StateType.CHECKED)}
-    stops = [next_focus(program)]
-    while len(stops) < MAXIMUM_STEPS and (step := next_focus(program)) != stops[0]:
+    stops = [press_until_focus_moves(program, "Tab", focused(program))]
+    while len(stops) < MAXIMUM_STEPS and (step := press_until_focus_moves(program, "Tab", stops[-1])) != stops[0]:
         stops.append(step)
     first = min(stops, key=lambda stop: (places[stop].y, places[stop].x))
     start = stops.index(first)

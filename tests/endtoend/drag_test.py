@@ -5,7 +5,7 @@ import pathlib
 import subprocess
 import sys
 
-from hands import run, user
+from hands import user
 from screen_reader import wait_for
 from services_test import Services
 from window_test import run_tests
@@ -76,9 +76,7 @@ class Target:
     def colour(self):
         """The background colour beside the text, on the screen."""
         x, y, width, height = self.area()
-        picture = self.scene.folder / "screen.png"
-        user.take_screenshot(picture)
-        return tuple(run("convert", picture, "-crop", f"1x1+{x + width - 12}+{y + height // 2}", "-depth", 8, "rgb:-"))
+        return user.colour_at(x + width - 12, y + height // 2)
 
     def wait_colour(self, colour):
         wait_for(f"the colour {colour} of “{self.name}”", lambda: self.colour() == colour)

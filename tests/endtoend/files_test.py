@@ -2,7 +2,7 @@
 """A folder of twelve mixed files in the panel of files, with the keyboard only: look through them, take one out, swap
 the eyes, convert, read the results, convert again what failed."""
 from hands import user
-from keyboard_test import focused, tab_to
+from keyboard_test import focused, press_until_focus_moves, tab_to
 from screen_reader import everything_below, role_of, wait_for
 from window_test import run_tests
 
@@ -38,12 +38,11 @@ def wait_for_row(program, name, words):
 
 def go_to_row(program, name):
     """Walks to a row with the arrow keys. Each row that gets the focus is also shown in the preview."""
+    now = focused(program)
     for _ in range(20):
-        before = focused(program)
-        if before[0] == "list item" and before[1].startswith(f"{name}, "):
+        if now[0] == "list item" and now[1].startswith(f"{name}, "):
             return
-        user.press_key("Down" if before[0] == "list item" else "Tab")
-        wait_for("the next focus", lambda: focused(program) != before)  # noqa: B023
+        now = press_until_focus_moves(program, "Down" if now[0] == "list item" else "Tab", now)
     raise AssertionError(f"the keys never reached {name}")
 
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Simulated input of a user and screenshots, in an X server and in a Wayland session."""
+"""Simulated input of a user and colours of the screen, in an X server and in a Wayland session."""
 import atexit
 import json
 import os
@@ -49,8 +49,9 @@ class X11User:
         """x, y, width, height on the screen of a control."""
         return extents(thing)
 
-    def take_screenshot(self, picture):
-        run("import", "-silent", "-window", "root", picture)
+    def colour_at(self, x, y):
+        """The red, green and blue of a place on the screen, 0 to 255."""
+        return tuple(run("import", "-silent", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", 8, "rgb:-"))
 
 
 class WaylandUser:
@@ -92,8 +93,9 @@ class WaylandUser:
         x, y, width, height = extents(thing)
         return left + x, top + y, width, height
 
-    def take_screenshot(self, picture):
-        run("grim", picture)
+    def colour_at(self, x, y):
+        # A portable pixmap of one pixel ends with its three samples.
+        return tuple(run("grim", "-t", "ppm", "-g", f"{x},{y} 1x1", "-")[-3:])
 
 
 user = WaylandUser() if "WAYLAND_DISPLAY" in os.environ else X11User()

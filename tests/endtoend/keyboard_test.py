@@ -8,7 +8,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
 from hands import user
-from screen_reader import has, role_of, wait_for
+from screen_reader import has, wait_for
 from window_test import run_tests
 
 MAXIMUM_STEPS = 40  # more than the number of controls
@@ -18,24 +18,28 @@ def focused(program):
     """(role, name) of the focused control. When a group passes its focus to a control inside, this is that control."""
     def find_focus():
         found = None
-        for thing in program.shown():
+        for thing, states, role in program.shown():
             # Qt reports the current item of a list as focused even when the list has not the focus.
-            is_item = role_of(thing) == "list item"
-            if has(thing, Atspi.StateType.FOCUSED) and not (is_item and not has(thing.get_parent(),
-                                                                                Atspi.StateType.FOCUSED)):
-                found = role_of(thing), thing.get_name()
+            if states.contains(Atspi.StateType.FOCUSED) and not (role == "list item" and not has(thing.get_parent(),
+                                                                                               Atspi.StateType.FOCUSED)):
+                found = role, thing.get_name()
         return found
     return wait_for("a focus", find_focus)
 
 
+def press_until_focus_moves(program, key, before):
+    """Presses a key, and returns what has the focus then."""
+    user.press_key(key)
+    return wait_for("the next focus", lambda: (now := focused(program)) != before and now)
+
+
 def tab_to(program, role, name):
     """Presses the Tab key until that control has the focus."""
+    now = focused(program)
     for _ in range(MAXIMUM_STEPS):
-        before = focused(program)
-        if before == (role, name):
+        if now == (role, name):
             return
-        user.press_key("Tab")
-        wait_for("the next focus", lambda: focused(program) != before)  # noqa: B023
+        now = press_until_focus_moves(program, "Tab", now)
     raise AssertionError(f"the Tab key never reached {role} “{name}”")
 
 

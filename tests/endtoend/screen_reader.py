@@ -44,21 +44,29 @@ def everything_below(thing):
 
 
 def visible_below(thing):
-    """All visible controls below. Nothing is asked about what lies in an invisible one: each question takes time."""
+    """All visible controls below, with their states. Each question takes time: none is asked twice, and none about what
+    lies in an invisible control."""
     for index in range(thing.get_child_count()):
         child = thing.get_child_at_index(index)
-        if child is not None and has(child, Atspi.StateType.SHOWING):
-            yield child
+        if child is None:
+            continue
+        states = child.get_state_set()
+        if states.contains(Atspi.StateType.SHOWING):
+            yield child, states
             yield from visible_below(child)
 
 
 def shown_below(thing):
-    """The same, as a screen reader finds them: without the items of combo boxes."""
+    """The same with their roles, as a screen reader finds them: without the items of combo boxes."""
     for index in range(thing.get_child_count()):
         child = thing.get_child_at_index(index)
-        if child is not None and has(child, Atspi.StateType.SHOWING):
-            yield child
-            if role_of(child) != "combo box":
+        if child is None:
+            continue
+        states = child.get_state_set()
+        if states.contains(Atspi.StateType.SHOWING):
+            role = role_of(child)
+            yield child, states, role
+            if role != "combo box":
                 yield from shown_below(child)
 
 
@@ -83,14 +91,14 @@ class Program:
         return [window for window in each if window]
 
     def shown(self):
-        """The visible controls of all windows now."""
+        """The visible controls of all windows now, with their states and roles."""
         self.root.clear_cache()
-        return [thing for window in self.windows() for thing in shown_below(window)]
+        return [found for window in self.windows() for found in shown_below(window)]
 
     def find(self, role, name, within=None):
         """The visible control with that role and name, or None. name=None means any name."""
         self.root.clear_cache()
-        for thing in visible_below(within or self.root):
+        for thing, _ in visible_below(within or self.root):
             if role_of(thing) == role and name in (None, thing.get_name()):
                 return thing
         return None
@@ -102,7 +110,7 @@ class Program:
         """Waits until the text is shown anywhere."""
         def shown():
             self.root.clear_cache()
-            return any(words in (thing.get_name() or "") for thing in visible_below(self.root))
+            return any(words in (thing.get_name() or "") for thing, _ in visible_below(self.root))
         wait_for(f"the text “{words}”", shown)
 
     def press(self, role, name, within=None):
@@ -126,11 +134,11 @@ class Program:
     def type_into(self, field, words):
         Atspi.EditableText.set_text_contents(field.get_editable_text_iface(), words)
 
-    def is_full(self, name):
-        """Whether the progress bar of that name is full."""
-        bar = self.find("progress bar", name)
-        value = bar.get_value_iface() if bar else None
-        return value and Atspi.Value.get_current_value(value) == Atspi.Value.get_maximum_value(value)
+    def wait_until_full(self, name):
+        """Waits until the progress bar of that name is full. Only the bar itself is asked for its progress."""
+        value = self.wait("progress bar", name).get_value_iface()
+        wait_for(f"a full bar “{name}”",
+                 lambda: Atspi.Value.get_current_value(value) == Atspi.Value.get_maximum_value(value))
 
     def checked(self, role, name):
         return has(self.wait(role, name), Atspi.StateType.CHECKED)

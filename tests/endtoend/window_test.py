@@ -30,7 +30,7 @@ class Scene:
         self.output = folder / "out"
         self.output.mkdir()
         self.clip = folder / "clip.mp4"
-        self.draw(self.clip, 60)
+        self.draw(self.clip, 20)
         self.install_fake_browser()
 
     def install_fake_browser(self):
@@ -111,7 +111,7 @@ def convert_there_and_back(scene):
     assert program.checked("radio button", scene["direction.sbs.to.spatial"])
     scene.choose_output(program)
     program.press("push button", scene["button.start.conversion"])
-    wait_for("a full bar", lambda: program.is_full(scene["spoken.overall.progress"]))
+    program.wait_until_full(scene["spoken.overall.progress"])
     scene.close_result(program, scene["alert.conversion.success"])
     assert scene.output_names() == ["clip_spatial.mov"], scene.output_names()
     words = scene.run(scene.options.batch, "inspect", scene.output / "clip_spatial.mov").decode()
