@@ -138,7 +138,7 @@ std::filesystem::path draw(const std::filesystem::path &file, const FlashClip &c
     std::vector<std::string> command{"-f",
                                      "lavfi",
                                      "-i",
-                                     "color=black:s=192x96:r=100",
+                                     "color=black:s=128x64:r=100",
                                      "-f",
                                      "s16le",
                                      "-ar",
