@@ -67,7 +67,7 @@ template <typename Data> const Data *of(const AVFrame &frame, AVFrameSideDataTyp
 }
 
 template <typename Data>
-void attach(AVCodecParameters &parameters, AVPacketSideDataType type, Data *data, std::size_t size) {
+void attachData(AVCodecParameters &parameters, AVPacketSideDataType type, Data *data, std::size_t size) {
     if (!data ||
         !av_packet_side_data_add(&parameters.coded_side_data, &parameters.nb_coded_side_data, type, data, size, 0)) {
         av_free(data);
@@ -112,7 +112,7 @@ void setLightLevels(AVCodecParameters &parameters, const LightLevels &levels) {
                                    luminanceUnits};
             data->has_primaries = data->has_luminance = 1;
         }
-        attach(parameters, AV_PKT_DATA_MASTERING_DISPLAY_METADATA, data, size);
+        attachData(parameters, AV_PKT_DATA_MASTERING_DISPLAY_METADATA, data, size);
     }
     if (levels.content) {
         AVContentLightMetadata *data = av_content_light_metadata_alloc(&size);
@@ -120,7 +120,7 @@ void setLightLevels(AVCodecParameters &parameters, const LightLevels &levels) {
             data->MaxCLL = levels.content->highest;
             data->MaxFALL = levels.content->average;
         }
-        attach(parameters, AV_PKT_DATA_CONTENT_LIGHT_LEVEL, data, size);
+        attachData(parameters, AV_PKT_DATA_CONTENT_LIGHT_LEVEL, data, size);
     }
 }
 
