@@ -205,7 +205,7 @@ TEST_F(FilmPreview, ofASpatialFilm) {
 
 TEST_F(FilmPreview, oneEyeOfALargeSpatialFilmComesSooner) {
     writeSpatialFilm("small.mov");
-    writeSpatialFilm("large.mov", 4096, 2880, 2);
+    writeSpatialFilm("large.mov", 4096, 2880, 1);
     request.maximumWidth = request.maximumHeight = 100;
     for (const bool isLarge : {false, true})
         for (const PreviewDetail detail : {PreviewDetail::soon, PreviewDetail::near, PreviewDetail::exact}) {
