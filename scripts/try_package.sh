@@ -28,7 +28,7 @@ files() {
 }
 
 say "making a clean tree"
-mmdebstrap --quiet --variant=apt --skip=cleanup/apt/lists --include=xvfb,xauth,x11-utils,procps,shared-mime-info,desktop-file-utils "$suite" "$tree"
+mmdebstrap --quiet --variant=apt --skip=cleanup/apt/lists --include=passwd,xvfb,xauth,x11-utils,procps,shared-mime-info,desktop-file-utils "$suite" "$tree"
 mount --bind /proc "$tree/proc"
 mount --bind /dev "$tree/dev"
 cp /etc/resolv.conf "$tree/etc/resolv.conf"

@@ -92,7 +92,8 @@ std::string warningText(const Warning &warning) {
     fmt::dynamic_format_arg_store<fmt::printf_context> values;
     for (const Warning::Value &value : warning.values)
         std::visit([&](const auto &held) { values.push_back(held); }, value);
-    return fmt::vsprintf(text(warningKey(warning.kind)), fmt::basic_format_args<fmt::printf_context>(values));
+    const std::string format = text(warningKey(warning.kind));
+    return fmt::vsprintf(fmt::string_view(format), fmt::basic_format_args<fmt::printf_context>(values));
 }
 
 } // namespace lumetwin
