@@ -4,7 +4,7 @@
 # ./run and ./test source this file.
 
 packages_build=(
-    build-essential cmake ninja-build pkg-config nasm git ca-certificates xz-utils patch dpkg-dev python3
+    build-essential cmake ninja-build pkg-config nasm git ca-certificates xz-utils patch dpkg-dev file python3
     libx264-dev libdav1d-dev libzimg-dev librubberband-dev libfmt-dev nlohmann-json3-dev zlib1g-dev libbrotli-dev
     liblcms2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libseccomp-dev libpugixml-dev libutfcpp-dev
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev libxkbcommon-dev libvulkan-dev
@@ -18,7 +18,7 @@ packages_test=(
     libgtest-dev libgmock-dev libbenchmark-dev lld ffmpeg mediainfo libimage-exiftool-perl
     libheif-examples imagemagick gettext desktop-file-utils appstream xvfb xauth xdotool openbox
     dbus-x11 at-spi2-core gir1.2-atspi-2.0 gir1.2-gtk-3.0 python3-gi sway grim wtype
-    man-db x11-utils libxml2-utils python3-yaml file shared-mime-info zsh fish
+    man-db x11-utils libxml2-utils python3-yaml shared-mime-info zsh fish
 )
 
 # missing_packages NAME…: prints the packages that are not installed.
