@@ -185,11 +185,11 @@ TEST(MovieWriter, namesTheOutputAndTheCauseWhenItCannotBegin) {
     }
 }
 
-TEST(MovieWriter, reportsAFullDisk) {
+void expectFullDiskReported(Container container) {
     const TemporaryFolder folder;
     // /dev/full takes nothing: what a full disk does at the first write.
     std::filesystem::create_symlink("/dev/full", PartialFile::nameFor(folder / "out.mp4"));
-    test::MovieFileWriter writer(folder / "out.mp4", Container::mpeg4, {});
+    test::MovieFileWriter writer(folder / "out.mp4", container, {});
     writer.addVideo(encodingOf(VideoCodec::h264, 160, 90));
     try {
         writer.start(600);
@@ -202,6 +202,11 @@ TEST(MovieWriter, reportsAFullDisk) {
         EXPECT_STREQ(error.what(), "Cannot write out.mp4: No space left on device");
     }
     EXPECT_FALSE(std::filesystem::exists(folder / "out.mp4"));
+}
+
+TEST(MovieWriter, reportsAFullDisk) {
+    for (const Container container : {Container::mpeg4, Container::matroska})
+        expectFullDiskReported(container);
 }
 
 TEST(MovieWriter, refusesSizesThatNoPlayerShows) {
